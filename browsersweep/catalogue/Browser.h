@@ -1,0 +1,46 @@
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string_view>
+
+#include "browsersweep/Export.h"
+
+namespace browsersweep {
+
+/** The supported browsers: the shared identity of a browser throughout the library. */
+enum class Browser {
+    quenbySecureBrowser,
+    tarrowSecureBrowser,
+    brave,
+    chromium,
+    firefox,
+    googleChrome,
+    microsoftEdge,
+    orvo,
+    brellisPrivateBrowser,
+    opera,
+    safari,
+    vivaldi,
+    yandexBrowser,
+};
+
+/** Every browser, in the order of declaration. */
+inline constexpr std::array allBrowsers{
+    Browser::quenbySecureBrowser,   Browser::tarrowSecureBrowser, Browser::brave,
+    Browser::chromium,              Browser::firefox,             Browser::googleChrome,
+    Browser::microsoftEdge,         Browser::orvo,                Browser::brellisPrivateBrowser,
+    Browser::opera,                 Browser::safari,              Browser::vivaldi,
+    Browser::yandexBrowser,
+};
+
+/** The name of the case as text, such as "googleChrome". */
+BROWSERSWEEP_EXPORT std::string_view rawValue(Browser browser) noexcept;
+
+/** The name for people, such as "Google Chrome". */
+BROWSERSWEEP_EXPORT std::string_view displayName(Browser browser) noexcept;
+
+/** The browser whose raw value is exactly this text, letter case included; absent for any other. */
+BROWSERSWEEP_EXPORT std::optional<Browser> browserFromRawValue(std::string_view text) noexcept;
+
+}  // namespace browsersweep

@@ -1,0 +1,25 @@
+#include "browsersweep/platform/DecodingError.h"
+
+#include <utility>
+
+namespace browsersweep {
+namespace {
+
+std::string message(std::string_view description, const CodingPath& codingPath) {
+    std::string text(description);
+    for (std::size_t index = 0; index < codingPath.size(); ++index) {
+        text += index == 0 ? " (at " : " > ";
+        text += codingPath[index];
+    }
+    return codingPath.empty() ? text : text + ")";
+}
+
+}  // namespace
+
+DecodingError::DecodingError(Kind kind, std::string_view description, CodingPath codingPath)
+    : std::runtime_error(message(description, codingPath)),
+      kind_(kind),
+      description_(description),
+      codingPath_(std::move(codingPath)) {}
+
+}  // namespace browsersweep

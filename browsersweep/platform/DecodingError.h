@@ -1,0 +1,38 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "browsersweep/Export.h"
+
+namespace browsersweep {
+
+/** The keys and list positions ("Index 3") that lead from a document's root to a value. */
+using CodingPath = std::vector<std::string>;
+
+/** A document (JSON or property list) that is not what its reader needs. */
+class BROWSERSWEEP_EXPORT DecodingError : public std::runtime_error {
+public:
+    enum class Kind {
+        dataCorrupted,  ///< not a document at all, or a value that nothing can be made of
+        keyNotFound,    ///< a required key is missing
+        valueNotFound,  ///< a required key holds null
+        typeMismatch,   ///< a value of another type than the one needed
+    };
+
+    /** `what()` is the description, followed by the path where the path is not empty. */
+    DecodingError(Kind kind, std::string_view description, CodingPath codingPath = {});
+
+    Kind kind() const noexcept { return kind_; }
+    const std::string& description() const noexcept { return description_; }
+    const CodingPath& codingPath() const noexcept { return codingPath_; }
+
+private:
+    Kind kind_;
+    std::string description_;
+    CodingPath codingPath_;
+};
+
+}  // namespace browsersweep

@@ -1,0 +1,138 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "browsersweep/Export.h"
+#include "browsersweep/platform/Bytes.h"
+#include "browsersweep/platform/Date.h"
+
+namespace browsersweep {
+
+/** Whether something is at a path, links followed. What cannot be examined does not exist. */
+struct FileExistence {
+    bool exists = false;
+    bool isDirectory = false;
+
+    /** Something is there and it is not a directory. */
+    constexpr bool isFile() const noexcept { return exists && !isDirectory; }
+    friend bool operator==(const FileExistence&, const FileExistence&) = default;
+};
+
+/** What the file system records of one file. */
+struct FileAttributes {
+    std::optional<std::uint64_t> size;  ///< in bytes; absent where the system gives none
+    friend bool operator==(const FileAttributes&, const FileAttributes&) = default;
+};
+
+/** The user's directories that the system has a name for. The values are the platform's own. */
+enum class SearchPathDirectory { library = 5, caches = 13, applicationSupport = 14 };
+
+/**
+ * A deep enumeration of one directory, entry after entry: every directory stands before what it
+ * holds, otherwise the order is the file system's. Hidden files are visited. A symbolic link is an
+ * entry of its own and is never followed.
+ *
+ * The questions are about the entry that `next()` moved to last. One that has vanished since it was
+ * listed has no kind, no size and no date: it counts as never listed.
+ */
+class BROWSERSWEEP_EXPORT DirectoryEnumerator {
+public:
+    DirectoryEnumerator() = default;
+    DirectoryEnumerator(const DirectoryEnumerator&) = delete;
+    DirectoryEnumerator& operator=(const DirectoryEnumerator&) = delete;
+    virtual ~DirectoryEnumerator();
+
+    /**
+     * Moves to the next entry; false after the last one. A directory that may not be opened, or is
+     * gone by then, is an entry without contents. Any other failure to list is thrown as
+     * `std::filesystem::filesystem_error`: a size that lacks a folder for want of a descriptor
+     * would be a wrong size.
+     */
+    virtual bool next() = 0;
+
+    /** The entry's last path component. Valid until the next call of `next()`. */
+    virtual std::string_view name() const noexcept = 0;
+
+    /** Whether the entry is a directory. Throws `filesystem_error`. */
+    virtual std::optional<bool> isDirectory() = 0;
+
+    /** The entry's own size in bytes, absent for a directory. Throws `filesystem_error`. */
+    virtual std::optional<std::uint64_t> fileSize() = 0;
+
+    /** When the entry was created, absent where that cannot be read. */
+    virtual std::optional<Date> creationDate() noexcept = 0;
+
+    /** Deletes the entry, which must not be a directory. Throws `filesystem_error`. */
+    virtual void remove() = 0;
+};
+
+/**
+ * The one door to the file system. Readers, profiles and items share a `const` handle to it; tests
+ * replace it to fail, to count, or to forbid everything outside a folder. An implementation may be
+ * used by several threads at once. Every failure is a `std::filesystem::filesystem_error` that
+ * names the path and carries the system's error.
+ */
+class BROWSERSWEEP_EXPORT FileManager {
+public:
+    FileManager() = default;
+    FileManager(const FileManager&) = delete;
+    FileManager& operator=(const FileManager&) = delete;
+    virtual ~FileManager();
+
+    /** The process-wide default: the real file system and the current user's directories. */
+    static const std::shared_ptr<const FileManager>& defaultManager();
+
+    /** The real file system, with the user's directories below another home folder. */
+    static std::shared_ptr<const FileManager> forHome(std::filesystem::path home);
+
+    /** Whether something is at the path. Never fails. */
+    virtual FileExistence fileExists(const std::filesystem::path& path) const noexcept = 0;
+
+    /** The attributes of the file at the path, links followed. A missing file is an error. */
+    virtual FileAttributes attributes(const std::filesystem::path& path) const = 0;
+
+    /** The whole file. A missing file, a directory or a read that fails is an error. */
+    virtual Bytes contents(const std::filesystem::path& path) const = 0;
+
+    /**
+     * Puts other contents in the place of an existing file, all or nothing: whatever happens, the
+     * path holds the old bytes or the new ones. Mode and owner are the old file's. A path that is a
+     * link keeps its link; the file behind it is replaced.
+     */
+    virtual void replace(const std::filesystem::path& path, BytesView contents) const = 0;
+
+    /**
+     * Copies one file's contents to a path that must not exist yet. The copy is readable and
+     * writable by the user alone from its first moment. What was begun may stay after a failure.
+     */
+    virtual void copy(const std::filesystem::path& from, const std::filesystem::path& to) const = 0;
+
+    /** Deletes a file, a link (never what it leads to) or a directory with all it holds. */
+    virtual void remove(const std::filesystem::path& path) const = 0;
+
+    /** Creates a directory for the user alone, and those above it that are missing. */
+    virtual void createDirectory(const std::filesystem::path& path) const = 0;
+
+    /** The folder for files of the moment. */
+    virtual std::filesystem::path temporaryDirectory() const = 0;
+
+    /** The current user's home folder. */
+    virtual std::filesystem::path homeDirectory() const = 0;
+
+    /** The system's answer for one of the user's directories; empty where it has none. */
+    virtual std::vector<std::filesystem::path> directories(SearchPathDirectory directory) const = 0;
+
+    /**
+     * Starts a deep enumeration of a directory. A directory that is a link is entered; links below
+     * it are not. None is produced where the directory may not be opened or is gone.
+     */
+    virtual std::unique_ptr<DirectoryEnumerator> enumerator(
+        const std::filesystem::path& directory) const = 0;
+};
+
+}  // namespace browsersweep

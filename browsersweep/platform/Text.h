@@ -1,0 +1,56 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "browsersweep/Export.h"
+
+namespace browsersweep {
+
+/** Whether the bytes are well-formed UTF-8. */
+BROWSERSWEEP_EXPORT bool isUTF8(std::string_view bytes) noexcept;
+
+/**
+ * The lines of a UTF-8 text, split at every single newline character (U+000A to U+000D, U+0085,
+ * U+2028, U+2029): a CR LF pair gives an empty line in between, an empty text one empty line.
+ */
+BROWSERSWEEP_EXPORT std::vector<std::string_view> lines(std::string_view text);
+
+/**
+ * The text with its user-perceived characters (extended grapheme clusters) in reverse order: an
+ * accent stays on its letter, an emoji family stays together.
+ */
+BROWSERSWEEP_EXPORT std::string reversedCharacters(std::string_view text);
+
+/**
+ * Whether the text contains the pattern, letter case aside, under the user's locale. Canonically
+ * equal texts are equal; diacritics count; a letter is not found where a combining mark follows it.
+ * An empty pattern is never found.
+ */
+BROWSERSWEEP_EXPORT bool localizedCaseInsensitiveContains(std::string_view text,
+                                                          std::string_view pattern);
+
+/** A compiled regular expression in ICU's syntax, without options. */
+class BROWSERSWEEP_EXPORT RegularExpression {
+public:
+    /** Compiles a pattern. One that does not compile is a programming error and ends the process. */
+    explicit RegularExpression(std::string_view pattern);
+    RegularExpression(RegularExpression&&) noexcept;
+    RegularExpression& operator=(RegularExpression&&) noexcept;
+    ~RegularExpression();
+
+    /**
+     * The first match anywhere in the text: the whole match and then its capture groups, an empty
+     * text for a group that took no part. Absent where nothing matches.
+     */
+    std::optional<std::vector<std::string>> firstMatch(std::string_view text) const;
+
+private:
+    struct Implementation;
+    std::unique_ptr<const Implementation> implementation_;
+};
+
+}  // namespace browsersweep

@@ -1,0 +1,23 @@
+# What every target of the project shares. Nothing here is put on a target that is exported, except
+# where it says so: a project that links the library keeps its own flags.
+
+add_library(browsersweep_build_options INTERFACE)
+target_compile_features(browsersweep_build_options INTERFACE cxx_std_20)
+target_compile_options(
+  browsersweep_build_options
+  INTERFACE $<$<COMPILE_LANGUAGE:CXX,OBJCXX>:-Wall -Wextra -Wpedantic -Wconversion -Wshadow>
+            $<$<AND:$<BOOL:${BROWSERSWEEP_WARNINGS_AS_ERRORS}>,$<COMPILE_LANGUAGE:C,CXX,OBJCXX>>:-Werror>)
+
+if(BROWSERSWEEP_SANITIZE)
+  target_compile_options(
+    browsersweep_build_options INTERFACE -fsanitize=${BROWSERSWEEP_SANITIZE}
+                                         -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(browsersweep_build_options INTERFACE -fsanitize=${BROWSERSWEEP_SANITIZE})
+endif()
+
+# browsersweep_use_build_options(target): warnings, language level and sanitizers of this project.
+function(browsersweep_use_build_options target)
+  target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:browsersweep_build_options>)
+  set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF CXX_VISIBILITY_PRESET hidden
+                                             VISIBILITY_INLINES_HIDDEN ON)
+endfunction()
