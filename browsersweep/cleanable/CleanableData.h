@@ -1,0 +1,63 @@
+#pragma once
+
+#include "browsersweep/Export.h"
+#include "browsersweep/cleanable/CleanableDataFilter.h"
+#include "browsersweep/cleanable/CleanableDataSize.h"
+
+namespace browsersweep {
+
+/**
+ * One piece of browsing data that can be measured and deleted: a cache folder, tables of a
+ * database, a cookie file. Lists of items and dictionaries of lists are items themselves, so a
+ * whole browser is measured or cleaned in one call.
+ *
+ * Items are immutable and read the browser's files afresh at each call. Nothing is measured by
+ * writing: sizing leaves the user's files as they are. Errors are the item's own
+ * (`std::filesystem::filesystem_error`, `SQLiteError`) and are passed on unchanged.
+ */
+class BROWSERSWEEP_EXPORT CleanableData {
+public:
+    CleanableData() = default;
+    virtual ~CleanableData();
+
+    /** Whether the data can be cleaned safely only while its browser is not running. */
+    virtual bool requiresClosedBrowserToClean() const noexcept = 0;
+
+    /** Measures what the filters select. */
+    virtual CleanableDataSize size(CleanableDataFilters filters) const = 0;
+
+    /** The same without errors: where measuring fails, a zero that is marked approximate. */
+    virtual CleanableDataSize sizeIgnoringErrors(CleanableDataFilters filters) const noexcept;
+
+    /** Deletes what the filters select. What was deleted before an error stays deleted. */
+    virtual void clean(CleanableDataFilters filters) const = 0;
+
+    /** The same without errors: a failure is dropped silently. */
+    virtual void cleanIgnoringErrors(CleanableDataFilters filters) const noexcept;
+
+    /** Measures everything. */
+    CleanableDataSize size() const;
+    /** Measures everything without errors. */
+    CleanableDataSize sizeIgnoringErrors() const noexcept;
+    /** Deletes everything. */
+    void clean() const;
+    /** Deletes everything without errors. */
+    void cleanIgnoringErrors() const noexcept;
+
+    /**
+     * Cleans and tells what is really gone: the difference of the sizes measured before and after.
+     * The first failure of the three steps ends it.
+     */
+    CleanableDataSize cleanAndReturnSize(CleanableDataFilters filters) const;
+
+    /** The same from the operations that ignore errors. */
+    CleanableDataSize cleanAndReturnSizeIgnoringErrors(CleanableDataFilters filters) const noexcept;
+
+protected:
+    CleanableData(const CleanableData&) = default;
+    CleanableData(CleanableData&&) = default;
+    CleanableData& operator=(const CleanableData&) = default;
+    CleanableData& operator=(CleanableData&&) = default;
+};
+
+}  // namespace browsersweep

@@ -1,0 +1,87 @@
+#pragma once
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+#include "browsersweep/cleanable/CleanableData.h"
+#include "browsersweep/cleanable/CleanableDataCategory.h"
+#include "browsersweep/cleanable/CleanableDataList.h"
+
+namespace browsersweep {
+
+/**
+ * Lists of items by key that are an item themselves, handled list after list in the order of their
+ * keys: sizes add up, size and clean stop at the first error, the forms that ignore errors attempt
+ * every list.
+ */
+template <typename Key>
+class CleanableDataDictionary : public CleanableData {
+public:
+    using Lists = std::map<Key, CleanableDataList>;
+
+    CleanableDataDictionary() = default;
+    explicit CleanableDataDictionary(Lists lists) : lists_(std::move(lists)) {}
+
+    const Lists& lists() const noexcept { return lists_; }
+
+    /** The list of a key, or nothing where the key is absent. */
+    const CleanableDataList* find(const Key& key) const {
+        const auto found = lists_.find(key);
+        return found == lists_.end() ? nullptr : &found->second;
+    }
+
+    /** Adds another dictionary: lists of a common key are joined, the own items first. */
+    void merge(const CleanableDataDictionary& other) {
+        for (const auto& [key, list] : other.lists_) {
+            lists_[key].append(list);
+        }
+    }
+
+    bool requiresClosedBrowserToClean() const noexcept override {
+        return std::any_of(lists_.begin(), lists_.end(), [](const auto& entry) {
+            return entry.second.requiresClosedBrowserToClean();
+        });
+    }
+
+    using CleanableData::clean;
+    using CleanableData::cleanIgnoringErrors;
+    using CleanableData::size;
+    using CleanableData::sizeIgnoringErrors;
+
+    CleanableDataSize size(CleanableDataFilters filters) const override {
+        CleanableDataSize sum;
+        for (const auto& [key, list] : lists_) {
+            sum = sum + list.size(filters);
+        }
+        return sum;
+    }
+
+    CleanableDataSize sizeIgnoringErrors(CleanableDataFilters filters) const noexcept override {
+        CleanableDataSize sum;
+        for (const auto& [key, list] : lists_) {
+            sum = sum + list.sizeIgnoringErrors(filters);
+        }
+        return sum;
+    }
+
+    void clean(CleanableDataFilters filters) const override {
+        for (const auto& [key, list] : lists_) {
+            list.clean(filters);
+        }
+    }
+
+    void cleanIgnoringErrors(CleanableDataFilters filters) const noexcept override {
+        for (const auto& [key, list] : lists_) {
+            list.cleanIgnoringErrors(filters);
+        }
+    }
+
+private:
+    Lists lists_;
+};
+
+/** A profile's or a browser's data by category. */
+using CleanableDataMap = CleanableDataDictionary<CleanableDataCategory>;
+
+}  // namespace browsersweep

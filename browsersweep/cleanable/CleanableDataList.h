@@ -1,0 +1,46 @@
+#pragma once
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "browsersweep/Export.h"
+#include "browsersweep/cleanable/CleanableData.h"
+
+namespace browsersweep {
+
+/**
+ * A list of items that is an item itself: sizes add up and cleaning goes through it in list order,
+ * both stop at the first error and leave the items after it alone. The forms that ignore errors
+ * attempt every item.
+ */
+class BROWSERSWEEP_EXPORT CleanableDataList : public CleanableData {
+public:
+    /** Items never change, so sharing one is as good as copying it. */
+    using Item = std::shared_ptr<const CleanableData>;
+
+    CleanableDataList() = default;
+    explicit CleanableDataList(std::vector<Item> items) : items_(std::move(items)) {}
+
+    const std::vector<Item>& items() const noexcept { return items_; }
+
+    /** Adds the items of another list after the own ones. */
+    void append(const CleanableDataList& other);
+
+    /** True if any item's is; an empty list gives false. */
+    bool requiresClosedBrowserToClean() const noexcept override;
+
+    using CleanableData::clean;
+    using CleanableData::cleanIgnoringErrors;
+    using CleanableData::size;
+    using CleanableData::sizeIgnoringErrors;
+    CleanableDataSize size(CleanableDataFilters filters) const override;
+    CleanableDataSize sizeIgnoringErrors(CleanableDataFilters filters) const noexcept override;
+    void clean(CleanableDataFilters filters) const override;
+    void cleanIgnoringErrors(CleanableDataFilters filters) const noexcept override;
+
+private:
+    std::vector<Item> items_;
+};
+
+}  // namespace browsersweep

@@ -1,0 +1,96 @@
+#include "browsersweep/cleanable/CleanableDirectory.h"
+
+#include <algorithm>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include "browsersweep/platform/FatalError.h"
+
+namespace browsersweep {
+namespace {
+
+/** Accept, reject, or nothing to say. */
+using Opinion = std::optional<bool>;
+
+Opinion patternOpinion(const CleanableDataFilter& filter, std::string_view name) {
+    if (!filter.patternsData) {
+        return std::nullopt;
+    }
+    const auto& [rule, patterns] = *filter.patternsData;
+    const bool occurs = std::any_of(patterns.begin(), patterns.end(), [&](const auto& pattern) {
+        return name.find(pattern) != std::string_view::npos;
+    });
+    return occurs ? Opinion(rule == CleanableDataFilter::Patterns::Rule::include) : std::nullopt;
+}
+
+Opinion dateOpinion(const CleanableDataFilter& filter, DirectoryEnumerator& entry) {
+    if (!filter.datesData) {
+        return std::nullopt;
+    }
+    const std::optional<Date> created = entry.creationDate();
+    return created ? Opinion(filter.datesData->matches(*created)) : std::nullopt;
+}
+
+bool listAccepts(CleanableDataFilters filters, DirectoryEnumerator& entry) {
+    bool verdict = true;
+    for (const CleanableDataFilter& filter : filters) {
+        const Opinion byPattern = patternOpinion(filter, entry.name());
+        const Opinion byDate = dateOpinion(filter, entry);
+        if (byPattern || byDate) {
+            verdict = byPattern.value_or(true) && byDate.value_or(true);
+        }
+    }
+    return verdict;
+}
+
+CleanableDataSize fileSize(std::uint64_t bytes) {
+    if (!std::in_range<std::int64_t>(bytes)) {
+        fatalError("a file's size does not fit in 63 bits");
+    }
+    return {1, static_cast<std::int64_t>(bytes)};
+}
+
+}  // namespace
+
+CleanableDirectory::CleanableDirectory(std::filesystem::path directory,
+                                       bool requiresClosedBrowserToClean,
+                                       std::vector<CleanableDataFilter> filters,
+                                       std::shared_ptr<const FileManager> fileManager)
+    : directory_(std::move(directory)),
+      requiresClosedBrowserToClean_(requiresClosedBrowserToClean),
+      filters_(std::move(filters)),
+      fileManager_(std::move(fileManager)) {}
+
+/** The one selection that sizing and cleaning share, so that a preview cannot disagree. */
+template <typename Visitor>
+void CleanableDirectory::forEachSelectedFile(CleanableDataFilters filters, Visitor visit) const {
+    if (!fileManager_->fileExists(directory_).isDirectory) {
+        return;
+    }
+    const auto entry = fileManager_->enumerator(directory_);
+    while (entry && entry->next()) {
+        // Directories are never taken, so their names and dates need not be judged. What has no
+        // kind any more vanished after it was listed.
+        const bool isFile = entry->isDirectory() == false;
+        if (isFile && listAccepts(filters_, *entry) && listAccepts(filters, *entry)) {
+            visit(*entry);
+        }
+    }
+}
+
+CleanableDataSize CleanableDirectory::size(CleanableDataFilters filters) const {
+    CleanableDataSize sum;
+    forEachSelectedFile(filters, [&](DirectoryEnumerator& entry) {
+        if (const auto bytes = entry.fileSize()) {
+            sum = sum + fileSize(*bytes);
+        }
+    });
+    return sum;
+}
+
+void CleanableDirectory::clean(CleanableDataFilters filters) const {
+    forEachSelectedFile(filters, [](DirectoryEnumerator& entry) { entry.remove(); });
+}
+
+}  // namespace browsersweep

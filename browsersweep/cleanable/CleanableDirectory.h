@@ -1,0 +1,56 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <vector>
+
+#include "browsersweep/Export.h"
+#include "browsersweep/cleanable/CleanableData.h"
+#include "browsersweep/platform/FileManager.h"
+
+namespace browsersweep {
+
+/**
+ * Data kept as loose files below one directory. Files are counted and deleted, at any depth; the
+ * directory and its subdirectories stay. Links below it are files of their own and are not
+ * followed. A directory that is missing, or is none, holds nothing: that is no error.
+ *
+ * A list of filters is asked filter after filter, and the last one with an opinion decides; without
+ * any opinion a file is taken. A patterns filter has an opinion where one of its patterns occurs in
+ * the file's name (letter case counts, the empty pattern occurs in every name): `include` accepts,
+ * `exclude` rejects, and where no pattern occurs it says nothing. A dates filter accepts or rejects
+ * by the file's creation date and says nothing where that cannot be read. A filter with both
+ * opinions accepts only if both accept. This differs from databases on purpose.
+ */
+class BROWSERSWEEP_EXPORT CleanableDirectory : public CleanableData {
+public:
+    /** The own filters apply in addition to those of each call: both lists must accept a file. */
+    CleanableDirectory(std::filesystem::path directory, bool requiresClosedBrowserToClean,
+                       std::vector<CleanableDataFilter> filters,
+                       std::shared_ptr<const FileManager> fileManager);
+
+    const std::filesystem::path& directory() const noexcept { return directory_; }
+    const std::vector<CleanableDataFilter>& filters() const noexcept { return filters_; }
+    bool requiresClosedBrowserToClean() const noexcept override {
+        return requiresClosedBrowserToClean_;
+    }
+
+    using CleanableData::clean;
+    using CleanableData::size;
+    /** The number of files and the sum of their sizes, both exact. Throws `filesystem_error`. */
+    CleanableDataSize size(CleanableDataFilters filters) const override;
+    /** Deletes file after file; the first deletion that fails ends it. Throws `filesystem_error`.
+     */
+    void clean(CleanableDataFilters filters) const override;
+
+private:
+    template <typename Visitor>
+    void forEachSelectedFile(CleanableDataFilters filters, Visitor visit) const;
+
+    std::filesystem::path directory_;
+    bool requiresClosedBrowserToClean_;
+    std::vector<CleanableDataFilter> filters_;
+    std::shared_ptr<const FileManager> fileManager_;
+};
+
+}  // namespace browsersweep

@@ -1,0 +1,7 @@
+#include "browsersweep/notifications/NotificationSubscription.h"
+
+namespace browsersweep {
+
+NotificationSubscription::~NotificationSubscription() = default;
+
+}  // namespace browsersweep

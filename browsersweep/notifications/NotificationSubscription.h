@@ -1,0 +1,34 @@
+#pragma once
+
+#include "browsersweep/Export.h"
+#include "browsersweep/catalogue/Browser.h"
+#include "browsersweep/platform/URL.h"
+
+namespace browsersweep {
+
+/** One site that a profile allows to show push notifications. */
+class BROWSERSWEEP_EXPORT NotificationSubscription {
+public:
+    NotificationSubscription() = default;
+    virtual ~NotificationSubscription();
+
+    /** The site's address. */
+    virtual const URL& sourceURL() const noexcept = 0;
+
+    /** The browser of the profile that the permission was read from. */
+    virtual Browser browser() const noexcept = 0;
+
+    /**
+     * Does nothing, for every kind: subscriptions are reported, never removed, and no permission
+     * file is ever written. A host that offers blocking must say so itself.
+     */
+    virtual void blockNotifications() const noexcept = 0;
+
+protected:
+    NotificationSubscription(const NotificationSubscription&) = default;
+    NotificationSubscription(NotificationSubscription&&) = default;
+    NotificationSubscription& operator=(const NotificationSubscription&) = default;
+    NotificationSubscription& operator=(NotificationSubscription&&) = default;
+};
+
+}  // namespace browsersweep

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "browsersweep/Export.h"
+#include "browsersweep/platform/URL.h"
+
+namespace browsersweep {
+
+/** One bookmark of a profile. */
+struct BROWSERSWEEP_EXPORT Bookmark {
+    std::optional<std::string> name;  ///< its title; absent where it has none
+    URL url;
+
+    friend bool operator==(const Bookmark&, const Bookmark&) = default;
+};
+
+}  // namespace browsersweep

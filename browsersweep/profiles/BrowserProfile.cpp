@@ -1,0 +1,7 @@
+#include "browsersweep/profiles/BrowserProfile.h"
+
+namespace browsersweep {
+
+BrowserProfile::~BrowserProfile() = default;
+
+}  // namespace browsersweep

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "browsersweep/Export.h"
+#include "browsersweep/catalogue/Browser.h"
+#include "browsersweep/cleanable/CleanableDataDictionary.h"
+#include "browsersweep/notifications/NotificationSubscription.h"
+#include "browsersweep/profiles/Bookmark.h"
+
+namespace browsersweep {
+
+/** One profile of a browser. Everything is read afresh at each call. */
+class BROWSERSWEEP_EXPORT BrowserProfile {
+public:
+    BrowserProfile() = default;
+    virtual ~BrowserProfile();
+
+    /** The name as the browser shows it; absent (not empty) where the browser records none. */
+    virtual std::optional<std::string> name() const = 0;
+
+    /** The browser that the profile belongs to. */
+    virtual Browser sourceBrowser() const noexcept = 0;
+
+    /** Whether this is the browser's main profile, by the rule of its family. */
+    virtual bool isPrimary() const noexcept = 0;
+
+    /** The profile's data by category. A category that it does not have is no key. */
+    virtual CleanableDataMap cleanableData() const = 0;
+
+    /** The profile's bookmarks. Throws the error of reading or decoding them. */
+    virtual std::vector<Bookmark> bookmarks() const = 0;
+
+    /** The sites that may send notifications. Throws the error of reading or decoding them. */
+    virtual std::vector<std::shared_ptr<const NotificationSubscription>> notificationSubscriptions()
+        const = 0;
+
+protected:
+    BrowserProfile(const BrowserProfile&) = default;
+    BrowserProfile(BrowserProfile&&) = default;
+    BrowserProfile& operator=(const BrowserProfile&) = default;
+    BrowserProfile& operator=(BrowserProfile&&) = default;
+};
+
+}  // namespace browsersweep

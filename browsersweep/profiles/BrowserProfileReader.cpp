@@ -1,0 +1,7 @@
+#include "browsersweep/profiles/BrowserProfileReader.h"
+
+namespace browsersweep {
+
+BrowserProfileReader::~BrowserProfileReader() = default;
+
+}  // namespace browsersweep
