@@ -79,6 +79,9 @@ public:
  */
 class BROWSERSWEEP_EXPORT FileManager {
 public:
+    /** The largest file that `contents` reads: no file read whole comes near it in earnest. */
+    static constexpr std::uint64_t maximumContentsSize = std::uint64_t{2} << 30;
+
     FileManager() = default;
     FileManager(const FileManager&) = delete;
     FileManager& operator=(const FileManager&) = delete;
@@ -96,7 +99,10 @@ public:
     /** The attributes of the file at the path, links followed. A missing file is an error. */
     virtual FileAttributes attributes(const std::filesystem::path& path) const = 0;
 
-    /** The whole file. A missing file, a directory or a read that fails is an error. */
+    /**
+     * The whole of a regular file. A missing file, a directory or other special file, one of more
+     * than `maximumContentsSize` bytes, or a read that fails is an error.
+     */
     virtual Bytes contents(const std::filesystem::path& path) const = 0;
 
     /**
@@ -115,7 +121,10 @@ public:
     /** Deletes a file, a link (never what it leads to) or a directory with all it holds. */
     virtual void remove(const std::filesystem::path& path) const = 0;
 
-    /** Creates a directory for the user alone, and those above it that are missing. */
+    /**
+     * Creates a directory for the user alone, and those above it that are missing. One that exists
+     * already is an error.
+     */
     virtual void createDirectory(const std::filesystem::path& path) const = 0;
 
     /** The folder for files of the moment. */

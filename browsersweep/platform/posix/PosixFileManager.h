@@ -1,0 +1,34 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <utility>
+
+#include "browsersweep/platform/FileManager.h"
+
+namespace browsersweep::posix {
+
+/** The real file system. */
+class PosixFileManager : public FileManager {
+public:
+    /** With a home folder, the user's directories are those below it, else the system's. */
+    explicit PosixFileManager(std::optional<std::filesystem::path> home) : home_(std::move(home)) {}
+
+    FileExistence fileExists(const std::filesystem::path& path) const noexcept override;
+    FileAttributes attributes(const std::filesystem::path& path) const override;
+    Bytes contents(const std::filesystem::path& path) const override;
+    void replace(const std::filesystem::path& path, BytesView contents) const override;
+    void copy(const std::filesystem::path& from, const std::filesystem::path& to) const override;
+    void remove(const std::filesystem::path& path) const override;
+    void createDirectory(const std::filesystem::path& path) const override;
+    std::filesystem::path temporaryDirectory() const override;
+    std::filesystem::path homeDirectory() const override;
+    std::vector<std::filesystem::path> directories(SearchPathDirectory directory) const override;
+    std::unique_ptr<DirectoryEnumerator> enumerator(
+        const std::filesystem::path& directory) const override;
+
+private:
+    std::optional<std::filesystem::path> home_;
+};
+
+}  // namespace browsersweep::posix
