@@ -27,10 +27,18 @@ enum class Browser {
 
 /** Every browser, in the order of declaration. */
 inline constexpr std::array allBrowsers{
-    Browser::quenbySecureBrowser,   Browser::tarrowSecureBrowser, Browser::brave,
-    Browser::chromium,              Browser::firefox,             Browser::googleChrome,
-    Browser::microsoftEdge,         Browser::orvo,                Browser::brellisPrivateBrowser,
-    Browser::opera,                 Browser::safari,              Browser::vivaldi,
+    Browser::quenbySecureBrowser,
+    Browser::tarrowSecureBrowser,
+    Browser::brave,
+    Browser::chromium,
+    Browser::firefox,
+    Browser::googleChrome,
+    Browser::microsoftEdge,
+    Browser::orvo,
+    Browser::brellisPrivateBrowser,
+    Browser::opera,
+    Browser::safari,
+    Browser::vivaldi,
     Browser::yandexBrowser,
 };
 

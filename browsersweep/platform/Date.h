@@ -30,7 +30,9 @@ constexpr Date dateFromReferenceSeconds(double seconds) noexcept {
     return Date{ReferenceClock::duration{seconds}};
 }
 
-constexpr double referenceSeconds(Date date) noexcept { return date.time_since_epoch().count(); }
+constexpr double referenceSeconds(Date date) noexcept {
+    return date.time_since_epoch().count();
+}
 
 constexpr Date dateFrom1970Seconds(double seconds) noexcept {
     return dateFromReferenceSeconds(seconds - referenceDateSince1970);

@@ -36,7 +36,8 @@ BROWSERSWEEP_EXPORT bool localizedCaseInsensitiveContains(std::string_view text,
 /** A compiled regular expression in ICU's syntax, without options. */
 class BROWSERSWEEP_EXPORT RegularExpression {
 public:
-    /** Compiles a pattern. One that does not compile is a programming error and ends the process. */
+    /** Compiles a pattern. One that does not compile is a programming error and ends the process.
+     */
     explicit RegularExpression(std::string_view pattern);
     RegularExpression(RegularExpression&&) noexcept;
     RegularExpression& operator=(RegularExpression&&) noexcept;

@@ -7,7 +7,9 @@ namespace {
 
 constexpr std::string_view punctuation = "!$&'()*+,-./:;=?@_~[]";
 
-constexpr bool isDigit(char c) noexcept { return c >= '0' && c <= '9'; }
+constexpr bool isDigit(char c) noexcept {
+    return c >= '0' && c <= '9';
+}
 
 constexpr bool isHexDigit(char c) noexcept {
     return isDigit(c) || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f');

@@ -1,0 +1,129 @@
+# Shared by the scripts of this folder; sourced, never run. Written for bash 3.2, which is what macOS
+# ships, and for the tools that macOS and Debian have in common.
+# shellcheck shell=bash
+
+set -euo pipefail
+
+# The project's folder: every script works from any current directory.
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd -P)
+
+say() { printf '%s\n' "$*"; }
+
+note() { printf '%s\n' "$*" >&2; }
+
+die() {
+    note "$(basename "$0"): $*"
+    exit 1
+}
+
+have() { command -v "$1" >/dev/null 2>&1; }
+
+is_macos() { [ "$(uname -s)" = Darwin ]; }
+
+cpu_count() {
+    if have nproc; then
+        nproc
+    elif have sysctl; then
+        sysctl -n hw.ncpu
+    else
+        say 2
+    fi
+}
+
+# Homebrew keeps LLVM's tools out of the search path, because Xcode brings some of the same names.
+use_homebrew_llvm() {
+    if is_macos && have brew; then
+        local prefix
+        prefix=$(brew --prefix llvm 2>/dev/null || true)
+        if [ -n "$prefix" ] && [ -d "$prefix/bin" ]; then
+            PATH="$PATH:$prefix/bin"
+            export PATH
+        fi
+    fi
+}
+
+# A compiler cache makes the second run fast. It lies in the build folder, not in the user's home,
+# unless the caller has chosen a place.
+use_compiler_cache() {
+    if have ccache; then
+        export CCACHE_DIR="${CCACHE_DIR:-$root/build/ccache}"
+        export CCACHE_BASEDIR="${CCACHE_BASEDIR:-$root}"
+        export CCACHE_NOHASHDIR="${CCACHE_NOHASHDIR:-1}"
+        export CCACHE_SLOPPINESS="${CCACHE_SLOPPINESS:-pch_defines,time_macros}"
+    fi
+}
+
+# new_folder NAME: makes a new private folder and prints its path.
+new_folder() {
+    local made
+    made=$(mktemp -d "${TMPDIR:-/tmp}/$1.XXXXXX")
+    (cd "$made" && pwd -P)
+}
+
+# with_private_home COMMAND...: runs a command with HOME and TMPDIR in folders of its own, which are
+# removed afterwards, so that nothing it does can reach the real home.
+with_private_home() {
+    local folder status=0
+    folder=$(new_folder browsersweep-home)
+    mkdir "$folder/home" "$folder/tmp"
+    env -u XDG_CONFIG_HOME -u XDG_CACHE_HOME -u XDG_DATA_HOME -u XDG_STATE_HOME \
+        HOME="$folder/home" TMPDIR="$folder/tmp" "$@" || status=$?
+    # A folder that a test has made read-only must not survive it.
+    chmod -R u+rwX "$folder" 2>/dev/null || true
+    rm -rf "$folder"
+    return "$status"
+}
+
+# configure PRESET [ARGUMENT...]: prepares build/PRESET.
+configure() {
+    local preset=$1
+    shift
+    use_compiler_cache
+    local launcher=()
+    if have ccache; then
+        launcher=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+    fi
+    (cd "$root" && cmake --preset "$preset" ${launcher[@]+"${launcher[@]}"} "$@")
+}
+
+# build PRESET [TARGET...]: builds what configure has prepared.
+build() {
+    local preset=$1 target targets=()
+    shift
+    for target in "$@"; do
+        targets=(${targets[@]+"${targets[@]}"} --target "$target")
+    done
+    use_compiler_cache
+    cmake --build "$root/build/$preset" --parallel "$(cpu_count)" \
+        ${targets[@]+"${targets[@]}"}
+}
+
+# tracked PATTERN...: the files under version control, or without it those on disk, one a line.
+tracked() {
+    if git -C "$root" rev-parse --is-inside-work-tree >/dev/null 2>&1; then
+        git -C "$root" ls-files --cached --others --exclude-standard -- "$@" | sort -u |
+            while IFS= read -r file; do
+                if [ -f "$root/$file" ]; then say "$file"; fi
+            done
+    else
+        local pattern
+        for pattern in "$@"; do
+            (cd "$root" && find . -path ./build -prune -o -type f -path "./${pattern#/}" -print)
+        done | sed 's|^\./||' | sort -u
+    fi
+}
+
+# The C++ and Objective-C++ files of the project, one a line.
+cxx_files() { tracked '*.h' '*.cpp' '*.mm'; }
+
+# The shell scripts of the project, one a line: found by their first line, so that a new one cannot
+# be forgotten.
+shell_files() {
+    local file first
+    tracked 'scripts/*' 'tests/*' '.ci/*' 'fuzz/*' 'benchmarks/*' | while IFS= read -r file; do
+        IFS= read -r first <"$root/$file" || true
+        case $file:$first in
+        *.sh:* | *:'#!'*sh) say "$file" ;;
+        esac
+    done
+}

@@ -1,0 +1,20 @@
+# What the project needs from the system's package manager, in one place; sourced by scripts/setup.
+# shellcheck shell=bash
+# shellcheck disable=SC2034  # the lists are read by the script that sources this file
+
+# To build and run the library and the host program.
+debian_build="g++ cmake ninja-build ccache git python3 sqlite3 tzdata
+    libsqlite3-dev nlohmann-json3-dev libexpat1-dev libicu-dev libcli11-dev libfmt-dev"
+
+# To run every test besides.
+debian_test="clang clang-format clang-tidy libclang-rt-14-dev libc++-dev libc++abi-dev
+    libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev
+    libgnustep-base-dev gobjc-12 gnustep-base-runtime
+    shellcheck strace valgrind gcovr doxygen"
+
+# Real browsers: without them the tests that drive them are skipped, and reported so.
+debian_optional="chromium firefox-esr"
+
+# SQLite, expat and Foundation come with the system; so does the compiler, with Xcode's tools.
+macos_build="cmake ninja ccache nlohmann-json cli11 fmt"
+macos_test="googletest google-benchmark llvm shellcheck gcovr doxygen"

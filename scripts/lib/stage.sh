@@ -1,0 +1,109 @@
+# What every stage of scripts/test shares; sourced by the files of scripts/stages/, never run.
+#
+# A stage does its checks one after the other and counts each: passed, failed or skipped. The counts
+# go to the file that $STAGE_COUNTS names, one line "passed failed skipped" for each call of count,
+# where scripts/test adds them up.
+# shellcheck shell=bash
+
+# shellcheck source=common.sh
+. "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+use_homebrew_llvm
+
+# The exit status of a test program that says: nothing here could be run.
+skip_status=77
+
+# count PASSED FAILED SKIPPED: adds to the stage's counts.
+count() { say "$1 $2 $3" >>"${STAGE_COUNTS:-/dev/null}"; }
+
+# check NAME COMMAND...: one check, passed if the command succeeds. What it prints is shown only
+# when it fails.
+check() {
+    local name=$1 output status=0
+    shift
+    output=$("$@" 2>&1) || status=$?
+    if [ "$status" = 0 ]; then
+        say "passed: $name"
+        count 1 0 0
+    elif [ "$status" = "$skip_status" ]; then
+        skip "$name" "${output:-it cannot be run here}"
+    else
+        say "FAILED: $name"
+        say "$output" | tail -n 200 | sed 's/^/    /'
+        count 0 1 0
+    fi
+}
+
+# skip NAME REASON: one check that cannot be made here.
+skip() {
+    say "skipped: $1 ($2)"
+    count 0 0 1
+}
+
+# check_with TOOL NAME COMMAND...: as check, but skipped where the tool is missing.
+check_with() {
+    local tool=$1 name=$2
+    shift 2
+    if have "$tool"; then check "$name" "$@"; else skip "$name" "$tool is not installed"; fi
+}
+
+# run_counting COMMAND...: runs a program of many tests that ends with the line
+# "N passed, N failed, N skipped", shows what it prints and counts what it counted. A program that
+# fails without counting a failure, or ends without that line, is one failure.
+run_counting() {
+    local log status=0 counts
+    log=$(mktemp "${TMPDIR:-/tmp}/browsersweep-log.XXXXXX")
+    "$@" >"$log" 2>&1 || status=$?
+    cat "$log"
+    counts=$(sed -nE 's/^([0-9]+) passed, ([0-9]+) failed, ([0-9]+) skipped$/\1 \2 \3/p' "$log" |
+        tail -n 1)
+    rm -f "$log"
+    if [ -z "$counts" ]; then
+        say "FAILED: $1 ended with status $status and without its counts"
+        count 0 1 0
+        return
+    fi
+    # Three words on purpose.
+    # shellcheck disable=SC2086
+    set -- $counts
+    if [ "$status" != 0 ] && [ "$2" = 0 ]; then
+        say "FAILED: the program ended with status $status"
+        count "$1" 1 "$3"
+    else
+        count "$1" "$2" "$3"
+    fi
+}
+
+# run_tests PRESET [FILTER]: runs the test programs that build/PRESET holds: those of GoogleTest
+# directly, in as many shards as there are processors, and those registered with the label
+# "program" through ctest.
+run_tests() {
+    local folder=$root/build/$1 filter=${2:-*} program found=no
+    while IFS= read -r program; do
+        found=yes
+        run_counting python3 "$root/scripts/lib/run-gtest" --shards "$(cpu_count)" \
+            --filter "$filter" "$program"
+    done <<EOF_PROGRAMS
+$(find "$folder" -type f -name '*_tests' -perm -u+x | sort)
+EOF_PROGRAMS
+    if [ "$found" = no ]; then
+        say "FAILED: build/$1 holds no test program"
+        count 0 1 0
+    fi
+    run_counting python3 "$root/scripts/lib/run-ctest" --label program "$folder"
+}
+
+# build_and_test PRESET: configures, builds and tests one preset. A build that fails is one failure;
+# the stage then ends, since it has nothing to run.
+build_and_test() {
+    local preset=$1 log=$root/build/$1.log
+    mkdir -p "$root/build"
+    say "building $preset"
+    if ! { configure "$preset" && build "$preset"; } >"$log" 2>&1; then
+        say "FAILED: the build of $preset"
+        tail -n 100 "$log"
+        count 0 1 0
+        return
+    fi
+    count 1 0 0
+    run_tests "$preset"
+}
