@@ -1,0 +1,77 @@
+#include "browsersweep/sqlite/CleanableSQLiteDatabase.h"
+
+#include <utility>
+
+#include "browsersweep/platform/FatalError.h"
+#include "browsersweep/sqlite/SQLiteConnection.h"
+#include "browsersweep/sqlite/TemporaryDatabaseCopy.h"
+
+namespace browsersweep {
+namespace {
+
+using Measurement = CleanableDataSize::Measurement;
+
+Measurement rowCountInTable(const SQLiteConnection& connection,
+                            const SQLiteStatementComponents& table, CleanableDataFilters filters) {
+    if (!connection.hasTable(table.tableName)) {
+        return 0;
+    }
+    return connection.evaluate(table.sql("SELECT COUNT(*)", filters), CountEvaluator{});
+}
+
+}  // namespace
+
+CleanableSQLiteDatabase::CleanableSQLiteDatabase(std::filesystem::path file,
+                                                 std::vector<SQLiteStatementComponents> components,
+                                                 std::shared_ptr<const FileManager> fileManager)
+    : file_(std::move(file)),
+      components_(std::move(components)),
+      fileManager_(std::move(fileManager)) {}
+
+bool CleanableSQLiteDatabase::hasWork() const noexcept {
+    return !components_.empty() && fileManager_->fileExists(file_).isFile();
+}
+
+CleanableDataSize CleanableSQLiteDatabase::size(CleanableDataFilters filters) const {
+    if (!hasWork()) {
+        return CleanableDataSize::zero;
+    }
+    return databaseSize(countOnCopy(filters), file_, *fileManager_);
+}
+
+std::int64_t CleanableSQLiteDatabase::countOnCopy(CleanableDataFilters filters) const {
+    const TemporaryDatabaseCopy copy(file_, fileManager_);
+    const SQLiteConnection connection(copy.path());
+    Measurement total;
+    for (const SQLiteStatementComponents& table : components_) {
+        total = total + rowCountInTable(connection, table, filters);
+    }
+    return total.value;
+}
+
+void CleanableSQLiteDatabase::clean(CleanableDataFilters filters) const {
+    if (!hasWork()) {
+        return;
+    }
+    const SQLiteConnection connection(file_);
+    for (const SQLiteStatementComponents& table : components_) {
+        if (connection.hasTable(table.tableName)) {
+            connection.evaluate(table.sql("DELETE", filters), ExecuteEvaluator{});
+        }
+    }
+}
+
+CleanableDataSize databaseSize(std::int64_t rowCount, const std::filesystem::path& file,
+                               const FileManager& fileManager) {
+    const FileAttributes attributes = fileManager.attributes(file);
+    if (rowCount < 1) {
+        return {rowCount, 0};
+    }
+    const std::uint64_t bytes = attributes.size.value_or(0);
+    if (!std::in_range<std::int64_t>(bytes)) {
+        fatalError("a file's size does not fit in 63 bits");
+    }
+    return {rowCount, {static_cast<std::int64_t>(bytes), true}};
+}
+
+}  // namespace browsersweep
