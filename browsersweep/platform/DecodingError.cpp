@@ -22,4 +22,10 @@ DecodingError::DecodingError(Kind kind, std::string_view description, CodingPath
       description_(description),
       codingPath_(std::move(codingPath)) {}
 
+DecodingError DecodingError::below(std::string_view key) const {
+    CodingPath path{std::string(key)};
+    path.insert(path.end(), codingPath_.begin(), codingPath_.end());
+    return {kind_, description_, std::move(path)};
+}
+
 }  // namespace browsersweep

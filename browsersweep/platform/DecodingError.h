@@ -29,10 +29,23 @@ public:
     const std::string& description() const noexcept { return description_; }
     const CodingPath& codingPath() const noexcept { return codingPath_; }
 
+    /** The same error seen from one level further out. */
+    DecodingError below(std::string_view key) const;
+
 private:
     Kind kind_;
     std::string description_;
     CodingPath codingPath_;
 };
+
+/** Decodes what lies under a key: an error that leaves the function has the key in its path. */
+template <typename Decode>
+auto decodingBelow(std::string_view key, Decode decode) {
+    try {
+        return decode();
+    } catch (const DecodingError& error) {
+        throw error.below(key);
+    }
+}
 
 }  // namespace browsersweep

@@ -1,0 +1,98 @@
+#include "browsersweep/catalogue/BrowserCleaners.h"
+
+#include <array>
+#include <cstddef>
+
+#include "browsersweep/profiles/chromium/ChromiumBasedProfileReader.h"
+
+namespace browsersweep {
+namespace {
+
+/** How a browser keeps its profiles. */
+enum class Family { chromium, firefox, safari };
+
+struct CatalogueRow {
+    std::string_view bundleIdentifier;
+    Family family;
+    std::string_view applicationSupportRelativePath;  ///< of the Chromium family alone
+};
+
+// clang-format off
+constexpr std::array<CatalogueRow, allBrowsers.size()> catalogue{{
+    /* quenbySecureBrowser   */ {"com.quenby.browser",               Family::chromium, "Quenby/Browser"},
+    /* tarrowSecureBrowser   */ {"com.tarrow.browser",               Family::chromium, "TARROW Software/Browser"},
+    /* brave                 */ {"com.brave.Browser",                Family::chromium, "BraveSoftware/Brave-Browser"},
+    /* chromium              */ {"org.chromium.Chromium",            Family::chromium, "Chromium"},
+    /* firefox               */ {"org.mozilla.Firefox",              Family::firefox,  ""},
+    /* googleChrome          */ {"com.google.Chrome",                Family::chromium, "Google/Chrome"},
+    /* microsoftEdge         */ {"com.microsoft.edgemac",            Family::chromium, "Microsoft Edge"},
+    /* orvo                  */ {"com.orvo.browser",                 Family::chromium, "Orvo"},
+    /* brellisPrivateBrowser */ {"com.brellis.browser",              Family::chromium, "Brellis/Browser"},
+    /* opera                 */ {"com.operasoftware.Opera",          Family::chromium, "com.operasoftware.Opera"},
+    /* safari                */ {"com.apple.Safari",                 Family::safari,   ""},
+    /* vivaldi               */ {"com.vivaldi.Vivaldi",              Family::chromium, "Vivaldi"},
+    /* yandexBrowser         */ {"ru.yandex.desktop.yandex-browser", Family::chromium, "Yandex/YandexBrowser"},
+}};
+// clang-format on
+
+/** For browsers whose profiles cannot be read yet. */
+class NoProfileReader : public BrowserProfileReader {
+public:
+    std::vector<std::shared_ptr<const BrowserProfile>> profiles() const override { return {}; }
+};
+
+const CatalogueRow& rowOf(Browser browser) noexcept {
+    return catalogue[static_cast<std::size_t>(browser)];
+}
+
+std::shared_ptr<const BrowserProfileReader> makeReader(
+    Browser browser, std::shared_ptr<const FileManager> fileManager) {
+    const CatalogueRow& row = rowOf(browser);
+    switch (row.family) {
+        case Family::chromium:
+            return std::make_shared<ChromiumBasedProfileReader>(row.applicationSupportRelativePath,
+                                                                std::move(fileManager), browser);
+        case Family::firefox:
+        case Family::safari:
+            break;
+    }
+    return std::make_shared<NoProfileReader>();
+}
+
+using Factory = std::unique_ptr<const BrowserCleaner> (*)(std::shared_ptr<const FileManager>);
+
+template <Browser browser>
+std::unique_ptr<const BrowserCleaner> make(std::shared_ptr<const FileManager> fileManager) {
+    return std::make_unique<CleanerOf<browser>>(std::move(fileManager));
+}
+
+template <std::size_t... ordinals>
+constexpr std::array<Factory, sizeof...(ordinals)> factories(
+    std::index_sequence<ordinals...> /*all*/) {
+    return {make<allBrowsers[ordinals]>...};
+}
+
+}  // namespace
+
+CatalogueCleaner::CatalogueCleaner(Browser browser, std::shared_ptr<const FileManager> fileManager)
+    : browser_(browser), profileReader_(makeReader(browser, std::move(fileManager))) {}
+
+std::string_view CatalogueCleaner::name() const noexcept {
+    return displayName(browser_);
+}
+
+std::string_view CatalogueCleaner::bundleIdentifier() const noexcept {
+    return rowOf(browser_).bundleIdentifier;
+}
+
+std::unique_ptr<const BrowserCleaner> cleaner(Browser browser,
+                                              std::shared_ptr<const FileManager> fileManager) {
+    static constexpr auto all = factories(std::make_index_sequence<allBrowsers.size()>());
+    return all[static_cast<std::size_t>(browser)](std::move(fileManager));
+}
+
+std::unique_ptr<const BrowserCleaner> cleaner(Browser browser) {
+    return cleaner(browser, FileManager::defaultManager());
+}
+
+}  // namespace browsersweep

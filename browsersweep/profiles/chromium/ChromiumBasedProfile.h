@@ -1,0 +1,58 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "browsersweep/Export.h"
+#include "browsersweep/profiles/BrowserProfile.h"
+#include "browsersweep/profiles/CurrentUserDirectoryProvider.h"
+
+namespace browsersweep {
+
+/**
+ * One profile folder of a Chromium-based browser. It never writes a file itself. A folder that does
+ * not exist still has all its categories, with nothing in them.
+ */
+class BROWSERSWEEP_EXPORT ChromiumBasedProfile : public BrowserProfile {
+public:
+    /**
+     * The relative path leads from the user's Application Support directory to the profile folder,
+     * and from the Caches directory to its cache. Without a provider the file manager's own
+     * directories are used.
+     */
+    ChromiumBasedProfile(
+        std::optional<std::string> name, Browser browser, bool isPrimary,
+        std::filesystem::path relativePath, std::shared_ptr<const FileManager> fileManager,
+        std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider = {});
+
+    std::optional<std::string> name() const override { return name_; }
+    Browser sourceBrowser() const noexcept override { return browser_; }
+    bool isPrimary() const noexcept override { return isPrimary_; }
+    const std::filesystem::path& relativePath() const noexcept { return relativePath_; }
+
+    /** All six categories. Touches no file. */
+    CleanableDataMap cleanableData() const override;
+
+    /** From "Bookmarks"; none where there is no such file. */
+    std::vector<Bookmark> bookmarks() const override;
+
+    /** From "Preferences", each a `ChromeSubscription`; none where there is no such file. */
+    std::vector<std::shared_ptr<const NotificationSubscription>> notificationSubscriptions()
+        const override;
+
+private:
+    std::filesystem::path profileFolder() const;
+    std::filesystem::path cacheFolder() const;
+
+    std::optional<std::string> name_;
+    Browser browser_;
+    bool isPrimary_;
+    std::filesystem::path relativePath_;
+    std::shared_ptr<const FileManager> fileManager_;
+    std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider_;
+};
+
+}  // namespace browsersweep

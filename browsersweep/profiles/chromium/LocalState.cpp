@@ -1,0 +1,62 @@
+#include "browsersweep/profiles/chromium/LocalState.h"
+
+#include <algorithm>
+
+#include "browsersweep/platform/Json.h"
+
+namespace browsersweep {
+namespace {
+
+LocalState::InfoCache decodeEntry(std::string_view folder, JsonValue value) {
+    constexpr std::string_view consentKey = "is_consented_primary_account";
+    const JsonValue consent = value.required(consentKey);
+    const JsonValue name = value.required("name");
+    return {std::string(folder), decodingBelow(consentKey, [&] { return consent.boolean(); }),
+            std::string(decodingBelow("name", [&] { return name.string(); }))};
+}
+
+std::vector<LocalState::InfoCache> decodeInfoCache(JsonValue map) {
+    std::vector<LocalState::InfoCache> entries;
+    for (const auto& [folder, value] : map.members()) {
+        entries.push_back(decodingBelow(folder, [&] { return decodeEntry(folder, value); }));
+    }
+    return entries;
+}
+
+std::vector<std::string> decodeFolders(JsonValue list) {
+    std::vector<std::string> folders;
+    for (const JsonValue& element : list.elements()) {
+        folders.emplace_back(element.string());
+    }
+    return folders;
+}
+
+LocalState decodeProfile(JsonValue profile) {
+    const JsonValue infoCache = profile.required("info_cache");
+    const JsonValue lastActive = profile.required("last_active_profiles");
+    return {decodingBelow("info_cache", [&] { return decodeInfoCache(infoCache); }),
+            decodingBelow("last_active_profiles", [&] { return decodeFolders(lastActive); })};
+}
+
+}  // namespace
+
+LocalState LocalState::decode(BytesView bytes) {
+    const JsonDocument document = JsonDocument::parse(bytes);
+    const JsonValue profile = document.root().required("profile");
+    return decodingBelow("profile", [&] { return decodeProfile(profile); });
+}
+
+bool LocalState::isPrimary(const InfoCache& entry) const noexcept {
+    const bool anyConsent = std::any_of(infoCache.begin(), infoCache.end(), [](const auto& other) {
+        return other.isConsentedPrimaryAccount;
+    });
+    if (anyConsent) {
+        return entry.isConsentedPrimaryAccount;
+    }
+    if (!lastActiveProfiles.empty()) {
+        return entry.folder == lastActiveProfiles.front();
+    }
+    return !infoCache.empty() && entry.folder == infoCache.front().folder;
+}
+
+}  // namespace browsersweep

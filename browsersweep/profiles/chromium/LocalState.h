@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "browsersweep/Export.h"
+#include "browsersweep/platform/Bytes.h"
+
+namespace browsersweep {
+
+/** What the file "Local State" of a Chromium-based browser says of its profiles. */
+struct BROWSERSWEEP_EXPORT LocalState {
+    /** One entry of "info_cache". */
+    struct BROWSERSWEEP_EXPORT InfoCache {
+        std::string folder;  ///< the key: the profile folder's name
+        bool isConsentedPrimaryAccount = false;
+        std::string name;  ///< for people
+
+        friend bool operator==(const InfoCache&, const InfoCache&) = default;
+    };
+
+    std::vector<InfoCache> infoCache;             ///< in the file's order
+    std::vector<std::string> lastActiveProfiles;  ///< folder names
+
+    /** Reads the file's bytes. Throws a `DecodingError`; nothing is salvaged from half a file. */
+    static LocalState decode(BytesView bytes);
+
+    /**
+     * Whether an entry is a main profile. Where any entry is the consented primary account, exactly
+     * those are; otherwise the first last active folder is, or the first entry if there is none.
+     */
+    bool isPrimary(const InfoCache& entry) const noexcept;
+
+    friend bool operator==(const LocalState&, const LocalState&) = default;
+};
+
+}  // namespace browsersweep
