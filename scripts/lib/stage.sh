@@ -92,18 +92,22 @@ EOF_PROGRAMS
     run_counting python3 "$root/scripts/lib/run-ctest" --label program "$folder"
 }
 
-# build_and_test PRESET: configures, builds and tests one preset. A build that fails is one failure;
-# the stage then ends, since it has nothing to run.
-build_and_test() {
+# build_only PRESET: configures and builds one preset, as one check; fails if the build does.
+build_only() {
     local preset=$1 log=$root/build/$1.log
     mkdir -p "$root/build"
-    say "building $preset"
-    if ! { configure "$preset" && build "$preset"; } >"$log" 2>&1; then
-        say "FAILED: the build of $preset"
-        tail -n 100 "$log"
+    if { configure "$preset" && build "$preset"; } >"$log" 2>&1; then
+        say "passed: the build of $preset"
+        count 1 0 0
+    else
+        say "FAILED: the build of $preset; all it said is in build/$preset.log"
+        grep -E -A 8 'error|FAILED|CMake Error' "$log" | head -n 120
         count 0 1 0
-        return
+        return 1
     fi
-    count 1 0 0
-    run_tests "$preset"
+}
+
+# build_and_test PRESET: builds and tests one preset. Where the build fails there is nothing to run.
+build_and_test() {
+    if build_only "$1"; then run_tests "$1"; fi
 }

@@ -1,0 +1,92 @@
+"""The sample home of the demonstration holds what real browsers keep."""
+
+import importlib
+import json
+import sqlite3
+import sys
+
+sys.dont_write_bytecode = True
+
+from support import ROOT, ScriptTest, run_all
+
+sys.path.insert(0, str(ROOT / "scripts" / "sample"))
+chromium = importlib.import_module("chromium")
+
+DATABASES = ("Cookies", "Favicons", "History", "Network Action Predictor", "Top Sites", "Web Data")
+
+
+def count(path, table):
+    database = sqlite3.connect(f"file:{path}?mode=ro", uri=True)
+    rows = database.execute(f"SELECT COUNT(*) FROM {table}").fetchone()[0]
+    database.close()
+    return rows
+
+
+class ChromiumBasedBrowsers(ScriptTest):
+    def setUp(self):
+        super().setUp()
+        chromium.make(self.folder)
+        self.support = self.folder / "Library" / "Application Support"
+
+    def test_every_browser_lists_its_two_profiles(self):
+        self.assertEqual(len(chromium.BROWSERS), 11)
+        for path, _ in chromium.BROWSERS:
+            with self.subTest(path):
+                state = json.loads((self.support / path / "Local State").read_text())["profile"]
+                names = {key: value["name"] for key, value in state["info_cache"].items()}
+                self.assertEqual(names, {"Default": "Personal", "Profile 1": "Work"})
+                self.assertEqual(state["last_active_profiles"], ["Default"])
+
+    def test_every_database_is_sound(self):
+        for path, _ in chromium.BROWSERS:
+            for profile in ("Default", "Profile 1"):
+                for name in DATABASES:
+                    with self.subTest(f"{path}/{profile}/{name}"):
+                        database = sqlite3.connect(self.support / path / profile / name)
+                        answer = database.execute("PRAGMA integrity_check").fetchall()
+                        database.close()
+                        self.assertEqual(answer, [("ok",)])
+
+    def test_the_second_profile_has_seen_half_of_the_pages(self):
+        folder = self.support / "Google" / "Chrome"
+        self.assertEqual(count(folder / "Default" / "History", "urls"), 24)
+        self.assertEqual(count(folder / "Profile 1" / "History", "urls"), 12)
+
+    def test_old_browsers_keep_addresses_in_tables_of_their_own(self):
+        web_data = self.support / "Orvo" / "Default" / "Web Data"
+        self.assertEqual(count(web_data, "autofill_profile_emails"), 1)
+        with self.assertRaises(sqlite3.OperationalError):
+            count(self.support / "Vivaldi" / "Default" / "Web Data", "autofill_profile_emails")
+
+    def test_times_are_microseconds_since_1601(self):
+        history = sqlite3.connect(self.support / "Chromium" / "Default" / "History")
+        newest = history.execute("SELECT MAX(last_visit_time) FROM urls").fetchone()[0]
+        history.close()
+        # 2024-06-29 12:00:00 UTC is 1719662400 seconds after 1970.
+        self.assertEqual(newest, (1719662400 + 11644473600) * 1_000_000)
+
+
+class MakeHome(ScriptTest):
+    def make(self, *arguments):
+        script = ROOT / "scripts" / "sample" / "make_home.py"
+        return self.run_script(sys.executable, script, *arguments)
+
+    def test_a_folder_that_holds_something_is_refused_and_left_alone(self):
+        home = self.folder / "home"
+        home.mkdir()
+        (home / "letter").write_text("dear")
+        finished = self.make(home)
+        self.assertEqual(finished.returncode, 1)
+        self.assertIn("is not empty", finished.stderr)
+        self.assertEqual([path.name for path in home.iterdir()], ["letter"])
+
+    def test_the_families_made_are_named(self):
+        finished = self.make(self.folder / "home")
+        self.assertEqual(finished.returncode, 0, finished.stderr)
+        self.assertEqual(finished.stdout.split()[0], "chromium")
+
+    def test_without_a_folder_nothing_is_made(self):
+        self.assertEqual(self.make().returncode, 2)
+
+
+    run_all()
