@@ -1,0 +1,26 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "browsersweep/Export.h"
+#include "browsersweep/platform/Bytes.h"
+
+namespace browsersweep {
+
+enum class ByteOrder { bigEndian, littleEndian };
+
+/** Whether the text is well-formed UTF-8: no overlong forms, no surrogates, nothing cut off. */
+BROWSERSWEEP_EXPORT bool isUTF8(std::string_view text) noexcept;
+
+/** Appends one code point, which must be a Unicode scalar value, in UTF-8. */
+BROWSERSWEEP_EXPORT void appendUTF8(std::string& text, char32_t codePoint);
+
+/** UTF-16 as UTF-8; nothing for an odd number of bytes or a surrogate without its other half. */
+BROWSERSWEEP_EXPORT std::optional<std::string> utf8FromUTF16(BytesView bytes, ByteOrder order);
+
+/** UTF-8, which must be well-formed, as UTF-16 with the big end first. */
+BROWSERSWEEP_EXPORT Bytes utf16BigEndianFromUTF8(std::string_view text);
+
+}  // namespace browsersweep

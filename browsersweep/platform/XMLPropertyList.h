@@ -1,0 +1,21 @@
+#pragma once
+
+#include "browsersweep/Export.h"
+#include "browsersweep/platform/Bytes.h"
+#include "browsersweep/platform/PropertyList.h"
+
+namespace browsersweep {
+
+/**
+ * Whether the bytes look like a property list in XML: after a byte order mark and white space comes
+ * a `<` that does not begin the data of an old-style text.
+ */
+BROWSERSWEEP_EXPORT bool isXMLPropertyList(BytesView bytes) noexcept;
+
+/**
+ * Reads a property list in XML. The root is a `plist` element with one value, or the value itself.
+ * Entities of the document's own are refused. Throws `DecodingError` of the kind `dataCorrupted`.
+ */
+BROWSERSWEEP_EXPORT PropertyList parseXMLPropertyList(BytesView bytes);
+
+}  // namespace browsersweep
