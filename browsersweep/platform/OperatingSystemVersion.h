@@ -1,6 +1,8 @@
 #pragma once
 
 #include <compare>
+#include <optional>
+#include <string_view>
 
 #include "browsersweep/Export.h"
 
@@ -14,6 +16,12 @@ struct BROWSERSWEEP_EXPORT OperatingSystemVersion {
 
     /** The running system's. Where there is no macOS, one newer than any, as if it were current. */
     static OperatingSystemVersion current() noexcept;
+
+    /**
+     * The version that a text such as "10.15.7" or "14.1" names: one to three numbers between
+     * points, of which those left out are 0. Nothing for any other text.
+     */
+    static std::optional<OperatingSystemVersion> parse(std::string_view text) noexcept;
 
     friend constexpr auto operator<=>(const OperatingSystemVersion&,
                                       const OperatingSystemVersion&) = default;

@@ -100,5 +100,4 @@ class CheckIncludes(ScriptTest):
         self.assertEqual(self.check(self.folder).returncode, 1)
 
 
-if __name__ == "__main__":
     run_all()

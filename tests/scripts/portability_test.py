@@ -129,5 +129,4 @@ class CommonFunctions(ScriptTest):
         )
 
 
-if __name__ == "__main__":
     run_all()

@@ -89,5 +89,4 @@ class MakeHome(ScriptTest):
         self.assertEqual(self.make().returncode, 2)
 
 
-if __name__ == "__main__":
     run_all()

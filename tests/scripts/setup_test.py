@@ -180,5 +180,4 @@ class Elsewhere(SetupTest):
         self.assertEqual(finished.stderr, "usage: scripts/setup [build | test]\n")
 
 
-if __name__ == "__main__":
     run_all()

@@ -1,0 +1,7 @@
+#include "browsersweep/platform/SystemLog.h"
+
+namespace browsersweep {
+
+SystemLog::~SystemLog() = default;
+
+}  // namespace browsersweep

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string_view>
+
+#include "browsersweep/Export.h"
+#include "browsersweep/platform/HTTPCookieStorage.h"
+#include "browsersweep/platform/OperatingSystemVersion.h"
+#include "browsersweep/platform/ProcessLauncher.h"
+#include "browsersweep/platform/SystemLog.h"
+
+namespace browsersweep {
+
+/**
+ * What Safari's data needs of the running system beside its files. A plain set of replaceable
+ * parts: tests, or a host that wants no other program to be run, put their own in. None may be
+ * empty.
+ */
+struct BROWSERSWEEP_EXPORT SystemServices {
+    /** The version of the operating system; asked each time that it matters. */
+    std::function<OperatingSystemVersion()> operatingSystemVersion;
+
+    /** The cookie storage shared by the group container of the given identifier. */
+    std::function<std::shared_ptr<HTTPCookieStorage>(std::string_view)> sharedCookieStorage;
+
+    std::shared_ptr<const ProcessLauncher> processLauncher;
+    std::shared_ptr<const SystemLog> systemLog;
+
+    /** Those of the running system. */
+    static SystemServices current();
+};
+
+}  // namespace browsersweep
