@@ -100,4 +100,5 @@ class CheckIncludes(ScriptTest):
         self.assertEqual(self.check(self.folder).returncode, 1)
 
 
+if __name__ == "__main__":
     run_all()

@@ -129,4 +129,5 @@ class CommonFunctions(ScriptTest):
         )
 
 
+if __name__ == "__main__":
     run_all()

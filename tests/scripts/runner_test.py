@@ -168,4 +168,5 @@ class GoogleTestRunner(ScriptTest):
         self.assertEqual(finished.returncode, 1)
 
 
+if __name__ == "__main__":
     run_all()

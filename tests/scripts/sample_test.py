@@ -89,4 +89,5 @@ class MakeHome(ScriptTest):
         self.assertEqual(self.make().returncode, 2)
 
 
+if __name__ == "__main__":
     run_all()

@@ -180,4 +180,5 @@ class Elsewhere(SetupTest):
         self.assertEqual(finished.stderr, "usage: scripts/setup [build | test]\n")
 
 
+if __name__ == "__main__":
     run_all()
