@@ -10,9 +10,6 @@
 
 namespace browsersweep {
 
-/** Whether the bytes are well-formed UTF-8. */
-BROWSERSWEEP_EXPORT bool isUTF8(std::string_view bytes) noexcept;
-
 /**
  * The lines of a UTF-8 text, split at every single newline character (U+000A to U+000D, U+0085,
  * U+2028, U+2029): a CR LF pair gives an empty line in between, an empty text one empty line.
