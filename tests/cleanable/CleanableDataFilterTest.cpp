@@ -1,0 +1,75 @@
+#include <array>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "browsersweep/cleanable/CleanableDataFilter.h"
+
+namespace browsersweep {
+namespace {
+
+using Patterns = CleanableDataFilter::Patterns;
+using Dates = CleanableDataFilter::Dates;
+
+Date at(double seconds) {
+    return dateFromReferenceSeconds(seconds);
+}
+
+TEST(CleanableDataFilterDates, boundsAreInclusive) {
+    struct Row {
+        std::string name;
+        std::optional<Date> start;
+        std::optional<Date> end;
+        std::array<bool, 5> inside;  // for dates 9, 10, 15, 20, 21
+        std::array<bool, 5> outside;
+    };
+    // clang-format off
+    const std::array rows{
+        Row{"both",    at(10),       at(20),       {false, true,  true,  true,  false}, {true,  false, false, false, true}},
+        Row{"start",   at(10),       std::nullopt, {false, true,  true,  true,  true},  {true,  false, false, false, false}},
+        Row{"end",     std::nullopt, at(20),       {true,  true,  true,  true,  false}, {false, false, false, false, true}},
+        Row{"neither", std::nullopt, std::nullopt, {true,  true,  true,  true,  true},  {true,  true,  true,  true,  true}},
+    };
+    // clang-format on
+    const std::array dates{at(9), at(10), at(15), at(20), at(21)};
+    for (const Row& row : rows) {
+        for (std::size_t index = 0; index < dates.size(); ++index) {
+            SCOPED_TRACE(row.name + " " + std::to_string(index));
+            const Dates inside{Dates::Rule::insideRange, row.start, row.end};
+            const Dates outside{Dates::Rule::outsideRange, row.start, row.end};
+            EXPECT_EQ(inside.matches(dates[index]), row.inside[index]);
+            EXPECT_EQ(outside.matches(dates[index]), row.outside[index]);
+        }
+    }
+}
+
+TEST(CleanableDataFilterDates, startOnlyOutsideRangeMatchesStrictlyOlder) {
+    const Dates dates{Dates::Rule::outsideRange, at(10), std::nullopt};
+    EXPECT_TRUE(dates.matches(at(9.999)));
+    EXPECT_FALSE(dates.matches(at(10)));
+}
+
+TEST(CleanableDataFilter, partsAreStoredUnchanged) {
+    const Patterns patterns{Patterns::Rule::include, {"a", "b"}};
+    const Dates dates{Dates::Rule::outsideRange, at(1), at(2)};
+    const CleanableDataFilter filter(patterns, dates);
+    EXPECT_EQ(filter.patternsData, patterns);
+    EXPECT_EQ(filter.datesData, dates);
+    EXPECT_EQ(filter.dates(), dates);
+}
+
+TEST(CleanableDataFilter, ofPatternsAloneHasNoDates) {
+    const CleanableDataFilter filter(CleanableDataFilter::Rule::include, {"x", "y", "x"});
+    EXPECT_EQ(filter.rule(), CleanableDataFilter::Rule::include);
+    EXPECT_EQ(filter.patterns(), (std::set<std::string>{"x", "y"}));
+    EXPECT_EQ(filter.dates(), std::nullopt);
+}
+
+TEST(CleanableDataFilter, withoutPatternsTheRuleIsExcludeAndThePatternsAreNone) {
+    const CleanableDataFilter filter(std::nullopt, Dates{});
+    EXPECT_EQ(filter.rule(), CleanableDataFilter::Rule::exclude);
+    EXPECT_EQ(filter.patterns(), std::set<std::string>{});
+}
+
+}  // namespace
+}  // namespace browsersweep

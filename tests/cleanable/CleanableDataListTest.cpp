@@ -1,0 +1,123 @@
+#include <array>
+
+#include <gtest/gtest.h>
+
+#include "browsersweep/cleanable/CleanableDataDictionary.h"
+#include "browsersweep/cleanable/CleanableDataList.h"
+
+#include "tests/support/RecordingItem.h"
+
+namespace browsersweep {
+namespace {
+
+using tests::RecordingItem;
+using Lines = std::vector<std::string>;
+
+/** Three items; the second one may fail. */
+class CleanableDataListTest : public testing::Test {
+protected:
+    CleanableDataList list(bool secondFails) const {
+        auto second = std::make_shared<RecordingItem>("second", CleanableDataSize{2, 20}, record);
+        if (secondFails) {
+            second->failing();
+        }
+        return CleanableDataList(
+            {std::make_shared<RecordingItem>("first", CleanableDataSize{1, 10}, record), second,
+             std::make_shared<RecordingItem>("third", CleanableDataSize{3, {30, true}}, record)});
+    }
+
+    CleanableDataMap dictionary(bool secondFails) const {
+        const auto items = list(secondFails).items();
+        return CleanableDataMap({{CleanableDataCategory::cache, CleanableDataList({items[0]})},
+                                 {CleanableDataCategory::history, CleanableDataList({items[1]})},
+                                 {CleanableDataCategory::formData, CleanableDataList({items[2]})}});
+    }
+
+    RecordingItem::Record record = std::make_shared<Lines>();
+    std::array<CleanableDataFilter, 2> filters;
+};
+
+TEST_F(CleanableDataListTest, emptyListIsZeroNeedsNoClosedBrowserAndCleansNothing) {
+    const CleanableDataList empty;
+    EXPECT_EQ(empty.size(), CleanableDataSize::zero);
+    EXPECT_EQ(empty.sizeIgnoringErrors(), CleanableDataSize::zero);
+    EXPECT_FALSE(empty.requiresClosedBrowserToClean());
+    empty.clean();
+    empty.cleanIgnoringErrors();
+}
+
+TEST_F(CleanableDataListTest, sizesAddUpInListOrderWithTheFiltersPassedOn) {
+    EXPECT_EQ(list(false).size(filters), (CleanableDataSize{6, {60, true}}));
+    EXPECT_EQ(*record, (Lines{"first sized with 2", "second sized with 2", "third sized with 2"}));
+}
+
+TEST_F(CleanableDataListTest, sizeStopsAtTheFirstError) {
+    EXPECT_THROW(list(true).size(filters), std::runtime_error);
+    EXPECT_EQ(*record, (Lines{"first sized with 2", "second sized with 2"}));
+}
+
+TEST_F(CleanableDataListTest, sizeIgnoringErrorsIsApproximateWhereAnItemFails) {
+    EXPECT_EQ(list(true).sizeIgnoringErrors(filters), (CleanableDataSize{{4, true}, {40, true}}));
+    EXPECT_EQ(record->size(), 3U);
+}
+
+TEST_F(CleanableDataListTest, cleanStopsAtTheFirstErrorAndLeavesTheRestAlone) {
+    EXPECT_THROW(list(true).clean(filters), std::runtime_error);
+    EXPECT_EQ(*record, (Lines{"first cleaned with 2", "second cleaned with 2"}));
+}
+
+TEST_F(CleanableDataListTest, cleanIgnoringErrorsAttemptsEveryItem) {
+    list(true).cleanIgnoringErrors(filters);
+    EXPECT_EQ(*record,
+              (Lines{"first cleaned with 2", "second cleaned with 2", "third cleaned with 2"}));
+}
+
+TEST_F(CleanableDataListTest, askingForAClosedBrowserStopsAtTheFirstTrue) {
+    auto second = std::make_shared<RecordingItem>("second", CleanableDataSize{}, record);
+    second->requiringClosedBrowser();
+    const auto other = std::make_shared<RecordingItem>("other", CleanableDataSize{}, record);
+    EXPECT_TRUE(CleanableDataList({other, second, other}).requiresClosedBrowserToClean());
+    EXPECT_EQ(*record, (Lines{"other asked", "second asked"}));
+}
+
+TEST_F(CleanableDataListTest, appendKeepsTheOwnItemsFirstAlsoForItself) {
+    CleanableDataList joined = list(false);
+    joined.append(joined);
+    EXPECT_EQ(joined.size().itemCount.value, 12);
+    EXPECT_EQ(joined.items()[0], joined.items()[3]);
+}
+
+TEST_F(CleanableDataListTest, dictionaryFollowsTheSameRulesOverItsLists) {
+    EXPECT_EQ(dictionary(false).size(filters), (CleanableDataSize{6, {60, true}}));
+    EXPECT_EQ(dictionary(true).sizeIgnoringErrors(filters),
+              (CleanableDataSize{{4, true}, {40, true}}));
+    record->clear();
+    EXPECT_THROW(dictionary(true).size(filters), std::runtime_error);
+    EXPECT_THROW(dictionary(true).clean(filters), std::runtime_error);
+    EXPECT_EQ(*record, (Lines{"first sized with 2", "second sized with 2", "first cleaned with 2",
+                              "second cleaned with 2"}));
+    record->clear();
+    dictionary(true).cleanIgnoringErrors(filters);
+    EXPECT_EQ(record->size(), 3U);
+    EXPECT_FALSE(dictionary(false).requiresClosedBrowserToClean());
+}
+
+TEST_F(CleanableDataListTest, dictionaryNeedsAClosedBrowserIfAnyOfItsListsDoes) {
+    auto item = std::make_shared<RecordingItem>("item", CleanableDataSize{}, record);
+    item->requiringClosedBrowser();
+    const CleanableDataMap map({{CleanableDataCategory::cache, {}},
+                                {CleanableDataCategory::history, CleanableDataList({item})}});
+    EXPECT_TRUE(map.requiresClosedBrowserToClean());
+}
+
+TEST_F(CleanableDataListTest, mergingAppendsListsOfACommonKeyAndInsertsOthers) {
+    CleanableDataMap merged = dictionary(false);
+    merged.merge(CleanableDataMap(
+        {{CleanableDataCategory::cache, list(false)}, {CleanableDataCategory::httpCookies, {}}}));
+    EXPECT_EQ(merged.find(CleanableDataCategory::cache)->items().size(), 4U);
+    EXPECT_NE(merged.find(CleanableDataCategory::httpCookies), nullptr);
+    EXPECT_EQ(merged.find(CleanableDataCategory::localStorage), nullptr);
+}
+
+}  // namespace
+}  // namespace browsersweep

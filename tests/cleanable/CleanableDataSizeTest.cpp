@@ -1,0 +1,64 @@
+#include <array>
+#include <limits>
+
+#include <gtest/gtest.h>
+
+#include "browsersweep/cleanable/CleanableDataSize.h"
+
+namespace browsersweep {
+namespace {
+
+using Measurement = CleanableDataSize::Measurement;
+
+constexpr auto largest = std::numeric_limits<std::int64_t>::max();
+constexpr auto smallest = std::numeric_limits<std::int64_t>::min();
+
+TEST(CleanableDataSizeMeasurement, aPlainNumberIsExact) {
+    const Measurement measurement = 7;
+    EXPECT_EQ(measurement, Measurement(7, false));
+}
+
+TEST(CleanableDataSizeMeasurement, sumsAndDifferencesKeepApproximation) {
+    struct Row {
+        Measurement a;
+        Measurement b;
+        Measurement sum;
+        Measurement difference;
+    };
+    const std::array rows{
+        Row{{5, false}, {7, false}, {12, false}, {-2, false}},
+        Row{{5, false}, {7, true}, {12, true}, {-2, true}},
+        Row{{5, true}, {7, false}, {12, true}, {-2, true}},
+        Row{{5, true}, {5, true}, {10, true}, {0, true}},
+        Row{{largest, false}, {0, false}, {largest, false}, {largest, false}},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(row.a + row.b, row.sum);
+        EXPECT_EQ(row.a - row.b, row.difference);
+    }
+}
+
+TEST(CleanableDataSize, zeroIsExact) {
+    EXPECT_EQ(CleanableDataSize::zero, (CleanableDataSize{{0, false}, {0, false}}));
+}
+
+TEST(CleanableDataSize, arithmeticIsFieldByFieldAndMayBeNegative) {
+    const CleanableDataSize a{{3, false}, {100, true}};
+    const CleanableDataSize b{{5, true}, {40, false}};
+    EXPECT_EQ(a + b, (CleanableDataSize{{8, true}, {140, true}}));
+    EXPECT_EQ(a - b, (CleanableDataSize{{-2, true}, {60, true}}));
+}
+
+TEST(CleanableDataSize, equalityIncludesTheFlags) {
+    EXPECT_NE((CleanableDataSize{1, 2}), (CleanableDataSize{1, {2, true}}));
+    EXPECT_NE((CleanableDataSize{1, 2}), (CleanableDataSize{{1, true}, 2}));
+    EXPECT_EQ((CleanableDataSize{1, 2}), (CleanableDataSize{1, 2}));
+}
+
+TEST(CleanableDataSizeDeathTest, overflowEndsTheProcess) {
+    EXPECT_DEATH(Measurement(largest) + Measurement(1), "a sum of sizes does not fit");
+    EXPECT_DEATH(Measurement(smallest) - Measurement(1), "a difference of sizes does not fit");
+}
+
+}  // namespace
+}  // namespace browsersweep

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <system_error>
+
+#include "tests/support/ForwardingFileManager.h"
+
+namespace browsersweep::tests {
+
+/** Which operations fail, and how. */
+struct Fault {
+    enum class Duration { once, fromThenOn };
+
+    std::size_t atOperation = 0;  ///< the first operation is 1; 0 fails none
+    std::errc error = std::errc::io_error;
+    Duration duration = Duration::once;
+};
+
+/** Counts the operations of a file manager and its enumerators, and says which of them fail. */
+class FaultPlan {
+public:
+    explicit FaultPlan(Fault fault) noexcept : fault_(fault) {}
+
+    /** Counts one operation; true if it is to fail. */
+    bool nextFails() noexcept;
+    std::size_t operationCount() const noexcept { return count_; }
+    std::errc error() const noexcept { return fault_.error; }
+
+private:
+    Fault fault_;
+    std::size_t count_ = 0;
+};
+
+/**
+ * A file manager that fails its n-th operation: every question and every deed counts, those of its
+ * enumerators too. What cannot throw answers as if nothing were there.
+ */
+class FaultyFileManager : public ForwardingFileManager {
+public:
+    FaultyFileManager(std::shared_ptr<const FileManager> target, Fault fault);
+
+    /** How many operations there were so far. */
+    std::size_t operationCount() const noexcept { return plan_->operationCount(); }
+
+    FileExistence fileExists(const std::filesystem::path& path) const noexcept override;
+    FileAttributes attributes(const std::filesystem::path& path) const override;
+    Bytes contents(const std::filesystem::path& path) const override;
+    void replace(const std::filesystem::path& path, BytesView contents) const override;
+    void copy(const std::filesystem::path& from, const std::filesystem::path& to) const override;
+    void remove(const std::filesystem::path& path) const override;
+    void createDirectory(const std::filesystem::path& path) const override;
+    std::unique_ptr<DirectoryEnumerator> enumerator(
+        const std::filesystem::path& directory) const override;
+
+private:
+    void count(const std::filesystem::path& path) const;
+
+    std::shared_ptr<FaultPlan> plan_;
+};
+
+}  // namespace browsersweep::tests

@@ -1,0 +1,76 @@
+#include "tests/support/GuardedFileManager.h"
+
+#include <algorithm>
+#include <system_error>
+
+#include <gtest/gtest.h>
+
+namespace browsersweep::tests {
+
+namespace fs = std::filesystem;
+
+GuardedFileManager::GuardedFileManager(const fs::path& root)
+    : ForwardingFileManager(FileManager::forHome(root)), root_(root) {}
+
+std::shared_ptr<const FileManager> GuardedFileManager::forFixture(const TemporaryFolder& folder) {
+    return std::make_shared<GuardedFileManager>(folder.path());
+}
+
+bool GuardedFileManager::isInside(const fs::path& path) const {
+    const fs::path normal = path.lexically_normal();
+    return std::mismatch(root_.begin(), root_.end(), normal.begin(), normal.end()).first ==
+           root_.end();
+}
+
+const fs::path& GuardedFileManager::checked(const fs::path& path) const {
+    if (!isInside(path)) {
+        ADD_FAILURE() << "reached outside the fixture: " << path;
+        throw fs::filesystem_error("outside the fixture", path,
+                                   std::make_error_code(std::errc::permission_denied));
+    }
+    return path;
+}
+
+FileExistence GuardedFileManager::fileExists(const fs::path& path) const noexcept {
+    if (!isInside(path)) {
+        ADD_FAILURE() << "reached outside the fixture: " << path;
+        return {};
+    }
+    return ForwardingFileManager::fileExists(path);
+}
+
+FileAttributes GuardedFileManager::attributes(const fs::path& path) const {
+    return ForwardingFileManager::attributes(checked(path));
+}
+
+Bytes GuardedFileManager::contents(const fs::path& path) const {
+    return ForwardingFileManager::contents(checked(path));
+}
+
+void GuardedFileManager::replace(const fs::path& path, BytesView contents) const {
+    ForwardingFileManager::replace(checked(path), contents);
+}
+
+void GuardedFileManager::copy(const fs::path& from, const fs::path& to) const {
+    ForwardingFileManager::copy(checked(from), checked(to));
+}
+
+void GuardedFileManager::remove(const fs::path& path) const {
+    ForwardingFileManager::remove(checked(path));
+}
+
+void GuardedFileManager::createDirectory(const fs::path& path) const {
+    ForwardingFileManager::createDirectory(checked(path));
+}
+
+fs::path GuardedFileManager::temporaryDirectory() const {
+    fs::create_directory(root_ / "tmp");
+    return root_ / "tmp";
+}
+
+std::unique_ptr<DirectoryEnumerator> GuardedFileManager::enumerator(
+    const fs::path& directory) const {
+    return ForwardingFileManager::enumerator(checked(directory));
+}
+
+}  // namespace browsersweep::tests

@@ -1,0 +1,73 @@
+#include "tests/support/TemporaryFolder.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+
+namespace browsersweep::tests {
+
+namespace fs = std::filesystem;
+
+TemporaryFolder::TemporaryFolder() {
+    std::string pattern = (fs::temp_directory_path() / "fixture-XXXXXX").string();
+    if (::mkdtemp(pattern.data()) == nullptr) {
+        throw std::runtime_error("cannot make a temporary folder");
+    }
+    path_ = fs::canonical(pattern);
+}
+
+TemporaryFolder::~TemporaryFolder() {
+    std::error_code ignored;
+    for (const auto& entry : fs::recursive_directory_iterator(path_, ignored)) {
+        if (entry.is_directory() && !entry.is_symlink()) {  // a test may have locked it
+            fs::permissions(entry.path(), fs::perms::owner_all, fs::perm_options::add, ignored);
+        }
+    }
+    fs::remove_all(path_, ignored);
+}
+
+fs::path TemporaryFolder::write(const fs::path& below, std::string_view contents) const {
+    const fs::path file = path_ / below;
+    fs::create_directories(file.parent_path());
+    std::ofstream stream(file, std::ios::binary);
+    stream << contents;
+    stream.close();
+    if (!stream) {
+        throw std::runtime_error("cannot write " + file.string());
+    }
+    return file;
+}
+
+fs::path TemporaryFolder::makeFolder(const fs::path& below) const {
+    fs::create_directories(path_ / below);
+    return path_ / below;
+}
+
+std::vector<std::string> TemporaryFolder::snapshot() const {
+    std::vector<std::string> lines;
+    for (const auto& entry : fs::recursive_directory_iterator(path_)) {
+        std::string line = fs::relative(entry.path(), path_).string();
+        if (entry.is_symlink()) {
+            line += " -> " + fs::read_symlink(entry.path()).string();
+        } else if (entry.is_directory()) {
+            line += "/";
+        } else {
+            line += ": " + readFile(entry.path());
+        }
+        lines.push_back(std::move(line));
+    }
+    std::sort(lines.begin(), lines.end());
+    return lines;
+}
+
+std::string readFile(const fs::path& path) {
+    std::ifstream stream(path, std::ios::binary);
+    if (!stream) {
+        throw std::runtime_error("cannot read " + path.string());
+    }
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+}  // namespace browsersweep::tests
