@@ -1,0 +1,90 @@
+#include "cli/Console.h"
+
+#include <cerrno>
+#include <cstddef>
+#include <system_error>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "cli/Text.h"
+
+namespace browsersweep::cli {
+namespace {
+
+/** Writes everything, or gives the system's error number. */
+int writeAll(int descriptor, std::string_view text) noexcept {
+    while (!text.empty()) {
+        const auto written = ::write(descriptor, text.data(), text.size());
+        if (written >= 0) {
+            text.remove_prefix(static_cast<std::size_t>(written));
+        } else if (errno != EINTR) {
+            return errno;
+        }
+    }
+    return 0;
+}
+
+/** What a file system reports only when a descriptor is closed, such as a full remote disk. */
+int errorOfClosing(int descriptor) noexcept {
+    const int copy = ::dup(descriptor);
+    return copy < 0 || ::close(copy) != 0 ? errno : 0;
+}
+
+}  // namespace
+
+void Console::occupyStandardStreams() noexcept {
+    int descriptor = STDIN_FILENO;
+    while (descriptor >= 0 && descriptor <= STDERR_FILENO) {
+        descriptor = ::open("/dev/null", O_RDONLY);  // NOLINT(cppcoreguidelines-pro-type-vararg)
+    }
+    if (descriptor > STDERR_FILENO) {
+        ::close(descriptor);
+    }
+}
+
+bool Console::inputIsTerminal() const noexcept {
+    return ::isatty(STDIN_FILENO) == 1;
+}
+
+bool Console::errorIsTerminal() const noexcept {
+    return ::isatty(STDERR_FILENO) == 1;
+}
+
+void Console::writeOutput(std::string_view text) const {
+    int error = writeAll(STDOUT_FILENO, text);
+    if (error == 0) {
+        error = errorOfClosing(STDOUT_FILENO);
+    }
+    if (error != 0) {
+        throw std::system_error(error, std::generic_category(), "cannot write the whole report");
+    }
+}
+
+void Console::writeError(std::string_view text) const noexcept {
+    writeAll(STDERR_FILENO, text);
+}
+
+void Console::note(std::string_view line) const {
+    writeError("browsersweep: " + printable(line) + "\n");
+}
+
+std::optional<std::string> Console::readLine() const {
+    std::string line;
+    char character = 0;
+    while (true) {
+        const auto count = ::read(STDIN_FILENO, &character, 1);
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count <= 0) {
+            return line.empty() ? std::nullopt : std::optional(line);
+        }
+        if (character == '\n') {
+            return line;
+        }
+        line += character;
+    }
+}
+
+}  // namespace browsersweep::cli

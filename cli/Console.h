@@ -1,0 +1,34 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace browsersweep::cli {
+
+/** The program's three standard streams, used through their descriptors. */
+class Console {
+public:
+    /**
+     * Fills the places of standard streams that the caller closed, so that no file of a browser is
+     * ever opened in one of them and written to by accident. Writing to such a place fails.
+     */
+    static void occupyStandardStreams() noexcept;
+
+    bool inputIsTerminal() const noexcept;
+    bool errorIsTerminal() const noexcept;
+
+    /** Writes all of the text to standard output. Throws a `std::system_error` if any is not. */
+    void writeOutput(std::string_view text) const;
+
+    /** Writes to standard error. There is nobody to tell if that fails. */
+    void writeError(std::string_view text) const noexcept;
+
+    /** "browsersweep: " and one line on standard error. */
+    void note(std::string_view line) const;
+
+    /** The next line of standard input, without its end; absent at the end of the input. */
+    std::optional<std::string> readLine() const;
+};
+
+}  // namespace browsersweep::cli

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string_view>
+
+#include "browsersweep/cleanable/CleanableDataFilter.h"
+
+namespace browsersweep::cli {
+
+/**
+ * A filter of one pattern. Throws a `UsageError` for a pattern that the library, which puts
+ * patterns into SQL as they stand, could not take: an empty one, one with a quote, a wildcard or a
+ * control character, and what is no UTF-8.
+ */
+CleanableDataFilter patternFilter(CleanableDataFilter::Rule rule, std::string_view pattern);
+
+/** A filter of one range of dates, see `parseDateRange`. */
+CleanableDataFilter datesFilter(CleanableDataFilter::Dates::Rule rule, std::string_view range);
+
+/**
+ * Any filter, from JSON:
+ * {"patterns": {"rule": "include", "patterns": ["a", "b"]},
+ *  "dates": {"rule": "insideRange", "startDate": DATE, "endDate": DATE}}
+ * Throws a `UsageError` for anything that is not exactly of this form.
+ */
+CleanableDataFilter filterFromJSON(std::string_view text);
+
+}  // namespace browsersweep::cli

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string_view>
+
+#include "browsersweep/catalogue/Browser.h"
+#include "browsersweep/catalogue/BrowserCleaner.h"
+#include "browsersweep/cleanable/CleanableDataCategory.h"
+
+#include "cli/Options.h"
+#include "cli/Report.h"
+
+namespace browsersweep::cli {
+
+/** Makes the cleaner of a browser for the home folder in question. */
+using CleanerFactory = std::function<std::unique_ptr<const BrowserCleaner>(Browser)>;
+
+/** What a command tells while it works. */
+class Observer {
+public:
+    Observer() = default;
+    Observer(const Observer&) = delete;
+    Observer& operator=(const Observer&) = delete;
+    virtual ~Observer();
+
+    /** A browser is begun; so many of all browsers are finished. */
+    virtual void begin(Browser browser, std::size_t finished, std::size_t all) = 0;
+
+    /** A category of that browser is begun. */
+    virtual void begin(CleanableDataCategory category) = 0;
+
+    /** Whether the user wants to stop. What was not begun by then stays undone. */
+    virtual bool isInterrupted() const = 0;
+};
+
+/** What stands as the error of everything that was not begun because the user interrupted. */
+inline constexpr std::string_view interruptedText = "interrupted before it was begun";
+
+/**
+ * Carries out a command and reports what it did, and what failed: one browser's failure never hides
+ * the others. Cleaning deletes without asking.
+ */
+Report gather(const Options& options, const CleanerFactory& cleanerOf, Observer& observer);
+
+/** What a clean with these options would remove. */
+SizesReport preview(const Options& options, const CleanerFactory& cleanerOf, Observer& observer);
+
+}  // namespace browsersweep::cli

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "browsersweep/catalogue/Browser.h"
+#include "browsersweep/cleanable/CleanableDataCategory.h"
+#include "browsersweep/cleanable/CleanableDataFilter.h"
+#include "browsersweep/profiles/BrowserProfile.h"
+
+namespace browsersweep::cli {
+
+enum class Command { browsers, profiles, size, clean, bookmarks, notifications };
+
+/** What the command is about. Nothing given selects everything. */
+struct Selection {
+    std::vector<Browser> browsers;
+    std::vector<std::string> profileNames;
+    bool primaryOnly = false;
+    std::vector<CleanableDataCategory> categories;
+
+    bool includes(Browser browser) const;
+    bool includes(const BrowserProfile& profile) const;
+    bool includes(CleanableDataCategory category) const;
+    /** The browsers it is about, in the order of the catalogue. */
+    std::vector<Browser> selectedBrowsers() const;
+};
+
+/** A command line that is right. */
+struct Options {
+    Command command = Command::browsers;
+    Selection selection;
+    std::vector<CleanableDataFilter> filters;  ///< in the order of the command line
+    std::optional<std::filesystem::path> home;
+    bool ignoreErrors = false;
+    bool dryRun = false;
+    bool yes = false;
+    bool force = false;
+    bool json = false;
+};
+
+/** Text to print instead of doing anything: the help or the version. */
+struct Information {
+    std::string text;
+};
+
+using CommandLine = std::variant<Options, Information>;
+
+/**
+ * Reads the arguments after the program's name. Touches no file. Throws a `UsageError` for a
+ * command line that is wrong in any way.
+ */
+CommandLine parseCommandLine(const std::vector<std::string>& arguments);
+
+/** The help text. */
+std::string helpText();
+
+}  // namespace browsersweep::cli

@@ -1,0 +1,176 @@
+#include "cli/Program.h"
+
+#include <algorithm>
+#include <array>
+#include <exception>
+#include <optional>
+#include <string_view>
+#include <variant>
+
+#include <fmt/format.h>
+
+#include "cli/Console.h"
+#include "cli/Gather.h"
+#include "cli/Host.h"
+#include "cli/Interruption.h"
+#include "cli/JSONReport.h"
+#include "cli/Options.h"
+#include "cli/Progress.h"
+#include "cli/Report.h"
+#include "cli/TextReport.h"
+#include "cli/UsageError.h"
+
+namespace browsersweep::cli {
+namespace {
+
+enum ExitStatus { allDone = 0, somethingFailed = 1, wrongUsage = 2, interrupted = 128 };
+
+constexpr std::array<std::string_view, 6> verbs{
+    "Looking at", "Reading profiles of",  "Measuring",
+    "Cleaning",   "Reading bookmarks of", "Reading permissions of",
+};
+
+/** One run of one command. */
+class Run {
+public:
+    explicit Run(Options options) : options_(std::move(options)), host_(options_.home) {}
+
+    int execute() {
+        if (options_.home && !host_.exists()) {
+            console_.note(options_.home->string() + " is no folder that is there");
+        }
+        if (isDeletion() && (!mayDelete() || !isConfirmed())) {
+            return somethingFailed;
+        }
+        const Report report = gatherWithProgress();
+        const auto signal = interruption_.take();
+        interruption_.letThrough();
+        console_.writeOutput(options_.json ? jsonText(report) : peopleText(report));
+        return exitStatus(report, signal);
+    }
+
+private:
+    bool isDeletion() const noexcept {
+        return options_.command == Command::clean && !options_.dryRun;
+    }
+
+    Report gatherWithProgress() {
+        const auto verb = options_.dryRun ? verbs[static_cast<std::size_t>(Command::size)]
+                                          : verbs[static_cast<std::size_t>(options_.command)];
+        Progress progress(verb, console_, interruption_);
+        return gather(options_, host_.cleanerFactory(), progress);
+    }
+
+    /** Whether what is selected of the browser can be cleaned only while it is closed. */
+    bool mustBeClosed(const BrowserCleaner& cleaner) const {
+        try {
+            const auto data = cleaner.cleanableData([this](const BrowserProfile& profile) {
+                return options_.selection.includes(profile);
+            });
+            return std::any_of(data.lists().begin(), data.lists().end(), [this](const auto& entry) {
+                return options_.selection.includes(entry.first) &&
+                       entry.second.requiresClosedBrowserToClean();
+            });
+        } catch (const std::exception&) {
+            return false;  // nothing of it will be cleaned either, and the report says why
+        }
+    }
+
+    /** Says which selected browsers seem to be running; deleting under them is refused. */
+    bool mayDelete() const {
+        if (options_.force) {
+            return true;
+        }
+        bool isFree = true;
+        const auto running = host_.runningBrowsers();
+        const auto cleanerOf = host_.cleanerFactory();
+        for (const Browser browser : options_.selection.selectedBrowsers()) {
+            const auto cleaner = cleanerOf(browser);
+            const auto reason = running.reason(browser, *cleaner);
+            if (reason && mustBeClosed(*cleaner)) {
+                console_.note(fmt::format(
+                    "{} seems to be running ({}); nothing was deleted. Quit it, or add --force.",
+                    displayName(browser), *reason));
+                isFree = false;
+            }
+        }
+        return isFree;
+    }
+
+    bool isConfirmed() {
+        if (options_.yes) {
+            return true;
+        }
+        {
+            Progress progress("Measuring", console_, interruption_);
+            const auto planned = preview(options_, host_.cleanerFactory(), progress);
+            progress.wipe();
+            console_.writeError(peopleText(planned));
+        }
+        console_.writeError("Delete this? [y/N] ");
+        interruption_.letThrough();
+        const auto answer = console_.readLine();
+        interruption_.holdBack();
+        if (answer == "y" || answer == "Y" || answer == "yes" || answer == "Yes") {
+            return true;
+        }
+        console_.note("nothing was deleted");
+        return false;
+    }
+
+    int exitStatus(const Report& report, std::optional<int> signal) const {
+        const auto failed = failures(report);
+        for (const auto& failure : failed) {
+            console_.note(fmt::format("{}: {}", failure.where, failure.error));
+        }
+        if (signal) {
+            console_.note("interrupted; the report says what was done");
+            return interrupted + *signal;
+        }
+        return failed.empty() ? allDone : somethingFailed;
+    }
+
+    Options options_;
+    Host host_;
+    Console console_;
+    Interruption interruption_;
+};
+
+void requireSomebodyToAsk(const Options& options, const Console& console) {
+    if (options.command == Command::clean && !options.yes && !options.dryRun &&
+        !console.inputIsTerminal()) {
+        throw UsageError(
+            "clean cannot ask because standard input is no terminal; add --yes to delete without "
+            "a question, or --dry-run to delete nothing");
+    }
+}
+
+int dispatch(const std::vector<std::string>& arguments, const Console& console) {
+    const CommandLine commandLine = parseCommandLine(arguments);
+    if (const auto* const information = std::get_if<Information>(&commandLine)) {
+        const Interruption pipeErrorsAreFailures;
+        console.writeOutput(information->text);
+        return allDone;
+    }
+    const auto& options = std::get<Options>(commandLine);
+    requireSomebodyToAsk(options, console);
+    return Run(options).execute();
+}
+
+}  // namespace
+
+int run(const std::vector<std::string>& arguments) {
+    Console::occupyStandardStreams();
+    const Console console;
+    try {
+        return dispatch(arguments, console);
+    } catch (const UsageError& error) {
+        console.note(error.what());
+        return wrongUsage;
+    } catch (const std::exception& error) {
+        console.note(error.what());
+        return somethingFailed;
+    }
+}
+
+}  // namespace browsersweep::cli

@@ -1,0 +1,106 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "browsersweep/catalogue/Browser.h"
+#include "browsersweep/cleanable/CleanableDataCategory.h"
+#include "browsersweep/cleanable/CleanableDataSize.h"
+#include "browsersweep/profiles/Bookmark.h"
+
+namespace browsersweep::cli {
+
+// What the commands found, before anything is written for people or machines. Every browser, every
+// category and every profile that can fail carries its own error text.
+
+struct BrowserRow {
+    Browser browser;
+    std::string displayName;
+    std::string bundleIdentifier;
+};
+struct BrowsersReport {
+    std::vector<BrowserRow> browsers;
+};
+
+struct ProfileRow {
+    std::optional<std::string> name;
+    bool isPrimary = false;
+};
+struct BrowserProfiles {
+    Browser browser;
+    std::optional<std::string> error;
+    std::vector<ProfileRow> profiles;
+};
+struct ProfilesReport {
+    std::vector<BrowserProfiles> browsers;
+};
+
+struct CategorySize {
+    CleanableDataCategory category;
+    std::optional<std::string> error;
+    std::optional<CleanableDataSize> size;  ///< absent where the category failed
+    bool requiresClosedBrowserToClean = false;
+};
+struct BrowserSizes {
+    Browser browser;
+    std::optional<std::string> error;
+    std::optional<CleanableDataSize> size;  ///< absent where the profiles cannot be read
+    bool requiresClosedBrowserToClean = false;
+    std::vector<CategorySize> categories;
+};
+enum class Measure { present, removed, wouldBeRemoved };
+struct SizesReport {
+    Measure measure = Measure::present;
+    CleanableDataSize total;
+    std::vector<BrowserSizes> browsers;
+};
+
+struct BrowserBookmarks {
+    Browser browser;
+    std::optional<std::string> error;
+    std::vector<Bookmark> bookmarks;
+};
+struct BookmarksReport {
+    std::vector<BrowserBookmarks> browsers;
+};
+
+struct SubscriptionRow {
+    std::string sourceURL;
+    std::filesystem::path store;
+};
+struct ProfileSubscriptions {
+    ProfileRow profile;
+    std::optional<std::string> error;
+    std::vector<SubscriptionRow> subscriptions;
+};
+struct BrowserNotifications {
+    Browser browser;
+    std::optional<std::string> error;
+    std::vector<ProfileSubscriptions> profiles;
+};
+struct NotificationsReport {
+    std::vector<BrowserNotifications> browsers;
+};
+
+using Report =
+    std::variant<BrowsersReport, ProfilesReport, SizesReport, BookmarksReport, NotificationsReport>;
+
+/** One thing that failed: where, for people, and the text of its error. */
+struct Failure {
+    std::string where;
+    std::string error;
+};
+
+/** Everything in a report that failed, in the report's order. */
+std::vector<Failure> failures(const Report& report);
+
+/** The name of a category for people. */
+std::string_view displayName(CleanableDataCategory category) noexcept;
+
+/** The name of a profile for people. */
+std::string displayName(const ProfileRow& profile);
+
+}  // namespace browsersweep::cli

@@ -1,0 +1,42 @@
+#include <algorithm>
+#include <iterator>
+
+#include "cli/Options.h"
+
+namespace browsersweep::cli {
+namespace {
+
+template <typename Value>
+bool isEmptyOrHolds(const std::vector<Value>& values, const Value& value) {
+    return values.empty() || std::find(values.begin(), values.end(), value) != values.end();
+}
+
+}  // namespace
+
+bool Selection::includes(Browser browser) const {
+    return isEmptyOrHolds(browsers, browser);
+}
+
+bool Selection::includes(CleanableDataCategory category) const {
+    return isEmptyOrHolds(categories, category);
+}
+
+bool Selection::includes(const BrowserProfile& profile) const {
+    if (primaryOnly && !profile.isPrimary()) {
+        return false;
+    }
+    if (profileNames.empty()) {
+        return true;
+    }
+    const auto name = profile.name();
+    return name && isEmptyOrHolds(profileNames, *name);
+}
+
+std::vector<Browser> Selection::selectedBrowsers() const {
+    std::vector<Browser> selected;
+    std::copy_if(allBrowsers.begin(), allBrowsers.end(), std::back_inserter(selected),
+                 [this](Browser browser) { return includes(browser); });
+    return selected;
+}
+
+}  // namespace browsersweep::cli

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace browsersweep::cli {
+
+/** One character read from the front of a text. */
+struct Character {
+    char32_t codePoint = 0;
+    std::size_t length = 0;  ///< in bytes
+    bool isValid = false;    ///< false for a byte that begins no well-formed UTF-8 sequence
+};
+
+/** Reads the character that stands at a place of a UTF-8 text. */
+Character characterAt(std::string_view text, std::size_t position) noexcept;
+
+/** Whether the text is well-formed UTF-8. */
+bool isWellFormed(std::string_view text) noexcept;
+
+/** Whether a character is one of Unicode's control characters. */
+bool isControlCharacter(char32_t codePoint) noexcept;
+
+/**
+ * The text as a terminal can show it on one line: what is no UTF-8, and every character that
+ * would move the cursor or turn the text around, becomes a replacement character. Names and titles
+ * come from files that anybody may have written.
+ */
+std::string printable(std::string_view text);
+
+/** How many columns of a terminal the text takes: two for wide characters, none for accents. */
+std::size_t displayWidth(std::string_view text) noexcept;
+
+}  // namespace browsersweep::cli
