@@ -1,0 +1,178 @@
+#include <optional>
+#include <stdexcept>
+
+#include <gtest/gtest.h>
+
+#include "browsersweep/sqlite/SQLiteConnection.h"
+
+#include "tests/support/Database.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace browsersweep {
+namespace {
+
+namespace fs = std::filesystem;
+
+/** The message of the SQLite error that an operation throws. */
+template <typename Operation>
+std::optional<std::string> messageOf(Operation operation) {
+    try {
+        operation();
+    } catch (const SQLiteError& error) {
+        return error.errorDescription();
+    }
+    ADD_FAILURE() << "no error";
+    return std::nullopt;
+}
+
+using Pair = std::pair<std::optional<std::string>, std::string>;
+
+std::optional<Pair> nameAndAddress(const SQLiteStatement& row) {
+    const auto address = row.text(1);
+    return address ? std::optional<Pair>({row.text(0), *address}) : std::nullopt;
+}
+
+class SQLiteConnectionTest : public testing::Test {
+protected:
+    void SetUp() override {
+        const tests::Database database(file);
+        database.execute(
+            "CREATE TABLE marks (name TEXT, address TEXT);"
+            "INSERT INTO marks VALUES ('a', 'x'), (NULL, 'y'), ('c', NULL);"
+            "CREATE VIEW looks AS SELECT name FROM marks;");
+    }
+
+    tests::TemporaryFolder folder;
+    fs::path file = folder / "data.sqlite";
+};
+
+TEST_F(SQLiteConnectionTest, openingAMissingFileCreatesAnEmptyDatabase) {
+    const SQLiteConnection connection(folder / "new.sqlite");
+    EXPECT_TRUE(fs::exists(folder / "new.sqlite"));
+    EXPECT_FALSE(connection.hasTable("marks"));
+}
+
+TEST_F(SQLiteConnectionTest, openingWhereNothingCanBeIsAnErrorReadAfterClosing) {
+    // Closed first, SQLite answers for any handle that it no longer vouches for.
+    EXPECT_EQ(messageOf([&] { SQLiteConnection(folder / "missing/data.sqlite"); }),
+              "bad parameter or other API misuse");
+}
+
+TEST_F(SQLiteConnectionTest, aDatabaseIsClosedWithItsLastConnection) {
+    auto first = std::make_optional<SQLiteConnection>(file);
+    const SQLiteConnection second = *first;
+    first.reset();
+    EXPECT_TRUE(second.hasTable("marks"));
+}
+
+TEST_F(SQLiteConnectionTest, tableExistenceIsFalseForAMissingTableAndForAView) {
+    const SQLiteConnection connection(file);
+    EXPECT_TRUE(connection.hasTable("marks"));
+    EXPECT_FALSE(connection.hasTable("nothing"));
+    EXPECT_FALSE(connection.hasTable("looks"));
+}
+
+TEST_F(SQLiteConnectionTest, tableExistenceStatementIsPlainText) {
+    EXPECT_EQ(tableExistenceSQL("urls"),
+              "SELECT COUNT(*)\nFROM sqlite_master\nWHERE type = 'table' AND name = 'urls';");
+}
+
+TEST_F(SQLiteConnectionTest, countIsTheFirstColumnOfTheFirstRow) {
+    const SQLiteConnection connection(file);
+    EXPECT_EQ(connection.evaluate("SELECT COUNT(*) FROM marks;", CountEvaluator{}), 3);
+}
+
+TEST_F(SQLiteConnectionTest, aCountWithoutARowIsZero) {
+    const SQLiteConnection connection(file);
+    EXPECT_EQ(connection.evaluate("SELECT 7 WHERE 0;", CountEvaluator{}), 0);
+    EXPECT_EQ(connection.evaluate("SELECT 7 WHERE 0;", TableExistenceEvaluator{}), false);
+}
+
+TEST_F(SQLiteConnectionTest, existenceIsACountOfExactlyOne) {
+    const SQLiteConnection connection(file);
+    EXPECT_TRUE(connection.evaluate("SELECT 1;", TableExistenceEvaluator{}));
+    EXPECT_FALSE(connection.evaluate("SELECT 2;", TableExistenceEvaluator{}));
+}
+
+TEST_F(SQLiteConnectionTest, executeRunsAStatementToItsEnd) {
+    const SQLiteConnection connection(file);
+    connection.evaluate("DELETE FROM marks WHERE name IS NOT NULL RETURNING name;",
+                        ExecuteEvaluator{});
+    EXPECT_EQ(tests::Database(file).number("SELECT COUNT(*) FROM marks"), 1);
+}
+
+TEST_F(SQLiteConnectionTest, textRowsAreConvertedInTheirOrderAndMayBeSkipped) {
+    const SQLiteConnection connection(file);
+    const auto rows = connection.evaluate("SELECT name, address FROM marks ORDER BY rowid;",
+                                          TextRowsEvaluator<Pair>(nameAndAddress));
+    EXPECT_EQ(rows, (std::vector<Pair>{{"a", "x"}, {std::nullopt, "y"}}));
+}
+
+TEST_F(SQLiteConnectionTest, whatAConversionThrowsPassesUnchanged) {
+    const SQLiteConnection connection(file);
+    const TextRowsEvaluator<int> failing(
+        [](const SQLiteStatement&) -> std::optional<int> { throw std::out_of_range("own"); });
+    EXPECT_THROW(connection.evaluate("SELECT 1;", failing), std::out_of_range);
+    EXPECT_TRUE(connection.hasTable("marks"));
+}
+
+TEST_F(SQLiteConnectionTest, anErrorWhileSteppingEndsTheTextRows) {
+    const SQLiteConnection connection(file);
+    const auto rows = connection.evaluate(
+        "SELECT name, CASE rowid WHEN 2 THEN abs(-9223372036854775808) ELSE 'x' END FROM marks;",
+        TextRowsEvaluator<Pair>(nameAndAddress));
+    EXPECT_EQ(rows, (std::vector<Pair>{{"a", "x"}}));
+}
+
+TEST_F(SQLiteConnectionTest, aStatementThatDoesNotParseFailsWithSQLitesMessage) {
+    const SQLiteConnection connection(file);
+    EXPECT_EQ(messageOf([&] { connection.evaluate("SELEC 1;", CountEvaluator{}); }),
+              "near \"SELEC\": syntax error");
+    EXPECT_EQ(messageOf([&] { connection.evaluate("SELECT * FROM gone;", CountEvaluator{}); }),
+              "no such table: gone");
+}
+
+TEST_F(SQLiteConnectionTest, aFirstStepThatFailsIsAnErrorWithSQLitesMessage) {
+    const SQLiteConnection connection(file);
+    const std::string overflow = "SELECT abs(-9223372036854775808);";
+    EXPECT_EQ(messageOf([&] { connection.evaluate(overflow, CountEvaluator{}); }),
+              "integer overflow");
+    EXPECT_EQ(messageOf([&] { connection.evaluate(overflow, TableExistenceEvaluator{}); }),
+              "integer overflow");
+    EXPECT_EQ(messageOf([&] { connection.evaluate(overflow, ExecuteEvaluator{}); }),
+              "integer overflow");
+}
+
+TEST_F(SQLiteConnectionTest, aLaterStepThatFailsPassesSilently) {
+    const SQLiteConnection connection(file);
+    EXPECT_NO_THROW(connection.evaluate(
+        "SELECT CASE rowid WHEN 2 THEN abs(-9223372036854775808) ELSE 1 END FROM marks;",
+        ExecuteEvaluator{}));
+}
+
+TEST_F(SQLiteConnectionTest, aDatabaseLockedByAnotherGivesNoRowsAndDeletesNothing) {
+    const tests::Database browser(file);
+    browser.execute("BEGIN EXCLUSIVE;");
+    const SQLiteConnection connection(file);
+    // Preparing must read the schema, which an exclusive lock forbids: that is an error.
+    EXPECT_EQ(messageOf([&] { connection.hasTable("marks"); }), "database is locked");
+    browser.execute("COMMIT; BEGIN IMMEDIATE;");
+    // A writer that lets others read lets them prepare too, and is met at the step.
+    connection.evaluate("DELETE FROM marks;", ExecuteEvaluator{});
+    browser.execute("COMMIT;");
+    EXPECT_EQ(browser.number("SELECT COUNT(*) FROM marks"), 3);
+}
+
+TEST_F(SQLiteConnectionTest, aFileThatIsNoDatabaseFailsAtTheFirstStatement) {
+    const SQLiteConnection connection(folder.write("text", "this is no database, not at all"));
+    EXPECT_EQ(messageOf([&] { connection.hasTable("marks"); }), "file is not a database");
+}
+
+TEST_F(SQLiteConnectionTest, anErrorWithoutAMessageHasNoDescription) {
+    const SQLiteError error(std::nullopt);
+    EXPECT_EQ(error.errorDescription(), std::nullopt);
+    EXPECT_STREQ(error.what(), "");
+}
+
+}  // namespace
+}  // namespace browsersweep
