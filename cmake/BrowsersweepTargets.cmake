@@ -21,3 +21,11 @@ function(browsersweep_use_build_options target)
   set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF CXX_VISIBILITY_PRESET hidden
                                              VISIBILITY_INLINES_HIDDEN ON)
 endfunction()
+
+# browsersweep_precompile(target header...): with BROWSERSWEEP_PRECOMPILE, reads these headers once for
+# the whole target. A build without it proves that every file includes what it needs.
+function(browsersweep_precompile target)
+  if(BROWSERSWEEP_PRECOMPILE)
+    target_precompile_headers(${target} PRIVATE ${ARGN})
+  endif()
+endfunction()
