@@ -71,11 +71,13 @@ def run_all(module="__main__"):
     os.environ["PYTHONDONTWRITEBYTECODE"] = "1"
     suite = unittest.defaultTestLoader.loadTestsFromModule(sys.modules[module])
     result = unittest.TextTestRunner(stream=sys.stdout, verbosity=0).run(suite)
-    failed = len(result.failures) + len(result.errors) + len(result.unexpectedSuccesses)
+    # A test with several failing rows is one failed test; a row is known by the test it belongs to.
+    failures = [test for test, _ in result.failures + result.errors] + result.unexpectedSuccesses
+    failed = len({getattr(test, "test_case", test).id() for test in failures})
     skipped = len(result.skipped)
     for test, reason in result.skipped:
         print(f"skipped: {test} ({reason})")
-    passed = result.testsRun - failed - skipped
+    passed = max(0, result.testsRun - failed - skipped)
     if result.testsRun == 0:
         failed = 1
     print(f"{passed} passed, {failed} failed, {skipped} skipped")
