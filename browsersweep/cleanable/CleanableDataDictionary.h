@@ -23,7 +23,9 @@ public:
     CleanableDataDictionary() = default;
     explicit CleanableDataDictionary(Lists lists) : lists_(std::move(lists)) {}
 
-    const Lists& lists() const noexcept { return lists_; }
+    const Lists& lists() const& noexcept { return lists_; }
+    /** Of a dictionary that goes away, its lists by value: a loop over them is safe. */
+    Lists lists() && noexcept { return std::move(lists_); }
 
     /** The list of a key, or nothing where the key is absent. */
     const CleanableDataList* find(const Key& key) const {

@@ -22,7 +22,9 @@ public:
     CleanableDataList() = default;
     explicit CleanableDataList(std::vector<Item> items) : items_(std::move(items)) {}
 
-    const std::vector<Item>& items() const noexcept { return items_; }
+    const std::vector<Item>& items() const& noexcept { return items_; }
+    /** Of a list that goes away, its items by value: a loop over them is safe. */
+    std::vector<Item> items() && noexcept { return std::move(items_); }
 
     /** Adds the items of another list after the own ones. */
     void append(const CleanableDataList& other);

@@ -12,7 +12,7 @@ TEST(MicrosecondText, wholeMicrosecondsCutOffTowardZero) {
     EXPECT_EQ(microsecondText(978307200), "978307200000000");
     EXPECT_EQ(microsecondText(1.0000019), "1000001");
     EXPECT_EQ(microsecondText(-1.0000019), "-1000001");
-    EXPECT_EQ(microsecondText(-9223372036854.775), "-9223372036854774784");
+    EXPECT_EQ(microsecondText(-9223372036854.775), "-9223372036854775808");
 }
 
 TEST(MicrosecondTextDeathTest, whatDoesNotFitEndsTheProcess) {
