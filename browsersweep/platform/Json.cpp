@@ -125,7 +125,7 @@ private:
     }
 
     JsonDocument& document_;
-    JsonDocument::Text key_;
+    JsonDocument::Text key_{};
     std::vector<std::size_t> open_;
 };
 

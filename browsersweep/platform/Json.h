@@ -42,7 +42,7 @@ private:
     };
 
     struct Node {
-        Text key;               ///< the own key, where the value is an object's member
+        Text key{};             ///< the own key, where the value is an object's member
         std::uint32_t end = 0;  ///< the index after the last value below this one
         Kind kind = Kind::null;
         union Scalar {
@@ -100,7 +100,7 @@ private:
 
     JsonDocument::Kind kind() const noexcept { return node().kind; }
     const JsonDocument::Node& node() const noexcept { return document_->nodes_[index_]; }
-    void require(JsonDocument::Kind kind) const;
+    void require(JsonDocument::Kind wanted) const;
     template <typename Visitor>
     void forEachChild(Visitor visit) const;
 

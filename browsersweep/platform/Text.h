@@ -36,6 +36,8 @@ public:
     /** Compiles a pattern. One that does not compile is a programming error and ends the process.
      */
     explicit RegularExpression(std::string_view pattern);
+    RegularExpression(const RegularExpression&) = delete;
+    RegularExpression& operator=(const RegularExpression&) = delete;
     RegularExpression(RegularExpression&&) noexcept;
     RegularExpression& operator=(RegularExpression&&) noexcept;
     ~RegularExpression();

@@ -48,7 +48,7 @@ fs::path TemporaryFolder::makeFolder(const fs::path& below) const {
 std::vector<std::string> TemporaryFolder::snapshot() const {
     std::vector<std::string> lines;
     for (const auto& entry : fs::recursive_directory_iterator(path_)) {
-        std::string line = fs::relative(entry.path(), path_).string();
+        std::string line = entry.path().lexically_relative(path_).string();
         if (entry.is_symlink()) {
             line += " -> " + fs::read_symlink(entry.path()).string();
         } else if (entry.is_directory()) {

@@ -57,8 +57,8 @@ std::unique_ptr<DirectoryWalk> DirectoryWalk::start(const std::filesystem::path&
     return std::make_unique<DirectoryWalk>(root, std::move(descriptor));
 }
 
-DirectoryWalk::DirectoryWalk(const std::filesystem::path& root, FileDescriptor descriptor)
-    : root_(root) {
+DirectoryWalk::DirectoryWalk(std::filesystem::path root, FileDescriptor descriptor)
+    : root_(std::move(root)) {
     enter(std::move(descriptor), {});
 }
 

@@ -29,7 +29,7 @@ public:
     /** Nothing where the directory may not be opened or is gone. Throws `filesystem_error`. */
     static std::unique_ptr<DirectoryWalk> start(const std::filesystem::path& root);
 
-    DirectoryWalk(const std::filesystem::path& root, FileDescriptor descriptor);
+    DirectoryWalk(std::filesystem::path root, FileDescriptor descriptor);
 
     bool next() override;
     std::string_view name() const noexcept override { return entry_->name; }

@@ -24,8 +24,9 @@ Notification decodeEntry(std::string_view sitePattern, JsonValue value) {
 std::vector<Notification> decodeEntries(JsonValue map) {
     std::vector<Notification> entries;
     for (const auto& [sitePattern, value] : map.members()) {
-        entries.push_back(
-            decodingBelow(sitePattern, [&] { return decodeEntry(sitePattern, value); }));
+        entries.push_back(decodingBelow(sitePattern, [&sitePattern = sitePattern, &value = value] {
+            return decodeEntry(sitePattern, value);
+        }));
     }
     return entries;
 }

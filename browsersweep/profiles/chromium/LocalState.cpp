@@ -18,7 +18,8 @@ LocalState::InfoCache decodeEntry(std::string_view folder, JsonValue value) {
 std::vector<LocalState::InfoCache> decodeInfoCache(JsonValue map) {
     std::vector<LocalState::InfoCache> entries;
     for (const auto& [folder, value] : map.members()) {
-        entries.push_back(decodingBelow(folder, [&] { return decodeEntry(folder, value); }));
+        entries.push_back(decodingBelow(
+            folder, [&folder = folder, &value = value] { return decodeEntry(folder, value); }));
     }
     return entries;
 }

@@ -1,0 +1,285 @@
+#include <map>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "browsersweep/cleanable/CleanableDirectory.h"
+
+#include "tests/support/FaultyFileManager.h"
+#include "tests/support/GuardedFileManager.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace browsersweep {
+namespace {
+
+namespace fs = std::filesystem;
+using tests::GuardedFileManager;
+using tests::TemporaryFolder;
+using Lines = std::vector<std::string>;
+using Rule = CleanableDataFilter::Rule;
+using Dates = CleanableDataFilter::Dates;
+
+CleanableDataFilter including(const std::string& pattern) {
+    return {Rule::include, {pattern}};
+}
+CleanableDataFilter excluding(const std::string& pattern) {
+    return {Rule::exclude, {pattern}};
+}
+
+CleanableDataFilter inside(double start, double end) {
+    return {std::nullopt, Dates{Dates::Rule::insideRange, dateFromReferenceSeconds(start),
+                                dateFromReferenceSeconds(end)}};
+}
+
+/** Tells other creation dates than the files', which no test can set. */
+class DatedFileManager : public tests::ForwardingFileManager {
+public:
+    using Dates = std::map<std::string, double, std::less<>>;
+
+    DatedFileManager(std::shared_ptr<const FileManager> target, Dates dates)
+        : ForwardingFileManager(std::move(target)), dates_(std::move(dates)) {}
+
+    std::unique_ptr<DirectoryEnumerator> enumerator(const fs::path& directory) const override {
+        return std::make_unique<Enumerator>(ForwardingFileManager::enumerator(directory), dates_);
+    }
+
+private:
+    class Enumerator : public tests::ForwardingEnumerator {
+    public:
+        Enumerator(std::unique_ptr<DirectoryEnumerator> target, const Dates& dates)
+            : ForwardingEnumerator(std::move(target)), dates_(&dates) {}
+
+        std::optional<Date> creationDate() noexcept override {
+            const auto found = dates_->find(name());
+            return found == dates_->end() ? std::nullopt
+                                          : std::optional(dateFromReferenceSeconds(found->second));
+        }
+
+    private:
+        const Dates* dates_;
+    };
+
+    Dates dates_;
+};
+
+class CleanableDirectoryTest : public testing::Test {
+protected:
+    void SetUp() override {
+        folder.write("cache/a.txt", "0123456789");
+        folder.write("cache/sub/b.txt", "01234567890123456789");
+    }
+
+    CleanableDirectory directory(std::vector<CleanableDataFilter> filters = {}) const {
+        return {folder / "cache", true, std::move(filters), fileManager};
+    }
+
+    CleanableDirectory dated(const DatedFileManager::Dates& dates) const {
+        return {folder / "cache", true, {}, std::make_shared<DatedFileManager>(fileManager, dates)};
+    }
+
+    TemporaryFolder folder;
+    std::shared_ptr<const FileManager> fileManager = GuardedFileManager::forFixture(folder);
+};
+
+using Filters = std::vector<CleanableDataFilter>;
+
+TEST_F(CleanableDirectoryTest, countsFilesAtAnyDepthAndCleanKeepsTheFolders) {
+    EXPECT_EQ(directory().size(), (CleanableDataSize{2, 30}));
+    directory().clean();
+    EXPECT_EQ(folder.snapshot(), (Lines{"cache/", "cache/sub/"}));
+    EXPECT_EQ(directory().size(), CleanableDataSize::zero);
+}
+
+TEST_F(CleanableDirectoryTest, sizingChangesNothing) {
+    const auto before = folder.snapshot();
+    directory().size(Filters{including("a"), inside(0, 1)});
+    EXPECT_EQ(folder.snapshot(), before);
+}
+
+TEST_F(CleanableDirectoryTest, anIncludedPatternThatDoesNotOccurIsNoOpinion) {
+    EXPECT_EQ(directory().size(Filters{including("a")}), (CleanableDataSize{2, 30}));
+}
+
+TEST_F(CleanableDirectoryTest, anExcludedPatternThatOccursRejects) {
+    EXPECT_EQ(directory().size(Filters{excluding("b")}), (CleanableDataSize{1, 10}));
+    directory().clean(Filters{excluding("b")});
+    EXPECT_EQ(folder.snapshot(),
+              (Lines{"cache/", "cache/sub/", "cache/sub/b.txt: 01234567890123456789"}));
+}
+
+TEST_F(CleanableDirectoryTest, theLastOpinionWins) {
+    const CleanableDataSize both{2, 30};
+    EXPECT_EQ(directory().size(Filters{excluding("a"), including("a")}), both);
+    EXPECT_EQ(directory().size(Filters{including("a"), excluding("a")}),
+              (CleanableDataSize{1, 20}));
+    EXPECT_EQ(directory().size(Filters{excluding("a"), including("nowhere")}),
+              (CleanableDataSize{1, 20}));
+}
+
+TEST_F(CleanableDirectoryTest, patternsAreCaseSensitiveAndMatchTheLastPathComponentAlone) {
+    EXPECT_EQ(directory().size(Filters{excluding("A")}), (CleanableDataSize{2, 30}));
+    EXPECT_EQ(directory().size(Filters{excluding("sub")}), (CleanableDataSize{2, 30}));
+    EXPECT_EQ(directory().size(Filters{excluding("cache")}), (CleanableDataSize{2, 30}));
+}
+
+TEST_F(CleanableDirectoryTest, theEmptyPatternOccursInEveryName) {
+    EXPECT_EQ(directory().size(Filters{excluding("")}), CleanableDataSize::zero);
+}
+
+TEST_F(CleanableDirectoryTest, ownFiltersAndThoseOfTheCallMustBothAccept) {
+    EXPECT_EQ(directory({excluding("a")}).size(Filters{excluding("b")}), CleanableDataSize::zero);
+    // Were the lists one, the later include would take back the own exclusion.
+    EXPECT_EQ(directory({excluding("a")}).size(Filters{including("a")}),
+              (CleanableDataSize{1, 20}));
+}
+
+TEST_F(CleanableDirectoryTest, datesAcceptAndRejectByTheCreationDate) {
+    const auto item = dated({{"a.txt", 100}, {"b.txt", 200}});
+    EXPECT_EQ(item.size(Filters{inside(50, 150)}), (CleanableDataSize{1, 10}));
+    EXPECT_EQ(item.size(Filters{inside(200, 200)}), (CleanableDataSize{1, 20}));
+    EXPECT_EQ(item.size(Filters{inside(300, 400)}), CleanableDataSize::zero);
+}
+
+TEST_F(CleanableDirectoryTest, aFileWhoseDateCannotBeReadIsJudgedByPatternsAlone) {
+    const auto item = dated({{"a.txt", 100}});
+    EXPECT_EQ(item.size(Filters{inside(0, 1)}), (CleanableDataSize{1, 20}));
+    EXPECT_EQ(item.size(Filters{inside(0, 1), excluding("b")}), CleanableDataSize::zero);
+}
+
+TEST_F(CleanableDirectoryTest, aFilterWithBothPartsAcceptsOnlyIfBothDo) {
+    const auto item = dated({{"a.txt", 100}, {"b.txt", 200}});
+    const auto filter = [](Rule rule, const std::string& pattern) {
+        CleanableDataFilter both(rule, {pattern});
+        both.datesData = inside(50, 150).datesData;
+        return Filters{both};
+    };
+    EXPECT_EQ(item.size(filter(Rule::include, "a")), (CleanableDataSize{1, 10}));
+    EXPECT_EQ(item.size(filter(Rule::include, "b")), (CleanableDataSize{1, 10}));
+    EXPECT_EQ(item.size(filter(Rule::exclude, "a")), CleanableDataSize::zero);
+}
+
+TEST_F(CleanableDirectoryTest, realFilesHaveACreationDate) {
+    const double now = referenceSeconds(ReferenceClock::now());
+    constexpr double year = 365.0 * 86400;
+    EXPECT_EQ(directory().size(Filters{inside(now - year, now + year)}),
+              (CleanableDataSize{2, 30}));
+    EXPECT_EQ(directory().size(Filters{inside(0, 1)}), CleanableDataSize::zero);
+}
+
+TEST_F(CleanableDirectoryTest, aRegularFileInItsPlaceIsZeroAndNotDeleted) {
+    const CleanableDirectory item(folder / "cache/a.txt", true, {}, fileManager);
+    EXPECT_EQ(item.size(), CleanableDataSize::zero);
+    item.clean();
+    EXPECT_TRUE(fs::exists(folder / "cache/a.txt"));
+}
+
+TEST_F(CleanableDirectoryTest, aMissingDirectoryIsZeroAndCleansNothing) {
+    const CleanableDirectory item(folder / "gone", false, {}, fileManager);
+    EXPECT_EQ(item.size(), CleanableDataSize::zero);
+    EXPECT_NO_THROW(item.clean());
+    EXPECT_FALSE(item.requiresClosedBrowserToClean());
+    EXPECT_FALSE(fs::exists(folder / "gone"));
+}
+
+TEST_F(CleanableDirectoryTest, linksBelowAreFilesOfTheirOwnAndNeverFollowed) {
+    folder.write("precious/keep.txt", "precious");
+    fs::create_directory_symlink(folder / "precious", folder / "cache/link");
+    fs::create_symlink(folder / "precious/keep.txt", folder / "cache/sub/link");
+    const auto linkBytes = static_cast<std::int64_t>(
+        (folder / "precious").string().size() + (folder / "precious/keep.txt").string().size());
+    EXPECT_EQ(directory().size(), (CleanableDataSize{4, 30 + linkBytes}));
+    directory().clean();
+    EXPECT_EQ(folder.snapshot(),
+              (Lines{"cache/", "cache/sub/", "precious/", "precious/keep.txt: precious"}));
+}
+
+TEST_F(CleanableDirectoryTest, aRootThatIsALinkIsFollowed) {
+    fs::create_directory_symlink(folder / "cache", folder / "elsewhere");
+    const CleanableDirectory item(folder / "elsewhere", true, {}, fileManager);
+    EXPECT_EQ(item.size(), (CleanableDataSize{2, 30}));
+    item.clean();
+    EXPECT_EQ(directory().size(), CleanableDataSize::zero);
+    EXPECT_TRUE(fs::is_symlink(folder / "elsewhere"));
+}
+
+TEST_F(CleanableDirectoryTest, hiddenFilesAndPackagesCount) {
+    folder.write("cache/.hidden", "12");
+    folder.write("cache/Some.app/Contents/file", "345");
+    EXPECT_EQ(directory().size(), (CleanableDataSize{4, 35}));
+}
+
+/** Runs an operation with the n-th call failing, for every n until nothing fails any more. */
+template <typename Operation>
+std::size_t forEveryFailure(const std::shared_ptr<const FileManager>& target, Operation operation) {
+    for (std::size_t number = 1;; ++number) {
+        const auto faulty =
+            std::make_shared<tests::FaultyFileManager>(target, tests::Fault{number});
+        operation(faulty);
+        if (faulty->operationCount() < number) {
+            return number - 1;
+        }
+    }
+}
+
+TEST_F(CleanableDirectoryTest, sizingEitherFailsWithTheSystemsErrorOrIsExactOrFindsNothing) {
+    const auto count = forEveryFailure(fileManager, [&](const auto& faulty) {
+        const CleanableDirectory item(folder / "cache", true, {}, faulty);
+        try {
+            const auto size = item.size();
+            EXPECT_TRUE(size == (CleanableDataSize{2, 30}) || size == CleanableDataSize::zero);
+        } catch (const fs::filesystem_error& error) {
+            EXPECT_EQ(error.code(), std::errc::io_error);
+        }
+    });
+    EXPECT_GE(count, 8U);
+}
+
+/** Every deletion fails. */
+class UndeletingFileManager : public tests::ForwardingFileManager {
+public:
+    using ForwardingFileManager::ForwardingFileManager;
+
+    std::unique_ptr<DirectoryEnumerator> enumerator(const fs::path& directory) const override {
+        return std::make_unique<Enumerator>(ForwardingFileManager::enumerator(directory));
+    }
+
+private:
+    class Enumerator : public tests::ForwardingEnumerator {
+    public:
+        using ForwardingEnumerator::ForwardingEnumerator;
+        void remove() override {
+            throw fs::filesystem_error("refused",
+                                       std::make_error_code(std::errc::read_only_file_system));
+        }
+    };
+};
+
+TEST_F(CleanableDirectoryTest, aDeletionThatFailsEndsTheCleanWithItsError) {
+    const auto before = folder.snapshot();
+    const CleanableDirectory item(folder / "cache", true, {},
+                                  std::make_shared<UndeletingFileManager>(fileManager));
+    try {
+        item.clean();
+        FAIL() << "no error";
+    } catch (const fs::filesystem_error& error) {
+        EXPECT_EQ(error.code(), std::errc::read_only_file_system);
+    }
+    EXPECT_EQ(folder.snapshot(), before);
+}
+
+TEST_F(CleanableDirectoryTest, whateverFailsCleaningKeepsTheFoldersAndTheSystemsError) {
+    forEveryFailure(fileManager, [&](const auto& faulty) {
+        folder.write("cache/a.txt", "a");
+        folder.write("cache/sub/b.txt", "b");
+        const CleanableDirectory item(folder / "cache", true, {}, faulty);
+        try {
+            item.clean();
+        } catch (const fs::filesystem_error& error) {
+            EXPECT_EQ(error.code(), std::errc::io_error);
+        }
+        EXPECT_TRUE(fs::is_directory(folder / "cache/sub"));
+    });
+}
+
+}  // namespace
+}  // namespace browsersweep

@@ -1,0 +1,336 @@
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "browsersweep/platform/FileManager.h"
+
+#include "tests/support/Bytes.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace browsersweep {
+namespace {
+
+namespace fs = std::filesystem;
+using tests::bytes;
+using Lines = std::vector<std::string>;
+
+unsigned modeOf(const fs::path& path) {
+    struct stat status {};
+    EXPECT_EQ(::lstat(path.c_str(), &status), 0);
+    return status.st_mode & 07777U;
+}
+
+/** The error that an operation throws; a success is a failure of the test. */
+template <typename Operation>
+std::errc errorOf(Operation operation) {
+    try {
+        operation();
+    } catch (const fs::filesystem_error& error) {
+        return static_cast<std::errc>(error.code().value());
+    }
+    ADD_FAILURE() << "no error";
+    return {};
+}
+
+class FileManagerTest : public testing::Test {
+protected:
+    Lines entries(const fs::path& below) const {
+        Lines names;
+        const auto walk = manager->enumerator(folder / below);
+        while (walk && walk->next()) {
+            names.emplace_back(walk->name());
+        }
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+
+    tests::TemporaryFolder folder;
+    std::shared_ptr<const FileManager> manager = FileManager::forHome(folder.path());
+};
+
+TEST_F(FileManagerTest, existenceFollowsLinksAndTellsDirectories) {
+    folder.write("file", "x");
+    folder.makeFolder("sub");
+    fs::create_symlink("sub", folder / "link");
+    fs::create_symlink("nowhere", folder / "dangling");
+    EXPECT_EQ(manager->fileExists(folder / "file"), (FileExistence{true, false}));
+    EXPECT_EQ(manager->fileExists(folder / "sub"), (FileExistence{true, true}));
+    EXPECT_EQ(manager->fileExists(folder / "link"), (FileExistence{true, true}));
+    EXPECT_EQ(manager->fileExists(folder / "dangling"), (FileExistence{false, false}));
+    EXPECT_EQ(manager->fileExists(folder / "file/below"), (FileExistence{false, false}));
+}
+
+TEST_F(FileManagerTest, attributesTellTheSizeAndAMissingFileIsAnError) {
+    folder.write("file", "12345");
+    EXPECT_EQ(manager->attributes(folder / "file"), FileAttributes{5});
+    EXPECT_EQ(errorOf([&] { manager->attributes(folder / "gone"); }),
+              std::errc::no_such_file_or_directory);
+}
+
+TEST_F(FileManagerTest, contentsAreTheWholeFile) {
+    const std::string large(300'000, 'x');
+    folder.write("file", large);
+    folder.write("empty", "");
+    EXPECT_EQ(manager->contents(folder / "file"), bytes(large));
+    EXPECT_EQ(manager->contents(folder / "empty"), Bytes{});
+}
+
+TEST_F(FileManagerTest, contentsOfWhatIsNoRegularFileAreAnError) {
+    folder.makeFolder("sub");
+    ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
+    EXPECT_EQ(errorOf([&] { manager->contents(folder / "sub"); }), std::errc::is_a_directory);
+    EXPECT_EQ(errorOf([&] { manager->contents(folder / "pipe"); }), std::errc::invalid_argument);
+    EXPECT_EQ(errorOf([&] { manager->contents(folder / "gone"); }),
+              std::errc::no_such_file_or_directory);
+}
+
+TEST_F(FileManagerTest, contentsOfAnEnormousFileAreAnError) {
+    const auto file = folder.write("sparse", "");
+    fs::resize_file(file, FileManager::maximumContentsSize + 1);
+    EXPECT_EQ(errorOf([&] { manager->contents(file); }), std::errc::file_too_large);
+}
+
+TEST_F(FileManagerTest, replacingKeepsTheModeAndLeavesNothingBeside) {
+    const auto file = folder.write("sub/file", "old");
+    fs::permissions(file, fs::perms::owner_read | fs::perms::group_read);
+    manager->replace(file, bytes("new contents"));
+    EXPECT_EQ(folder.snapshot(), (Lines{"sub/", "sub/file: new contents"}));
+    EXPECT_EQ(modeOf(file), 0440U);
+}
+
+TEST_F(FileManagerTest, replacingKeepsTheOwner) {
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "only root can give files away";
+    }
+    const auto file = folder.write("file", "old");
+    ASSERT_EQ(::chown(file.c_str(), 12345, 54321), 0);
+    manager->replace(file, bytes("new"));
+    struct stat status {};
+    ASSERT_EQ(::stat(file.c_str(), &status), 0);
+    EXPECT_EQ(status.st_uid, 12345U);
+    EXPECT_EQ(status.st_gid, 54321U);
+}
+
+TEST_F(FileManagerTest, replacingThroughALinkKeepsTheLink) {
+    folder.write("real/file", "old");
+    fs::create_symlink("real/file", folder / "link");
+    manager->replace(folder / "link", bytes("new"));
+    EXPECT_EQ(folder.snapshot(), (Lines{"link -> real/file", "real/", "real/file: new"}));
+}
+
+TEST_F(FileManagerTest, replacingAMissingFileIsAnErrorAndMakesNone) {
+    EXPECT_EQ(errorOf([&] { manager->replace(folder / "gone", bytes("new")); }),
+              std::errc::no_such_file_or_directory);
+    EXPECT_EQ(folder.snapshot(), Lines{});
+}
+
+TEST_F(FileManagerTest, aCopyHasTheContentsAndIsForTheUserAlone) {
+    const std::string large(1'000'000, 'y');
+    fs::permissions(folder.write("file", large), fs::perms::all);
+    folder.write("empty", "");
+    manager->copy(folder / "file", folder / "copy");
+    manager->copy(folder / "empty", folder / "emptyCopy");
+    EXPECT_EQ(tests::readFile(folder / "copy"), large);
+    EXPECT_EQ(tests::readFile(folder / "emptyCopy"), "");
+    EXPECT_EQ(modeOf(folder / "copy"), 0600U);
+}
+
+TEST_F(FileManagerTest, aCopyNeverOverwritesNorFollowsALink) {
+    folder.write("file", "new");
+    folder.write("existing", "old");
+    fs::create_symlink("elsewhere", folder / "link");
+    EXPECT_EQ(errorOf([&] { manager->copy(folder / "file", folder / "existing"); }),
+              std::errc::file_exists);
+    EXPECT_EQ(errorOf([&] { manager->copy(folder / "file", folder / "link"); }),
+              std::errc::file_exists);
+    EXPECT_EQ(tests::readFile(folder / "existing"), "old");
+    EXPECT_FALSE(fs::exists(folder / "elsewhere"));
+}
+
+TEST_F(FileManagerTest, aCopyToAnotherFileSystemHasTheContents) {
+    if (!fs::is_directory("/dev/shm") || ::access("/dev/shm", W_OK) != 0) {
+        GTEST_SKIP() << "no second file system at /dev/shm";
+    }
+    const fs::path target = "/dev/shm/" + folder.path().filename().string();
+    folder.write("file", "across");
+    manager->copy(folder / "file", target);
+    EXPECT_EQ(tests::readFile(target), "across");
+    fs::remove(target);
+}
+
+TEST_F(FileManagerTest, removeTakesFilesTreesAndLinksButNotWhatLinksLeadTo) {
+    folder.write("tree/sub/file", "x");
+    folder.write("keep/file", "x");
+    fs::create_directory_symlink(folder / "keep", folder / "tree/link");
+    fs::create_directory_symlink(folder / "keep", folder / "link");
+    manager->remove(folder / "tree");
+    manager->remove(folder / "link");
+    EXPECT_EQ(folder.snapshot(), (Lines{"keep/", "keep/file: x"}));
+    EXPECT_EQ(errorOf([&] { manager->remove(folder / "tree"); }),
+              std::errc::no_such_file_or_directory);
+}
+
+TEST_F(FileManagerTest, createdDirectoriesAreForTheUserAloneAndNew) {
+    manager->createDirectory(folder / "a/b/private");
+    EXPECT_EQ(modeOf(folder / "a/b/private"), 0700U);
+    EXPECT_EQ(errorOf([&] { manager->createDirectory(folder / "a/b/private"); }),
+              std::errc::file_exists);
+}
+
+TEST_F(FileManagerTest, aHomeOfItsOwnHasNoSystemDirectories) {
+    EXPECT_EQ(manager->homeDirectory(), folder.path());
+    EXPECT_TRUE(manager->directories(SearchPathDirectory::caches).empty());
+}
+
+TEST_F(FileManagerTest, theDefaultManagerIsOneAndKnowsTheHomeOfTheProcess) {
+    EXPECT_EQ(FileManager::defaultManager(), FileManager::defaultManager());
+    EXPECT_EQ(FileManager::defaultManager()->homeDirectory(), std::getenv("HOME"));
+    EXPECT_EQ(FileManager::defaultManager()->temporaryDirectory(), std::getenv("TMPDIR"));
+}
+
+TEST_F(FileManagerTest, withoutHOMETheUserDatabaseKnowsTheHome) {
+    const std::string home = std::getenv("HOME");
+    ::unsetenv("HOME");
+    const fs::path found = FileManager::defaultManager()->homeDirectory();
+    ::setenv("HOME", home.c_str(), 1);
+    EXPECT_TRUE(found.is_absolute());
+    EXPECT_NE(found, home);
+}
+
+TEST_F(FileManagerTest, enumerationVisitsEverythingAndFollowsNoLink) {
+    folder.write("root/file", "12");
+    folder.write("root/.hidden", "");
+    folder.write("root/sub/deep/file2", "");
+    folder.write("outside/secret", "");
+    fs::create_directory_symlink(folder / "outside", folder / "root/sub/link");
+    EXPECT_EQ(entries("root"), (Lines{".hidden", "deep", "file", "file2", "link", "sub"}));
+}
+
+TEST_F(FileManagerTest, enumerationAnswersForEachEntry) {
+    folder.write("root/file", "12345");
+    folder.makeFolder("root/sub");
+    const auto walk = manager->enumerator(folder / "root");
+    ASSERT_NE(walk, nullptr);
+    int seen = 0;
+    while (walk->next()) {
+        ++seen;
+        const bool isFile = walk->name() == "file";
+        EXPECT_EQ(walk->isDirectory(), !isFile);
+        EXPECT_EQ(walk->fileSize(), isFile ? std::optional<std::uint64_t>(5) : std::nullopt);
+        ASSERT_TRUE(walk->creationDate().has_value());
+        EXPECT_NEAR(referenceSeconds(*walk->creationDate()),
+                    referenceSeconds(ReferenceClock::now()), 3600);
+    }
+    EXPECT_EQ(seen, 2);
+}
+
+TEST_F(FileManagerTest, enumerationOfWhatIsNoDirectoryIsNotProduced) {
+    folder.write("file", "");
+    EXPECT_EQ(manager->enumerator(folder / "file"), nullptr);
+    EXPECT_EQ(manager->enumerator(folder / "gone"), nullptr);
+}
+
+TEST_F(FileManagerTest, whatVanishesAfterItWasListedHasNoKindLeftToTell) {
+    folder.write("root/file", "12345");
+    const auto walk = manager->enumerator(folder / "root");
+    ASSERT_TRUE(walk->next());
+    fs::remove(folder / "root/file");
+    EXPECT_EQ(walk->fileSize(), std::nullopt);
+    EXPECT_EQ(walk->creationDate(), std::nullopt);
+    EXPECT_EQ(errorOf([&] { walk->remove(); }), std::errc::no_such_file_or_directory);
+    EXPECT_FALSE(walk->next());
+}
+
+TEST_F(FileManagerTest, aFolderSwappedForALinkInMidWalkIsNotEntered) {
+    folder.write("precious/keep", "");
+    folder.write("root/sub/file", "");
+    const auto walk = manager->enumerator(folder / "root");
+    ASSERT_TRUE(walk->next());
+    ASSERT_EQ(walk->name(), "sub");
+    fs::rename(folder / "root/sub", folder / "moved");
+    fs::create_directory_symlink(folder / "precious", folder / "root/sub");
+    EXPECT_FALSE(walk->next());
+}
+
+TEST_F(FileManagerTest, deletingWhileWalkingMissesNothing) {
+    constexpr int count = 5000;
+    folder.makeFolder("root");
+    for (int number = 0; number < count; ++number) {
+        folder.write("root/some-longer-file-name-" + std::to_string(number), "");
+    }
+    const auto walk = manager->enumerator(folder / "root");
+    int removed = 0;
+    while (walk->next()) {
+        walk->remove();
+        ++removed;
+    }
+    EXPECT_EQ(removed, count);
+    EXPECT_TRUE(fs::is_empty(folder / "root"));
+}
+
+int openDescriptors() {
+    int count = 0;
+    for (int number = 0; number < 1024; ++number) {
+        count += ::fcntl(number, F_GETFD) >= 0 ? 1 : 0;
+    }
+    return count;
+}
+
+/** A chain of folders far deeper than any path can be written, each with a file. */
+void makeDeepChain(const fs::path& root, int depth) {
+    int directory = ::open(root.c_str(), O_RDONLY | O_DIRECTORY);
+    for (int level = 0; level < depth; ++level) {
+        ASSERT_EQ(::mkdirat(directory, "d", 0700), 0);
+        const int file = ::openat(directory, "f", O_CREAT | O_WRONLY, 0600);
+        ASSERT_EQ(::write(file, "x", 1), 1);
+        ::close(file);
+        const int next = ::openat(directory, "d", O_RDONLY | O_DIRECTORY);
+        ::close(directory);
+        directory = next;
+    }
+    ::close(directory);
+}
+
+TEST_F(FileManagerTest, depthCostsNeitherStackNorDescriptors) {
+    constexpr int depth = 3000;
+    const auto root = folder.makeFolder("root");
+    makeDeepChain(root, depth);
+    fs::create_directories(root / "zz/yy");  // something to come back up for
+    const int openBefore = openDescriptors();
+    int files = 0;
+    int folders = 0;
+    int mostOpen = 0;
+    const auto walk = manager->enumerator(root);
+    while (walk->next()) {
+        (walk->isDirectory() == true ? folders : files) += 1;
+        if (folders % 500 == 0) {
+            mostOpen = std::max(mostOpen, openDescriptors());
+        }
+    }
+    EXPECT_EQ(files, depth);
+    EXPECT_EQ(folders, depth + 2);
+    EXPECT_LE(mostOpen, openBefore + 40);
+    EXPECT_EQ(std::system(("rm -rf '" + root.string() + "'").c_str()), 0);
+}
+
+TEST_F(FileManagerTest, errorsNameThePathOfTheEntry) {
+    folder.makeFolder("root/sub/inner");
+    const auto walk = manager->enumerator(folder / "root");
+    ASSERT_TRUE(walk->next());
+    ASSERT_TRUE(walk->next());
+    try {
+        walk->remove();
+        FAIL() << "a folder was deleted";
+    } catch (const fs::filesystem_error& error) {
+        EXPECT_EQ(error.path1(), folder / "root/sub/inner");
+    }
+    EXPECT_TRUE(fs::is_directory(folder / "root/sub/inner"));
+}
+
+}  // namespace
+}  // namespace browsersweep
