@@ -1,12 +1,13 @@
 """The scripts use only what the tools of macOS and of Debian have in common."""
 
 import re
+import shutil
 import subprocess
 import sys
 
 sys.dont_write_bytecode = True
 
-from support import ROOT, ScriptTest, run_all
+from support import ROOT, ScriptTest, package_list, run_all
 
 # What bash 3.2 or the BSD tools lack, as a pattern on one line of a script.
 LACKING = {
@@ -127,6 +128,58 @@ class CommonFunctions(ScriptTest):
         self.assertEqual(
             self.common('use_compiler_cache; echo "$CCACHE_DIR"').stdout, f"{ROOT}/build/ccache\n"
         )
+
+
+class DemonstrationOnMacOS(ScriptTest):
+    """scripts/demo in a copy of the project, with the commands that macOS has."""
+
+    TOOLS = "bash env dirname basename mktemp mkdir chmod rm cat tail sed tr python3"
+
+    def setUp(self):
+        super().setUp()
+        self.borrow(*self.TOOLS.split())
+        self.stand_in("uname", "echo Darwin", records=False)
+        self.stand_in("xcode-select", records=False)
+        self.stand_in("sysctl", "echo 8", records=False)
+        formulae = "\n".join(f"echo {name}" for name in package_list("macos_build"))
+        self.stand_in("brew", f"case $1 in list) {formulae} ;; esac")
+        self.project = self.folder / "project"
+        shutil.copytree(ROOT / "scripts", self.project / "scripts")
+        # What a build would leave: a host program that records how it is called.
+        program = self.project / "build" / "demo" / "cli" / "browsersweep"
+        program.parent.mkdir(parents=True)
+        self.stand_in("browsersweep")
+        shutil.copy(self.commands / "browsersweep", program)
+
+    def test_it_builds_with_the_systems_processors_and_runs_every_command(self):
+        self.stand_in("cmake")
+        finished = self.run_script(self.project / "scripts" / "demo")
+        self.assertEqual(finished.returncode, 0, finished.stdout + finished.stderr)
+        build = (self.project / "build" / "demo").resolve()
+        self.assertEqual(
+            self.recorded("cmake"), ["--preset demo", f"--build {build} --parallel 8"]
+        )
+        calls = [call.split(" ", 2)[2].split() for call in self.recorded("browsersweep")]
+        commands = "browsers profiles size bookmarks notifications clean clean size clean size"
+        self.assertEqual([call[0] for call in calls], commands.split())
+        for call in calls:
+            if call[0] == "clean":
+                self.assertTrue("--dry-run" in call or "--yes" in call, call)
+
+    def test_every_command_is_held_to_the_sample_home(self):
+        self.stand_in("cmake")
+        self.run_script(self.project / "scripts" / "demo")
+        sample = str(self.folder.resolve()) + "/browsersweep-demo."
+        for call in self.recorded("browsersweep"):
+            self.assertTrue(call.startswith(f"--home {sample}"), call)
+        self.assertEqual(list(self.folder.glob("browsersweep-demo.*")), [])
+
+    def test_a_failing_build_is_shown_and_ends_it(self):
+        self.stand_in("cmake", "echo no such generator; exit 1")
+        finished = self.run_script(self.project / "scripts" / "demo")
+        self.assertEqual(finished.returncode, 1)
+        self.assertIn("no such generator", finished.stderr)
+        self.assertEqual(self.recorded("browsersweep"), [])
 
 
 if __name__ == "__main__":
