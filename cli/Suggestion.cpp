@@ -15,20 +15,25 @@ char lowercase(char c) noexcept {
     return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
 }
 
-/** How many letters must be added, dropped or changed, letter case aside (Levenshtein). */
+/** How many letters must be added, dropped, changed or swapped with the next, letter case aside. */
 std::size_t distance(std::string_view a, std::string_view b) {
-    std::vector<std::size_t> row(b.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        std::size_t diagonal = row[0];
-        row[0] = i + 1;
-        for (std::size_t j = 0; j < b.size(); ++j) {
-            const std::size_t changed = diagonal + (lowercase(a[i]) == lowercase(b[j]) ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({row[j] + 1, diagonal + 1, changed});
+    std::vector<std::vector<std::size_t>> cost(a.size() + 1,
+                                               std::vector<std::size_t>(b.size() + 1));
+    std::iota(cost[0].begin(), cost[0].end(), std::size_t{0});
+    const auto isSame = [&](std::size_t i, std::size_t j) {
+        return lowercase(a[i - 1]) == lowercase(b[j - 1]);
+    };
+    for (std::size_t i = 1; i <= a.size(); ++i) {
+        cost[i][0] = i;
+        for (std::size_t j = 1; j <= b.size(); ++j) {
+            const std::size_t changed = cost[i - 1][j - 1] + (isSame(i, j) ? 0 : 1);
+            cost[i][j] = std::min({cost[i - 1][j] + 1, cost[i][j - 1] + 1, changed});
+            if (i > 1 && j > 1 && isSame(i, j - 1) && isSame(i - 1, j)) {
+                cost[i][j] = std::min(cost[i][j], cost[i - 2][j - 2] + 1);
+            }
         }
     }
-    return row.back();
+    return cost[a.size()][b.size()];
 }
 
 bool containsIgnoringCase(std::string_view text, std::string_view part) {

@@ -1,0 +1,48 @@
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+
+#include <gtest/gtest.h>
+
+#include "browsersweep/platform/DecodingError.h"
+#include "browsersweep/sqlite/SQLiteError.h"
+
+#include "cli/ErrorText.h"
+
+namespace browsersweep::cli {
+namespace {
+
+std::string ofFile(std::errc code) {
+    const auto text = errorText(std::filesystem::filesystem_error("m", std::make_error_code(code)));
+    return text.substr(0, text.find(':'));
+}
+
+TEST(ErrorText, saysWhatKindOfFailureItIs) {
+    EXPECT_EQ(ofFile(std::errc::permission_denied), "no permission");
+    EXPECT_EQ(ofFile(std::errc::operation_not_permitted), "no permission");
+    EXPECT_EQ(ofFile(std::errc::no_such_file_or_directory), "nothing there");
+    EXPECT_EQ(errorText(SQLiteError("database is locked")),
+              "locked by a running browser: database is locked");
+    EXPECT_EQ(errorText(SQLiteError("unable to open database file")),
+              "no permission: unable to open database file");
+    EXPECT_EQ(errorText(SQLiteError("file is not a database")),
+              "not understood: file is not a database");
+    EXPECT_EQ(errorText(SQLiteError("database disk image is malformed")),
+              "not understood: database disk image is malformed");
+    EXPECT_EQ(errorText(DecodingError(DecodingError::Kind::dataCorrupted, "no list", {"a"})),
+              "not understood: no list (at a)");
+}
+
+TEST(ErrorText, keepsAnErrorOfNoSuchKindAsItIs) {
+    EXPECT_EQ(errorText(SQLiteError("disk I/O error")), "disk I/O error");
+    EXPECT_EQ(errorText(std::runtime_error("else")), "else");
+    EXPECT_EQ(errorText(SQLiteError(std::nullopt)), "an error without a message");
+}
+
+TEST(ErrorText, isOneLineOfUTF8) {
+    EXPECT_EQ(errorText(std::runtime_error("a\nb\xFF")), "a�b�");
+}
+
+}  // namespace
+}  // namespace browsersweep::cli

@@ -1,0 +1,115 @@
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "cli/Filters.h"
+#include "cli/Options.h"
+#include "cli/UsageError.h"
+
+namespace browsersweep::cli {
+namespace {
+
+Options parsed(const std::vector<std::string>& arguments) {
+    return std::get<Options>(parseCommandLine(arguments));
+}
+
+TEST(Options, nothingButACommandSelectsEverything) {
+    const auto options = parsed({"size"});
+    EXPECT_EQ(options.command, Command::size);
+    EXPECT_EQ(options.selection.selectedBrowsers(),
+              std::vector<Browser>(allBrowsers.begin(), allBrowsers.end()));
+    for (const auto category : allCleanableDataCategories) {
+        EXPECT_TRUE(options.selection.includes(category));
+    }
+    EXPECT_TRUE(options.filters.empty());
+    EXPECT_FALSE(options.home || options.json || options.yes || options.dryRun || options.force ||
+                 options.ignoreErrors || options.selection.primaryOnly);
+}
+
+TEST(Options, everyOptionIsTaken) {
+    const auto options =
+        parsed({"--home", "/h", "--json", "clean", "--browser", "opera", "--browser=brave",
+                "--profile", "", "--profile=A B", "--primary-only", "--category", "history",
+                "--ignore-errors", "--dry-run", "--yes", "--force"});
+    EXPECT_EQ(options.command, Command::clean);
+    EXPECT_EQ(options.home, std::filesystem::path("/h"));
+    EXPECT_EQ(options.selection.selectedBrowsers(),
+              (std::vector<Browser>{Browser::brave, Browser::opera}));
+    EXPECT_EQ(options.selection.profileNames, (std::vector<std::string>{"", "A B"}));
+    EXPECT_EQ(options.selection.categories,
+              std::vector<CleanableDataCategory>{CleanableDataCategory::history});
+    EXPECT_TRUE(options.json && options.yes && options.dryRun && options.force &&
+                options.ignoreErrors && options.selection.primaryOnly);
+}
+
+TEST(Options, filtersKeepTheOrderOfTheCommandLineAcrossTheirOptions) {
+    using Rule = CleanableDataFilter::Rule;
+    using DatesRule = CleanableDataFilter::Dates::Rule;
+    const auto options = parsed({"--outside", "1..2", "size", "--include=a", "--exclude", "b",
+                                 "--filter", "{}", "--inside=..3", "--include", "c", "--filter",
+                                 R"({"patterns":{"rule":"include","patterns":["d"]}})"});
+    EXPECT_EQ(options.filters,
+              (std::vector<CleanableDataFilter>{
+                  datesFilter(DatesRule::outsideRange, "1..2"), patternFilter(Rule::include, "a"),
+                  patternFilter(Rule::exclude, "b"), CleanableDataFilter{},
+                  datesFilter(DatesRule::insideRange, "..3"), patternFilter(Rule::include, "c"),
+                  patternFilter(Rule::include, "d")}));
+}
+
+TEST(Options, valuesAreTakenAsTheyStand) {
+    for (const std::string pattern : {"[a,b]", "-x", "a=b", "{}", "--x", "a b", "size"}) {
+        SCOPED_TRACE(pattern);
+        EXPECT_EQ(parsed({"size", "--include=" + pattern}).filters.at(0).patterns(),
+                  std::set<std::string>{pattern});
+    }
+    EXPECT_EQ(parsed({"size", "--include", "-x"}).filters.at(0).patterns(),
+              std::set<std::string>{"-x"});
+}
+
+TEST(Options, aRelativeHomeIsMadeAbsolute) {
+    EXPECT_EQ(parsed({"size", "--home", "x"}).home, std::filesystem::current_path() / "x");
+}
+
+TEST(Options, wrongCommandLinesSayWhatIsWrongAndWhatIsRight) {
+    const struct {
+        std::vector<std::string> arguments;
+        std::string message;
+    } rows[] = {
+        {{},
+         "no command is given; it must be one of browsers, profiles, size, clean, bookmarks, "
+         "notifications"},
+        {{"sizes"}, "'sizes' is no command; did you mean size?"},
+        {{"size", "x"},
+         "'x' is one word too many after the command size; give browsers with --browser and "
+         "patterns with --include or --exclude"},
+        {{"size", "--browser", "Opera"}, "'Opera' is no browser; did you mean opera?"},
+        {{"size", "--category", "form"}, "'form' is no category; did you mean formData?"},
+        {{"size", "--browsers", "x"}, "'--browsers' is no option; did you mean --browser?"},
+        {{"size", "--profile"}, "--profile needs a value; write --profile=VALUE"},
+        {{"clean", "--profile", "--yes"}, "--profile needs a value; write --profile=VALUE"},
+        {{"size", "--yes"}, "--yes belongs to the command clean; leave it out"},
+        {{"bookmarks", "--include=a"},
+         "--include belongs to the commands size and clean; leave it out"},
+        {{"--home", "a", "--home", "b", "size"}, "--home is given twice; give one folder"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.message);
+        try {
+            parseCommandLine(row.arguments);
+            FAIL() << "the command line was taken";
+        } catch (const UsageError& error) {
+            EXPECT_EQ(error.what(), row.message);
+        }
+    }
+}
+
+TEST(Options, helpAndVersionAreInformation) {
+    EXPECT_EQ(std::get<Information>(parseCommandLine({"--help"})).text, helpText());
+    EXPECT_EQ(std::get<Information>(parseCommandLine({"size", "-h"})).text, helpText());
+    EXPECT_EQ(std::get<Information>(parseCommandLine({"--version"})).text.rfind("browsersweep ", 0),
+              0U);
+}
+
+}  // namespace
+}  // namespace browsersweep::cli

@@ -1,0 +1,43 @@
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "cli/Text.h"
+
+namespace browsersweep::cli {
+namespace {
+
+TEST(Text, onlyTheShortestFormOfAScalarValueIsWellFormed) {
+    for (const std::string text : {"", "a", "é", "日本", "😀", "\x7F", "\xF4\x8F\xBF\xBF"}) {
+        SCOPED_TRACE(text);
+        EXPECT_TRUE(isWellFormed(text));
+    }
+    for (const std::string text : {"\x80", "\xC0\x80", "\xE0\x80\x80", "\xED\xA0\x80", "\xC3",
+                                   "\xF4\x90\x80\x80", "\xF8\x88\x80\x80\x80", "\xC3("}) {
+        SCOPED_TRACE(text);
+        EXPECT_FALSE(isWellFormed(text));
+    }
+}
+
+TEST(Text, whatIsNoTextOrMovesTheCursorBecomesAReplacementCharacter) {
+    EXPECT_EQ(printable("Zoë 日本 😀"), "Zoë 日本 😀");
+    EXPECT_EQ(printable("a\nb\x1B[2J\x7F"), "a�b�[2J�");
+    EXPECT_EQ(printable("a\xFF\xC3(b"), "a��(b");
+    EXPECT_EQ(printable("a\u0085\u2028\u202Eb"), "a���b");
+}
+
+TEST(Text, wideCharactersTakeTwoColumnsAndAccentsNone) {
+    const struct {
+        std::string text;
+        std::size_t width;
+    } rows[] = {{"", 0},        {"abc", 3}, {"é", 1},  {"e\u0301", 1}, {"日本", 4},
+                {"한글", 4},    {"ｱ", 1},   {"Ａ", 2}, {"😀", 2},       {"\u200B", 0},
+                {"א\u05B0", 1}, {"�", 1},   {"❤", 1}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
+        EXPECT_EQ(displayWidth(row.text), row.width);
+    }
+}
+
+}  // namespace
+}  // namespace browsersweep::cli

@@ -1,0 +1,204 @@
+"""The program at work: the question, running browsers, terminals, signals, failing outputs."""
+
+import fcntl
+import os
+import signal
+import socket
+import subprocess
+import sys
+import unittest
+
+from fixture import HostProgramTest, PROGRAM, rows, write
+
+CHROMIUM = "--browser=chromium"
+
+
+class Question(HostProgramTest):
+    def test_nothing_is_deleted_without_a_yes(self):
+        before = self.snapshot()
+        for answer in (b"n\n", b"\n", b"yess\n", b"\x04"):
+            with self.subTest(answer=answer):
+                status, output, screen = self.run_on_terminal("clean", CHROMIUM, answer=answer)
+                self.assertEqual((status, output), (1, b""))
+                self.assertIn("To be removed", screen)
+                self.assertIn("nothing was deleted", screen)
+                self.assertEqual(self.snapshot(), before)
+
+    def test_a_yes_deletes(self):
+        for answer in (b"y\n", b"yes\n"):
+            with self.subTest(answer=answer):
+                self.make_cache_file()
+                status, output, _ = self.run_on_terminal("clean", CHROMIUM, answer=answer)
+                self.assertEqual(status, 0)
+                self.assertIn(b"Removed", output)
+                self.assertEqual(list(self.cache.rglob("data_*")), [])
+
+    def make_cache_file(self):
+        write(self.cache / "data_9", b"z")
+
+    def test_under_json_the_question_is_on_standard_error(self):
+        status, output, screen = self.run_on_terminal("--json", "clean", CHROMIUM, answer=b"y\n")
+        self.assertEqual(status, 0)
+        self.assertTrue(output.startswith(b'{\n  "dryRun": false,'))
+        self.assertIn("Delete this? [y/N]", screen)
+
+    def test_yes_and_dry_run_ask_nothing(self):
+        for option in ("--dry-run", "--yes"):
+            _, _, screen = self.run_on_terminal("clean", CHROMIUM, option)
+            self.assertNotIn("Delete this?", screen)
+
+
+class Running(HostProgramTest):
+    def lock(self, target):
+        path = self.support / "Chromium" / "SingletonLock"
+        if path.is_symlink():
+            path.unlink()
+        path.symlink_to(target)
+
+    def ended_process(self):
+        process = subprocess.Popen([sys.executable, "-c", ""])
+        process.wait()
+        return process.pid
+
+    def test_a_live_lock_refuses_the_clean_before_anything_is_deleted(self):
+        self.lock(f"{socket.gethostname()}-{os.getpid()}")
+        before = self.snapshot()
+        result = self.run_program("clean", "--yes")
+        self.assertEqual((result.status, result.output), (1, b""))
+        self.assertEqual(
+            result.error, "browsersweep: Chromium seems to be running (its data folder is locked); "
+                          "nothing was deleted. Quit it, or add --force.\n")
+        self.assertEqual(self.snapshot(), before)
+
+    def test_a_lock_of_another_machine_counts_as_live(self):
+        self.lock(f"not-{socket.gethostname()}-{self.ended_process()}")
+        self.assertEqual(self.run_program("clean", "--yes").status, 1)
+
+    def test_force_goes_on(self):
+        self.lock(f"{socket.gethostname()}-{os.getpid()}")
+        self.assertEqual(self.run_program("clean", "--yes", "--force").status, 0)
+        self.assertEqual(rows(self.history, "SELECT count(*) FROM urls"), [(0,)])
+
+    def test_stale_and_foreign_locks_do_not_count(self):
+        for target in (f"{socket.gethostname()}-{self.ended_process()}", "nonsense", "host-", "-1x",
+                       "host-0"):
+            with self.subTest(target=target):
+                self.lock(target)
+                self.assertEqual(self.run_program("clean", "--yes").status, 0)
+
+    def test_only_selected_browsers_count(self):
+        self.lock(f"{socket.gethostname()}-{os.getpid()}")
+        self.assertEqual(self.run_program("clean", "--yes", "--browser=brave").status, 0)
+
+    def test_data_that_may_be_cleaned_under_a_running_browser_is_cleaned(self):
+        self.lock(f"{socket.gethostname()}-{os.getpid()}")
+        self.assertEqual(self.run_program("clean", "--yes", "--category=flashCookies").status, 0)
+
+    def test_sizes_and_dry_runs_do_not_mind(self):
+        self.lock(f"{socket.gethostname()}-{os.getpid()}")
+        self.assertEqual(self.run_program("size").status, 0)
+        self.assertEqual(self.run_program("clean", "--dry-run").status, 0)
+
+
+class Streams(HostProgramTest):
+    def test_progress_is_shown_on_a_terminal_alone(self):
+        result = self.run_program("size")
+        self.assertEqual((result.status, result.error), (0, ""))
+        status, output, screen = self.run_on_terminal("size")
+        self.assertEqual(status, 0)
+        self.assertIn("Measuring Chromium: History", screen)
+        self.assertTrue(screen.endswith("\r\x1b[K"), screen)
+        self.assertEqual(output, result.output)
+
+    def test_the_report_stands_on_a_line_of_its_own_when_both_are_one_terminal(self):
+        status, _, screen = self.run_on_terminal("browsers", "--browser=safari", output_too=True)
+        self.assertEqual(status, 0)
+        self.assertTrue(screen.endswith(
+            "\r\x1b[KName    Browser  Bundle identifier\r\n"
+            "Safari  safari   com.apple.Safari\r\n"), screen)
+
+    def test_a_report_that_cannot_be_written_is_a_failure(self):
+        for arguments in (("size",), ("--json", "size"), ("--help",), ("--version",)):
+            with self.subTest(arguments=arguments), open("/dev/full", "wb") as full:
+                completed = subprocess.run(self.command(*arguments), env=self.environment,
+                                           stdout=full, stderr=subprocess.PIPE, check=False)
+                self.assertEqual(completed.returncode, 1)
+                self.assertEqual(completed.stderr, b"browsersweep: cannot write the whole report: "
+                                                   b"No space left on device\n")
+
+    def test_a_reader_that_goes_away_is_a_failure_and_no_signal(self):
+        reading, writing = os.pipe()
+        os.close(reading)
+        completed = subprocess.run(self.command("size"), env=self.environment, stdout=writing,
+                                   stderr=subprocess.PIPE, check=False)
+        os.close(writing)
+        self.assertEqual(completed.returncode, 1)
+        self.assertIn(b"Broken pipe", completed.stderr)
+
+    def test_closed_standard_streams_never_hit_a_database(self):
+        before = self.snapshot()
+        completed = subprocess.run(
+            ["/bin/sh", "-c", 'exec "$@" <&- >&- 2>&-', "sh", *self.command("size")],
+            env=self.environment, check=False)
+        self.assertEqual(completed.returncode, 1)
+        self.assertEqual(self.snapshot(), before)
+
+    def test_a_home_that_is_not_there_is_empty_and_noted(self):
+        result = self.run_program("--home", self.root / "nowhere", "size", home=False)
+        self.assertEqual(result.status, 0)
+        self.assertIn("nowhere is no folder that is there", result.error)
+
+    def test_text_that_is_no_utf_8_does_not_break_the_document(self):
+        home = os.fsencode(self.root) + b"/h\xff"
+        os.rename(self.home, home)
+        completed = subprocess.run([PROGRAM, b"--home", home, "--json", "notifications", CHROMIUM],
+                                   env=self.environment, capture_output=True, check=False)
+        self.assertEqual(completed.returncode, 0)
+        self.assertIn("/h\ufffd/Library", completed.stdout.decode("utf-8"))
+
+    def test_names_cannot_play_tricks_on_the_terminal(self):
+        write(self.profile / "Bookmarks", '{"roots": {"bar": {"children": [], "url": "a:b", '
+                                          '"name": "x\\u001b[2Jy\\nz"}}}')
+        result = self.run_program("bookmarks", CHROMIUM)
+        self.assertIn("x\ufffd[2Jy\ufffdz", result.text)
+
+    def test_the_users_own_home_is_left_alone(self):
+        self.run_program("clean", "--yes")
+        self.assertEqual(list((self.root / "own-home").iterdir()), [])
+
+
+class Signals(HostProgramTest):
+    def interrupted_run(self, number, *arguments):
+        """Starts the program with the signal already waiting, so that no timing is involved."""
+        def deliver():
+            signal.pthread_sigmask(signal.SIG_BLOCK, {number})
+            os.kill(os.getpid(), number)
+        return subprocess.run(self.command(*arguments), env=self.environment, check=False,
+                              stdin=subprocess.DEVNULL, capture_output=True, preexec_fn=deliver)
+
+    def test_an_interrupted_clean_says_what_was_not_begun_and_exits_with_the_signal(self):
+        before = self.snapshot()
+        for number, status in ((signal.SIGINT, 130), (signal.SIGTERM, 143)):
+            with self.subTest(number=number):
+                completed = self.interrupted_run(number, "--json", "clean", "--yes", CHROMIUM)
+                self.assertEqual(completed.returncode, status)
+                self.assertIn(b'"error": "interrupted before it was begun"', completed.stdout)
+                self.assertEqual(self.snapshot(), before)
+
+
+class Locked(HostProgramTest):
+    def test_a_firefox_lock_is_recognised(self):
+        profile = self.support / "Firefox" / "Profiles" / "a.default"
+        write(self.support / "Firefox" / "profiles.ini",
+              "[Profile0]\nName=default\nPath=Profiles/a.default\nIsRelative=1\n")
+        write(profile / ".parentlock", "")
+        if not self.document("profiles", "--browser=firefox")["browsers"][0]["profiles"]:
+            self.skipTest("this build reads no Firefox profiles")
+        with open(profile / ".parentlock", "r+b") as held:
+            fcntl.lockf(held, fcntl.LOCK_EX)
+            self.assertEqual(self.run_program("clean", "--yes", "--browser=firefox").status, 1)
+        self.assertEqual(self.run_program("clean", "--yes", "--browser=firefox").status, 0)
+
+
+if __name__ == "__main__":
+    unittest.main()
