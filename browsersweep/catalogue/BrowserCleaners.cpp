@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "browsersweep/profiles/chromium/ChromiumBasedProfileReader.h"
+#include "browsersweep/profiles/firefox/FirefoxProfileReader.h"
 
 namespace browsersweep {
 namespace {
@@ -53,6 +54,7 @@ std::shared_ptr<const BrowserProfileReader> makeReader(
             return std::make_shared<ChromiumBasedProfileReader>(row.applicationSupportRelativePath,
                                                                 std::move(fileManager), browser);
         case Family::firefox:
+            return std::make_shared<FirefoxProfileReader>(std::move(fileManager));
         case Family::safari:
             break;
     }

@@ -174,11 +174,11 @@ TEST(RegularExpression, firstMatchGivesTheMatchAndItsGroups) {
         {"^b", "ab", std::nullopt},
         {"[[:alpha:]]+", "12 caf\u00E9 34", Groups{{"caf\u00E9"}}},
         {"B", "abc", std::nullopt},                                  // letter case counts
-        {"(\\S+)\\s?=\\s?(\\S+)", "key = v\U0001F600", Groups{{"key = v\U0001F600", "key", "v\U0001F600"}}},
-        {"\\s", "a\u00A0b", Groups{{"\u00A0"}}},                     // Unicode's white space
-        {"\\s", "a\u2003b", Groups{{"\u2003"}}},
-        {"\\s", "a\u0085b", Groups{{"\u0085"}}},
-        {"\\s", "a\u200Bb", std::nullopt},
+        {R"((\S+)\s?=\s?(\S+))", "key = v\U0001F600", Groups{{"key = v\U0001F600", "key", "v\U0001F600"}}},
+        {R"(\s)", "a\u00A0b", Groups{{"\u00A0"}}},                     // Unicode's white space
+        {R"(\s)", "a\u2003b", Groups{{"\u2003"}}},
+        {R"(\s)", "a\u0085b", Groups{{"\u0085"}}},
+        {R"(\s)", "a\u200Bb", std::nullopt},
         {".", "\u2028x", Groups{{"x"}}},                             // no line separator
     };
     // clang-format on

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <filesystem>
+
+#include "browsersweep/Export.h"
+
+namespace browsersweep {
+
+/**
+ * A path below a folder. Unlike the operator "/" of paths, one that is absolute does not replace
+ * the folder: its leading slashes are dropped.
+ */
+BROWSERSWEEP_EXPORT std::filesystem::path appendingPath(const std::filesystem::path& folder,
+                                                        const std::filesystem::path& path);
+
+}  // namespace browsersweep

@@ -1,0 +1,48 @@
+#include "browsersweep/profiles/firefox/FirefoxCleanableLocalStorage.h"
+
+#include <utility>
+#include <vector>
+
+#include "browsersweep/platform/Text.h"
+
+namespace browsersweep {
+namespace {
+
+CleanableDataFilter reversed(CleanableDataFilter filter) {
+    if (filter.patternsData) {
+        std::set<std::string> patterns;
+        for (const std::string& pattern : filter.patternsData->patterns) {
+            patterns.insert(reversedCharacters(pattern));
+        }
+        filter.patternsData->patterns = std::move(patterns);
+    }
+    return filter;
+}
+
+std::vector<CleanableDataFilter> reversed(CleanableDataFilters filters) {
+    std::vector<CleanableDataFilter> result;
+    for (const CleanableDataFilter& filter : filters) {
+        result.push_back(reversed(filter));
+    }
+    return result;
+}
+
+}  // namespace
+
+FirefoxCleanableLocalStorage::FirefoxCleanableLocalStorage(
+    std::shared_ptr<const CleanableData> cleanableSQLiteDatabase)
+    : cleanableSQLiteDatabase_(std::move(cleanableSQLiteDatabase)) {}
+
+bool FirefoxCleanableLocalStorage::requiresClosedBrowserToClean() const noexcept {
+    return cleanableSQLiteDatabase_->requiresClosedBrowserToClean();
+}
+
+CleanableDataSize FirefoxCleanableLocalStorage::size(CleanableDataFilters filters) const {
+    return cleanableSQLiteDatabase_->size(reversed(filters));
+}
+
+void FirefoxCleanableLocalStorage::clean(CleanableDataFilters filters) const {
+    cleanableSQLiteDatabase_->clean(reversed(filters));
+}
+
+}  // namespace browsersweep

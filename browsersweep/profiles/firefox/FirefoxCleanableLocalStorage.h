@@ -1,0 +1,39 @@
+#pragma once
+
+#include <memory>
+
+#include "browsersweep/Export.h"
+#include "browsersweep/cleanable/CleanableData.h"
+
+namespace browsersweep {
+
+/**
+ * Firefox's local storage. Its database keys origins by their characters in reverse order
+ * ("moc.elpmaxe"), so the item reverses the patterns of every filter, user-perceived character by
+ * character, and leaves the rest to the item that it wraps.
+ */
+class BROWSERSWEEP_EXPORT FirefoxCleanableLocalStorage : public CleanableData {
+public:
+    explicit FirefoxCleanableLocalStorage(
+        std::shared_ptr<const CleanableData> cleanableSQLiteDatabase);
+
+    /** The item that it wraps. */
+    const std::shared_ptr<const CleanableData>& cleanableSQLiteDatabase() const noexcept {
+        return cleanableSQLiteDatabase_;
+    }
+
+    /** As the wrapped item has it. */
+    bool requiresClosedBrowserToClean() const noexcept override;
+
+    using CleanableData::clean;
+    using CleanableData::size;
+    /** Throws what the wrapped item throws. */
+    CleanableDataSize size(CleanableDataFilters filters) const override;
+    /** Throws what the wrapped item throws. */
+    void clean(CleanableDataFilters filters) const override;
+
+private:
+    std::shared_ptr<const CleanableData> cleanableSQLiteDatabase_;
+};
+
+}  // namespace browsersweep

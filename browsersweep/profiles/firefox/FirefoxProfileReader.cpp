@@ -1,0 +1,82 @@
+#include "browsersweep/profiles/firefox/FirefoxProfileReader.h"
+
+#include <string_view>
+#include <utility>
+
+#include "browsersweep/platform/DecodingError.h"
+#include "browsersweep/platform/UTF16.h"
+#include "browsersweep/profiles/AppendingPath.h"
+#include "browsersweep/profiles/firefox/FirefoxProfile.h"
+#include "browsersweep/profiles/firefox/IniFile.h"
+
+namespace browsersweep {
+namespace {
+
+constexpr std::string_view firefoxFolder = "Firefox";
+constexpr std::string_view profilePrefix = "Profile";
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
+IniFile decode(const Bytes& contents) {
+    std::string_view text(reinterpret_cast<const char*>(contents.data()), contents.size());
+    if (!isUTF8(text)) {
+        throw DecodingError(DecodingError::Kind::dataCorrupted, "profiles.ini is not UTF-8 text");
+    }
+    if (text.substr(0, byteOrderMark.size()) == byteOrderMark) {
+        text.remove_prefix(byteOrderMark.size());
+    }
+    return IniFile(text);
+}
+
+std::optional<std::string> find(const IniFile::Properties& properties, const std::string& key) {
+    const auto found = properties.find(key);
+    return found == properties.end() ? std::nullopt : std::optional(found->second);
+}
+
+bool isSet(const IniFile::Properties& properties, const std::string& key) {
+    return find(properties, key) == "1";
+}
+
+}  // namespace
+
+FirefoxProfileReader::FirefoxProfileReader(
+    std::shared_ptr<const FileManager> fileManager,
+    std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider)
+    : fileManager_(std::move(fileManager)),
+      directoryProvider_(directoryProvider
+                             ? std::move(directoryProvider)
+                             : std::make_shared<FileManagerDirectoryProvider>(fileManager_)) {}
+
+std::vector<std::shared_ptr<const BrowserProfile>> FirefoxProfileReader::profiles() const {
+    const std::filesystem::path file =
+        directoryProvider_->applicationSupportDirectory() / firefoxFolder / "profiles.ini";
+    if (!fileManager_->fileExists(file).isFile()) {
+        return {};
+    }
+    const IniFile iniFile = decode(fileManager_->contents(file.lexically_normal()));
+    std::vector<std::shared_ptr<const BrowserProfile>> profiles;
+    for (const auto& [section, properties] : iniFile.sections()) {
+        if (section.compare(0, profilePrefix.size(), profilePrefix) != 0) {
+            continue;
+        }
+        if (auto profile = makeProfile(properties)) {
+            profiles.push_back(std::move(profile));
+        }
+    }
+    return profiles;
+}
+
+std::shared_ptr<const BrowserProfile> FirefoxProfileReader::makeProfile(
+    const std::map<std::string, std::string>& properties) const {
+    std::optional<std::string> name = find(properties, "Name");
+    const std::optional<std::string> path = find(properties, "Path");
+    if (!name || !path) {
+        return nullptr;
+    }
+    const bool isRelative = isSet(properties, "IsRelative");
+    return std::make_shared<FirefoxProfile>(
+        std::move(name), isSet(properties, "Default"), isRelative,
+        isRelative ? appendingPath(firefoxFolder, *path) : std::filesystem::path(*path),
+        fileManager_, directoryProvider_);
+}
+
+}  // namespace browsersweep

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "browsersweep/Export.h"
+#include "browsersweep/profiles/BrowserProfileReader.h"
+#include "browsersweep/profiles/CurrentUserDirectoryProvider.h"
+
+namespace browsersweep {
+
+/**
+ * Lists the profiles of Firefox from its "profiles.ini". A missing file, or a directory in its
+ * place, gives none. Whether a profile's folder exists is not examined.
+ */
+class BROWSERSWEEP_EXPORT FirefoxProfileReader : public BrowserProfileReader {
+public:
+    /** Without a provider the file manager's own directories are used. */
+    explicit FirefoxProfileReader(
+        std::shared_ptr<const FileManager> fileManager,
+        std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider = {});
+
+    /**
+     * The sections named "Profile..." that have a "Name" and a "Path", in the order of the
+     * sections' names. Throws `filesystem_error` where the file cannot be read and a
+     * `DecodingError` where it is not UTF-8.
+     */
+    std::vector<std::shared_ptr<const BrowserProfile>> profiles() const override;
+
+private:
+    std::shared_ptr<const BrowserProfile> makeProfile(
+        const std::map<std::string, std::string>& properties) const;
+
+    std::shared_ptr<const FileManager> fileManager_;
+    std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider_;
+};
+
+}  // namespace browsersweep

@@ -1,0 +1,31 @@
+#include <gtest/gtest.h>
+
+#include "browsersweep/notifications/FirefoxSubscription.h"
+
+namespace browsersweep {
+namespace {
+
+FirefoxSubscription subscription(std::string_view site) {
+    return {*URL::parse(site), Browser::firefox, "/profile/permissions.sqlite"};
+}
+
+TEST(FirefoxSubscription, tellsItsSiteItsBrowserAndItsFile) {
+    const FirefoxSubscription allowed = subscription("https://example.com");
+    EXPECT_EQ(allowed.sourceURL(), URL::parse("https://example.com"));
+    EXPECT_EQ(allowed.browser(), Browser::firefox);
+    EXPECT_EQ(allowed.permissionFile(), "/profile/permissions.sqlite");
+}
+
+TEST(FirefoxSubscription, blockingChangesNothing) {
+    const FirefoxSubscription allowed = subscription("https://example.com");
+    allowed.blockNotifications();
+    allowed.blockNotifications();
+    EXPECT_EQ(allowed, subscription("https://example.com"));
+}
+
+TEST(FirefoxSubscription, isEqualWhereAllThreeFieldsAre) {
+    EXPECT_FALSE(subscription("https://example.com") == subscription("https://example.org"));
+}
+
+}  // namespace
+}  // namespace browsersweep
