@@ -1,6 +1,7 @@
 #include "browsersweep/platform/PropertyList.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <limits>
 #include <stdexcept>
@@ -134,13 +135,13 @@ PropertyList PropertyList::uid(std::uint64_t value) {
 
 PropertyList::Kind PropertyList::kind() const noexcept {
     // clang-format off
-    static constexpr Kind kinds[] = {  // NOLINT(cppcoreguidelines-avoid-c-arrays): a plain table
+    static constexpr std::array kinds = {
         Kind::boolean, Kind::integer, Kind::integer, Kind::real, Kind::string,
         Kind::date,    Kind::data,    Kind::array,   Kind::dictionary, Kind::uid,
     };
     // clang-format on
-    static_assert(std::size(kinds) == std::variant_size_v<Node::Value>);
-    return kinds[node_->value.index()];
+    static_assert(kinds.size() == std::variant_size_v<Node::Value>);
+    return kinds.at(node_->value.index());
 }
 
 std::size_t PropertyList::depth() const noexcept {

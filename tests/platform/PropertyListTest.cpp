@@ -10,12 +10,12 @@
 #include "browsersweep/platform/DecodingError.h"
 #include "browsersweep/platform/PropertyList.h"
 
+#include "tests/support/Bytes.h"
+
 namespace browsersweep {
 namespace {
 
-Bytes bytesOf(std::string_view text) {
-    return Bytes(text.begin(), text.end());
-}
+using tests::bytes;
 
 PropertyList text(std::string value) {
     return PropertyList::string(std::move(value));
@@ -111,18 +111,17 @@ TEST(PropertyList, theFormOfAFileIsFoundOut) {
     const Bytes forms[] = {
         // NOLINT(cppcoreguidelines-avoid-c-arrays): a table of cases
         expected.binaryData(),
-        bytesOf(
-            "<?xml version=\"1.0\"?><plist><dict><key>a</key><string>1</string></dict></plist>"),
-        bytesOf("\xEF\xBB\xBF \n<plist><dict><key>a</key><string>1</string></dict></plist>"),
-        bytesOf("{ a = 1; }"),
-        bytesOf("\xEF\xBB\xBF{ a = 1; }"),
-        bytesOf("a = 1;"),
+        bytes("<?xml version=\"1.0\"?><plist><dict><key>a</key><string>1</string></dict></plist>"),
+        bytes("\xEF\xBB\xBF \n<plist><dict><key>a</key><string>1</string></dict></plist>"),
+        bytes("{ a = 1; }"),
+        bytes("\xEF\xBB\xBF{ a = 1; }"),
+        bytes("a = 1;"),
     };
     for (const Bytes& form : forms) {
         SCOPED_TRACE(std::string(form.begin(), form.end()));
         EXPECT_EQ(expected, PropertyList::parse(form));
     }
-    EXPECT_EQ(PropertyList::data({0xDE, 0xAD}), PropertyList::parse(bytesOf("<dead>")));
+    EXPECT_EQ(PropertyList::data({0xDE, 0xAD}), PropertyList::parse(bytes("<dead>")));
 }
 
 }  // namespace

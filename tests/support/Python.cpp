@@ -11,7 +11,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-namespace browsersweep::testing {
+namespace browsersweep::tests {
 namespace {
 
 // A folder of its own, removed with all it holds.
@@ -71,4 +71,4 @@ std::optional<std::string> runPython(std::string_view program, std::string_view 
     return outputOf("python3 '" + script + "' < '" + standardInput + "'");
 }
 
-}  // namespace browsersweep::testing
+}  // namespace browsersweep::tests

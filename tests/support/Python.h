@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace browsersweep::testing {
+namespace browsersweep::tests {
 
 /**
  * Runs a Python program that reads the input as its standard input, and returns what it prints.
@@ -13,4 +13,4 @@ namespace browsersweep::testing {
  */
 std::optional<std::string> runPython(std::string_view program, std::string_view input);
 
-}  // namespace browsersweep::testing
+}  // namespace browsersweep::tests

@@ -1,0 +1,152 @@
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "browsersweep/platform/DecodingError.h"
+#include "browsersweep/platform/TextPropertyList.h"
+
+#include "tests/support/Bytes.h"
+
+namespace browsersweep {
+namespace {
+
+using tests::bytes;
+
+PropertyList text(std::string value) {
+    return PropertyList::string(std::move(value));
+}
+
+PropertyList dictionary(PropertyList::Dictionary entries) {
+    return PropertyList::dictionary(std::move(entries));
+}
+
+void expectCorrupted(const Bytes& file) {
+    SCOPED_TRACE(std::string(file.begin(), file.end()));
+    try {
+        PropertyList::parse(file);
+        ADD_FAILURE() << "accepted";
+    } catch (const DecodingError& error) {
+        EXPECT_EQ(DecodingError::Kind::dataCorrupted, error.kind());
+    }
+}
+
+struct Case {
+    std::string source;
+    PropertyList expected;
+};
+
+TEST(TextPropertyList, eachFormIsAValue) {
+    const std::vector<Case> cases = {
+        {"word", text("word")},
+        {" /usr/bin:a_b-$.1 ", text("/usr/bin:a_b-$.1")},
+        {"\"two words\"", text("two words")},
+        {"'single \"quotes\"'", text("single \"quotes\"")},
+        {R"("\a\b\f\n\r\t\v\"\\\x")", text("\a\b\f\n\r\t\v\"\\x")},
+        {R"("\101\12")", text("A\n")},
+        {R"("\341\200")", text("\xC3\x86\xC2\xA0")},
+        {R"("\U00fc\Ue9 ")", text("\xC3\xBC\xC3\xA9 ")},
+        {R"("\UD83C\UDF6A")", text("\xF0\x9F\x8D\xAA")},
+        {"( )", PropertyList::array({})},
+        {"(a, b)", PropertyList::array({text("a"), text("b")})},
+        {"(a, (b,),)", PropertyList::array({text("a"), PropertyList::array({text("b")})})},
+        {"{}", dictionary({})},
+        {"{ b = 1; \"a\" = (x); }",
+         dictionary({{"b", text("1")}, {"a", PropertyList::array({text("x")})}})},
+        {"{ a; }", dictionary({{"a", text("a")}})},
+        {"<0f bd\n7 7>", PropertyList::data({0x0F, 0xBD, 0x77})},
+        {"<0fbd 77>", PropertyList::data({0x0F, 0xBD, 0x77})},
+        {"<>", PropertyList::data({})},
+        {"// before\n{ a /* between */ = b; } // after", dictionary({{"a", text("b")}})},
+        {"a = b;\n\"c\";", dictionary({{"a", text("b")}, {"c", text("c")}})},
+        {" \n\t ", dictionary({})},
+    };
+    for (const Case& row : cases) {
+        SCOPED_TRACE(row.source);
+        EXPECT_EQ(row.expected, PropertyList::parse(bytes(row.source)));
+    }
+}
+
+TEST(TextPropertyList, oneBareWordIsAValueAndTwoAreNot) {
+    EXPECT_EQ(text("word"), PropertyList::parse(bytes("word")));
+    expectCorrupted(bytes("two words"));
+}
+
+TEST(TextPropertyList, malformedTextIsRefused) {
+    for (const char* source : {"(",
+                               "(a",
+                               "(a b)",
+                               "{",
+                               "{a",
+                               "{a}",
+                               "{a=}",
+                               "{a=b}",
+                               "{a=b;",
+                               "{=b;}",
+                               "{a b;}",
+                               "\"a",
+                               "'a",
+                               "<0",
+                               "<0>",
+                               "<0fbd1>",
+                               "\xC3\xBC = 1;",
+                               "<0g>",
+                               "/* a",
+                               "{} {}",
+                               "() x",
+                               "a = b",
+                               "a = b; c",
+                               ")",
+                               "}",
+                               ";",
+                               "*",
+                               "{ (a) = b; }",
+                               R"("\UD83C")",
+                               R"("\UDF6A")",
+                               R"("\UD83Cx")",
+                               "\"\\"}) {
+        expectCorrupted(bytes(source));
+    }
+    expectCorrupted({'a', 0});
+    expectCorrupted(Bytes(1000, 0));
+    expectCorrupted({'"', 0xFF, '"'});
+}
+
+TEST(TextPropertyList, textInUTF16IsRead) {
+    EXPECT_EQ(text("a"), PropertyList::parse(Bytes{0xFE, 0xFF, 0, 'a'}));
+    EXPECT_EQ(text("a"), PropertyList::parse(Bytes{0xFF, 0xFE, 'a', 0}));
+    expectCorrupted({0xFE, 0xFF, 0});
+    expectCorrupted({0xFE, 0xFF, 0xD8, 0});
+}
+
+TEST(TextPropertyList, nestingEndsAtTheLimit) {
+    const auto nested = [](std::size_t depth) {
+        return bytes(std::string(depth, '(') + std::string(depth, ')'));
+    };
+    EXPECT_EQ(PropertyList::maximumDepth,
+              PropertyList::parse(nested(PropertyList::maximumDepth)).depth());
+    EXPECT_THROW(PropertyList::parse(nested(PropertyList::maximumDepth + 1)), DecodingError);
+    EXPECT_THROW(PropertyList::parse(nested(1000000)), DecodingError);
+    EXPECT_THROW(PropertyList::parse(bytes(std::string(1000000, '{'))), DecodingError);
+}
+
+TEST(TextPropertyList, everyCorruptionOfOneByteIsAnErrorOrAValue) {
+    const Bytes valid = bytes("{ a = (\"b\\U00fc\", <0fbd>); /* c */ d; }");
+    for (std::size_t place = 0; place < valid.size(); ++place) {
+        for (unsigned byte = 0; byte < 256; ++byte) {
+            Bytes file = valid;
+            file[place] = static_cast<std::uint8_t>(byte);
+            try {
+                const PropertyList value = PropertyList::parse(file);
+                EXPECT_EQ(value, PropertyList::parse(value.binaryData()));
+            } catch (const DecodingError& error) {
+                EXPECT_EQ(DecodingError::Kind::dataCorrupted, error.kind());
+            }
+        }
+    }
+}
+
+}  // namespace
+}  // namespace browsersweep
