@@ -1,0 +1,35 @@
+#pragma once
+
+#include <filesystem>
+#include <utility>
+
+#include "browsersweep/notifications/NotificationSubscription.h"
+
+namespace browsersweep {
+
+/** A permission from Safari's file "Permissions.plist". */
+class BROWSERSWEEP_EXPORT SafariSubscription : public NotificationSubscription {
+public:
+    SafariSubscription(URL sourceURL, Browser browser, std::filesystem::path permissionsFile)
+        : sourceURL_(std::move(sourceURL)),
+          browser_(browser),
+          permissionsFile_(std::move(permissionsFile)) {}
+
+    const URL& sourceURL() const noexcept override { return sourceURL_; }
+    Browser browser() const noexcept override { return browser_; }
+    /** The file "Permissions.plist". */
+    const std::filesystem::path& permissionsFile() const noexcept { return permissionsFile_; }
+    void blockNotifications() const noexcept override {}
+
+    friend bool operator==(const SafariSubscription& a, const SafariSubscription& b) noexcept {
+        return a.sourceURL_ == b.sourceURL_ && a.browser_ == b.browser_ &&
+               a.permissionsFile_ == b.permissionsFile_;
+    }
+
+private:
+    URL sourceURL_;
+    Browser browser_;
+    std::filesystem::path permissionsFile_;
+};
+
+}  // namespace browsersweep

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "browsersweep/Export.h"
+#include "browsersweep/platform/SystemServices.h"
+#include "browsersweep/profiles/BrowserProfile.h"
+#include "browsersweep/profiles/CurrentUserDirectoryProvider.h"
+
+namespace browsersweep {
+
+/** The one set of data that Safari keeps per user. It never writes a file itself. */
+class BROWSERSWEEP_EXPORT SafariProfile : public BrowserProfile {
+public:
+    /** Without a provider the file manager's own directories are used. */
+    explicit SafariProfile(std::shared_ptr<const FileManager> fileManager,
+                           SystemServices services = SystemServices::current(),
+                           std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider = {});
+
+    /** Always absent. */
+    std::optional<std::string> name() const override { return std::nullopt; }
+    Browser sourceBrowser() const noexcept override { return Browser::safari; }
+    bool isPrimary() const noexcept override { return true; }
+
+    /**
+     * All categories but form data. The folders of the cache need Safari closed from macOS 10.15
+     * on; the version is asked at each call. Touches no file.
+     */
+    CleanableDataMap cleanableData() const override;
+
+    /**
+     * From "Bookmarks.plist". A missing file is an error here, other than for the other families.
+     * Throws `filesystem_error` and `DecodingError`.
+     */
+    std::vector<Bookmark> bookmarks() const override;
+
+    /**
+     * From "Permissions.plist", each a `SafariSubscription`. A file that is missing, cannot be read
+     * or is no property list gives none: this never throws those errors.
+     */
+    std::vector<std::shared_ptr<const NotificationSubscription>> notificationSubscriptions()
+        const override;
+
+private:
+    std::filesystem::path safariFolder() const;
+    CleanableDataList directories(std::span<const std::filesystem::path> paths,
+                                  bool requiresClosedBrowser) const;
+
+    std::shared_ptr<const FileManager> fileManager_;
+    SystemServices services_;
+    std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider_;
+};
+
+}  // namespace browsersweep
