@@ -12,8 +12,8 @@ using Child = SafariBookmarks::Child;
 using URIDictionary = SafariBookmarks::Child::URIDictionary;
 
 [[noreturn]] void mismatch(std::string_view needed, const CodingPath& path) {
-    throw DecodingError(DecodingError::Kind::typeMismatch,
-                        "the value is no " + std::string(needed), path);
+    throw DecodingError(DecodingError::Kind::typeMismatch, "the value is no " + std::string(needed),
+                        path);
 }
 
 /** Decodes a value with its place in the path, which is as before afterwards. */
@@ -29,10 +29,9 @@ auto decodeBelow(CodingPath& path, std::string step, Decode decode) {
 template <typename Decode>
 auto optional(const PropertyList& parent, std::string_view key, CodingPath& path, Decode decode) {
     const PropertyList* value = parent.find(key);
-    return value == nullptr
-               ? std::nullopt
-               : std::optional(decodeBelow(path, std::string(key),
-                                           [&] { return decode(*value, path); }));
+    return value == nullptr ? std::nullopt : std::optional(decodeBelow(path, std::string(key), [&] {
+        return decode(*value, path);
+    }));
 }
 
 void requireDictionary(const PropertyList& value, const CodingPath& path) {

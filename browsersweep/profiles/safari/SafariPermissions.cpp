@@ -6,14 +6,15 @@
 namespace browsersweep {
 namespace {
 
-bool isText(const PropertyList& value) { return value.asString() != nullptr; }
+bool isText(const PropertyList& value) {
+    return value.asString() != nullptr;
+}
 
 // The list of texts below the key; null where it is absent or something else.
 const PropertyList::Array* allowedDomains(const PropertyList& permission) {
     const PropertyList* domains = permission.find("Allowed Domains");
     const PropertyList::Array* list = domains == nullptr ? nullptr : domains->asArray();
-    const bool isListOfTexts =
-        list != nullptr && std::all_of(list->begin(), list->end(), isText);
+    const bool isListOfTexts = list != nullptr && std::all_of(list->begin(), list->end(), isText);
     return isListOfTexts ? list : nullptr;
 }
 

@@ -18,9 +18,10 @@ namespace browsersweep {
 class BROWSERSWEEP_EXPORT SafariProfile : public BrowserProfile {
 public:
     /** Without a provider the file manager's own directories are used. */
-    explicit SafariProfile(std::shared_ptr<const FileManager> fileManager,
-                           SystemServices services = SystemServices::current(),
-                           std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider = {});
+    explicit SafariProfile(
+        std::shared_ptr<const FileManager> fileManager,
+        SystemServices services = SystemServices::current(),
+        std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider = {});
 
     /** Always absent. */
     std::optional<std::string> name() const override { return std::nullopt; }
