@@ -52,7 +52,7 @@ check_with() {
 run_counting() {
     local log status=0 counts
     log=$(mktemp "${TMPDIR:-/tmp}/browsersweep-log.XXXXXX")
-    "$@" >"$log" 2>&1 || status=$?
+    "$@" >"$log" 2>&1 </dev/null || status=$?
     cat "$log"
     counts=$(sed -nE 's/^([0-9]+) passed, ([0-9]+) failed, ([0-9]+) skipped$/\1 \2 \3/p' "$log" |
         tail -n 1)
@@ -79,6 +79,8 @@ run_counting() {
 run_tests() {
     local folder=$root/build/$1 filter=${2:-*} program found=no
     while IFS= read -r program; do
+        # No program at all is one empty line.
+        [ -n "$program" ] || continue
         found=yes
         run_counting python3 "$root/scripts/lib/run-gtest" --shards "$(cpu_count)" \
             --filter "$filter" "$program"
