@@ -55,7 +55,9 @@ std::string bar(std::int64_t value, std::int64_t largest, std::size_t width) {
     }
     const double share = static_cast<double>(value) / static_cast<double>(largest);
     const auto marks = static_cast<std::size_t>(std::lround(share * static_cast<double>(width)));
-    return std::string(std::clamp<std::size_t>(marks, 1, width), '#');
+    std::string text;
+    text.append(std::clamp<std::size_t>(marks, 1, width), '#');
+    return text;
 }
 
 }  // namespace browsersweep::cli

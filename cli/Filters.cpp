@@ -132,10 +132,10 @@ Rule ruleOf(const JSON& object, const std::array<std::pair<std::string_view, Rul
 }
 
 Patterns patternsFromJSON(const JSON& value) {
-    requireObject(value, "\"patterns\"", {"rule", "patterns"});
+    requireObject(value, R"("patterns")", {"rule", "patterns"});
     const JSON* const texts = find(value, "patterns");
     if (texts == nullptr || !texts->is_array()) {
-        refuse("\"patterns\" must hold a list \"patterns\"");
+        refuse(R"("patterns" must hold a list "patterns")");
     }
     Patterns patterns{ruleOf(value, patternRules), {}};
     for (const JSON& text : *texts) {
@@ -163,7 +163,7 @@ std::optional<Date> boundFromJSON(const JSON& object, const char* key) {
 }
 
 Dates datesFromJSON(const JSON& value) {
-    requireObject(value, "\"dates\"", {"rule", "startDate", "endDate"});
+    requireObject(value, R"("dates")", {"rule", "startDate", "endDate"});
     const Dates dates{ruleOf(value, dateRules), boundFromJSON(value, "startDate"),
                       boundFromJSON(value, "endDate")};
     requireOrder(dates, value.dump());

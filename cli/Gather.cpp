@@ -6,7 +6,10 @@
 #include <utility>
 
 #include "browsersweep/notifications/ChromeSubscription.h"
+#include "browsersweep/notifications/FirefoxSubscription.h"
+#include "browsersweep/notifications/SafariSubscription.h"
 
+#include "cli/DatabaseNotes.h"
 #include "cli/ErrorText.h"
 
 namespace browsersweep::cli {
@@ -98,6 +101,12 @@ std::filesystem::path storeOf(const NotificationSubscription& subscription) {
     if (const auto* const chrome = dynamic_cast<const ChromeSubscription*>(&subscription)) {
         return chrome->profile();
     }
+    if (const auto* const firefox = dynamic_cast<const FirefoxSubscription*>(&subscription)) {
+        return firefox->permissionFile();
+    }
+    if (const auto* const safari = dynamic_cast<const SafariSubscription*>(&subscription)) {
+        return safari->permissionsFile();
+    }
     throw std::logic_error("a subscription of an unknown kind");
 }
 
@@ -165,9 +174,20 @@ private:
         part.category = category;
         part.requiresClosedBrowserToClean = list.requiresClosedBrowserToClean();
         part.error = attempt(observer_, [&] { part.size = measured(list, measure_, options_); });
+        tellOfDatabases(category, list, row.browser);
         row.size = *row.size + part.size.value_or(CleanableDataSize::zero);
         row.requiresClosedBrowserToClean |= part.requiresClosedBrowserToClean;
         row.categories.push_back(std::move(part));
+    }
+
+    /** Says where a browser's hold on a database makes the figures less than they seem. */
+    void tellOfDatabases(CleanableDataCategory category, const CleanableDataList& list,
+                         Browser browser) const {
+        for (const auto& remark :
+             remarksOnDatabases(list, options_.filters, measure_ == Measure::removed)) {
+            observer_.note(std::string(displayName(browser)) + ", " +
+                           std::string(displayName(category)) + ": " + remark);
+        }
     }
 
     const Options& options_;

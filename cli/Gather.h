@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <string>
 #include <string_view>
 
 #include "browsersweep/catalogue/Browser.h"
@@ -30,6 +31,9 @@ public:
 
     /** A category of that browser is begun. */
     virtual void begin(CleanableDataCategory category) = 0;
+
+    /** Something the user should know that is no failure, as one line. */
+    virtual void note(const std::string& line) = 0;
 
     /** Whether the user wants to stop. What was not begun by then stays undone. */
     virtual bool isInterrupted() const = 0;

@@ -48,6 +48,11 @@ void Progress::begin(CleanableDataCategory category) {
     show(fmt::format("{}: {}", browserName_, displayName(category)));
 }
 
+void Progress::note(const std::string& line) {
+    wipe();
+    console_.note(line);
+}
+
 void Progress::show(const std::string& what) const {
     if (isShown_) {
         const auto line = progressLine(fmt::format("{} {}", verb_, what), finished_, all_);

@@ -25,6 +25,7 @@ public:
 
     void begin(Browser browser, std::size_t finished, std::size_t all) override;
     void begin(CleanableDataCategory category) override;
+    void note(const std::string& line) override;
     bool isInterrupted() const override { return interruption_.hasCome(); }
 
     /** Takes the line away, before something else is written. */

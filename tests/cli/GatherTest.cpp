@@ -63,9 +63,11 @@ public:
         steps.emplace_back(rawValue(category));
         --stepsLeft;
     }
+    void note(const std::string& line) override { notes.push_back(line); }
     bool isInterrupted() const override { return stepsLeft < 0; }
 
     std::vector<std::string> steps;
+    std::vector<std::string> notes;
     int stepsLeft = 1000;
 };
 

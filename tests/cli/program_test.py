@@ -4,6 +4,7 @@ import fcntl
 import os
 import signal
 import socket
+import sqlite3
 import subprocess
 import sys
 import unittest
@@ -184,6 +185,41 @@ class Signals(HostProgramTest):
                 self.assertEqual(completed.returncode, status)
                 self.assertIn(b'"error": "interrupted before it was begun"', completed.stdout)
                 self.assertEqual(self.snapshot(), before)
+
+
+class HeldDatabases(HostProgramTest):
+    HISTORY = ("--browser=chromium", "--category=history")
+
+    def test_changes_in_a_write_ahead_log_are_noted(self):
+        connection = sqlite3.connect(self.history)
+        self.addCleanup(connection.close)
+        connection.execute("PRAGMA journal_mode=WAL")
+        connection.execute("INSERT INTO urls VALUES (4, 'https://four.test/', 1)")
+        connection.commit()
+        result = self.run_program("size", *self.HISTORY)
+        self.assertEqual((result.status, result.error), (
+            0, "browsersweep: Chromium, History: "
+               "the browser's latest changes to History are not counted\n"))
+
+    def test_an_unfinished_transaction_is_noted_and_a_finished_one_is_not(self):
+        journal = self.history.with_name("History-journal")
+        for start, is_noted in ((b"\xd9\xd5\x05\xf9\x20\xa1\x63\xd7", True),
+                                (b"\0" * 8, False), (b"", False)):
+            with self.subTest(start=start):
+                write(journal, start + b"\0" * (504 if start else 0))
+                result = self.run_program("size", *self.HISTORY)
+                self.assertEqual("latest changes to History" in result.error, is_noted)
+
+    def test_rows_that_a_clean_could_not_delete_are_noted(self):
+        holder = sqlite3.connect(self.history, isolation_level=None)
+        self.addCleanup(holder.close)
+        holder.execute("BEGIN IMMEDIATE")
+        result = self.run_program("clean", "--yes", *self.HISTORY)
+        self.assertIn("rows are left in History; the browser seems to hold the database",
+                      result.error)
+        holder.execute("ROLLBACK")
+        result = self.run_program("clean", "--yes", *self.HISTORY)
+        self.assertEqual((result.status, result.error), (0, ""))
 
 
 class Locked(HostProgramTest):
