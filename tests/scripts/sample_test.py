@@ -11,6 +11,7 @@ from support import ROOT, ScriptTest, run_all
 
 sys.path.insert(0, str(ROOT / "scripts" / "sample"))
 chromium = importlib.import_module("chromium")
+firefox = importlib.import_module("firefox")
 
 DATABASES = ("Cookies", "Favicons", "History", "Network Action Predictor", "Top Sites", "Web Data")
 
@@ -64,6 +65,54 @@ class ChromiumBasedBrowsers(ScriptTest):
         history.close()
         # 2024-06-29 12:00:00 UTC is 1719662400 seconds after 1970.
         self.assertEqual(newest, (1719662400 + 11644473600) * 1_000_000)
+
+
+class Firefox(ScriptTest):
+    NAMES = ("places", "cookies", "formhistory", "webappsstore", "permissions")
+
+    def setUp(self):
+        super().setUp()
+        firefox.make(self.folder)
+        self.support = self.folder / "Library" / "Application Support" / "Firefox"
+        self.profiles = [self.support / path for path, _, _, _ in firefox.PROFILES]
+
+    def test_every_database_is_sound_and_left_without_a_log(self):
+        for profile in self.profiles:
+            for name in self.NAMES:
+                with self.subTest(f"{profile.name}/{name}"):
+                    database = sqlite3.connect(profile / f"{name}.sqlite")
+                    answer = database.execute("PRAGMA integrity_check").fetchall()
+                    database.close()
+                    self.assertEqual(answer, [("ok",)])
+        self.assertEqual(list(self.support.rglob("*.sqlite-*")), [])
+
+    def test_the_profiles_are_listed_and_one_is_the_default(self):
+        lines = (self.support / "profiles.ini").read_text().splitlines()
+        for path, name, _, _ in firefox.PROFILES:
+            self.assertIn(f"Path={path}", lines)
+            self.assertIn(f"Name={name}", lines)
+        self.assertEqual(lines.count("Default=1"), 1)
+
+    def test_bookmarked_places_are_the_ones_that_something_refers_to(self):
+        for profile in self.profiles:
+            database = sqlite3.connect(profile / "places.sqlite")
+            kept = database.execute("SELECT id FROM moz_places WHERE foreign_count > 0").fetchall()
+            marked = database.execute(
+                "SELECT fk FROM moz_bookmarks WHERE fk NOT NULL ORDER BY fk"
+            ).fetchall()
+            database.close()
+            self.assertEqual(kept, marked)
+            self.assertGreater(len(kept), 1)
+
+    def test_the_second_profile_has_seen_a_third_of_the_pages(self):
+        visits = [count(profile / "places.sqlite", "moz_historyvisits") for profile in self.profiles]
+        self.assertEqual(visits, [36, 12])
+
+    def test_times_are_microseconds_since_1970(self):
+        places = sqlite3.connect(self.profiles[0] / "places.sqlite")
+        newest = places.execute("SELECT MAX(visit_date) FROM moz_historyvisits").fetchone()[0]
+        places.close()
+        self.assertEqual(newest, 1719662400 * 1_000_000)  # 2024-06-29 12:00:00 UTC
 
 
 class MakeHome(ScriptTest):
