@@ -162,6 +162,7 @@ private:
 
 std::vector<std::string_view> commandNames() {
     std::vector<std::string_view> names;
+    names.reserve(commands.size());
     for (const auto& [name, command] : commands) {
         names.push_back(name);
     }
@@ -224,6 +225,7 @@ Value known(std::string_view kind, std::string_view text, std::optional<Value> v
 template <typename Cases>
 std::vector<std::string_view> rawValues(const Cases& cases) {
     std::vector<std::string_view> names;
+    names.reserve(cases.size());
     for (const auto value : cases) {
         names.push_back(rawValue(value));
     }

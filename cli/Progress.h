@@ -21,6 +21,8 @@ class Progress : public Observer {
 public:
     /** The verb says what is being done, such as "Measuring". */
     Progress(std::string_view verb, const Console& console, const Interruption& interruption);
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
     ~Progress() override;
 
     void begin(Browser browser, std::size_t finished, std::size_t all) override;

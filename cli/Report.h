@@ -17,7 +17,7 @@ namespace browsersweep::cli {
 // category and every profile that can fail carries its own error text.
 
 struct BrowserRow {
-    Browser browser;
+    Browser browser = allBrowsers.front();
     std::string displayName;
     std::string bundleIdentifier;
 };
@@ -30,7 +30,7 @@ struct ProfileRow {
     bool isPrimary = false;
 };
 struct BrowserProfiles {
-    Browser browser;
+    Browser browser = allBrowsers.front();
     std::optional<std::string> error;
     std::vector<ProfileRow> profiles;
 };
@@ -39,13 +39,13 @@ struct ProfilesReport {
 };
 
 struct CategorySize {
-    CleanableDataCategory category;
+    CleanableDataCategory category = CleanableDataCategory::cache;
     std::optional<std::string> error;
     std::optional<CleanableDataSize> size;  ///< absent where the category failed
     bool requiresClosedBrowserToClean = false;
 };
 struct BrowserSizes {
-    Browser browser;
+    Browser browser = allBrowsers.front();
     std::optional<std::string> error;
     std::optional<CleanableDataSize> size;  ///< absent where the profiles cannot be read
     bool requiresClosedBrowserToClean = false;
@@ -59,7 +59,7 @@ struct SizesReport {
 };
 
 struct BrowserBookmarks {
-    Browser browser;
+    Browser browser = allBrowsers.front();
     std::optional<std::string> error;
     std::vector<Bookmark> bookmarks;
 };
@@ -77,7 +77,7 @@ struct ProfileSubscriptions {
     std::vector<SubscriptionRow> subscriptions;
 };
 struct BrowserNotifications {
-    Browser browser;
+    Browser browser = allBrowsers.front();
     std::optional<std::string> error;
     std::vector<ProfileSubscriptions> profiles;
 };

@@ -3,12 +3,13 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <exception>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 #include "browsersweep/profiles/CurrentUserDirectoryProvider.h"
 #include "browsersweep/profiles/chromium/ChromiumBasedProfileReader.h"
+#include "browsersweep/profiles/firefox/FirefoxProfile.h"
 
 #include "cli/Locks.h"
 
@@ -38,15 +39,17 @@ constexpr std::array<ProgramNames, allBrowsers.size()> programs{{
 }};
 // clang-format on
 
-/** Firefox keeps a lock in every profile folder; the standard place of those is one folder. */
-std::vector<std::filesystem::path> firefoxProfileFolders(const std::filesystem::path& support) {
-    std::vector<std::filesystem::path> folders;
-    std::error_code error;
-    for (std::filesystem::directory_iterator entry(support / "Firefox" / "Profiles", error), end;
-         !error && entry != end; entry.increment(error)) {
-        folders.push_back(entry->path());
+/** Firefox keeps a lock in every profile folder. */
+bool isAnyProfileHeld(const BrowserCleaner& cleaner, const std::filesystem::path& support) {
+    try {
+        const auto profiles = cleaner.profileReader().profiles();
+        return std::any_of(profiles.begin(), profiles.end(), [&support](const auto& profile) {
+            const auto* const firefox = dynamic_cast<const FirefoxProfile*>(profile.get());
+            return firefox != nullptr && isHeldByFirefox(support / firefox->path());
+        });
+    } catch (const std::exception&) {
+        return false;  // no profile of it will be cleaned either, and the report says why
     }
-    return folders;
 }
 
 }  // namespace
@@ -89,9 +92,7 @@ bool RunningBrowsers::isDataHeld(Browser browser, const BrowserCleaner& cleaner)
     if (chromium != nullptr) {
         return isHeldByChromium(applicationSupport_ / chromium->applicationSupportRelativePath());
     }
-    const auto folders = browser == Browser::firefox ? firefoxProfileFolders(applicationSupport_)
-                                                     : std::vector<std::filesystem::path>{};
-    return std::any_of(folders.begin(), folders.end(), isHeldByFirefox);
+    return browser == Browser::firefox && isAnyProfileHeld(cleaner, applicationSupport_);
 }
 
 }  // namespace browsersweep::cli

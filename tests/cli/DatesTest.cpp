@@ -1,5 +1,6 @@
 #include <optional>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -12,10 +13,11 @@ namespace {
 using Dates = CleanableDataFilter::Dates;
 
 TEST(Dates, everyFormMeansOnePointInTime) {
-    const struct {
+    struct Row {
         std::string text;
         double secondsSince1970;
-    } rows[] = {
+    };
+    const std::vector<Row> rows = {
         {"1970-01-01", 0},
         {"2001-01-01", 978307200},
         {"2024-02-29", 1709164800},

@@ -1,6 +1,7 @@
 #include <cstdint>
 #include <limits>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -12,10 +13,11 @@ namespace {
 using Measurement = CleanableDataSize::Measurement;
 
 TEST(Figures, countsAreGroupedByThousands) {
-    const struct {
+    struct Row {
         Measurement count;
         std::string text;
-    } rows[] = {
+    };
+    const std::vector<Row> rows = {
         {0, "0"},
         {999, "999"},
         {1000, "1,000"},
@@ -31,10 +33,11 @@ TEST(Figures, countsAreGroupedByThousands) {
 }
 
 TEST(Figures, bytesAreShownInStepsOfAThousand) {
-    const struct {
+    struct Row {
         Measurement bytes;
         std::string text;
-    } rows[] = {
+    };
+    const std::vector<Row> rows = {
         {0, "0 B"},
         {999, "999 B"},
         {1000, "1.0 KB"},

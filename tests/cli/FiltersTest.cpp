@@ -1,4 +1,5 @@
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -32,10 +33,11 @@ TEST(Filters, patternsThatSQLWouldReadOtherwiseAreRefused) {
 TEST(Filters, jsonHoldsAnyFilter) {
     const auto start = parseDate("2024-01-01");
     const auto end = dateFromReferenceSeconds(800000000.5);
-    const struct {
+    struct Row {
         std::string text;
         CleanableDataFilter filter;
-    } rows[] = {
+    };
+    const std::vector<Row> rows = {
         {"{}", {}},
         {R"({"patterns":null,"dates":null})", {}},
         {R"({"patterns":{"rule":"include","patterns":["b","a","b"]}})",

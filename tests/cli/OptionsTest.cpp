@@ -72,10 +72,11 @@ TEST(Options, aRelativeHomeIsMadeAbsolute) {
 }
 
 TEST(Options, wrongCommandLinesSayWhatIsWrongAndWhatIsRight) {
-    const struct {
+    struct Row {
         std::vector<std::string> arguments;
         std::string message;
-    } rows[] = {
+    };
+    const std::vector<Row> rows = {
         {{},
          "no command is given; it must be one of browsers, profiles, size, clean, bookmarks, "
          "notifications"},
