@@ -19,7 +19,9 @@ endif()
 function(browsersweep_use_build_options target)
   target_link_libraries(${target} PRIVATE $<BUILD_INTERFACE:browsersweep_build_options>)
   set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF CXX_VISIBILITY_PRESET hidden
-                                             VISIBILITY_INLINES_HIDDEN ON)
+                                             VISIBILITY_INLINES_HIDDEN ON OBJCXX_STANDARD 20
+                                             OBJCXX_STANDARD_REQUIRED ON OBJCXX_EXTENSIONS OFF
+                                             OBJCXX_VISIBILITY_PRESET hidden)
 endfunction()
 
 # browsersweep_precompile(target header...): with BROWSERSWEEP_PRECOMPILE, reads these headers once for
