@@ -1,0 +1,124 @@
+"""What both browsers share: where their data is, how they are found, started and stopped.
+
+The browsers run with a throw-away HOME, so that nothing but Library/ is written in the home under
+test.
+"""
+
+import contextlib
+import json
+import os
+import shutil
+import subprocess
+import tempfile
+from collections.abc import Iterator
+from pathlib import Path
+
+START_TIMEOUT = 60.0
+CALL_TIMEOUT = 30.0
+QUIT_TIMEOUT = 40.0
+
+CHROMIUM_NAMES = ("chromium", "chromium-browser", "google-chrome-stable", "google-chrome")
+FIREFOX_NAMES = ("firefox-esr", "firefox")
+
+
+class BrowserError(Exception):
+    """A browser is missing, does not start, or answers with an error."""
+
+
+def find_browser(family: str) -> tuple[str, str]:
+    """The path and version text of an installed browser of the family."""
+    names = CHROMIUM_NAMES if family == "chromium" else FIREFOX_NAMES
+    for name in names:
+        path = shutil.which(name)
+        if path:
+            return path, browser_version(path)
+    raise BrowserError(f"no {family} found: none of {', '.join(names)} is on PATH "
+                       f"(Debian: apt-get install {names[0]})")
+
+
+def browser_version(path: str) -> str:
+    with tempfile.TemporaryDirectory(prefix="browsersweep-e2e-") as home:
+        done = subprocess.run([path, "--version"], capture_output=True, text=True, timeout=60,
+                              env={**os.environ, "HOME": home}, check=False)
+    text = done.stdout.strip()
+    if done.returncode or not text:
+        raise BrowserError(f"{path} --version failed: {done.stderr.strip()[-300:]}")
+    return text
+
+
+class Layout:
+    """Where the browsers keep their data under a home folder on macOS."""
+
+    def __init__(self, home: Path) -> None:
+        self.home = Path(home).resolve()
+        self.application_support = self.home / "Library" / "Application Support"
+        self.caches = self.home / "Library" / "Caches"
+        self.chromium = self.application_support / "Chromium"
+        self.firefox = self.application_support / "Firefox"
+        self.firefox_caches = self.caches / "Firefox"
+        self.downloads = self.home / "Downloads"
+
+    def chromium_profiles(self) -> list[str]:
+        """The profile folder names that "Local State" lists."""
+        state = self.chromium / "Local State"
+        if not state.is_file():
+            return []
+        return sorted(json.loads(state.read_text("utf-8"))["profile"]["info_cache"])
+
+    def firefox_profiles(self) -> list[tuple[str, Path]]:
+        """(name, folder) of the relative profiles that "profiles.ini" lists."""
+        ini = self.firefox / "profiles.ini"
+        found, current = [], {}
+        lines = ini.read_text("utf-8").splitlines() if ini.is_file() else []
+        for line in lines + ["["]:
+            if line.startswith("["):
+                if current.get("IsRelative") == "1" and "Name" in current:
+                    found.append((current["Name"], self.firefox / current["Path"]))
+                current = {}
+            elif "=" in line:
+                key, value = line.split("=", 1)
+                current[key] = value
+        return found
+
+
+@contextlib.contextmanager
+def process_environment(layout: Layout) -> Iterator[dict[str, str]]:
+    """The environment of a browser process, with a throw-away HOME.
+
+    Chromium keeps the cache of a profile under XDG_CONFIG_HOME at the same relative path under
+    XDG_CACHE_HOME, which is exactly what it does with Application Support and Caches on macOS.
+    Firefox does the same with ~/.mozilla/firefox and ~/.cache/mozilla/firefox; there the folders
+    are links into Library.
+    """
+    for folder in (layout.application_support, layout.caches):
+        folder.mkdir(parents=True, exist_ok=True)
+    scratch = Path(tempfile.mkdtemp(prefix="browsersweep-e2e-"))
+    try:
+        layout.firefox.mkdir(exist_ok=True)
+        layout.firefox_caches.mkdir(exist_ok=True)
+        for link, target in ((scratch / ".mozilla" / "firefox", layout.firefox),
+                             (scratch / ".cache" / "mozilla" / "firefox", layout.firefox_caches)):
+            link.parent.mkdir(parents=True)
+            link.symlink_to(target, target_is_directory=True)
+        (scratch / "run").mkdir(mode=0o700)
+        keep = {key: value for key, value in os.environ.items()
+                if key in ("PATH", "LANG", "LC_ALL", "TZ", "LD_LIBRARY_PATH", "USER", "LOGNAME")}
+        yield {**keep, "HOME": str(scratch), "XDG_RUNTIME_DIR": str(scratch / "run"),
+               "MOZ_LEGACY_HOME": "1", "MOZ_CRASHREPORTER_DISABLE": "1",
+               "DBUS_SESSION_BUS_ADDRESS": "disabled:"}
+    finally:
+        shutil.rmtree(scratch, ignore_errors=True)
+        for folder in (layout.firefox, layout.firefox_caches):
+            with contextlib.suppress(OSError):
+                folder.rmdir()
+
+
+def stop_process(process: subprocess.Popen) -> None:
+    """Make sure that our own child process is gone."""
+    if process.poll() is None:
+        process.terminate()
+        try:
+            process.wait(10)
+        except subprocess.TimeoutExpired:
+            process.kill()
+            process.wait()
