@@ -2,7 +2,7 @@
 
 `seen` asks the running browser through its own protocol; `on_disk` counts in the closed files. The
 two answer with the same keys, so that a test compares whole dictionaries. Downloads are not asked
-for: Chromium goes on listing a recent one whose row in History is gone.
+for: Chromium keeps a second record of them, in shared_proto_db, which no clean touches.
 """
 
 import json
