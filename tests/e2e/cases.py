@@ -295,6 +295,21 @@ def forced_clean_of_a_running_browser_harms_no_database(bench: Bench) -> None:
         same(list(profile.folder.rglob("*.corrupt*")), [], "set aside as corrupt")
 
 
+def forced_clean_takes_nothing_that_firefox_locks(bench: Bench) -> None:
+    """Firefox holds its databases exclusively, so that cleaning them is an error of its own."""
+    with bench.copy() as layout, WebSite() as site:
+        profile = bench.profiles(layout)[0]
+        with open_browser(bench, layout, profile, site) as browser:
+            before = browser.marionette.chrome(restart.FIREFOX_PROBE)
+            done = bench.run(layout, "clean", "--yes", "--force", "--json", "--profile",
+                             profile.name, "--category", "history", "--category", "httpCookies")
+            same(done.returncode, 1, f"status: {done.stderr}")
+            for entry in json.loads(done.stdout)["browsers"][0]["categories"]:
+                check(entry["removed"] is None and "locked" in (entry["error"] or ""),
+                      f"a locked database was cleaned: {entry}")
+            same(browser.marionette.chrome(restart.FIREFOX_PROBE), before, "seen by Firefox")
+
+
 CASES: tuple[Callable[[Bench], None], ...] = (
     home_holds_what_a_user_leaves,
     listings_equal_independent_ones,
@@ -307,4 +322,7 @@ CASES: tuple[Callable[[Bench], None], ...] = (
     full_clean_leaves_bookmarks_and_permissions,
     clean_refuses_while_the_browser_runs,
     forced_clean_of_a_running_browser_harms_no_database,
+    forced_clean_takes_nothing_that_firefox_locks,
 )
+
+ONLY_FOR = {forced_clean_takes_nothing_that_firefox_locks: "firefox"}

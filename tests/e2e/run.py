@@ -20,7 +20,7 @@ from pathlib import Path
 sys.dont_write_bytecode = True
 
 from browser import BrowserError, Layout, find_browser  # noqa: E402
-from cases import CASES, Bench  # noqa: E402
+from cases import CASES, ONLY_FOR, Bench  # noqa: E402
 from home import make_home  # noqa: E402
 
 FAMILIES = ("chromium", "firefox")
@@ -60,7 +60,8 @@ def run_case(case, bench: Bench) -> str:
 
 
 def run_family(family: str, options: argparse.Namespace, scratch: Path) -> Counter:
-    cases = [case for case in CASES if options.only in case.__name__]
+    cases = [case for case in CASES
+             if options.only in case.__name__ and ONLY_FOR.get(case, family) == family]
     try:
         binary, version = find_browser(family)
     except BrowserError as error:
@@ -73,9 +74,11 @@ def run_family(family: str, options: argparse.Namespace, scratch: Path) -> Count
     except Exception:
         say(f"failed  {family}: makes a home\n{traceback.format_exc()}")
         return Counter(failed=len(cases) + 1)
-    say(f"passed  {family}: makes a home, {version} ({time.monotonic() - started:.1f} s)")
+    made = Counter() if options.home else Counter(passed=1)
+    word = "given  " if options.home else "passed "
+    say(f"{word} {family}: makes a home, {version} ({time.monotonic() - started:.1f} s)")
     bench = Bench(options.program, family, binary, home, scratch)
-    return Counter(passed=1) + Counter(run_case(case, bench) for case in cases)
+    return made + Counter(run_case(case, bench) for case in cases)
 
 
 def parse_arguments() -> argparse.Namespace:
