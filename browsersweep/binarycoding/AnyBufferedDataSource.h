@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <vector>
+
+#include "browsersweep/Export.h"
+#include "browsersweep/binarycoding/BufferedDataSource.h"
+
+namespace browsersweep {
+
+/** A source made of two callbacks. */
+class BROWSERSWEEP_EXPORT AnyBufferedDataSource : public BufferedDataSource {
+public:
+    using ReadCallback = std::function<std::optional<std::vector<std::uint8_t>>(std::size_t)>;
+    using IsAtEndCallback = std::function<bool()>;
+
+    /** Neither may be empty. */
+    AnyBufferedDataSource(ReadCallback read, IsAtEndCallback isAtEnd);
+
+    std::optional<std::vector<std::uint8_t>> read(std::size_t length) override;
+    bool isAtEnd() override;
+
+private:
+    ReadCallback readCallback_;
+    IsAtEndCallback isAtEndCallback_;
+};
+
+}  // namespace browsersweep

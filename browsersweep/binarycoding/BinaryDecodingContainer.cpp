@@ -1,0 +1,177 @@
+#include "browsersweep/binarycoding/BinaryDecodingContainer.h"
+
+#include <limits>
+#include <locale>
+#include <sstream>
+#include <utility>
+
+#include "browsersweep/binarycoding/AnyBufferedDataSource.h"
+#include "browsersweep/binarycoding/BinaryDecodingError.h"
+
+namespace browsersweep {
+namespace {
+
+constexpr std::uint64_t everything = std::numeric_limits<std::size_t>::max();
+
+void requireLength(std::uint64_t requested, std::size_t received) {
+    if (received < requested) {
+        throw BinaryDecodingError::dataCorrupted(
+            "Not enough bytes available to decode. Requested " + std::to_string(requested) +
+            ", but received " + std::to_string(received) + ".");
+    }
+}
+
+std::string requireText(std::span<const std::uint8_t> bytes, StringEncoding encoding) {
+    std::optional<std::string> text = decodedText(bytes, encoding);
+    if (!text) {
+        throw BinaryDecodingError::dataCorrupted("Unable to create string from data with " +
+                                                 std::string(displayName(encoding)) + " encoding.");
+    }
+    return *std::move(text);
+}
+
+template <typename Number>
+Number numberOf(const std::string& text) {
+    std::istringstream stream(text);
+    stream.imbue(std::locale::classic());
+    Number number{};
+    stream >> number;
+    return number;
+}
+
+// The fewest digits that read back the same.
+template <typename Number>
+std::string shortestText(Number number) {
+    std::string text;
+    for (int digits = 1; digits <= std::numeric_limits<Number>::max_digits10; ++digits) {
+        std::ostringstream stream;
+        stream.imbue(std::locale::classic());
+        stream.precision(digits);
+        stream << number;
+        text = stream.str();
+        if (numberOf<Number>(text) == number) {
+            break;
+        }
+    }
+    return text.find_first_not_of("-0123456789") == std::string::npos ? text + ".0" : text;
+}
+
+}  // namespace
+
+// What a nested container reads from where its parent has a limit of its own: the parent.
+class BinaryDecodingContainer::NestedSource final : public AnyBufferedDataSource {
+public:
+    explicit NestedSource(BinaryDecodingContainer& parent)
+        : AnyBufferedDataSource([&parent](std::size_t length) { return parent.nextBytes(length); },
+                                [&parent] { return parent.isAtEnd(); }),
+          parent_(&parent) {}
+
+    // The callbacks would do. These spare a copy and an allocation for each number.
+    std::optional<std::span<const std::uint8_t>> view(std::size_t length) override {
+        return parent_->take(length);
+    }
+    std::optional<DelimitedBytes> viewUntil(std::uint8_t delimiter, std::size_t length) override {
+        return parent_->takeUntil(delimiter, length);
+    }
+
+private:
+    BinaryDecodingContainer* parent_;
+};
+
+BinaryDecodingContainer::BinaryDecodingContainer(std::unique_ptr<BufferedData> data,
+                                                 std::uint64_t limit,
+                                                 const BinaryUserInfo& userInfo) noexcept
+    : ownData_(std::move(data)),
+      data_(ownData_.get()),
+      remainingLength_(limit),
+      userInfo_(&userInfo) {}
+
+const BinaryUserInfo& BinaryDecoder::userInfo() const noexcept {
+    return container_->userInfo();
+}
+
+std::string BinaryDecodingContainer::decodeString(StringEncoding encoding,
+                                                  std::uint8_t terminator) {
+    const DelimitedBytes found = takeUntil(terminator, everything);
+    if (!found.didFindDelimiter) {
+        throw BinaryDecodingError::dataCorrupted("Unable to find delimiter for string.");
+    }
+    return requireText(found.data, encoding);
+}
+
+std::string BinaryDecodingContainer::decodeString(StringEncoding encoding) {
+    return requireText(takeRemainder(), encoding);
+}
+
+std::vector<std::uint8_t> BinaryDecodingContainer::decode(std::uint64_t length) {
+    const std::span<const std::uint8_t> piece = take(length);
+    requireLength(length, piece.size());
+    return {piece.begin(), piece.end()};
+}
+
+std::vector<std::uint8_t> BinaryDecodingContainer::decodeRemainder() {
+    const std::span<const std::uint8_t> piece = takeRemainder();
+    return {piece.begin(), piece.end()};
+}
+
+std::span<const std::uint8_t> BinaryDecodingContainer::takeRemainder() {
+    return remainingLength_ ? take(*remainingLength_) : data_->takeRemainder();
+}
+
+std::vector<std::uint8_t> BinaryDecodingContainer::peek(std::uint64_t length) {
+    return data_->peek(withinLimit(length));
+}
+
+std::vector<std::uint8_t> BinaryDecodingContainer::peekExactly(std::uint64_t length) {
+    std::vector<std::uint8_t> piece = peek(length);
+    requireLength(length, piece.size());
+    return piece;
+}
+
+BinaryDecodingContainer BinaryDecodingContainer::nestedContainer(
+    std::optional<std::uint64_t> maxLength) {
+    if (!remainingLength_) {
+        return {*data_, maxLength, *userInfo_};
+    }
+    return {std::make_unique<BufferedData>(std::make_unique<NestedSource>(*this)),
+            std::min(maxLength.value_or(*remainingLength_), *remainingLength_), *userInfo_};
+}
+
+bool BinaryDecodingContainer::isAtEnd() {
+    return remainingLength_ == 0U || data_->isAtEnd();
+}
+
+std::vector<std::uint8_t> BinaryDecodingContainer::nextBytes(std::size_t length) {
+    const std::span<const std::uint8_t> piece = take(length);
+    return {piece.begin(), piece.end()};
+}
+
+DelimitedBytes BinaryDecodingContainer::takeUntil(std::uint8_t delimiter, std::uint64_t length) {
+    const DelimitedBytes found = data_->takeUntil(delimiter, withinLimit(length));
+    consume(found.data.size() + (found.didFindDelimiter ? 1 : 0));
+    return found;
+}
+
+std::string BinaryDecodingContainer::textOf(float raw) {
+    return shortestText(raw);
+}
+
+std::string BinaryDecodingContainer::textOf(double raw) {
+    return shortestText(raw);
+}
+
+void BinaryDecodingContainer::failForNumber(const std::string& type, std::size_t needed,
+                                            std::size_t received) {
+    // The doubled word is part of the message.
+    throw BinaryDecodingError::dataCorrupted("Not enough data to create a a type of " + type +
+                                             ". Needed: " + std::to_string(needed) +
+                                             ". Received: " + std::to_string(received) + ".");
+}
+
+void BinaryDecodingContainer::failForRawValue(const std::string& type, const std::string& rawType,
+                                              const std::string& raw) {
+    throw BinaryDecodingError::dataCorrupted("Cannot initialize " + type + " from invalid " +
+                                             rawType + " value " + raw);
+}
+
+}  // namespace browsersweep

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "browsersweep/binarycoding/BinaryNumber.h"
+
+namespace browsersweep {
+
+/** The name of a type with its namespaces, as error messages show it. */
+template <typename T>
+std::string qualifiedTypeName() {
+    const std::string_view function = static_cast<const char*>(__PRETTY_FUNCTION__);
+    const std::size_t start = function.find("T = ") + 4;
+    return std::string(function.substr(start, function.find_first_of(";]", start) - start));
+}
+
+template <BinaryInteger T>
+std::string qualifiedTypeName() {
+    const std::string bits = std::to_string(8 * sizeof(T));
+    return (std::unsigned_integral<T> ? "std::uint" : "std::int") + bits + "_t";
+}
+
+template <std::same_as<std::string> T>
+std::string qualifiedTypeName() {
+    return "std::string";
+}
+
+}  // namespace browsersweep

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <concepts>
+#include <optional>
+#include <string>
+
+#include "browsersweep/binarycoding/BinaryNumber.h"
+
+namespace browsersweep {
+
+/**
+ * How a type is made of a raw value: a number, or a text (UTF-8, everything that remains in the
+ * container). The general form serves types, such as option sets, that have a `RawValue`, a
+ * `rawValue()` and a static `fromRawValue` that returns an optional. An enumeration specialises it
+ * with the same three as static members; its `rawValue` takes the case.
+ */
+template <typename T>
+struct RawRepresentation;
+
+template <typename T>
+requires requires(const T& value, typename T::RawValue raw) {
+    { value.rawValue() } -> std::convertible_to<typename T::RawValue>;
+    { T::fromRawValue(raw) } -> std::same_as<std::optional<T>>;
+}
+struct RawRepresentation<T> {
+    using RawValue = typename T::RawValue;
+    static constexpr RawValue rawValue(const T& value) { return value.rawValue(); }
+    static constexpr std::optional<T> fromRawValue(RawValue raw) { return T::fromRawValue(raw); }
+};
+
+/** Types that are read and written as their raw value. */
+template <typename T>
+concept RawRepresentable =
+    (BinaryNumber<typename RawRepresentation<T>::RawValue> ||
+     std::same_as<typename RawRepresentation<T>::RawValue, std::string>)&&requires(const T& value) {
+    RawRepresentation<T>::rawValue(value);
+    RawRepresentation<T>::fromRawValue(RawRepresentation<T>::rawValue(value));
+};
+
+}  // namespace browsersweep
