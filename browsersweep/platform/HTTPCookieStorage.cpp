@@ -1,0 +1,7 @@
+#include "browsersweep/platform/HTTPCookieStorage.h"
+
+namespace browsersweep {
+
+HTTPCookieStorage::~HTTPCookieStorage() = default;
+
+}  // namespace browsersweep

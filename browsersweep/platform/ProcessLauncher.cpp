@@ -1,0 +1,7 @@
+#include "browsersweep/platform/ProcessLauncher.h"
+
+namespace browsersweep {
+
+ProcessLauncher::~ProcessLauncher() = default;
+
+}  // namespace browsersweep

@@ -1,0 +1,58 @@
+#include "browsersweep/platform/ProcessLauncher.h"
+
+#include <cerrno>
+#include <vector>
+
+#include <spawn.h>
+#include <sys/types.h>
+#include <sys/wait.h>
+
+#if defined(__APPLE__)
+#include <crt_externs.h>
+#else
+#include <unistd.h>
+#endif
+
+namespace browsersweep {
+namespace {
+
+char** environment() noexcept {
+#if defined(__APPLE__)
+    return *_NSGetEnviron();
+#else
+    return ::environ;
+#endif
+}
+
+void waitFor(pid_t process) noexcept {
+    int status = 0;
+    while (::waitpid(process, &status, 0) == -1 && errno == EINTR) {
+    }
+}
+
+class PosixProcessLauncher final : public ProcessLauncher {
+public:
+    void runAndWait(const std::filesystem::path& executable,
+                    std::span<const std::string> arguments) const noexcept override {
+        std::vector<std::string> texts{executable.native()};
+        texts.insert(texts.end(), arguments.begin(), arguments.end());
+        std::vector<char*> pointers;
+        for (std::string& text : texts) {
+            pointers.push_back(text.data());
+        }
+        pointers.push_back(nullptr);
+        pid_t process = 0;
+        if (::posix_spawn(&process, executable.c_str(), nullptr, nullptr, pointers.data(),
+                          environment()) == 0) {
+            waitFor(process);
+        }
+    }
+};
+
+}  // namespace
+
+std::shared_ptr<const ProcessLauncher> ProcessLauncher::system() {
+    return std::make_shared<const PosixProcessLauncher>();
+}
+
+}  // namespace browsersweep
