@@ -1,0 +1,219 @@
+#include "browsersweep/cookies/CleanableSafariCookies.h"
+
+#include <algorithm>
+#include <array>
+#include <exception>
+#include <limits>
+#include <string>
+#include <utility>
+
+#include "browsersweep/binarycoding/BinaryDataDecoder.h"
+#include "browsersweep/binarycoding/BinaryDataEncoder.h"
+#include "browsersweep/binarycoding/BinaryEncodingError.h"
+#include "browsersweep/cookies/BinaryCookies.h"
+#include "browsersweep/platform/Text.h"
+
+namespace browsersweep {
+namespace {
+
+using Measurement = CleanableDataSize::Measurement;
+
+constexpr std::string_view couldNotRead = "Could not read cookies at ";
+constexpr std::string_view couldNotClean = "Could not clean cookies at ";
+constexpr std::array<std::string_view, 2> cookieDaemons{"nsurlstoraged", "nsurlsessiond"};
+
+struct DecodedFile {
+    BinaryCookies cookies;
+    std::size_t length = 0;
+};
+
+// The bytes are gone when it returns: the model and they need not be in memory while another copy
+// is written.
+DecodedFile decodedFile(const FileManager& fileManager, const std::filesystem::path& file) {
+    const Bytes contents = fileManager.contents(file);
+    return {BinaryDataDecoder().decode<BinaryCookies>(contents), contents.size()};
+}
+
+bool selects(const CleanableDataFilter& filter, Date creationDate) {
+    const bool passesDate = !filter.datesData || filter.datesData->matches(creationDate);
+    const bool excludes = filter.patternsData &&
+                          filter.patternsData->rule == CleanableDataFilter::Patterns::Rule::exclude;
+    return passesDate && !excludes;
+}
+
+bool selectsFileCookie(CleanableDataFilters filters, const BinaryCookies::Cookie& cookie) {
+    return std::ranges::any_of(filters, [&](const CleanableDataFilter& filter) {
+        return selects(filter, cookie.creationDate);
+    });
+}
+
+void removeSelected(BinaryCookies& cookies, CleanableDataFilters filters) {
+    cookies.remove([filters](const BinaryCookies::Cookie& cookie) {
+        return selectsFileCookie(filters, cookie);
+    });
+}
+
+bool hitsDomain(const CleanableDataFilter::Patterns& patterns, const std::string& domain) {
+    return std::ranges::any_of(patterns.patterns, [&](const std::string& pattern) {
+        return localizedCaseInsensitiveContains(domain, pattern);
+    });
+}
+
+// The last filter whose patterns hit decides; a cookie that none hits is selected.
+bool selectsStorageCookie(CleanableDataFilters filters, const HTTPCookie& cookie) {
+    bool isSelected = true;
+    for (const CleanableDataFilter& filter : filters) {
+        if (filter.patternsData && hitsDomain(*filter.patternsData, cookie.domain)) {
+            isSelected = filter.patternsData->rule == CleanableDataFilter::Patterns::Rule::include;
+        }
+    }
+    return isSelected;
+}
+
+CleanableDataSize filteredSize(DecodedFile file, CleanableDataFilters filters) {
+    const std::size_t before = file.cookies.cookieCount();
+    removeSelected(file.cookies, filters);
+    const auto removed = static_cast<std::int64_t>(before - file.cookies.cookieCount());
+    try {
+        const std::size_t rest = BinaryDataEncoder().encode(file.cookies).size();
+        return {removed, static_cast<std::int64_t>(file.length) - static_cast<std::int64_t>(rest)};
+    } catch (const std::exception&) {  // the bytes cannot be told then, the cookies still can
+        return {removed, {0, true}};
+    }
+}
+
+// The path as a file URL, with all but the characters that a path may hold as percent escapes.
+std::string fileURLText(const std::filesystem::path& path) {
+    constexpr std::string_view plain =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~!$&'()*+,=:@/";
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    std::string text = "file://";
+    for (const char character : path.native()) {
+        if (plain.find(character) != std::string_view::npos) {
+            text.push_back(character);
+        } else {
+            const auto byte = static_cast<unsigned char>(character);
+            text.push_back('%');
+            text.push_back(digits[byte >> 4U]);
+            text.push_back(digits[byte & 0x0FU]);
+        }
+    }
+    return text;
+}
+
+}  // namespace
+
+CleanableSafariCookies::CleanableSafariCookies(std::shared_ptr<const FileManager> fileManager)
+    : CleanableSafariCookies(std::move(fileManager), SystemServices::current()) {}
+
+CleanableSafariCookies::CleanableSafariCookies(std::shared_ptr<const FileManager> fileManager,
+                                               const SystemServices& services)
+    : CleanableSafariCookies(fileManager,
+                             std::make_shared<const FileManagerDirectoryProvider>(fileManager),
+                             services) {}
+
+CleanableSafariCookies::CleanableSafariCookies(
+    std::shared_ptr<const FileManager> fileManager,
+    std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider,
+    const SystemServices& services)
+    : fileManager_(std::move(fileManager)),
+      directoryProvider_(std::move(directoryProvider)),
+      cookieStorage_(services.sharedCookieStorage("Cookies")),
+      processLauncher_(services.processLauncher),
+      systemLog_(services.systemLog) {}
+
+CleanableDataSize CleanableSafariCookies::size(CleanableDataFilters filters) const {
+    CleanableDataSize total;
+    for (const std::filesystem::path& file : cookieFiles()) {
+        total = total + sizeOf(file, filters);
+    }
+    return total;
+}
+
+void CleanableSafariCookies::clean(CleanableDataFilters filters) const {
+    stopDaemons();
+    for (const std::filesystem::path& file : cookieFiles()) {
+        try {
+            cleanFile(file, filters);
+        } catch (const std::exception& error) {
+            log(couldNotClean, file, error.what());
+        }
+    }
+    cleanStorage(filters);
+}
+
+std::vector<std::filesystem::path> CleanableSafariCookies::cookieFiles() const {
+    const std::filesystem::path library = directoryProvider_->libraryDirectory();
+    std::vector<std::filesystem::path> files{
+        library / "Cookies/Cookies.binarycookies",
+        library / "Containers/com.apple.Safari/Data/Library/Cookies/Cookies.binarycookies"};
+    std::erase_if(files, [&](const std::filesystem::path& file) {
+        return !fileManager_->fileExists(file).isFile();
+    });
+    return files;
+}
+
+CleanableDataSize CleanableSafariCookies::sizeOf(const std::filesystem::path& file,
+                                                 CleanableDataFilters filters) const {
+    try {
+        DecodedFile decoded = decodedFile(*fileManager_, file);
+        if (filters.empty()) {
+            return {static_cast<std::int64_t>(decoded.cookies.cookieCount()), fileSize(file)};
+        }
+        return filteredSize(std::move(decoded), filters);
+    } catch (const std::exception& error) {
+        log(couldNotRead, file, error.what());
+        return CleanableDataSize::zero;
+    }
+}
+
+Measurement CleanableSafariCookies::fileSize(const std::filesystem::path& file) const {
+    try {
+        const std::optional<std::uint64_t> size = fileManager_->attributes(file).size;
+        if (size && std::in_range<std::int64_t>(*size)) {
+            return static_cast<std::int64_t>(*size);
+        }
+        return {0, true};
+    } catch (const std::filesystem::filesystem_error&) {
+        return {0, true};
+    }
+}
+
+void CleanableSafariCookies::stopDaemons() const {
+    for (const std::string_view daemon : cookieDaemons) {
+        const std::array<std::string, 2> arguments{"-c", "killall -KILL " + std::string(daemon)};
+        processLauncher_->runAndWait("/bin/sh", arguments);
+    }
+}
+
+void CleanableSafariCookies::cleanFile(const std::filesystem::path& file,
+                                       CleanableDataFilters filters) const {
+    if (filters.empty()) {
+        fileManager_->remove(file);
+        return;
+    }
+    Bytes contents;
+    {
+        BinaryCookies cookies = decodedFile(*fileManager_, file).cookies;
+        removeSelected(cookies, filters);
+        contents = BinaryDataEncoder().encode(cookies);
+    }
+    fileManager_->replace(file, contents);
+}
+
+void CleanableSafariCookies::cleanStorage(CleanableDataFilters filters) const {
+    for (const HTTPCookie& cookie : cookieStorage_->cookies()) {
+        if (selectsStorageCookie(filters, cookie)) {
+            cookieStorage_->deleteCookie(cookie);
+        }
+    }
+}
+
+void CleanableSafariCookies::log(std::string_view message, const std::filesystem::path& file,
+                                 std::string_view error) const {
+    std::string text(message);
+    text.append(fileURLText(file)).append(": ").append(error);
+    systemLog_->debug(text);
+}
+
+}  // namespace browsersweep
