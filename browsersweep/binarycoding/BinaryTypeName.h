@@ -6,12 +6,22 @@
 
 #include "browsersweep/binarycoding/BinaryNumber.h"
 
+// Outside the library's namespace: g++ leaves out what the function and the type have in common.
+namespace browsersweep_type_name {
+
+template <typename T>
+std::string_view functionName() {
+    return static_cast<const char*>(__PRETTY_FUNCTION__);
+}
+
+}  // namespace browsersweep_type_name
+
 namespace browsersweep {
 
 /** The name of a type with its namespaces, as error messages show it. */
 template <typename T>
 std::string qualifiedTypeName() {
-    const std::string_view function = static_cast<const char*>(__PRETTY_FUNCTION__);
+    const std::string_view function = browsersweep_type_name::functionName<T>();
     const std::size_t start = function.find("T = ") + 4;
     return std::string(function.substr(start, function.find_first_of(";]", start) - start));
 }

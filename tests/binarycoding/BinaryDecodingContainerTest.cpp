@@ -1,0 +1,275 @@
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "browsersweep/binarycoding/AnyBufferedDataSource.h"
+#include "browsersweep/binarycoding/BinaryDataDecoder.h"
+#include "browsersweep/binarycoding/BinaryDataEncoder.h"
+#include "browsersweep/binarycoding/BinaryDecodingContainer.h"
+#include "browsersweep/binarycoding/BinaryDecodingError.h"
+#include "browsersweep/binarycoding/BinaryEncodingError.h"
+
+#include "tests/support/Bytes.h"
+
+namespace browsersweep {
+
+enum class Colour : std::uint8_t { red = 1, blue = 7 };
+
+template <>
+struct RawRepresentation<Colour> {
+    using RawValue = std::uint8_t;
+    static RawValue rawValue(Colour colour) { return static_cast<RawValue>(colour); }
+    static std::optional<Colour> fromRawValue(RawValue raw) {
+        return raw == 1 || raw == 7 ? std::optional(static_cast<Colour>(raw)) : std::nullopt;
+    }
+};
+
+enum class Word { yes };
+
+template <>
+struct RawRepresentation<Word> {
+    using RawValue = std::string;
+    static RawValue rawValue(Word /*word*/) { return "yes"; }
+    static std::optional<Word> fromRawValue(const RawValue& raw) {
+        return raw == "yes" ? std::optional(Word::yes) : std::nullopt;
+    }
+};
+
+namespace {
+
+using List = std::vector<std::uint8_t>;
+using Reading = std::function<void(BinaryDecodingContainer&)>;
+
+void reading(const List& data, const Reading& read) {
+    const auto buffered = BinaryDataDecoder::bufferedData(data);
+    const BinaryUserInfo userInfo;
+    BinaryDecodingContainer container(*buffered, userInfo);
+    read(container);
+}
+
+std::string errorOf(const List& data, const Reading& read) {
+    try {
+        reading(data, read);
+    } catch (const BinaryDecodingError& error) {
+        EXPECT_EQ(error.kind(), BinaryDecodingError::Kind::dataCorrupted);
+        return error.context().debugDescription;
+    }
+    return "no error";
+}
+
+// A source that cannot show its bytes, and notes what it was asked for.
+class Stream {
+public:
+    explicit Stream(List data) : data_(std::move(data)) {}
+    BufferedData buffered() {
+        return BufferedData(std::make_unique<AnyBufferedDataSource>(
+            [this](std::size_t length) { return read(length); },
+            [this] { return position_ == data_.size(); }));
+    }
+    const std::vector<std::size_t>& asked() const { return asked_; }
+
+private:
+    std::optional<List> read(std::size_t length) {
+        asked_.push_back(length);
+        const std::size_t end = std::min(data_.size(), position_ + length);
+        List piece(data_.begin() + static_cast<std::ptrdiff_t>(position_),
+                   data_.begin() + static_cast<std::ptrdiff_t>(end));
+        position_ = end;
+        return piece;
+    }
+
+    List data_;
+    std::size_t position_ = 0;
+    std::vector<std::size_t> asked_;
+};
+
+template <typename T>
+void expectRoundTrip(T value, const List& data) {
+    EXPECT_EQ(BinaryDataEncoder().encode(value), data);
+    EXPECT_EQ(BinaryDataDecoder().decode<T>(data), value);
+    const auto view = bytes(value);
+    EXPECT_EQ(List(view.begin(), view.end()), data);
+}
+
+}  // namespace
+
+TEST(BinaryDecodingContainer, readsNumbersOfEveryWidthInLittleEndianOrder) {
+    expectRoundTrip<std::uint8_t>(0xFE, {0xFE});
+    expectRoundTrip<std::int8_t>(-2, {0xFE});
+    expectRoundTrip<std::uint16_t>(0xFE01, {0x01, 0xFE});
+    expectRoundTrip<std::int16_t>(-2, {0xFE, 0xFF});
+    expectRoundTrip<std::uint32_t>(65536, {0, 0, 1, 0});
+    expectRoundTrip<std::int32_t>(-2, {0xFE, 0xFF, 0xFF, 0xFF});
+    expectRoundTrip<std::uint64_t>(0x4B00000005201707, {0x07, 0x17, 0x20, 0x05, 0, 0, 0, 0x4B});
+    expectRoundTrip<std::int64_t>(std::numeric_limits<std::int64_t>::min(),
+                                  {0, 0, 0, 0, 0, 0, 0, 0x80});
+    expectRoundTrip<float>(1.5F, {0, 0, 0xC0, 0x3F});
+    expectRoundTrip<double>(-2.0, {0, 0, 0, 0, 0, 0, 0, 0xC0});
+}
+
+TEST(BinaryDecodingContainer, namesEveryFailure) {
+    struct Case {
+        List data;
+        Reading read;
+        const char* error;
+    };
+    const std::vector<Case> cases{
+        {{1, 2},
+         [](auto& c) { c.template decode<std::uint32_t>(); },
+         "Not enough data to create a a type of std::uint32_t. Needed: 4. Received: 2."},
+        {{},
+         [](auto& c) { c.template decode<double>(); },
+         "Not enough data to create a a type of double. Needed: 8. Received: 0."},
+        {{1, 2},
+         [](auto& c) { c.decode(5); },
+         "Not enough bytes available to decode. Requested 5, but received 2."},
+        {{1},
+         [](auto& c) { c.peekExactly(2); },
+         "Not enough bytes available to decode. Requested 2, but received 1."},
+        {{'a'},
+         [](auto& c) { c.decodeString(StringEncoding::ascii, 0); },
+         "Unable to find delimiter for string."},
+        {{0xC3, 0},
+         [](auto& c) { c.decodeString(StringEncoding::ascii, 0); },
+         "Unable to create string from data with ASCII encoding."},
+        {{0xC3},
+         [](auto& c) { c.decodeString(StringEncoding::utf8); },
+         "Unable to create string from data with UTF-8 encoding."},
+        {{2},
+         [](auto& c) { c.template decode<Colour>(); },
+         "Cannot initialize browsersweep::Colour from invalid std::uint8_t value 2"},
+        {{'n', 'o'},
+         [](auto& c) { c.template decode<Word>(); },
+         "Cannot initialize browsersweep::Word from invalid std::string value no"},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.error);
+        EXPECT_EQ(errorOf(each.data, each.read), each.error);
+    }
+}
+
+TEST(BinaryDecodingContainer, readsAndWritesRawValues) {
+    EXPECT_EQ(BinaryDataDecoder().decode<std::vector<Colour>>(List{7, 1}),
+              (std::vector{Colour::blue, Colour::red}));
+    EXPECT_EQ(BinaryDataEncoder().encode(std::vector{Colour::blue, Colour::red}), (List{7, 1}));
+    EXPECT_EQ(BinaryDataDecoder().decode<Word>(tests::bytes("yes")), Word::yes);
+    EXPECT_EQ(BinaryDataEncoder().encode(Word::yes), tests::bytes("yes"));
+}
+
+TEST(BinaryDecodingContainer, readsAnEmptyListFromNothing) {
+    EXPECT_EQ(BinaryDataDecoder().decode<std::vector<int>>(List{}), std::vector<int>{});
+    EXPECT_EQ(BinaryDataEncoder().encode(std::vector<int>{}), List{});
+}
+
+TEST(BinaryDecodingContainer, refusesAByteBeyondTheLimit) {
+    const List ten{0, 1, 2, 3, 4, 5, 6, 7, 8, 9};
+    EXPECT_EQ(errorOf(ten,
+                      [](auto& container) {
+                          auto nested = container.nestedContainer(4);
+                          nested.decode(4);
+                          EXPECT_TRUE(nested.isAtEnd());
+                          nested.decode(1);
+                      }),
+              "Not enough bytes available to decode. Requested 1, but received 0.");
+}
+
+TEST(BinaryDecodingContainer, takesFromItsParentExactlyWhatItReads) {
+    reading({0, 1, 2, 3, 4, 5, 6, 7, 8, 9}, [](auto& root) {
+        auto page = root.nestedContainer(8);
+        {
+            auto record = page.nestedContainer(100);
+            EXPECT_EQ(record.remainingLength(), 8U);
+            EXPECT_EQ(record.template decode<std::uint16_t>(), 0x0100);
+            EXPECT_EQ(page.remainingLength(), 6U);
+        }
+        EXPECT_EQ(page.decode(1), List{2});
+        EXPECT_EQ(page.nestedContainer().decodeRemainder(), (List{3, 4, 5, 6, 7}));
+        EXPECT_TRUE(page.isAtEnd());
+        EXPECT_EQ(root.decodeRemainder(), (List{8, 9}));
+    });
+}
+
+TEST(BinaryDecodingContainer, peeksWithoutReadingAndGivesFewerAtTheEnd) {
+    reading({1, 2, 3}, [](auto& root) {
+        auto page = root.nestedContainer(2);
+        EXPECT_EQ(page.peek(4), (List{1, 2}));
+        EXPECT_EQ(page.decodeRemainder(), (List{1, 2}));
+        EXPECT_EQ(page.peek(4), List{});
+        EXPECT_EQ(root.peek(4), List{3});
+    });
+}
+
+TEST(BinaryDecodingContainer, readsStringsAcrossWhatWasPeeked) {
+    reading(tests::bytes(std::string_view("abcdef\0gh", 9)), [](auto& root) {
+        auto page = root.nestedContainer(8);
+        page.peek(3);
+        EXPECT_EQ(page.decodeString(StringEncoding::ascii, 0), "abcdef");
+        EXPECT_EQ(page.decodeString(StringEncoding::utf8), "g");
+        EXPECT_EQ(root.decodeString(StringEncoding::isoLatin1), "h");
+    });
+}
+
+TEST(BufferedData, asksItsSourceForExactlyTheShortfall) {
+    Stream stream({1, 2, 3, 4, 5, 6, 7, 8});
+    BufferedData data = stream.buffered();
+    EXPECT_EQ(data.peek(2), (List{1, 2}));
+    EXPECT_EQ(data.read(5), (List{1, 2, 3, 4, 5}));
+    EXPECT_EQ(data.readUntil(7), (BufferedData::UntilResult{{6}, true}));
+    EXPECT_EQ(stream.asked(), (std::vector<std::size_t>{2, 3, 1, 1}));
+    EXPECT_FALSE(data.isAtEnd());
+    EXPECT_EQ(data.readUntil(0), (BufferedData::UntilResult{{8}, false}));
+    EXPECT_TRUE(data.isAtEnd());
+    EXPECT_EQ(data.read(1), List{});
+}
+
+TEST(BufferedData, givesTheRestWhereTheDelimiterNeverComes) {
+    const List data{1, 2, 3};
+    EXPECT_EQ(BinaryDataDecoder::bufferedData(data)->readUntil(9),
+              (BufferedData::UntilResult{{1, 2, 3}, false}));
+}
+
+TEST(BufferedData, passesErrorsOfItsSourceOn) {
+    BufferedData data(std::make_unique<AnyBufferedDataSource>(
+        [](std::size_t) -> std::optional<List> { throw std::domain_error("gone"); },
+        [] { return false; }));
+    EXPECT_THROW(BinaryDataDecoder().decode<int>(data), std::domain_error);
+}
+
+TEST(BinaryDecodingContainer, readsNestedContainersOfAStream) {
+    Stream stream({9, 8, 7, 'a', 0, 6});
+    BufferedData data = stream.buffered();
+    const BinaryUserInfo userInfo;
+    BinaryDecodingContainer root(data, userInfo);
+    auto page = root.nestedContainer(5);
+    auto record = page.nestedContainer(5);
+    EXPECT_EQ(record.decode<std::uint8_t>(), 9);
+    EXPECT_EQ(record.decode(2), (List{8, 7}));
+    EXPECT_EQ(record.decodeString(StringEncoding::ascii, 0), "a");
+    EXPECT_TRUE(page.isAtEnd());
+    EXPECT_EQ(root.decode<std::uint8_t>(), 6);
+}
+
+TEST(BinaryEncodingContainer, writesStringsAndRefusesWhatTheEncodingLacks) {
+    BinaryDataEncoderStorage storage;
+    const BinaryUserInfo userInfo;
+    BinaryEncodingContainer container = BinaryEncoder(storage, userInfo).container();
+    container.encodeString("ab", StringEncoding::ascii, 0);
+    container.encodeString("\xC3\xA9", StringEncoding::isoLatin1);
+    container.encodeString("\xC3\xA9", StringEncoding::utf8);
+    EXPECT_EQ(storage.data, (List{'a', 'b', 0, 0xE9, 0xC3, 0xA9}));
+    try {
+        container.encodeString("\xC3\xA9", StringEncoding::ascii, 0);
+        FAIL() << "no error";
+    } catch (const BinaryEncodingError& error) {
+        EXPECT_EQ(error.kind(), BinaryEncodingError::Kind::incompatibleStringEncoding);
+        EXPECT_EQ(error.context().debugDescription,
+                  "The string \xC3\xA9 could not be encoded as data using the encoding ASCII.");
+    }
+}
+
+}  // namespace browsersweep

@@ -1,0 +1,364 @@
+#include <cstdint>
+#include <fstream>
+#include <iterator>
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <rapidcheck.h>
+#include <rapidcheck/gtest.h>
+
+#include "browsersweep/binarycoding/BinaryDataDecoder.h"
+#include "browsersweep/binarycoding/BinaryDataEncoder.h"
+#include "browsersweep/binarycoding/BinaryDecodingError.h"
+#include "browsersweep/binarycoding/BinaryEncodingError.h"
+#include "browsersweep/cookies/BinaryCookies.h"
+#include "browsersweep/platform/DecodingError.h"
+
+#include "tests/support/BinaryCookieFileBuilder.h"
+#include "tests/support/Python.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace browsersweep {
+namespace {
+
+using tests::ByteText;
+using tests::cookieFile;
+using tests::cookiePage;
+using tests::CookieRecord;
+using tests::emptyDictionary;
+using Flags = BinaryCookies::Cookie::Flags;
+
+BinaryCookies decoded(const Bytes& file) {
+    return BinaryDataDecoder().decode<BinaryCookies>(file);
+}
+
+Bytes encoded(const BinaryCookies& cookies) {
+    return BinaryDataEncoder().encode(cookies);
+}
+
+std::string errorOf(const Bytes& file) {
+    try {
+        decoded(file);
+    } catch (const BinaryDecodingError& error) {
+        return error.context().debugDescription;
+    } catch (const DecodingError&) {
+        return "property list";
+    }
+    return "no error";
+}
+
+CookieRecord named(std::string name) {
+    CookieRecord record;
+    record.name = std::move(name);
+    return record;
+}
+
+CookieRecord withPort(std::uint16_t port) {
+    CookieRecord record;
+    record.portMarker = 1;
+    record.port = port;
+    return record;
+}
+
+Bytes smallFile() {
+    return cookieFile({cookiePage({CookieRecord().data(), withPort(8080).data()}),
+                       cookiePage({named("b").data()})},
+                      emptyDictionary());
+}
+
+// The bytes of a file with some of them replaced.
+Bytes patched(Bytes file, std::size_t offset, const Bytes& bytes) {
+    std::copy(bytes.begin(), bytes.end(), file.begin() + static_cast<std::ptrdiff_t>(offset));
+    return file;
+}
+
+}  // namespace
+
+TEST(BinaryCookies, readsEveryField) {
+    const BinaryCookies cookies = decoded(smallFile());
+    ASSERT_EQ(cookies.pages.size(), 2U);
+    EXPECT_EQ(cookies.cookieCount(), 3U);
+    BinaryCookies::Cookie expected;
+    expected.size = 56 + 12 + 3 + 2 + 3 + 2;
+    expected.version = 1;
+    expected.flags = Flags(5);
+    expected.port = std::uint16_t{8080};
+    expected.urlOffset = 58;
+    expected.nameOffset = 70;
+    expected.pathOffset = 73;
+    expected.valueOffset = 75;
+    expected.expirationDate = dateFromReferenceSeconds(700000000.5);
+    expected.creationDate = dateFromReferenceSeconds(600000000.25);
+    expected.urlString = "example.org";
+    expected.name = "id";
+    expected.path = "/";
+    expected.value = "42";
+    EXPECT_EQ(cookies.cookies().at(1), expected);
+    EXPECT_EQ(expected.url()->absoluteString(), "example.org");
+    EXPECT_EQ(expected.commentURL(), std::nullopt);
+}
+
+TEST(BinaryCookies, writesATightlyPackedFileBackToTheSameBytes) {
+    EXPECT_EQ(encoded(decoded(smallFile())), smallFile());
+}
+
+TEST(BinaryCookies, readsAndWritesAFileWithoutPages) {
+    const Bytes file = cookieFile({}, emptyDictionary());
+    EXPECT_TRUE(decoded(file).isEmpty());
+    EXPECT_EQ(encoded(decoded(file)), file);
+}
+
+TEST(BinaryCookies, keepsMetadataByteForByte) {
+    const Bytes metadata =
+        PropertyList::dictionary({{"NSHTTPCookieAcceptPolicy", PropertyList::integer(2)},
+                                  {"a", PropertyList::real(0.5)},
+                                  {"b", PropertyList::array({PropertyList::string("x")})}})
+            .binaryData();
+    const Bytes file = cookieFile({cookiePage({CookieRecord().data()})}, metadata);
+    EXPECT_EQ(encoded(decoded(file)), file);
+    EXPECT_EQ(decoded(cookieFile({}, PropertyList::string("t").binaryData())).metadata,
+              PropertyList::string("t"));
+}
+
+TEST(BinaryCookies, acceptsAWrongChecksumAndWritesTheRightOne) {
+    const std::size_t checksum = smallFile().size() - emptyDictionary().size() - 12;
+    const Bytes wrong = patched(smallFile(), checksum, {9, 9, 9, 9});
+    EXPECT_EQ(encoded(decoded(wrong)), smallFile());
+}
+
+TEST(BinaryCookies, ignoresOffsetsOfThePageIndexAndReplacesThem) {
+    EXPECT_EQ(encoded(decoded(patched(smallFile(), 16 + 8, Bytes(8, 0xFF)))), smallFile());
+}
+
+TEST(BinaryCookies, hasNoPortUnderAnyMarkerButOne) {
+    CookieRecord record;
+    record.portMarker = 2;
+    const BinaryCookies cookies =
+        decoded(cookieFile({cookiePage({record.data()})}, emptyDictionary()));
+    EXPECT_EQ(cookies.cookies().at(0).port, std::nullopt);
+    EXPECT_EQ(cookies.cookies().at(0).urlString, "example.org");
+}
+
+TEST(BinaryCookies, givesStringsToFieldsInTheOrderOfTheirOffsets) {
+    // Value, comment and address of the comment first, the domain last; no name, no path.
+    Bytes record = ByteText().little(56 + 10, 4).little(0, 8).little(0, 4).data();
+    record = ByteText()
+                 .raw(record)
+                 .little(90, 4)
+                 .little(0, 4)
+                 .little(0, 4)
+                 .little(56, 4)
+                 .little(57, 4)
+                 .little(60, 4)
+                 .little(0, 16)
+                 .text(std::string_view("v\0c\0h:\0d\0", 9))
+                 .text(std::string_view("\0", 1))
+                 .data();
+    const Bytes file = cookieFile({cookiePage({record})}, emptyDictionary());
+    // The last byte is padding, so what follows the page is read one byte too early.
+    EXPECT_EQ(errorOf(file), "Footer is missing or incorrect");
+    record.pop_back();
+    const BinaryCookies cookies = decoded(cookieFile({cookiePage({record})}, emptyDictionary()));
+    const BinaryCookies::Cookie cookie = cookies.cookies().at(0);
+    EXPECT_EQ(cookie.urlString, "d");
+    EXPECT_EQ(cookie.value, "v");
+    EXPECT_EQ(cookie.comment, OptionalText("c"));
+    EXPECT_EQ(cookie.commentURL(), URL::parse("h:"));
+    EXPECT_EQ(cookie.name + cookie.path, "");
+    EXPECT_EQ(decoded(encoded(cookies)), cookies);
+}
+
+TEST(BinaryCookies, readsEqualOffsetsAsTheFirstOfTheirFields) {
+    Bytes record = CookieRecord().data();
+    record = patched(record, 20, Bytes(record.begin() + 16, record.begin() + 20));
+    const BinaryCookies cookies = decoded(cookieFile({cookiePage({record})}, emptyDictionary()));
+    EXPECT_EQ(cookies.cookies().at(0).urlString, "id");
+    EXPECT_EQ(cookies.cookies().at(0).name, "");
+}
+
+TEST(BinaryCookies, namesWhatIsMissing) {
+    const std::size_t checksum = smallFile().size() - emptyDictionary().size() - 12;
+    struct Case {
+        Bytes file;
+        const char* error;
+    };
+    const std::vector<Case> cases{
+        {{}, "Magic number is missing or incorrect"},
+        {{'c', 'o', 'o'}, "Magic number is missing or incorrect"},
+        {patched(smallFile(), 0, {'C'}), "Magic number is missing or incorrect"},
+        {patched(smallFile(), 16, {1}), "Page header is invalid or missing"},
+        {patched(smallFile(), 16 + 16, {1}), "Page footer is invalid or missing"},
+        {patched(smallFile(), checksum + 4, {1}), "Footer is missing or incorrect"},
+        {cookieFile({}, {}), "property list"},
+        {{'c', 'o', 'o', 'k', 0, 0},
+         "Not enough data to create a a type of std::uint32_t. Needed: 4. Received: 2."},
+        {patched(smallFile(), 16 + 20 + 56, Bytes(1, 0xC3)),
+         "Unable to create string from data with ASCII encoding."},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.error);
+        EXPECT_EQ(errorOf(each.file), each.error);
+    }
+}
+
+TEST(BinaryCookies, refusesAPageThatIsLongerThanItsSize) {
+    EXPECT_EQ(errorOf(patched(smallFile(), 11, {60})),
+              "Not enough data to create a a type of double. Needed: 8. Received: 0.");
+}
+
+TEST(BinaryCookies, refusesARecordSizeOfZero) {
+    EXPECT_EQ(errorOf(patched(smallFile(), 16 + 20, Bytes(4, 0))),
+              "Not enough data to create a a type of std::uint32_t. Needed: 4. Received: 0.");
+}
+
+TEST(BinaryCookies, refusesAStringWithoutTerminator) {
+    Bytes record = CookieRecord().data();
+    record.back() = 'x';
+    EXPECT_EQ(errorOf(cookieFile({cookiePage({record})}, emptyDictionary())),
+              "Unable to find delimiter for string.");
+}
+
+TEST(BinaryCookies, readsNothingOfAFileOfZeros) {
+    EXPECT_EQ(errorOf(Bytes(std::size_t{100} << 20U, 0)), "Magic number is missing or incorrect");
+}
+
+TEST(BinaryCookies, endsInAnErrorAtEveryTruncation) {
+    const Bytes file = smallFile();
+    const std::size_t metadata = file.size() - emptyDictionary().size();
+    for (std::size_t length = 0; length < file.size(); ++length) {
+        SCOPED_TRACE(length);
+        const Bytes cut(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(length));
+        // A beginning of "bplist00" that lacks its end is a word: an old-style property list.
+        const bool isWord = length > metadata && length < metadata + 8;
+        EXPECT_EQ(errorOf(cut) == "no error", isWord);
+    }
+}
+
+TEST(BinaryCookies, readsOrRefusesEveryCorruptionOfOneByte) {
+    const Bytes file = cookieFile({cookiePage({CookieRecord().data()})}, emptyDictionary());
+    for (std::size_t offset = 0; offset < file.size(); ++offset) {
+        for (unsigned value = 0; value < 256; ++value) {
+            const Bytes bad = patched(file, offset, {static_cast<std::uint8_t>(value)});
+            if (errorOf(bad) == "no error") {
+                EXPECT_LE(decoded(bad).cookieCount(), 1U) << offset << ": " << value;
+            }
+        }
+    }
+}
+
+TEST(BinaryCookies, believesNoCount) {
+    for (const std::size_t offset : {4U, 8U, 12U, 16U + 4U, 16U + 20U}) {
+        SCOPED_TRACE(offset);
+        const std::string error = errorOf(patched(smallFile(), offset, Bytes(4, 0xFF)));
+        EXPECT_TRUE(error == "no error" || error.starts_with("Not enough") ||
+                    error.starts_with("Page footer") || error.starts_with("Unable"))
+            << error;
+    }
+}
+
+TEST(BinaryCookies, refusesToWriteSizesThatDoNotAddUp) {
+    BinaryCookies cookies = decoded(smallFile());
+    cookies.pages.at(0).cookies.at(0).size = 0xFFFFFFFF;
+    EXPECT_THROW(encoded(cookies), std::length_error);
+}
+
+TEST(BinaryCookies, refusesToWriteATextThatIsNotASCII) {
+    BinaryCookies cookies = decoded(smallFile());
+    cookies.pages.at(0).cookies.at(0).value = "\xC3\xA9";
+    EXPECT_THROW(encoded(cookies), BinaryEncodingError);
+}
+
+TEST(BinaryCookies, dropsPagesThatBecomeEmpty) {
+    BinaryCookies cookies = decoded(smallFile());
+    cookies.remove([](const BinaryCookies::Cookie& cookie) { return cookie.name == "id"; });
+    EXPECT_EQ(encoded(cookies), cookieFile({cookiePage({named("b").data()})}, emptyDictionary()));
+    cookies.remove([](const BinaryCookies::Cookie&) { return true; });
+    EXPECT_EQ(encoded(cookies), cookieFile({}, emptyDictionary()));
+}
+
+TEST(BinaryCookies, keepsTheOrderOfTheCookiesThatStay) {
+    BinaryCookies cookies =
+        decoded(cookieFile({cookiePage({named("a").data(), named("b").data(), named("c").data()})},
+                           emptyDictionary()));
+    cookies.remove([](const BinaryCookies::Cookie& cookie) { return cookie.name == "b"; });
+    EXPECT_EQ(encoded(cookies),
+              cookieFile({cookiePage({named("a").data(), named("c").data()})}, emptyDictionary()));
+}
+
+TEST(BinaryCookiesFlags, areASet) {
+    const Flags one(1);
+    const Flags two(2);
+    const Flags both{one, two};
+    EXPECT_EQ(both.rawValue(), 3U);
+    EXPECT_EQ(one.unionWith(two), both);
+    EXPECT_EQ(both.intersection(two), two);
+    EXPECT_EQ(both.symmetricDifference(two), one);
+    EXPECT_TRUE(both.contains(one) && both.isSuperset(two) && one.isSubset(both));
+    EXPECT_TRUE(one.isDisjoint(two) && !both.isDisjoint(two) && Flags().isEmpty());
+    Flags changing = both;
+    changing.remove(one);
+    EXPECT_EQ(changing, two);
+    changing.insert(one);
+    EXPECT_EQ(changing, both);
+}
+
+namespace {
+
+rc::Gen<CookieRecord> anyRecord() {
+    const auto text = rc::gen::container<std::string>(rc::gen::inRange<char>(1, 127));
+    return rc::gen::build<CookieRecord>(
+        rc::gen::set(&CookieRecord::url, text), rc::gen::set(&CookieRecord::name, text),
+        rc::gen::set(&CookieRecord::path, text), rc::gen::set(&CookieRecord::value, text),
+        rc::gen::set(&CookieRecord::creation), rc::gen::set(&CookieRecord::flags),
+        rc::gen::set(&CookieRecord::version),
+        rc::gen::set(&CookieRecord::portMarker, rc::gen::inRange<std::uint32_t>(0, 2)),
+        rc::gen::set(&CookieRecord::port));
+}
+
+Bytes anyFile() {
+    const auto records = *rc::gen::container<std::vector<std::vector<CookieRecord>>>(
+        rc::gen::container<std::vector<CookieRecord>>(anyRecord()));
+    std::vector<Bytes> pages;
+    for (const std::vector<CookieRecord>& page : records) {
+        std::vector<Bytes> data;
+        for (const CookieRecord& record : page) {
+            data.push_back(record.data());
+        }
+        pages.push_back(cookiePage(data));
+    }
+    return cookieFile(pages, emptyDictionary());
+}
+
+}  // namespace
+
+RC_GTEST_PROP(BinaryCookiesProperty, writesAnyTightlyPackedFileBackToTheSameBytes, ()) {
+    const Bytes file = anyFile();
+    RC_ASSERT(encoded(decoded(file)) == file);
+}
+
+RC_GTEST_PROP(BinaryCookiesProperty, readsBackTheModelThatItWrote, ()) {
+    const BinaryCookies cookies = decoded(anyFile());
+    RC_ASSERT(decoded(encoded(cookies)) == cookies);
+}
+
+TEST(BinaryCookies, writesWhatAnotherDecoderReads) {
+    const std::filesystem::path script =
+        std::filesystem::path(__FILE__).parent_path() / "decode_cookies.py";
+    const Bytes file = encoded(decoded(smallFile()));
+    const auto output =
+        testing::runPython(tests::readFile(script), std::string(file.begin(), file.end()));
+    if (!output) {
+        GTEST_SKIP() << "there is no python3";
+    }
+    EXPECT_EQ(*output,
+              "1|5|None|700000000.5|600000000.25|example.org|id|/|42|None|None\n"
+              "1|5|8080|700000000.5|600000000.25|example.org|id|/|42|None|None\n"
+              "1|5|None|700000000.5|600000000.25|example.org|b|/|42|None|None\n"
+              "{}\n");
+}
+
+}  // namespace browsersweep
