@@ -350,7 +350,7 @@ TEST(BinaryCookies, writesWhatAnotherDecoderReads) {
         std::filesystem::path(__FILE__).parent_path() / "decode_cookies.py";
     const Bytes file = encoded(decoded(smallFile()));
     const auto output =
-        testing::runPython(tests::readFile(script), std::string(file.begin(), file.end()));
+        tests::runPython(tests::readFile(script), std::string(file.begin(), file.end()));
     if (!output) {
         GTEST_SKIP() << "there is no python3";
     }
