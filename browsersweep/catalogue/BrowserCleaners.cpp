@@ -5,6 +5,7 @@
 
 #include "browsersweep/profiles/chromium/ChromiumBasedProfileReader.h"
 #include "browsersweep/profiles/firefox/FirefoxProfileReader.h"
+#include "browsersweep/profiles/safari/SafariProfileReader.h"
 
 namespace browsersweep {
 namespace {
@@ -36,12 +37,6 @@ constexpr std::array<CatalogueRow, allBrowsers.size()> catalogue{{
 }};
 // clang-format on
 
-/** For browsers whose profiles cannot be read yet. */
-class NoProfileReader : public BrowserProfileReader {
-public:
-    std::vector<std::shared_ptr<const BrowserProfile>> profiles() const override { return {}; }
-};
-
 const CatalogueRow& rowOf(Browser browser) noexcept {
     return catalogue[static_cast<std::size_t>(browser)];
 }
@@ -58,7 +53,7 @@ std::shared_ptr<const BrowserProfileReader> makeReader(
         case Family::safari:
             break;
     }
-    return std::make_shared<NoProfileReader>();
+    return std::make_shared<SafariProfileReader>(std::move(fileManager));
 }
 
 using Factory = std::unique_ptr<const BrowserCleaner> (*)(std::shared_ptr<const FileManager>);

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "browsersweep/cleanable/CleanableDirectory.h"
+#include "browsersweep/cookies/CleanableSafariCookies.h"
 #include "browsersweep/notifications/SafariSubscription.h"
 #include "browsersweep/platform/DecodingError.h"
 #include "browsersweep/profiles/safari/SafariBookmarks.h"
@@ -67,9 +68,13 @@ CleanableDataMap SafariProfile::cleanableData() const {
     const Items history{std::make_shared<SafariHistoryCleanableDatabase>(
         safariFolder() / "History.db", fileManager_)};
 
+    const Items cookies{
+        std::make_shared<CleanableSafariCookies>(fileManager_, directoryProvider_, services_)};
+
     CleanableDataMap::Lists lists;
     lists.emplace(Category::cache, directories(caches, guarded));
     lists.emplace(Category::history, CleanableDataList(history));
+    lists.emplace(Category::httpCookies, CleanableDataList(cookies));
     lists.emplace(Category::flashCookies, directories(flash, false));
     lists.emplace(Category::localStorage, directories(storage, true));
     return CleanableDataMap(std::move(lists));

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "browsersweep/cleanable/CleanableDirectory.h"
+#include "browsersweep/cookies/CleanableSafariCookies.h"
 #include "browsersweep/notifications/SafariSubscription.h"
 #include "browsersweep/platform/DecodingError.h"
 #include "browsersweep/platform/PropertyList.h"
@@ -61,6 +62,10 @@ protected:
         *version_ = version;
         SystemServices services;
         services.operatingSystemVersion = [current = version_] { return *current; };
+        services.sharedCookieStorage = [this](std::string_view identifier) {
+            identifiers_.emplace_back(identifier);
+            return std::shared_ptr<HTTPCookieStorage>();
+        };
         return services;
     }
     SafariProfile profile() { return SafariProfile(fileManager_, services(catalina)); }
@@ -85,6 +90,7 @@ protected:
 
     TemporaryFolder folder_;
     std::shared_ptr<const FileManager> fileManager_ = GuardedFileManager::forFixture(folder_);
+    std::vector<std::string> identifiers_;
     std::shared_ptr<OperatingSystemVersion> version_ = std::make_shared<OperatingSystemVersion>();
 };
 
@@ -133,8 +139,8 @@ TEST_F(SafariProfileTest, itIsPrimaryAndHasNoName) {
 TEST_F(SafariProfileTest, thereIsNoFormDataAtAll) {
     const CleanableDataMap map = profile().cleanableData();
     EXPECT_EQ(nullptr, map.find(Category::formData));
-    for (const Category category :
-         {Category::cache, Category::history, Category::flashCookies, Category::localStorage}) {
+    for (const Category category : {Category::cache, Category::history, Category::httpCookies,
+                                    Category::flashCookies, Category::localStorage}) {
         EXPECT_NE(nullptr, map.find(category));
     }
 }
@@ -150,6 +156,14 @@ TEST_F(SafariProfileTest, eachCategoryLiesInItsPlace) {
     ASSERT_EQ(1U, history.size());
     EXPECT_EQ(library() / "Safari/History.db",
               dynamic_cast<const SafariHistoryCleanableDatabase&>(*history[0]).file());
+}
+
+TEST_F(SafariProfileTest, theCookiesAreThoseOfTheSharedContainer) {
+    const CleanableDataMap map = profile().cleanableData();
+    const auto& cookies = map.find(Category::httpCookies)->items();
+    ASSERT_EQ(1U, cookies.size());
+    EXPECT_NE(nullptr, dynamic_cast<const CleanableSafariCookies*>(cookies[0].get()));
+    EXPECT_EQ(std::vector<std::string>{"Cookies"}, identifiers_);
 }
 
 TEST_F(SafariProfileTest, theCacheNeedsSafariClosedFromCatalinaOn) {
@@ -172,7 +186,7 @@ TEST_F(SafariProfileTest, theVersionIsAskedEachTime) {
 
 TEST_F(SafariProfileTest, listingItsDataTouchesNoFile) {
     const auto noFiles = std::make_shared<NoFiles>(fileManager_);
-    EXPECT_EQ(4U, SafariProfile(noFiles, services(catalina)).cleanableData().lists().size());
+    EXPECT_EQ(5U, SafariProfile(noFiles, services(catalina)).cleanableData().lists().size());
 }
 
 TEST_F(SafariProfileTest, theDirectoriesCanBeReplacedOnTheirOwn) {
