@@ -27,6 +27,7 @@ public:
     bool exists() const;
 
 private:
+    bool isNamedHome_;
     std::shared_ptr<const FileManager> fileManager_;
     bool isOwnHome_;
 };

@@ -42,7 +42,7 @@ const CatalogueRow& rowOf(Browser browser) noexcept {
 }
 
 std::shared_ptr<const BrowserProfileReader> makeReader(
-    Browser browser, std::shared_ptr<const FileManager> fileManager) {
+    Browser browser, std::shared_ptr<const FileManager> fileManager, SystemServices services) {
     const CatalogueRow& row = rowOf(browser);
     switch (row.family) {
         case Family::chromium:
@@ -53,14 +53,16 @@ std::shared_ptr<const BrowserProfileReader> makeReader(
         case Family::safari:
             break;
     }
-    return std::make_shared<SafariProfileReader>(std::move(fileManager));
+    return std::make_shared<SafariProfileReader>(std::move(fileManager), std::move(services));
 }
 
-using Factory = std::unique_ptr<const BrowserCleaner> (*)(std::shared_ptr<const FileManager>);
+using Factory = std::unique_ptr<const BrowserCleaner> (*)(std::shared_ptr<const FileManager>,
+                                                          SystemServices);
 
 template <Browser browser>
-std::unique_ptr<const BrowserCleaner> make(std::shared_ptr<const FileManager> fileManager) {
-    return std::make_unique<CleanerOf<browser>>(std::move(fileManager));
+std::unique_ptr<const BrowserCleaner> make(std::shared_ptr<const FileManager> fileManager,
+                                           SystemServices services) {
+    return std::make_unique<CleanerOf<browser>>(std::move(fileManager), std::move(services));
 }
 
 template <std::size_t... ordinals>
@@ -71,8 +73,10 @@ constexpr std::array<Factory, sizeof...(ordinals)> factories(
 
 }  // namespace
 
-CatalogueCleaner::CatalogueCleaner(Browser browser, std::shared_ptr<const FileManager> fileManager)
-    : browser_(browser), profileReader_(makeReader(browser, std::move(fileManager))) {}
+CatalogueCleaner::CatalogueCleaner(Browser browser, std::shared_ptr<const FileManager> fileManager,
+                                   SystemServices services)
+    : browser_(browser),
+      profileReader_(makeReader(browser, std::move(fileManager), std::move(services))) {}
 
 std::string_view CatalogueCleaner::name() const noexcept {
     return displayName(browser_);
@@ -84,8 +88,14 @@ std::string_view CatalogueCleaner::bundleIdentifier() const noexcept {
 
 std::unique_ptr<const BrowserCleaner> cleaner(Browser browser,
                                               std::shared_ptr<const FileManager> fileManager) {
+    return cleaner(browser, std::move(fileManager), SystemServices::current());
+}
+
+std::unique_ptr<const BrowserCleaner> cleaner(Browser browser,
+                                              std::shared_ptr<const FileManager> fileManager,
+                                              SystemServices services) {
     static constexpr auto all = factories(std::make_index_sequence<allBrowsers.size()>());
-    return all[static_cast<std::size_t>(browser)](std::move(fileManager));
+    return all[static_cast<std::size_t>(browser)](std::move(fileManager), std::move(services));
 }
 
 std::unique_ptr<const BrowserCleaner> cleaner(Browser browser) {

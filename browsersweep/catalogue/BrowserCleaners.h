@@ -8,6 +8,7 @@
 #include "browsersweep/catalogue/Browser.h"
 #include "browsersweep/catalogue/BrowserCleaner.h"
 #include "browsersweep/platform/FileManager.h"
+#include "browsersweep/platform/SystemServices.h"
 
 namespace browsersweep {
 
@@ -19,7 +20,8 @@ public:
     const BrowserProfileReader& profileReader() const noexcept override { return *profileReader_; }
 
 protected:
-    CatalogueCleaner(Browser browser, std::shared_ptr<const FileManager> fileManager);
+    CatalogueCleaner(Browser browser, std::shared_ptr<const FileManager> fileManager,
+                     SystemServices services);
 
 private:
     Browser browser_;
@@ -31,8 +33,9 @@ template <Browser browser>
 class CleanerOf : public CatalogueCleaner {
 public:
     /** The file manager serves for the files and for the user's directories. */
-    explicit CleanerOf(std::shared_ptr<const FileManager> fileManager)
-        : CatalogueCleaner(browser, std::move(fileManager)) {}
+    explicit CleanerOf(std::shared_ptr<const FileManager> fileManager,
+                       SystemServices services = SystemServices::current())
+        : CatalogueCleaner(browser, std::move(fileManager), std::move(services)) {}
 };
 
 // clang-format off
@@ -54,6 +57,13 @@ using YandexBrowserCleaner         = CleanerOf<Browser::yandexBrowser>;
 /** A new cleaner of the browser's own type. */
 BROWSERSWEEP_EXPORT std::unique_ptr<const BrowserCleaner> cleaner(
     Browser browser, std::shared_ptr<const FileManager> fileManager);
+
+/**
+ * The same with other services of the system, which Safari's data needs beside its files. A host
+ * that acts on another home than the current user's puts in services that touch nothing of theirs.
+ */
+BROWSERSWEEP_EXPORT std::unique_ptr<const BrowserCleaner> cleaner(
+    Browser browser, std::shared_ptr<const FileManager> fileManager, SystemServices services);
 
 /** The same with the process-wide default file manager: the current user's own data. */
 BROWSERSWEEP_EXPORT std::unique_ptr<const BrowserCleaner> cleaner(Browser browser);
