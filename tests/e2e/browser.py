@@ -8,6 +8,7 @@ import contextlib
 import json
 import os
 import shutil
+import signal
 import subprocess
 import tempfile
 from collections.abc import Iterator
@@ -111,6 +112,19 @@ def process_environment(layout: Layout) -> Iterator[dict[str, str]]:
         for folder in (layout.firefox, layout.firefox_caches):
             with contextlib.suppress(OSError):
                 folder.rmdir()
+
+
+@contextlib.contextmanager
+def frozen(process: subprocess.Popen) -> Iterator[None]:
+    """Hold a child process still, and those it started, so that no file changes meanwhile.
+
+    The process must lead a process group of its own.
+    """
+    os.killpg(process.pid, signal.SIGSTOP)
+    try:
+        yield
+    finally:
+        os.killpg(process.pid, signal.SIGCONT)
 
 
 def stop_process(process: subprocess.Popen) -> None:

@@ -2,26 +2,16 @@
 `CASES`; a test runs once per browser on its own copy of that browser's home."""
 
 import datetime
-import hashlib
-import json
-import os
-import shutil
-import subprocess
-import tempfile
 from collections.abc import Callable, Iterable
-from contextlib import contextmanager
-from dataclasses import dataclass
 from pathlib import Path
 
 import counts
 import restart
+from bench import Bench, check, differences, fingerprints, same
 from browser import Layout
-from chromium import Chromium
 from counts import CATEGORIES, UTC, Database, Directory, Filter, Profile
-from firefox import Firefox
 from website import HOSTS, WebSite
 
-RUN_TIMEOUT = 120.0
 TODAY = datetime.datetime.now(UTC).replace(microsecond=0)
 
 
@@ -43,70 +33,8 @@ FILTER_LISTS: tuple[tuple[Filter, ...], ...] = (
 )
 
 
-@dataclass(frozen=True)
-class Bench:
-    """One browser, the home it made, and the program under test."""
-
-    program: Path
-    family: str
-    binary: str
-    original: Path
-    scratch: Path
-
-    @contextmanager
-    def copy(self):
-        with tempfile.TemporaryDirectory(prefix="home-", dir=self.scratch) as folder:
-            home = Path(folder).resolve()
-            shutil.copytree(self.original / "Library", home / "Library", symlinks=True)
-            (home / "Downloads").mkdir()
-            yield Layout(home)
-
-    def run(self, layout: Layout, *arguments: str) -> subprocess.CompletedProcess:
-        """Run the program with a temporary folder of its own, which it has to leave empty."""
-        with tempfile.TemporaryDirectory(prefix="tmp-", dir=self.scratch) as temporary:
-            done = subprocess.run(
-                [str(self.program), "--home", str(layout.home), *arguments,
-                 "--browser", self.family],
-                env={**os.environ, "TMPDIR": temporary, "TZ": "UTC"}, stdin=subprocess.DEVNULL,
-                capture_output=True, text=True, timeout=RUN_TIMEOUT, check=False)
-            same(os.listdir(temporary), [], "left behind in TMPDIR")
-        return done
-
-    def report(self, layout: Layout, *arguments: str) -> dict:
-        done = self.run(layout, *arguments, "--json")
-        same((done.returncode, done.stderr), (0, ""), f"browsersweep {' '.join(arguments)}")
-        return counts.in_fixed_order(json.loads(done.stdout))
-
-    def profiles(self, layout: Layout) -> list[Profile]:
-        return counts.profiles(layout, self.family)
-
-
-def same(got: object, wanted: object, what: str) -> None:
-    if got != wanted:
-        raise AssertionError(f"{what}:\n    got    {got!r:.3000}\n    wanted {wanted!r:.3000}")
-
-
-def check(holds: bool, what: str) -> None:
-    if not holds:
-        raise AssertionError(what)
-
-
 def options_of(filters: Iterable[Filter]) -> list[str]:
     return [argument for item in filters for argument in item.arguments()]
-
-
-def fingerprints(folder: Path) -> dict[str, str]:
-    """Every entry below the folder with its kind and content."""
-    found = {}
-    for path in sorted(folder.rglob("*")):
-        name = str(path.relative_to(folder))
-        if path.is_symlink():
-            found[name] = f"link {os.readlink(path)}"
-        elif path.is_file():
-            found[name] = hashlib.sha256(path.read_bytes()).hexdigest()
-        else:
-            found[name] = "folder"
-    return found
 
 
 # --- Listing and sizing -------------------------------------------------------------------------
@@ -183,11 +111,6 @@ def dry_run_reports_what_size_says(bench: Bench) -> None:
                  {"dryRun": True, **expected}, f"dry run {options_of(filters)}")
 
 
-def differences(before: dict[str, str], after: dict[str, str]) -> list[str]:
-    return sorted(name for name in before.keys() | after.keys()
-                  if before.get(name) != after.get(name))
-
-
 # --- Cleaning -----------------------------------------------------------------------------------
 
 def cleaned_items(found: list[Profile], categories: Iterable[str]) -> list:
@@ -208,7 +131,7 @@ def clean_and_check(bench: Bench, filters: tuple[Filter, ...],
         size_before = counts.expected_size(found, bench.family, filters, categories)
 
         options = [argument for category in categories for argument in ("--category", category)]
-        report = bench.report(layout, "clean", "--yes", *options, *options_of(filters))
+        report = bench.clean(layout, *options, *options_of(filters))
 
         size_after = counts.expected_size(found, bench.family, filters, categories)
         same(report, counts.expected_removed(size_before, size_after), "reported as removed")
@@ -248,66 +171,10 @@ def clean_of_a_date_range_leaves_other_days(bench: Bench) -> None:
 def full_clean_leaves_bookmarks_and_permissions(bench: Bench) -> None:
     with bench.copy() as layout:
         kept = [bench.report(layout, command) for command in ("bookmarks", "notifications")]
-        bench.report(layout, "clean", "--yes")
+        bench.clean(layout)
         same([bench.report(layout, command) for command in ("bookmarks", "notifications")],
              kept, "bookmarks and notifications after a clean")
     clean_and_check(bench, ())
-
-
-# --- A running browser --------------------------------------------------------------------------
-
-def open_browser(bench: Bench, layout: Layout, profile: Profile, site: WebSite):
-    log = bench.scratch / f"{bench.family}.log"
-    if bench.family == "chromium":
-        return Chromium(bench.binary, layout, profile.folder.name, site.port, log)
-    return Firefox(bench.binary, layout, profile.name, profile.folder, site.port, log)
-
-
-def clean_refuses_while_the_browser_runs(bench: Bench) -> None:
-    with bench.copy() as layout, WebSite() as site:
-        profile = bench.profiles(layout)[0]
-        with open_browser(bench, layout, profile, site):
-            held = counts.rows_of(profile.items["httpCookies"][0].file)
-            done = bench.run(layout, "clean", "--yes", "--json")
-            same((done.returncode, done.stdout), (1, ""), "clean of a running browser")
-            lines = done.stderr.strip().splitlines()
-            check(bool(lines) and "running" in done.stderr and "--force" in done.stderr,
-                  f"the refusal does not say why: {done.stderr!r}")
-            check(len(counts.rows_of(profile.items["httpCookies"][0].file)) == len(held),
-                  "the refused clean changed the cookies")
-        done = bench.run(layout, "clean", "--yes", "--json")
-        same(done.returncode, 0, f"clean once the browser is closed: {done.stderr}")
-
-
-def forced_clean_of_a_running_browser_harms_no_database(bench: Bench) -> None:
-    with bench.copy() as layout, WebSite() as site:
-        profile = bench.profiles(layout)[0]
-        with open_browser(bench, layout, profile, site) as browser:
-            done = bench.run(layout, "clean", "--yes", "--force", "--json")
-            check(done.returncode in (0, 1), f"status {done.returncode}: {done.stderr}")
-            errors = [entry["error"] for entry in
-                      json.loads(done.stdout)["browsers"][0]["categories"] if entry["error"]]
-            same(done.returncode, 1 if errors else 0, f"status for the errors {errors}")
-        same(browser.exit_status, 0, "exit status of the browser")
-        for item in cleaned_items([profile], CATEGORIES):
-            if isinstance(item, Database) and item.file.is_file():
-                same(counts.integrity(item.file), "ok", f"integrity of {item.file.name}")
-        same(list(profile.folder.rglob("*.corrupt*")), [], "set aside as corrupt")
-
-
-def forced_clean_takes_nothing_that_firefox_locks(bench: Bench) -> None:
-    """Firefox holds its databases exclusively, so that cleaning them is an error of its own."""
-    with bench.copy() as layout, WebSite() as site:
-        profile = bench.profiles(layout)[0]
-        with open_browser(bench, layout, profile, site) as browser:
-            before = browser.marionette.chrome(restart.FIREFOX_PROBE)
-            done = bench.run(layout, "clean", "--yes", "--force", "--json", "--profile",
-                             profile.name, "--category", "history", "--category", "httpCookies")
-            same(done.returncode, 1, f"status: {done.stderr}")
-            for entry in json.loads(done.stdout)["browsers"][0]["categories"]:
-                check(entry["removed"] is None and "locked" in (entry["error"] or ""),
-                      f"a locked database was cleaned: {entry}")
-            same(browser.marionette.chrome(restart.FIREFOX_PROBE), before, "seen by Firefox")
 
 
 CASES: tuple[Callable[[Bench], None], ...] = (
@@ -320,9 +187,4 @@ CASES: tuple[Callable[[Bench], None], ...] = (
     clean_of_one_host_leaves_the_others,
     clean_of_a_date_range_leaves_other_days,
     full_clean_leaves_bookmarks_and_permissions,
-    clean_refuses_while_the_browser_runs,
-    forced_clean_of_a_running_browser_harms_no_database,
-    forced_clean_takes_nothing_that_firefox_locks,
 )
-
-ONLY_FOR = {forced_clean_takes_nothing_that_firefox_locks: "firefox"}

@@ -141,7 +141,8 @@ class Chromium:
                 [sys.executable, "-c", _PIPE_LAUNCHER, str(to_browser[0]), str(from_browser[1]),
                  binary, *flags, "about:blank"],
                 pass_fds=(to_browser[0], from_browser[1]), env=env,
-                stdin=subprocess.DEVNULL, stdout=log_file, stderr=log_file)
+                stdin=subprocess.DEVNULL, stdout=log_file, stderr=log_file,
+                start_new_session=True)
         os.close(to_browser[0])
         os.close(from_browser[1])
         self.tools = DevTools(from_browser[0], to_browser[1])

@@ -143,7 +143,8 @@ class Firefox:
             self.process = subprocess.Popen(
                 [binary, "--headless", "--marionette", "-remote-allow-system-access",
                  "-no-remote", "-P", name],
-                env=env, stdin=subprocess.DEVNULL, stdout=log_file, stderr=log_file)
+                env=env, stdin=subprocess.DEVNULL, stdout=log_file, stderr=log_file,
+                start_new_session=True)
         self.marionette = None
         self.exit_status = None
 

@@ -20,7 +20,9 @@ from pathlib import Path
 sys.dont_write_bytecode = True
 
 from browser import BrowserError, Layout, find_browser  # noqa: E402
-from cases import CASES, ONLY_FOR, Bench  # noqa: E402
+import cases  # noqa: E402
+import running  # noqa: E402
+from bench import Bench  # noqa: E402
 from home import make_home  # noqa: E402
 
 FAMILIES = ("chromium", "firefox")
@@ -60,25 +62,24 @@ def run_case(case, bench: Bench) -> str:
 
 
 def run_family(family: str, options: argparse.Namespace, scratch: Path) -> Counter:
-    cases = [case for case in CASES
-             if options.only in case.__name__ and ONLY_FOR.get(case, family) == family]
+    chosen = [case for case in cases.CASES + running.CASES if options.only in case.__name__]
     try:
         binary, version = find_browser(family)
     except BrowserError as error:
-        for case in cases:
+        for case in chosen:
             say(f"skipped {family}: {case.__name__}: {error}")
-        return Counter(skipped=len(cases))
+        return Counter(skipped=len(chosen))
     started = time.monotonic()
     try:
         home = made_home(family, binary, scratch, options.home)
     except Exception:
         say(f"failed  {family}: makes a home\n{traceback.format_exc()}")
-        return Counter(failed=len(cases) + 1)
+        return Counter(failed=len(chosen) + 1)
     made = Counter() if options.home else Counter(passed=1)
     word = "given  " if options.home else "passed "
     say(f"{word} {family}: makes a home, {version} ({time.monotonic() - started:.1f} s)")
     bench = Bench(options.program, family, binary, home, scratch)
-    return made + Counter(run_case(case, bench) for case in cases)
+    return made + Counter(run_case(case, bench) for case in chosen)
 
 
 def parse_arguments() -> argparse.Namespace:
