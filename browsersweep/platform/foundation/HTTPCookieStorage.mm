@@ -29,10 +29,11 @@ public:
 
     void setCookie(const HTTPCookie& cookie) override {
         @autoreleasepool {
+            // Not every implementation takes an empty value, and ours stands for none.
             NSDictionary* properties = [NSDictionary
                 dictionaryWithObjectsAndKeys:foundationString(cookie.domain), NSHTTPCookieDomain,
                                              foundationString(cookie.name), NSHTTPCookieName,
-                                             foundationString(cookie.path), NSHTTPCookiePath, @"",
+                                             foundationString(cookie.path), NSHTTPCookiePath, @"1",
                                              NSHTTPCookieValue, nil];
             [storage_ setCookie:[NSHTTPCookie cookieWithProperties:properties]];
         }
