@@ -163,6 +163,22 @@ TEST_F(FirefoxDatabaseStatesTest, databaseLockedExclusivelyIsSizedFromItsCopy) {
     EXPECT_EQ(size(Category::httpCookies).itemCount, 3);
 }
 
+TEST_F(FirefoxDatabaseStatesTest, bookmarksAndPermissionsLockedExclusivelyAreReadFromTheirCopies) {
+    tests::makePlacesDatabase(file("places.sqlite")).execute(R"(
+        INSERT INTO moz_places(id, url) VALUES (1, 'https://example.com/');
+        INSERT INTO moz_bookmarks(id, type, fk, title) VALUES (1, 1, 1, 'Example');)");
+    tests::makePermissionsDatabase(file("permissions.sqlite")).execute(R"(
+        INSERT INTO moz_perms(origin, type, permission)
+            VALUES ('https://example.com', 'desktop-notification', 1);)");
+    const OtherProcess places(file("places.sqlite"), "BEGIN EXCLUSIVE;");
+    const OtherProcess permissions(file("permissions.sqlite"), "BEGIN EXCLUSIVE;");
+    EXPECT_EQ(profile().bookmarks(),
+              (std::vector<Bookmark>{{"Example", *URL::parse("https://example.com/")}}));
+    const auto subscriptions = profile().notificationSubscriptions();
+    ASSERT_EQ(subscriptions.size(), 1U);
+    EXPECT_EQ(subscriptions[0]->sourceURL(), URL::parse("https://example.com"));
+}
+
 TEST_F(FirefoxDatabaseStatesTest, databaseThatAnotherProcessWritesToIsSilentlyNotCleaned) {
     const fs::path path = makeCookies();
     for (const char* begin : {"BEGIN IMMEDIATE;", "BEGIN EXCLUSIVE;"}) {
