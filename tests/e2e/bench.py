@@ -55,8 +55,8 @@ class Bench:
         """Forced, because a browser of somebody else may be running on this machine."""
         return self.report(layout, "clean", "--yes", "--force", *arguments)
 
-    def profiles(self, layout: Layout) -> list[Profile]:
-        return counts.profiles(layout, self.family)
+    def profiles(self, layout: Layout, zone: str = "UTC") -> list[Profile]:
+        return counts.profiles(layout, self.family, zone)
 
 
 def same(got: object, wanted: object, what: str) -> None:

@@ -25,11 +25,19 @@ FILTER_LISTS: tuple[tuple[Filter, ...], ...] = (
     (Filter("exclude", "bank"),),
     (Filter("include", "tracker"), Filter("include", "mail")),
     (Filter("exclude", "bank"), Filter("include", "example")),
+    (Filter("exclude", "bank"), Filter("exclude", "news")),
+    (Filter("include", "NEWS.Example"),),
+    (Filter("include", "xn--bcher-kva"),),
     (Filter("include", "nowhere.invalid"),),
     (Filter("inside", start=days_ago(12), end=days_ago(3)),),
     (Filter("inside", end=days_ago(5)),),
     (Filter("outside", start=days_ago(12)),),
+    (Filter("outside", end=days_ago(5)),),
+    (Filter("inside"),),
+    (Filter("outside"),),
+    (Filter("inside", end=days_ago(12)), Filter("inside", start=days_ago(3))),
     (Filter("outside", start=days_ago(12), end=days_ago(3)), Filter("include", "example")),
+    (Filter("include", "data"), Filter("inside", end=days_ago(5)), Filter("exclude", "bank")),
 )
 
 
@@ -92,6 +100,19 @@ def selections_narrow_what_is_sized(bench: Bench) -> None:
              counts.expected_profiles([], bench.family), "a profile that is not there")
 
 
+def dates_of_chromium_count_from_local_midnight(bench: Bench) -> None:
+    """Where the user is decides which visits a date range holds; Firefox does not ask."""
+    # Tokyo's clocks were more than nine hours ahead, and the home's latest visits are younger.
+    filters = (Filter("inside", start=TODAY - datetime.timedelta(hours=9)),)
+    with bench.copy() as layout:
+        expected = {zone: counts.expected_size(bench.profiles(layout, zone), bench.family, filters)
+                    for zone in counts.ZONES}
+        same(expected["UTC"] != expected["Asia/Tokyo"], bench.family == "chromium",
+             "whether the zone matters")
+        for zone, size in expected.items():
+            same(bench.report(layout, "size", *options_of(filters), zone=zone), size, zone)
+
+
 def looking_changes_no_byte(bench: Bench) -> None:
     with bench.copy() as layout:
         before = fingerprints(layout.home)
@@ -119,9 +140,11 @@ def cleaned_items(found: list[Profile], categories: Iterable[str]) -> list:
 
 
 def clean_and_check(bench: Bench, filters: tuple[Filter, ...],
-                    categories: tuple[str, ...] = CATEGORIES) -> None:
+                    categories: tuple[str, ...] = CATEGORIES, profile: str | None = None,
+                    restarts: bool = True) -> None:
     with bench.copy() as layout:
-        found = bench.profiles(layout)
+        everything = bench.profiles(layout)
+        found = [entry for entry in everything if profile in (None, entry.name)]
         items = cleaned_items(found, categories)
         databases = [item for item in items if isinstance(item, Database) and item.file.is_file()]
         rows = {item.file: counts.rows_of(item.file, item.tables, filters) for item in databases}
@@ -131,10 +154,12 @@ def clean_and_check(bench: Bench, filters: tuple[Filter, ...],
         size_before = counts.expected_size(found, bench.family, filters, categories)
 
         options = [argument for category in categories for argument in ("--category", category)]
+        options += ["--profile", profile] if profile else []
         report = bench.clean(layout, *options, *options_of(filters))
 
         size_after = counts.expected_size(found, bench.family, filters, categories)
         same(report, counts.expected_removed(size_before, size_after), "reported as removed")
+        check(report["total"]["itemCount"]["value"] > 0, "there was nothing to remove")
         for path, wanted in rows.items():
             # Without a write-ahead log, the rows found below are those of the main file.
             for suffix in ("-wal", "-shm"):
@@ -146,7 +171,8 @@ def clean_and_check(bench: Bench, filters: tuple[Filter, ...],
         journals = {name + suffix for name in touched for suffix in ("-wal", "-shm", "-journal")}
         same([name for name in differences(expected, fingerprints(layout.home))
               if name not in touched | journals], [], "changed outside the selected data")
-        restart_and_check(bench, layout, found)
+        if restarts:
+            restart_and_check(bench, layout, everything)
 
 
 def restart_and_check(bench: Bench, layout: Layout, found: list[Profile]) -> None:
@@ -168,6 +194,30 @@ def clean_of_a_date_range_leaves_other_days(bench: Bench) -> None:
     clean_and_check(bench, (Filter("inside", start=days_ago(12), end=days_ago(3)),))
 
 
+def clean_of_all_but_one_host_leaves_it(bench: Bench) -> None:
+    clean_and_check(bench, (Filter("exclude", "news.example"),), restarts=False)
+
+
+def clean_outside_of_a_date_range_leaves_the_range(bench: Bench) -> None:
+    clean_and_check(bench, (Filter("outside", start=days_ago(12), end=days_ago(3)),),
+                    restarts=False)
+
+
+def clean_of_one_profile_leaves_the_other(bench: Bench) -> None:
+    for profile in bench.profiles(Layout(bench.original)):
+        clean_and_check(bench, (), profile=profile.name, restarts=False)
+
+
+def second_clean_finds_nothing(bench: Bench) -> None:
+    with bench.copy() as layout:
+        bench.clean(layout)
+        found = bench.profiles(layout)
+        size = counts.expected_size(found, bench.family)
+        same(bench.clean(layout), counts.expected_removed(size, size), "removed again")
+        for category in size["browsers"][0]["categories"]:
+            same(category["size"], counts.size_json(0, False, 0, False), category["category"])
+
+
 def full_clean_leaves_bookmarks_and_permissions(bench: Bench) -> None:
     with bench.copy() as layout:
         kept = [bench.report(layout, command) for command in ("bookmarks", "notifications")]
@@ -182,9 +232,14 @@ CASES: tuple[Callable[[Bench], None], ...] = (
     listings_equal_independent_ones,
     sizes_equal_independent_counts,
     selections_narrow_what_is_sized,
+    dates_of_chromium_count_from_local_midnight,
     looking_changes_no_byte,
     dry_run_reports_what_size_says,
     clean_of_one_host_leaves_the_others,
+    clean_of_all_but_one_host_leaves_it,
     clean_of_a_date_range_leaves_other_days,
+    clean_outside_of_a_date_range_leaves_the_range,
+    clean_of_one_profile_leaves_the_other,
+    second_clean_finds_nothing,
     full_clean_leaves_bookmarks_and_permissions,
 )

@@ -21,6 +21,8 @@ from browser import Layout
 CATEGORIES = ("cache", "history", "httpCookies", "flashCookies", "formData", "localStorage")
 UTC = datetime.timezone.utc
 EPOCH_1601 = datetime.datetime(1601, 1, 1, tzinfo=UTC)
+# Chromium's times count from midnight where the user is, and Tokyo then had its own local mean time.
+ZONES = {"UTC": datetime.timedelta(0), "Asia/Tokyo": datetime.timedelta(seconds=33539)}
 EPOCH_1970 = datetime.datetime(1970, 1, 1, tzinfo=UTC)
 
 
@@ -44,7 +46,14 @@ class Filter:
                 for date in (self.start, self.end)]
         return [f"--{self.option}", "..".join(ends)]
 
+    @property
+    def is_range(self) -> bool:
+        """Without a bound there is no range, and the filter says nothing."""
+        return not self.is_pattern and (self.start is not None or self.end is not None)
+
     def accepts_date(self, date: datetime.datetime) -> bool:
+        if not self.is_range:
+            return True
         is_inside = ((self.start is None or self.start <= date)
                      and (self.end is None or date <= self.end))
         return is_inside == (self.option == "inside")
@@ -68,7 +77,7 @@ class Table:
                 text = item.value[::-1] if self.reverses_patterns else item.value
                 word = "LIKE" if item.option == "include" else "NOT LIKE"
                 groups[item.option].append((f"{self.pattern_column} {word} ?", [f"%{text}%"]))
-            elif not item.is_pattern and self.date_column:
+            elif item.is_range and self.date_column:
                 groups["dates"].append(self._date_condition(item))
         texts, values = ([f"({self.always})"] if self.always else []), []
         for group, joint in (("exclude", " AND "), ("include", " OR "), ("dates", " OR ")):
@@ -80,7 +89,7 @@ class Table:
     def _date_condition(self, item: Filter) -> tuple[str, list[object]]:
         bounds = [(sign, int((date - self.epoch) / datetime.timedelta(microseconds=1)))
                   for sign, date in ((">=", item.start), ("<=", item.end)) if date is not None]
-        text = " AND ".join(f"{self.date_column} {sign} ?" for sign, _ in bounds) or "1"
+        text = " AND ".join(f"{self.date_column} {sign} ?" for sign, _ in bounds)
         values: list[object] = [value for _, value in bounds]
         return (f"({text})" if item.option == "inside" else f"(NOT ({text}))"), values
 
@@ -141,7 +150,7 @@ class Profile:
     items: dict[str, list[Item]]
 
 
-def chromium_items(folder: Path, cache: Path) -> dict[str, list[Item]]:
+def chromium_items(folder: Path, cache: Path, epoch: datetime.datetime) -> dict[str, list[Item]]:
     forms = ("autofill", *(f"autofill_profile{end}" for end in (
         "_addresses", "_emails", "_names", "_phones", "s", "s_trash")))
     return {
@@ -149,7 +158,7 @@ def chromium_items(folder: Path, cache: Path) -> dict[str, list[Item]]:
         "history": [
             Database(folder / "Favicons", (Table("favicons", "url"),
                                            Table("icon_mapping", "page_url"))),
-            Database(folder / "History", (Table("urls", "url", "last_visit_time", EPOCH_1601),
+            Database(folder / "History", (Table("urls", "url", "last_visit_time", epoch),
                                           Table("segments", "name"), Table("downloads"))),
             Database(folder / "Network Action Predictor",
                      (Table("network_action_predictor", "url"),)),
@@ -178,17 +187,18 @@ def firefox_items(folder: Path, cache: Path, library: Path) -> dict[str, list[It
     }
 
 
-def chromium_profiles(layout: Layout) -> list[Profile]:
+def chromium_profiles(layout: Layout, zone: str) -> list[Profile]:
     state = json.loads((layout.chromium / "Local State").read_text("utf-8"))["profile"]
     known, last = state["info_cache"], state["last_active_profiles"]
     consented = {key for key, entry in known.items() if entry["is_consented_primary_account"]}
     primary = consented or {(last or list(known))[0]}
+    epoch = EPOCH_1601 - ZONES[zone]
     return [Profile(entry["name"], layout.chromium / key, key in primary,
-                    chromium_items(layout.chromium / key, layout.caches / "Chromium" / key))
+                    chromium_items(layout.chromium / key, layout.caches / "Chromium" / key, epoch))
             for key, entry in known.items()]
 
 
-def firefox_profiles(layout: Layout) -> list[Profile]:
+def firefox_profiles(layout: Layout, _zone: str) -> list[Profile]:
     ini = (layout.firefox / "profiles.ini").read_text("utf-8")
     sections = [dict(line.split("=", 1) for line in section.splitlines() if "=" in line)
                 for section in ini.split("[")]
@@ -199,8 +209,8 @@ def firefox_profiles(layout: Layout) -> list[Profile]:
             for entry in sections if "Name" in entry]
 
 
-def profiles(layout: Layout, browser: str) -> list[Profile]:
-    return {"chromium": chromium_profiles, "firefox": firefox_profiles}[browser](layout)
+def profiles(layout: Layout, browser: str, zone: str = "UTC") -> list[Profile]:
+    return {"chromium": chromium_profiles, "firefox": firefox_profiles}[browser](layout, zone)
 
 
 # --- What the databases hold --------------------------------------------------------------------

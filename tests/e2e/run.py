@@ -15,6 +15,7 @@ import tempfile
 import time
 import traceback
 from collections import Counter
+from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
 sys.dont_write_bytecode = True
@@ -29,7 +30,9 @@ FAMILIES = ("chromium", "firefox")
 
 
 def say(text: str) -> None:
-    print(text, flush=True)
+    """In one piece, because two browsers report at the same time."""
+    sys.stdout.write(text + "\n")
+    sys.stdout.flush()
 
 
 def made_home(family: str, binary: str, scratch: Path, ready: Path | None) -> Path:
@@ -102,8 +105,11 @@ def main() -> int:
     options, total = parse_arguments(), Counter()
     with tempfile.TemporaryDirectory(prefix="browsersweep-e2e-",
                                      ignore_cleanup_errors=True) as scratch:
-        for family in options.browsers:
-            total += run_family(family, options, Path(scratch).resolve())
+        # The browsers know nothing of each other, so their tests run side by side.
+        with ThreadPoolExecutor() as pool:
+            for counted in pool.map(lambda family: run_family(
+                    family, options, Path(scratch).resolve()), options.browsers):
+                total += counted
     say(f"{total['passed']} passed, {total['failed']} failed, {total['skipped']} skipped")
     return 1 if total["failed"] else 0
 
