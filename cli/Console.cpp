@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include "cli/Text.h"
@@ -47,8 +48,19 @@ bool Console::inputIsTerminal() const noexcept {
     return ::isatty(STDIN_FILENO) == 1;
 }
 
+bool Console::outputIsTerminal() const noexcept {
+    return ::isatty(STDOUT_FILENO) == 1;
+}
+
 bool Console::errorIsTerminal() const noexcept {
     return ::isatty(STDERR_FILENO) == 1;
+}
+
+std::size_t Console::errorColumns() const noexcept {
+    constexpr std::size_t usual = 80;
+    winsize size{};
+    const bool isKnown = ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0;  // NOLINT: variadic
+    return isKnown && size.ws_col > 0 ? size.ws_col : usual;
 }
 
 void Console::writeOutput(std::string_view text) const {

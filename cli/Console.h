@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,7 +17,11 @@ public:
     static void occupyStandardStreams() noexcept;
 
     bool inputIsTerminal() const noexcept;
+    bool outputIsTerminal() const noexcept;
     bool errorIsTerminal() const noexcept;
+
+    /** How many columns the terminal of standard error has; 80 where nothing says so. */
+    std::size_t errorColumns() const noexcept;
 
     /** Writes all of the text to standard output. Throws a `std::system_error` if any is not. */
     void writeOutput(std::string_view text) const;

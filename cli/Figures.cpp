@@ -10,6 +10,12 @@
 namespace browsersweep::cli {
 namespace {
 
+constexpr std::string_view fullBlock = "\u2588";
+/** Blocks of no to seven eighths of a column, from the left. */
+constexpr std::array<std::string_view, 8> partialBlocks{
+    "", "\u258F", "\u258E", "\u258D", "\u258C", "\u258B", "\u258A", "\u2589",
+};
+
 std::string_view mark(const CleanableDataSize::Measurement& measurement) noexcept {
     return measurement.isApproximate ? "~" : "";
 }
@@ -49,15 +55,21 @@ std::string bytesText(const CleanableDataSize::Measurement& bytes) {
            (isSmall ? fmt::format("{} B", bytes.value) : scaled(static_cast<double>(bytes.value)));
 }
 
-std::string bar(std::int64_t value, std::int64_t largest, std::size_t width) {
+std::string bar(std::int64_t value, std::int64_t largest, std::size_t width,
+                CharacterSet characters) {
     if (value <= 0 || largest <= 0) {
         return {};
     }
+    const std::size_t steps = characters == CharacterSet::utf8 ? partialBlocks.size() : 1;
     const double share = static_cast<double>(value) / static_cast<double>(largest);
-    const auto marks = static_cast<std::size_t>(std::lround(share * static_cast<double>(width)));
+    const double exact = share * static_cast<double>(width * steps);
+    const auto length =
+        std::clamp<std::size_t>(static_cast<std::size_t>(std::lround(exact)), 1, width * steps);
     std::string text;
-    text.append(std::clamp<std::size_t>(marks, 1, width), '#');
-    return text;
+    for (std::size_t i = 0; i < length / steps; ++i) {
+        text += characters == CharacterSet::utf8 ? fullBlock : "#";
+    }
+    return text + std::string(partialBlocks.at(length % steps));
 }
 
 }  // namespace browsersweep::cli

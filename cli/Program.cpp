@@ -9,6 +9,7 @@
 
 #include <fmt/format.h>
 
+#include "cli/Appearance.h"
 #include "cli/Console.h"
 #include "cli/Gather.h"
 #include "cli/Host.h"
@@ -45,13 +46,18 @@ public:
         const Report report = gatherWithProgress();
         const auto signal = interruption_.take();
         interruption_.letThrough();
-        console_.writeOutput(options_.json ? jsonText(report) : peopleText(report));
+        console_.writeOutput(options_.json ? jsonText(report)
+                                           : peopleText(report, outputAppearance()));
         return exitStatus(report, signal);
     }
 
 private:
     bool isDeletion() const noexcept {
         return options_.command == Command::clean && !options_.dryRun;
+    }
+
+    Appearance outputAppearance() const {
+        return appearanceOf(console_.outputIsTerminal(), environmentVariable);
     }
 
     Report gatherWithProgress() {
@@ -105,7 +111,8 @@ private:
             Progress progress("Measuring", console_, interruption_);
             const auto planned = preview(options_, host_.cleanerFactory(), progress);
             progress.wipe();
-            console_.writeError(peopleText(planned));
+            console_.writeError(
+                peopleText(planned, appearanceOf(console_.errorIsTerminal(), environmentVariable)));
         }
         console_.writeError("Delete this? [y/N] ");
         interruption_.letThrough();

@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include "cli/Appearance.h"
 #include "cli/Report.h"
 
 namespace browsersweep::cli {
@@ -15,16 +16,18 @@ constexpr std::string_view eraseToEndOfLine = "\x1b[K";
 
 }  // namespace
 
-std::string progressLine(std::string_view what, std::size_t finished, std::size_t all) {
-    const std::size_t full = all == 0 ? barWidth : std::min(barWidth, finished * barWidth / all);
-    return fmt::format("[{:#<{}}{:-<{}}] {}", "", full, "", barWidth - full, what);
+std::string progressLine(std::string_view what, WorkDone done, std::size_t columns) {
+    const std::size_t full =
+        done.all == 0 ? barWidth : std::min(barWidth, done.finished * barWidth / done.all);
+    return fmt::format("[{:#<{}}{:-<{}}] {}", "", full, "", barWidth - full, what)
+        .substr(0, columns);
 }
 
 Progress::Progress(std::string_view verb, const Console& console, const Interruption& interruption)
     : verb_(verb),
       console_(console),
       interruption_(interruption),
-      isShown_(console.errorIsTerminal()) {}
+      isShown_(console.errorIsTerminal() && understandsEscapeSequences(environmentVariable)) {}
 
 Progress::~Progress() {
     wipe();
@@ -39,8 +42,7 @@ void Progress::wipe() const noexcept {
 
 void Progress::begin(Browser browser, std::size_t finished, std::size_t all) {
     browserName_ = displayName(browser);
-    finished_ = finished;
-    all_ = all;
+    done_ = {finished, all};
     show(browserName_);
 }
 
@@ -55,7 +57,9 @@ void Progress::note(const std::string& line) {
 
 void Progress::show(const std::string& what) const {
     if (isShown_) {
-        const auto line = progressLine(fmt::format("{} {}", verb_, what), finished_, all_);
+        // A line that fills the last column would wrap, and only its second half would be wiped.
+        const auto line =
+            progressLine(fmt::format("{} {}", verb_, what), done_, console_.errorColumns() - 1);
         console_.writeError(fmt::format("{}{}{}", startOfLine, line, eraseToEndOfLine));
     }
 }

@@ -10,12 +10,21 @@
 
 namespace browsersweep::cli {
 
-/** One line of a bar and a text, such as "[######----------] Measuring Firefox: History". */
-std::string progressLine(std::string_view what, std::size_t finished, std::size_t all);
+/** How far the work is: so many parts of all. */
+struct WorkDone {
+    std::size_t finished = 0;
+    std::size_t all = 0;
+};
 
 /**
- * Keeps one line about the work at hand on standard error, where that is a terminal, and wipes it
- * at the end.
+ * One line of a bar and a text, such as "[######----------] Measuring Firefox: History", not longer
+ * than so many columns. The text must be of ASCII.
+ */
+std::string progressLine(std::string_view what, WorkDone done, std::size_t columns);
+
+/**
+ * Keeps one line about the work at hand on standard error, where that is a terminal that can wipe a
+ * line, and wipes it at the end.
  */
 class Progress : public Observer {
 public:
@@ -41,8 +50,7 @@ private:
     const Interruption& interruption_;
     bool isShown_;
     std::string browserName_;
-    std::size_t finished_ = 0;
-    std::size_t all_ = 0;
+    WorkDone done_;
 };
 
 }  // namespace browsersweep::cli

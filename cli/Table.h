@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "cli/Appearance.h"
+
 namespace browsersweep::cli {
 
 enum class Alignment { left, right };
@@ -15,17 +17,26 @@ public:
         Alignment alignment = Alignment::left;
     };
 
+    struct Cell {
+        Cell(std::string cellText, Style cellStyle = Style::plain)
+            : text(std::move(cellText)), style(cellStyle) {}
+        Cell(const char* cellText) : text(cellText) {}
+
+        std::string text;
+        Style style = Style::plain;
+    };
+
     explicit Table(std::vector<Column> columns);
 
-    /** Adds a row of as many cells as there are columns. Cells are made printable. */
-    void addRow(const std::vector<std::string>& cells);
+    /** Adds a row of as many cells as there are columns. */
+    void addRow(std::vector<Cell> cells);
 
-    /** The lines of the table, header first, without spaces at their ends. */
-    std::string text() const;
+    /** The lines of the table, header first, without spaces at their ends. Cells are printable. */
+    std::string text(const Appearance& appearance) const;
 
 private:
     std::vector<Column> columns_;
-    std::vector<std::vector<std::string>> rows_;
+    std::vector<std::vector<Cell>> rows_;
 };
 
 }  // namespace browsersweep::cli

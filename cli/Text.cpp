@@ -159,6 +159,20 @@ std::string printable(std::string_view text) {
     return shown;
 }
 
+std::string asciiOf(std::string_view text) {
+    std::string ascii;
+    for (std::size_t i = 0; i < text.size();) {
+        const auto character = characterAt(text, i);
+        if (character.isValid && character.codePoint < 0x80) {
+            ascii += text[i];
+        } else if (!character.isValid || widthOf(character.codePoint) > 0) {
+            ascii += '?';
+        }
+        i += character.length;
+    }
+    return ascii;
+}
+
 std::size_t displayWidth(std::string_view text) noexcept {
     std::size_t width = 0;
     for (std::size_t i = 0; i < text.size();) {

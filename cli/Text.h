@@ -29,6 +29,9 @@ bool isControlCharacter(char32_t codePoint) noexcept;
  */
 std::string printable(std::string_view text);
 
+/** The printable text with a question mark for each visible character outside ASCII. */
+std::string asciiOf(std::string_view text);
+
 /** How many columns of a terminal the text takes: two for wide characters, none for accents. */
 std::size_t displayWidth(std::string_view text) noexcept;
 

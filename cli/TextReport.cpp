@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <string_view>
+#include <utility>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -24,15 +26,15 @@ std::string yesOrNothing(bool value) {
     return value ? "yes" : "";
 }
 
-std::string peopleTextOf(const BrowsersReport& report) {
+std::string peopleTextOf(const BrowsersReport& report, const Appearance& appearance) {
     Table table({{"Name"}, {"Browser"}, {"Bundle identifier"}});
     for (const auto& row : report.browsers) {
         table.addRow({row.displayName, std::string(rawValue(row.browser)), row.bundleIdentifier});
     }
-    return table.text();
+    return table.text(appearance);
 }
 
-std::string peopleTextOf(const ProfilesReport& report) {
+std::string peopleTextOf(const ProfilesReport& report, const Appearance& appearance) {
     Table table({{"Browser"}, {"Profile"}, {"Primary"}});
     for (const auto& row : report.browsers) {
         for (const auto& profile : row.profiles) {
@@ -40,35 +42,7 @@ std::string peopleTextOf(const ProfilesReport& report) {
                 {nameOf(row.browser), displayName(profile), yesOrNothing(profile.isPrimary)});
         }
     }
-    return table.text();
-}
-
-std::int64_t largestByteCount(const SizesReport& report) {
-    std::int64_t largest = 0;
-    for (const auto& row : report.browsers) {
-        for (const auto& part : row.categories) {
-            largest =
-                std::max(largest, part.size.value_or(CleanableDataSize::zero).byteCount.value);
-        }
-    }
-    return largest;
-}
-
-void addSize(const std::string& browser, const std::string& category, const CleanableDataSize& size,
-             const std::string& chart, Table& table) {
-    table.addRow({browser, category, countText(size.itemCount), bytesText(size.byteCount), chart});
-}
-
-void addCategories(const BrowserSizes& row, std::int64_t largest, Table& table) {
-    for (const auto& part : row.categories) {
-        const std::string category(displayName(part.category));
-        if (part.size) {
-            addSize(nameOf(row.browser), category, *part.size,
-                    bar(part.size->byteCount.value, largest, barWidth), table);
-        } else {
-            table.addRow({nameOf(row.browser), category, "", "failed", ""});
-        }
-    }
+    return table.text(appearance);
 }
 
 std::string_view sizeHeader(Measure measure) noexcept {
@@ -83,6 +57,74 @@ std::string_view sizeHeader(Measure measure) noexcept {
     return "";
 }
 
+std::int64_t byteCount(const std::optional<CleanableDataSize>& size) {
+    return size.value_or(CleanableDataSize::zero).byteCount.value;
+}
+
+/** Collects the rows of a report of sizes. All its bars are of one scale. */
+class SizesTable {
+public:
+    SizesTable(const SizesReport& report, const Appearance& appearance)
+        : table_({{"Browser"},
+                  {"Category"},
+                  {"Items", Alignment::right},
+                  {std::string(sizeHeader(report.measure)), Alignment::right},
+                  {""}}),
+          appearance_(appearance) {
+        for (const auto& row : report.browsers) {
+            largest_ = std::max(largest_, byteCount(row.size));
+        }
+        for (const auto& row : report.browsers) {
+            add(row);
+        }
+        addSize({"Total", Style::strong}, "", report.total, Style::strong, "");
+    }
+
+    std::string text() const { return table_.text(appearance_); }
+
+private:
+    void add(const BrowserSizes& row) {
+        const auto name = nameOf(row.browser);
+        if (row.error) {
+            addFailure(name, "");
+            return;
+        }
+        for (const auto& part : row.categories) {
+            const std::string category(displayName(part.category));
+            if (part.size) {
+                addSize(name, category, *part.size, Style::plain, barOf(part.size));
+            } else {
+                addFailure(name, category);
+            }
+        }
+        if (row.size && row.categories.size() > 1) {
+            addSize({name, Style::strong}, {"all", Style::strong}, *row.size, Style::strong,
+                    barOf(row.size));
+        }
+    }
+
+    void addSize(Table::Cell browser, Table::Cell category, const CleanableDataSize& size,
+                 Style style, std::string chart) {
+        table_.addRow({std::move(browser),
+                       std::move(category),
+                       {countText(size.itemCount), style},
+                       {bytesText(size.byteCount), style},
+                       {std::move(chart), Style::bar}});
+    }
+
+    void addFailure(const std::string& browser, const std::string& category) {
+        table_.addRow({browser, category, "", {"failed", Style::failure}, ""});
+    }
+
+    std::string barOf(const std::optional<CleanableDataSize>& size) const {
+        return bar(byteCount(size), largest_, barWidth, appearance_.drawing);
+    }
+
+    Table table_;
+    const Appearance& appearance_;
+    std::int64_t largest_ = 0;
+};
+
 /** The browsers that have no profile that was asked for. */
 std::string emptyBrowsers(const SizesReport& report) {
     std::vector<std::string_view> names;
@@ -91,34 +133,24 @@ std::string emptyBrowsers(const SizesReport& report) {
             names.push_back(displayName(row.browser));
         }
     }
-    return names.empty() ? "" : fmt::format("No data found: {}\n", fmt::join(names, ", "));
+    return names.empty() ? "" : fmt::format("No data found: {}", fmt::join(names, ", "));
 }
 
 std::string legend(const CleanableDataSize& total) {
     const bool isNeeded = total.itemCount.isApproximate || total.byteCount.isApproximate;
-    return isNeeded ? "~ approximate: databases count with their whole file\n" : "";
+    return isNeeded ? "~ approximate: databases count with their whole file" : "";
 }
 
-std::string peopleTextOf(const SizesReport& report) {
-    Table table({{"Browser"},
-                 {"Category"},
-                 {"Items", Alignment::right},
-                 {std::string(sizeHeader(report.measure)), Alignment::right},
-                 {""}});
-    const auto largest = largestByteCount(report);
-    for (const auto& row : report.browsers) {
-        addCategories(row, largest, table);
-        if (row.error) {
-            table.addRow({nameOf(row.browser), "", "", "failed", ""});
-        } else if (row.size && row.categories.size() > 1) {
-            addSize(nameOf(row.browser), "all", *row.size, "", table);
-        }
-    }
-    addSize("Total", "", report.total, "", table);
-    return table.text() + emptyBrowsers(report) + legend(report.total);
+std::string remark(const std::string& text, const Appearance& appearance) {
+    return text.empty() ? "" : styled(text, Style::faint, appearance) + "\n";
 }
 
-std::string peopleTextOf(const BookmarksReport& report) {
+std::string peopleTextOf(const SizesReport& report, const Appearance& appearance) {
+    return SizesTable(report, appearance).text() + remark(emptyBrowsers(report), appearance) +
+           remark(legend(report.total), appearance);
+}
+
+std::string peopleTextOf(const BookmarksReport& report, const Appearance& appearance) {
     Table table({{"Browser"}, {"Name"}, {"Address"}});
     for (const auto& row : report.browsers) {
         for (const auto& bookmark : row.bookmarks) {
@@ -126,10 +158,10 @@ std::string peopleTextOf(const BookmarksReport& report) {
                 {nameOf(row.browser), bookmark.name.value_or(""), bookmark.url.absoluteString()});
         }
     }
-    return table.text();
+    return table.text(appearance);
 }
 
-std::string peopleTextOf(const NotificationsReport& report) {
+std::string peopleTextOf(const NotificationsReport& report, const Appearance& appearance) {
     Table table({{"Browser"}, {"Profile"}, {"Site"}, {"Stored in"}});
     for (const auto& row : report.browsers) {
         for (const auto& part : row.profiles) {
@@ -139,13 +171,13 @@ std::string peopleTextOf(const NotificationsReport& report) {
             }
         }
     }
-    return table.text();
+    return table.text(appearance);
 }
 
 }  // namespace
 
-std::string peopleText(const Report& report) {
-    return std::visit([](const auto& any) { return peopleTextOf(any); }, report);
+std::string peopleText(const Report& report, const Appearance& appearance) {
+    return std::visit([&](const auto& any) { return peopleTextOf(any, appearance); }, report);
 }
 
 }  // namespace browsersweep::cli

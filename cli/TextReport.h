@@ -2,11 +2,15 @@
 
 #include <string>
 
+#include "cli/Appearance.h"
 #include "cli/Report.h"
 
 namespace browsersweep::cli {
 
-/** The report for people: an aligned table. What failed is told elsewhere, see `failures`. */
-std::string peopleText(const Report& report);
+/**
+ * The report for people: an aligned table, with bars beside sizes. What failed is told elsewhere,
+ * see `failures`.
+ */
+std::string peopleText(const Report& report, const Appearance& appearance);
 
 }  // namespace browsersweep::cli

@@ -54,12 +54,27 @@ TEST(Figures, bytesAreShownInStepsOfAThousand) {
 }
 
 TEST(Figures, aBarIsTheShareOfTheLargestValue) {
+    const auto bar = [](std::int64_t value, std::int64_t largest, std::size_t width) {
+        return cli::bar(value, largest, width, CharacterSet::ascii);
+    };
     EXPECT_EQ(bar(100, 100, 10), "##########");
     EXPECT_EQ(bar(50, 100, 10), "#####");
     EXPECT_EQ(bar(1, 1000000, 10), "#");
     EXPECT_EQ(bar(0, 100, 10), "");
     EXPECT_EQ(bar(-5, 100, 10), "");
     EXPECT_EQ(bar(0, 0, 10), "");
+}
+
+TEST(Figures, aBarInUTF8EndsInEighthsOfAColumn) {
+    const auto bar = [](std::int64_t value) { return cli::bar(value, 80, 10, CharacterSet::utf8); };
+    EXPECT_EQ(bar(80), "██████████");
+    EXPECT_EQ(bar(79), "█████████▉");
+    EXPECT_EQ(bar(20), "██▌");
+    EXPECT_EQ(bar(9), "█▏");
+    EXPECT_EQ(bar(8), "█");
+    EXPECT_EQ(bar(1), "▏");
+    EXPECT_EQ(cli::bar(1, 1000000, 10, CharacterSet::utf8), "▏");
+    EXPECT_EQ(bar(0), "");
 }
 
 }  // namespace

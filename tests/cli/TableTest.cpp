@@ -9,16 +9,36 @@ TEST(Table, columnsAreAlignedWhateverTheWidthOfTheCharacters) {
     Table table({{"Name"}, {"Size", Alignment::right}, {"End"}});
     table.addRow({"日本語", "1", "x"});
     table.addRow({"e\u0301", "12345", ""});
-    EXPECT_EQ(table.text(),
+    EXPECT_EQ(table.text({}),
               "Name     Size  End\n"
               "日本語      1  x\n"
               "e\u0301       12345\n");
 }
 
+TEST(Table, stylesTakeNoRoom) {
+    Table table({{"A"}, {"B", Alignment::right}});
+    table.addRow({{"long", Style::strong}, {"1", Style::failure}});
+    table.addRow({"x", {"22", Style::bar}});
+    EXPECT_EQ(table.text({true, CharacterSet::utf8, CharacterSet::utf8}),
+              "\x1b[2mA\x1b[0m      \x1b[2mB\x1b[0m\n"
+              "\x1b[1mlong\x1b[0m   \x1b[31m1\x1b[0m\n"
+              "x     \x1b[36m22\x1b[0m\n");
+}
+
+TEST(Table, whereTheTerminalCannotShowACharacterAQuestionMarkKeepsTheColumnsAligned) {
+    Table table({{"Name"}, {"End"}});
+    table.addRow({"日本語", "x"});
+    table.addRow({"Zoe\u0301", "y"});
+    EXPECT_EQ(table.text({false, CharacterSet::ascii, CharacterSet::ascii}),
+              "Name  End\n"
+              "???   x\n"
+              "Zoe   y\n");
+}
+
 TEST(Table, aCellStaysOnItsLine) {
     Table table({{"A"}, {"B"}});
     table.addRow({"a\nb", "\x1B[0m"});
-    EXPECT_EQ(table.text(), "A    B\na�b  �[0m\n");
+    EXPECT_EQ(table.text({}), "A    B\na�b  �[0m\n");
 }
 
 }  // namespace

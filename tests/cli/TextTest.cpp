@@ -27,6 +27,11 @@ TEST(Text, whatIsNoTextOrMovesTheCursorBecomesAReplacementCharacter) {
     EXPECT_EQ(printable("a\u0085\u2028\u202Eb"), "a���b");
 }
 
+TEST(Text, outsideUTF8EveryVisibleCharacterThatIsNotASCIIIsAQuestionMark) {
+    EXPECT_EQ(asciiOf("Zoë e\u0301 日本 😀 a\u200Bb"), "Zo? e ?? ? ab");
+    EXPECT_EQ(asciiOf("a\xFFz"), "a?z");
+}
+
 TEST(Text, wideCharactersTakeTwoColumnsAndAccentsNone) {
     struct Row {
         std::string text;

@@ -19,6 +19,8 @@ BROWSERS = ["quenbySecureBrowser", "tarrowSecureBrowser", "brave", "chromium", "
             "googleChrome", "microsoftEdge", "orvo", "brellisPrivateBrowser", "opera", "safari",
             "vivaldi", "yandexBrowser"]
 
+COMMANDS = ["browsers", "profiles", "size", "clean", "bookmarks", "notifications"]
+
 CATEGORIES = ["cache", "history", "httpCookies", "flashCookies", "formData", "localStorage"]
 
 # Microseconds since 1601 at noon UTC of a day, as Chromium-based browsers store dates.
@@ -91,7 +93,8 @@ class HostProgramTest(unittest.TestCase):
         self.temporary = self.root / "tmp"
         self.temporary.mkdir()
         self.environment = {"PATH": os.environ["PATH"], "HOME": str(self.root / "own-home"),
-                            "TMPDIR": str(self.temporary), "LC_ALL": "C"}
+                            "TMPDIR": str(self.temporary), "LC_ALL": "C",
+                            "TERM": "xterm", "NO_COLOR": "1"}
         for name in ("ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS"):
             if name in os.environ:
                 self.environment[name] = os.environ[name]
@@ -144,17 +147,22 @@ class HostProgramTest(unittest.TestCase):
         completed = subprocess.run(self.command(*arguments, home=home), env=self.environment,
                                    stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False,
                                    timeout=60, **options)
-        return Result(completed)
+        result = Result(completed)
+        if "--json" in arguments and result.output:
+            self.checked_document(result.output, *arguments)
+        return result
 
-    def document(self, *arguments, status=0, schema=None):
-        """The JSON document of a run, checked against its schema."""
-        result = self.run_program("--json", *arguments)
-        self.assertEqual(result.status, status, result.error)
-        found = json.loads(result.text)
-        name = schema or next(a for a in arguments if a in (
-            "browsers", "profiles", "size", "clean", "bookmarks", "notifications"))
+    def checked_document(self, output, *arguments):
+        """The JSON document of a run, checked against the schema of its command."""
+        found = json.loads(output.decode("utf-8"))
+        name = next(a for a in arguments if a in COMMANDS)
         self.assertEqual(json_schema.problems(found, json_schema.load(name)), [])
         return found
+
+    def document(self, *arguments, status=0):
+        result = self.run_program("--json", *arguments)
+        self.assertEqual(result.status, status, result.error)
+        return self.checked_document(result.output, *arguments)
 
     def assert_usage_error(self, *arguments, says=(), home=True):
         before = self.snapshot()

@@ -2,6 +2,7 @@
 
 import fcntl
 import os
+import pty
 import signal
 import socket
 import sqlite3
@@ -40,7 +41,7 @@ class Question(HostProgramTest):
     def test_under_json_the_question_is_on_standard_error(self):
         status, output, screen = self.run_on_terminal("--json", "clean", CHROMIUM, answer=b"y\n")
         self.assertEqual(status, 0)
-        self.assertTrue(output.startswith(b'{\n  "dryRun": false,'))
+        self.assertIs(self.checked_document(output, "clean")["dryRun"], False)
         self.assertIn("Delete this? [y/N]", screen)
 
     def test_yes_and_dry_run_ask_nothing(self):
@@ -111,6 +112,51 @@ class Streams(HostProgramTest):
         self.assertTrue(screen.endswith("\r\x1b[K"), screen)
         self.assertEqual(output, result.output)
 
+    def test_the_line_of_progress_stands_before_anything_is_read(self):
+        local_state = self.support / "Chromium" / "Local State"
+        local_state.unlink()
+        os.mkfifo(local_state)
+        screen = self.screen_of_a_blocked_run("size", CHROMIUM)
+        self.assertIn("Measuring Chromium", screen)
+
+    def screen_of_a_blocked_run(self, *arguments):
+        """What a run shows that cannot go on; it is ended then."""
+        master, slave = pty.openpty()
+        process = subprocess.Popen(self.command(*arguments), env=self.environment, stdin=slave,
+                                   stdout=subprocess.DEVNULL, stderr=slave)
+        os.close(slave)
+        try:
+            return os.read(master, 4096).decode("utf-8")
+        finally:
+            process.kill()
+            process.wait()
+            os.close(master)
+
+    def test_a_terminal_that_cannot_wipe_a_line_shows_no_progress(self):
+        self.environment["TERM"] = "dumb"
+        _, _, screen = self.run_on_terminal("size")
+        self.assertEqual(screen, "")
+
+    def test_colours_are_for_a_terminal_that_has_them_and_a_user_who_wants_them(self):
+        for variables, is_colourful in (({"NO_COLOR": ""}, True), ({"NO_COLOR": "1"}, False),
+                                        ({"NO_COLOR": "", "TERM": "dumb"}, False)):
+            with self.subTest(variables=variables):
+                self.environment.update(variables)
+                _, _, screen = self.run_on_terminal("size", output_too=True)
+                self.assertEqual("\x1b[36m#" in screen, is_colourful, screen)
+                self.assertNotIn(b"\x1b", self.run_program("size").output)
+
+    def test_the_locale_decides_what_the_bars_are_drawn_with(self):
+        for locale, mark in (("C", "  #"), ("de_DE.UTF-8", "  \u2588"), ("C.UTF-8", "  \u2588")):
+            with self.subTest(locale=locale):
+                self.environment["LC_ALL"] = locale
+                self.assertIn(mark, self.run_program("size").text)
+
+    def test_a_terminal_without_utf_8_gets_question_marks_and_a_file_the_name(self):
+        _, _, screen = self.run_on_terminal("profiles", CHROMIUM, output_too=True)
+        self.assertIn("Chromium  Zo? ??   yes", screen)
+        self.assertIn("Chromium  Zo\u00eb \u65e5\u672c  yes", self.run_program("profiles").text)
+
     def test_the_report_stands_on_a_line_of_its_own_when_both_are_one_terminal(self):
         status, _, screen = self.run_on_terminal("browsers", "--browser=safari", output_too=True)
         self.assertEqual(status, 0)
@@ -155,7 +201,9 @@ class Streams(HostProgramTest):
         completed = subprocess.run([PROGRAM, b"--home", home, "--json", "notifications", CHROMIUM],
                                    env=self.environment, capture_output=True, check=False)
         self.assertEqual(completed.returncode, 0)
-        self.assertIn("/h\ufffd/Library", completed.stdout.decode("utf-8"))
+        found = self.checked_document(completed.stdout, "notifications")
+        store = found["browsers"][0]["profiles"][0]["subscriptions"][0]["store"]
+        self.assertIn("/h\ufffd/Library", store)
 
     def test_names_cannot_play_tricks_on_the_terminal(self):
         write(self.profile / "Bookmarks", '{"roots": {"bar": {"children": [], "url": "a:b", '
@@ -183,7 +231,8 @@ class Signals(HostProgramTest):
             with self.subTest(number=number):
                 completed = self.interrupted_run(number, "--json", "clean", "--yes", CHROMIUM)
                 self.assertEqual(completed.returncode, status)
-                self.assertIn(b'"error": "interrupted before it was begun"', completed.stdout)
+                found = self.checked_document(completed.stdout, "clean")["browsers"][0]
+                self.assertEqual(found["error"], "interrupted before it was begun")
                 self.assertEqual(self.snapshot(), before)
 
 
