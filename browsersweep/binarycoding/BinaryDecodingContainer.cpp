@@ -5,7 +5,6 @@
 #include <sstream>
 #include <utility>
 
-#include "browsersweep/binarycoding/AnyBufferedDataSource.h"
 #include "browsersweep/binarycoding/BinaryDecodingError.h"
 
 namespace browsersweep {
@@ -58,33 +57,33 @@ std::string shortestText(Number number) {
 
 }  // namespace
 
-// What a nested container reads from where its parent has a limit of its own: the parent.
-class BinaryDecodingContainer::NestedSource final : public AnyBufferedDataSource {
-public:
-    explicit NestedSource(BinaryDecodingContainer& parent)
-        : AnyBufferedDataSource([&parent](std::size_t length) { return parent.nextBytes(length); },
-                                [&parent] { return parent.isAtEnd(); }),
-          parent_(&parent) {}
+BinaryDecodingContainer::NestedSource::NestedSource(BinaryDecodingContainer& parent)
+    : AnyBufferedDataSource([&parent](std::size_t length) { return parent.nextBytes(length); },
+                            [&parent] { return parent.isAtEnd(); }),
+      parent_(&parent) {}
 
-    // The callbacks would do. These spare a copy and an allocation for each number.
-    std::optional<std::span<const std::uint8_t>> view(std::size_t length) override {
-        return parent_->take(length);
-    }
-    std::optional<DelimitedBytes> viewUntil(std::uint8_t delimiter, std::size_t length) override {
-        return parent_->takeUntil(delimiter, length);
-    }
+std::optional<std::span<const std::uint8_t>> BinaryDecodingContainer::NestedSource::view(
+    std::size_t length) {
+    return parent_->take(length);
+}
 
-private:
-    BinaryDecodingContainer* parent_;
-};
+std::optional<DelimitedBytes> BinaryDecodingContainer::NestedSource::viewUntil(
+    std::uint8_t delimiter, std::size_t length) {
+    return parent_->takeUntil(delimiter, length);
+}
 
-BinaryDecodingContainer::BinaryDecodingContainer(std::unique_ptr<BufferedData> data,
-                                                 std::uint64_t limit,
-                                                 const BinaryUserInfo& userInfo) noexcept
-    : ownData_(std::move(data)),
-      data_(ownData_.get()),
+std::optional<std::span<const std::uint8_t>> BinaryDecodingContainer::NestedSource::lookAhead(
+    std::size_t length) {
+    return parent_->lookAhead(length);
+}
+
+BinaryDecodingContainer::BinaryDecodingContainer(BinaryDecodingContainer& parent,
+                                                 std::uint64_t limit)
+    : ownSource_(std::in_place, parent),
+      ownData_(std::in_place, *ownSource_),
+      data_(&*ownData_),
       remainingLength_(limit),
-      userInfo_(&userInfo) {}
+      userInfo_(parent.userInfo_) {}
 
 const BinaryUserInfo& BinaryDecoder::userInfo() const noexcept {
     return container_->userInfo();
@@ -119,7 +118,8 @@ std::span<const std::uint8_t> BinaryDecodingContainer::takeRemainder() {
 }
 
 std::vector<std::uint8_t> BinaryDecodingContainer::peek(std::uint64_t length) {
-    return data_->peek(withinLimit(length));
+    const std::span<const std::uint8_t> piece = lookAhead(length);
+    return {piece.begin(), piece.end()};
 }
 
 std::vector<std::uint8_t> BinaryDecodingContainer::peekExactly(std::uint64_t length) {
@@ -133,8 +133,7 @@ BinaryDecodingContainer BinaryDecodingContainer::nestedContainer(
     if (!remainingLength_) {
         return {*data_, maxLength, *userInfo_};
     }
-    return {std::make_unique<BufferedData>(std::make_unique<NestedSource>(*this)),
-            std::min(maxLength.value_or(*remainingLength_), *remainingLength_), *userInfo_};
+    return {*this, std::min(maxLength.value_or(*remainingLength_), *remainingLength_)};
 }
 
 bool BinaryDecodingContainer::isAtEnd() {

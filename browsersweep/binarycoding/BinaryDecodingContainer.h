@@ -1,10 +1,10 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "browsersweep/Export.h"
+#include "browsersweep/binarycoding/AnyBufferedDataSource.h"
 #include "browsersweep/binarycoding/BinaryDecoder.h"
 #include "browsersweep/binarycoding/BinaryNumber.h"
 #include "browsersweep/binarycoding/BinaryTypeName.h"
@@ -96,8 +97,30 @@ public:
     /** The same without a copy; what is returned lives until the next call. */
     std::span<const std::uint8_t> takeRemainder();
 
+    /**
+     * As many numbers of one type, one after the other. It is the same as reading each by itself,
+     * errors included, in a fraction of the time.
+     */
+    template <BinaryNumber T, std::size_t count>
+    std::array<T, count> decodeNumbers() {
+        const std::span<const std::uint8_t> piece = take(count * sizeof(T));
+        if (piece.size() < count * sizeof(T)) {
+            failForNumber(qualifiedTypeName<T>(), sizeof(T), piece.size() % sizeof(T));
+        }
+        std::array<T, count> numbers{};
+        for (std::size_t index = 0; index < count; ++index) {
+            numbers[index] = numberFromBytes<T>(&piece[index * sizeof(T)]);
+        }
+        return numbers;
+    }
+
     /** The next bytes without reading them; fewer where fewer remain. */
     std::vector<std::uint8_t> peek(std::uint64_t length);
+
+    /** The same without a copy; what is returned lives until the next call. */
+    std::span<const std::uint8_t> lookAhead(std::uint64_t length) {
+        return data_->lookAhead(withinLimit(length));
+    }
 
     /** The same, where having fewer is an error. */
     std::vector<std::uint8_t> peekExactly(std::uint64_t length);
@@ -112,13 +135,25 @@ public:
     bool isAtEnd();
 
 private:
-    class NestedSource;
+    // What a nested container reads from where its parent has a limit of its own: the parent.
+    class NestedSource final : public AnyBufferedDataSource {
+    public:
+        explicit NestedSource(BinaryDecodingContainer& parent);
+
+        // The callbacks would do. These spare a copy and an allocation for each number.
+        std::optional<std::span<const std::uint8_t>> view(std::size_t length) override;
+        std::optional<DelimitedBytes> viewUntil(std::uint8_t delimiter,
+                                                std::size_t length) override;
+        std::optional<std::span<const std::uint8_t>> lookAhead(std::size_t length) override;
+
+    private:
+        BinaryDecodingContainer* parent_;
+    };
 
     BinaryDecodingContainer(BufferedData& data, std::optional<std::uint64_t> limit,
                             const BinaryUserInfo& userInfo) noexcept
         : data_(&data), remainingLength_(limit), userInfo_(&userInfo) {}
-    BinaryDecodingContainer(std::unique_ptr<BufferedData> data, std::uint64_t limit,
-                            const BinaryUserInfo& userInfo) noexcept;
+    BinaryDecodingContainer(BinaryDecodingContainer& parent, std::uint64_t limit);
 
     template <BinaryNumber T>
     T decodeNumber() {
@@ -176,7 +211,9 @@ private:
         }
     }
 
-    std::unique_ptr<BufferedData> ownData_;
+    // Within the container, not on the heap: a file opens one for each of its records.
+    std::optional<NestedSource> ownSource_;
+    std::optional<BufferedData> ownData_;
     BufferedData* data_;
     std::optional<std::uint64_t> remainingLength_;
     const BinaryUserInfo* userInfo_;

@@ -38,7 +38,7 @@ using UnsignedOfSize = std::conditional_t<
 /** The bytes of a number in little-endian order. */
 template <BinaryNumber T>
 constexpr std::array<std::uint8_t, sizeof(T)> bytes(T value) noexcept {
-    const std::uint64_t bits = std::bit_cast<UnsignedOfSize<sizeof(T)>>(value);
+    const auto bits = std::uint64_t{std::bit_cast<UnsignedOfSize<sizeof(T)>>(value)};
     std::array<std::uint8_t, sizeof(T)> result{};
     for (std::size_t index = 0; index < sizeof(T); ++index) {
         result[index] = static_cast<std::uint8_t>(bits >> (8 * index));

@@ -13,7 +13,10 @@ constexpr std::size_t everything = std::numeric_limits<std::size_t>::max();
 }  // namespace
 
 BufferedData::BufferedData(std::unique_ptr<BufferedDataSource> reader, std::size_t initialCapacity)
-    : reader_(std::move(reader)), initialCapacity_(initialCapacity) {}
+    : ownReader_(std::move(reader)), reader_(ownReader_.get()), initialCapacity_(initialCapacity) {}
+
+BufferedData::BufferedData(BufferedDataSource& reader, std::size_t initialCapacity) noexcept
+    : reader_(&reader), initialCapacity_(initialCapacity) {}
 
 BufferedData::~BufferedData() = default;
 
@@ -28,9 +31,7 @@ BufferedData::UntilResult BufferedData::readUntil(std::uint8_t delimiter) {
 }
 
 std::vector<std::uint8_t> BufferedData::peek(std::size_t maxLength) {
-    fill(maxLength);
-    const std::span<const std::uint8_t> piece =
-        buffer().first(std::min(maxLength, buffer().size()));
+    const std::span<const std::uint8_t> piece = lookAhead(maxLength);
     return {piece.begin(), piece.end()};
 }
 
@@ -61,6 +62,11 @@ std::span<const std::uint8_t> BufferedData::takeRemainder() {
 std::span<const std::uint8_t> BufferedData::takeThroughBuffer(std::size_t maxBytes) {
     fill(maxBytes);
     return consume(std::min(maxBytes, buffer().size()));
+}
+
+std::span<const std::uint8_t> BufferedData::lookAheadThroughBuffer(std::size_t maxLength) {
+    fill(maxLength);
+    return buffer().first(std::min(maxLength, buffer().size()));
 }
 
 DelimitedBytes BufferedData::takeUntilThroughBuffer(std::uint8_t delimiter, std::size_t maxBytes) {

@@ -31,6 +31,10 @@ public:
     /** The capacity is reserved once there is something to keep. */
     explicit BufferedData(std::unique_ptr<BufferedDataSource> reader,
                           std::size_t initialCapacity = defaultCapacity);
+
+    /** The same with a source of somebody else, which must outlive it. */
+    explicit BufferedData(BufferedDataSource& reader,
+                          std::size_t initialCapacity = defaultCapacity) noexcept;
     BufferedData(const BufferedData&) = delete;
     BufferedData& operator=(const BufferedData&) = delete;
     ~BufferedData();
@@ -63,6 +67,16 @@ public:
         return takeThroughBuffer(maxBytes);
     }
 
+    /** As `peek`, without a copy: what is returned lives until the next call. */
+    std::span<const std::uint8_t> lookAhead(std::size_t maxLength) {
+        if (position_ == buffer_.size()) {
+            if (const auto piece = reader_->lookAhead(maxLength)) {
+                return *piece;
+            }
+        }
+        return lookAheadThroughBuffer(maxLength);
+    }
+
     /** As `readUntil`, without a copy and consuming at most so many bytes. */
     DelimitedBytes takeUntil(std::uint8_t delimiter, std::size_t maxBytes);
 
@@ -71,13 +85,15 @@ public:
 
 private:
     std::span<const std::uint8_t> takeThroughBuffer(std::size_t maxBytes);
+    std::span<const std::uint8_t> lookAheadThroughBuffer(std::size_t maxLength);
     DelimitedBytes takeUntilThroughBuffer(std::uint8_t delimiter, std::size_t maxBytes);
     void fill(std::size_t count);
     bool append(std::size_t maxBytes);
     void makeRoom();
     std::span<const std::uint8_t> consume(std::size_t count) noexcept;
 
-    std::unique_ptr<BufferedDataSource> reader_;
+    std::unique_ptr<BufferedDataSource> ownReader_;
+    BufferedDataSource* reader_;
     std::vector<std::uint8_t> buffer_;
     std::size_t position_ = 0;  // consumed from the front of the buffer
     std::size_t initialCapacity_;

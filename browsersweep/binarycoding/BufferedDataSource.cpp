@@ -13,4 +13,8 @@ std::optional<DelimitedBytes> BufferedDataSource::viewUntil(std::uint8_t /*delim
     return std::nullopt;
 }
 
+std::optional<std::span<const std::uint8_t>> BufferedDataSource::lookAhead(std::size_t /*length*/) {
+    return std::nullopt;
+}
+
 }  // namespace browsersweep

@@ -45,6 +45,9 @@ public:
      * copying. As `view`.
      */
     virtual std::optional<DelimitedBytes> viewUntil(std::uint8_t delimiter, std::size_t length);
+
+    /** As `view`, but the bytes are not taken: they come again. */
+    virtual std::optional<std::span<const std::uint8_t>> lookAhead(std::size_t length);
 };
 
 }  // namespace browsersweep

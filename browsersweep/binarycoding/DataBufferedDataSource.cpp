@@ -23,6 +23,10 @@ std::optional<std::span<const std::uint8_t>> DataBufferedDataSource::view(std::s
     return piece;
 }
 
+std::optional<std::span<const std::uint8_t>> DataBufferedDataSource::lookAhead(std::size_t length) {
+    return data_.first(std::min(length, data_.size()));
+}
+
 std::optional<DelimitedBytes> DataBufferedDataSource::viewUntil(std::uint8_t delimiter,
                                                                 std::size_t length) {
     const std::size_t count = std::min(length, data_.size());

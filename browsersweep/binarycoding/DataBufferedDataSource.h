@@ -23,6 +23,7 @@ public:
     bool isAtEnd() override;
     std::optional<std::span<const std::uint8_t>> view(std::size_t length) override;
     std::optional<DelimitedBytes> viewUntil(std::uint8_t delimiter, std::size_t length) override;
+    std::optional<std::span<const std::uint8_t>> lookAhead(std::size_t length) override;
 
 private:
     std::span<const std::uint8_t> data_;

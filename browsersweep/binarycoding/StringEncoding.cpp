@@ -14,7 +14,12 @@ std::uint8_t byteOf(char character) noexcept {
 }
 
 bool isASCII(std::string_view text) noexcept {
-    return std::ranges::all_of(text, [](char c) { return byteOf(c) < firstNonASCII; });
+    // Without an early end compilers look at many bytes at once.
+    unsigned bits = 0;
+    for (const char character : text) {
+        bits |= byteOf(character);
+    }
+    return bits < firstNonASCII;
 }
 
 // One well-formed UTF-8 sequence: its lead bytes and the range of the byte after the lead.

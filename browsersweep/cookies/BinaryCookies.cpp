@@ -35,6 +35,15 @@ Offsets offsetsOf(const Cookie& cookie) noexcept {
             cookie.valueOffset, cookie.commentOffset, cookie.commentURLOffset};
 }
 
+void setOffsets(Cookie& cookie, const Offsets& offsets) noexcept {
+    cookie.urlOffset = offsets[0];
+    cookie.nameOffset = offsets[1];
+    cookie.pathOffset = offsets[2];
+    cookie.valueOffset = offsets[3];
+    cookie.commentOffset = offsets[4];
+    cookie.commentURLOffset = offsets[5];
+}
+
 Offsets sorted(Offsets offsets) noexcept {
     std::ranges::sort(offsets);
     return offsets;
@@ -73,10 +82,6 @@ constexpr std::uint32_t byteSwapped(std::uint32_t value) noexcept {
 
 [[noreturn]] void failReading(const char* description) {
     throw BinaryDecodingError::dataCorrupted(description);
-}
-
-Date decodeDate(BinaryDecodingContainer& container) {
-    return dateFromReferenceSeconds(container.decode<double>());
 }
 
 // A record that lies about its size says so here: adding up must not wrap around into a page size
@@ -144,7 +149,7 @@ std::vector<std::uint32_t> decodePageSizes(BinaryDecodingContainer& container) {
 std::uint32_t peekRecordSize(BinaryDecodingContainer& container) {
     std::uint32_t size = 0;
     unsigned shift = 0;
-    for (const std::uint8_t byte : container.peek(sizeof size)) {
+    for (const std::uint8_t byte : container.lookAhead(sizeof size)) {
         size |= std::uint32_t{byte} << shift;
         shift += 8;
     }
@@ -155,20 +160,18 @@ std::uint32_t peekRecordSize(BinaryDecodingContainer& container) {
 
 Cookie::Cookie(const BinaryDecoder& from) {
     BinaryDecodingContainer& container = from.container();
-    size = container.decode<std::uint32_t>();
-    version = container.decode<std::uint32_t>();
-    flags = container.decode<Flags>();
-    const auto portMarker = container.decode<std::uint32_t>();
-    for (std::uint32_t* const offset :
-         {&urlOffset, &nameOffset, &pathOffset, &valueOffset, &commentOffset, &commentURLOffset}) {
-        *offset = container.decode<std::uint32_t>();
-    }
-    expirationDate = decodeDate(container);
-    creationDate = decodeDate(container);
-    if (portMarker == portFollows) {
+    const auto head = container.decodeNumbers<std::uint32_t, 4>();
+    const Offsets offsets = container.decodeNumbers<std::uint32_t, textCount>();
+    const auto dates = container.decodeNumbers<double, 2>();
+    size = head[0];
+    version = head[1];
+    flags = Flags(head[2]);
+    setOffsets(*this, offsets);
+    expirationDate = dateFromReferenceSeconds(dates[0]);
+    creationDate = dateFromReferenceSeconds(dates[1]);
+    if (head[3] == portFollows) {
         port = container.decode<std::uint16_t>();
     }
-    const Offsets offsets = offsetsOf(*this);
     for (const std::uint32_t offset : sorted(offsets)) {
         if (offset != 0) {
             setText(*this, fieldAt(offsets, offset),

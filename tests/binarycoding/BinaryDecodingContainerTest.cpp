@@ -1,3 +1,4 @@
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <limits>
@@ -153,6 +154,20 @@ TEST(BinaryDecodingContainer, namesEveryFailure) {
     }
 }
 
+TEST(BinaryDecodingContainer, readsSeveralNumbersAtOnceAsOneByOne) {
+    reading({1, 0, 0, 0, 2, 0, 0, 0, 3, 0}, [](auto& root) {
+        auto page = root.nestedContainer(9);
+        EXPECT_EQ((page.template decodeNumbers<std::uint32_t, 2>()),
+                  (std::array<std::uint32_t, 2>{1, 2}));
+        EXPECT_EQ(page.remainingLength(), 1U);
+    });
+    // The error is that of the number at which the bytes end.
+    EXPECT_EQ(
+        errorOf({1, 0, 0, 0, 2, 0, 0},
+                [](auto& container) { container.template decodeNumbers<std::uint32_t, 3>(); }),
+        "Not enough data to create a a type of std::uint32_t. Needed: 4. Received: 3.");
+}
+
 TEST(BinaryDecodingContainer, readsAndWritesRawValues) {
     EXPECT_EQ(BinaryDataDecoder().decode<std::vector<Colour>>(List{7, 1}),
               (std::vector{Colour::blue, Colour::red}));
@@ -202,6 +217,21 @@ TEST(BinaryDecodingContainer, peeksWithoutReadingAndGivesFewerAtTheEnd) {
         EXPECT_EQ(page.peek(4), List{});
         EXPECT_EQ(root.peek(4), List{3});
     });
+}
+
+TEST(BinaryDecodingContainer, leavesWhatItPeeksWithItsParent) {
+    Stream stream({1, 2, 3});
+    BufferedData streamed = stream.buffered();
+    const List list{1, 2, 3};
+    const auto inMemory = BinaryDataDecoder::bufferedData(list);
+    const BinaryUserInfo userInfo;
+    for (BufferedData* const data : {&streamed, inMemory.get()}) {
+        BinaryDecodingContainer root(*data, userInfo);
+        auto page = root.nestedContainer(3);
+        EXPECT_EQ(page.nestedContainer(2).peek(3), (List{1, 2}));
+        EXPECT_EQ(page.remainingLength(), 3U);
+        EXPECT_EQ(page.decodeRemainder(), (List{1, 2, 3}));
+    }
 }
 
 TEST(BinaryDecodingContainer, readsStringsAcrossWhatWasPeeked) {
