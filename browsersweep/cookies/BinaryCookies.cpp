@@ -146,6 +146,18 @@ std::vector<std::uint32_t> decodePageSizes(BinaryDecodingContainer& container) {
     return sizes;
 }
 
+// The count is only a claim, and a cookie in memory takes many times the four bytes that back the
+// claim up. So the room grows with the records that were really there, and ends at the count.
+void makeRoom(std::vector<Cookie>& cookies, std::size_t count) {
+    constexpr std::size_t growth = 4;
+    constexpr std::size_t steps = growth * growth * growth;
+    constexpr std::size_t alwaysFits = 16;
+    if (cookies.size() == cookies.capacity()) {
+        const std::size_t room = std::max(count / steps + 1, growth * cookies.size());
+        cookies.reserve(std::min(count, std::max(room, alwaysFits)));
+    }
+}
+
 std::uint32_t peekRecordSize(BinaryDecodingContainer& container) {
     std::uint32_t size = 0;
     unsigned shift = 0;
@@ -219,13 +231,8 @@ Page::Page(const BinaryDecoder& from) {
     if (container.decode<std::uint32_t>() != 0) {
         failReading("Page footer is invalid or missing");
     }
-    // The offsets were there, so the count is no mere claim. A page's limit still may be one.
-    const std::uint64_t limit = container.remainingLength().value_or(0);
-    const std::uint64_t likely = std::min<std::uint64_t>(count, limit / recordHeadLength);
-    if (likely == count) {
-        cookies.reserve(count);
-    }
     for (std::uint32_t index = 0; index < count; ++index) {
+        makeRoom(cookies, count);
         BinaryDecodingContainer record = container.nestedContainer(peekRecordSize(container));
         cookies.emplace_back(record.decoder());
     }

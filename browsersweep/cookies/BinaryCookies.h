@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <optional>
 #include <string>
@@ -133,9 +134,8 @@ public:
     /** Removes every cookie that the predicate is true for, and the pages that become empty. */
     template <typename Predicate>
     void remove(Predicate where) {
-        for (auto page = pages.rbegin(); page != pages.rend(); ++page) {
-            std::erase_if(page->cookies, where);
-        }
+        std::for_each(pages.rbegin(), pages.rend(),
+                      [&](Page& page) { std::erase_if(page.cookies, std::ref(where)); });
         std::erase_if(pages, [](const Page& page) { return page.cookies.empty(); });
     }
 

@@ -210,6 +210,37 @@ TEST(BinaryCookies, refusesAPageThatIsLongerThanItsSize) {
               "Not enough data to create a a type of double. Needed: 8. Received: 0.");
 }
 
+TEST(BinaryCookies, readsWhatPadsARecordAsTheStartOfWhatFollows) {
+    const Bytes padded = ByteText().raw(CookieRecord().data()).little(0, 4).data();
+    const Bytes plain = CookieRecord().data();
+    struct Case {
+        std::vector<Bytes> pages;
+        std::string error;
+    };
+    const std::vector<Case> cases{
+        {{cookiePage({padded, plain})},
+         "Not enough data to create a a type of std::uint32_t. Needed: 4. Received: 0."},
+        {{cookiePage({padded}), cookiePage({plain})}, "Page header is invalid or missing"},
+        {{cookiePage({padded})}, "Footer is missing or incorrect"},
+    };
+    for (const Case& each : cases) {
+        SCOPED_TRACE(each.error);
+        EXPECT_EQ(errorOf(cookieFile(each.pages, emptyDictionary())), each.error);
+    }
+}
+
+TEST(BinaryCookies, readsMoreCookiesThanItMakesRoomForAtFirst) {
+    std::vector<Bytes> records;
+    for (std::size_t index = 0; index < 5000; ++index) {
+        records.push_back(named(std::to_string(index)).data());
+    }
+    const Bytes file = cookieFile({cookiePage(records)}, emptyDictionary());
+    const BinaryCookies cookies = decoded(file);
+    ASSERT_EQ(cookies.cookieCount(), 5000U);
+    EXPECT_EQ(cookies.pages.front().cookies.back().name, "4999");
+    EXPECT_EQ(encoded(cookies), file);
+}
+
 TEST(BinaryCookies, refusesARecordSizeOfZero) {
     EXPECT_EQ(errorOf(patched(smallFile(), 16 + 20, Bytes(4, 0))),
               "Not enough data to create a a type of std::uint32_t. Needed: 4. Received: 0.");
