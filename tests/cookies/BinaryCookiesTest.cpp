@@ -378,7 +378,7 @@ RC_GTEST_PROP(BinaryCookiesProperty, readsBackTheModelThatItWrote, ()) {
 
 TEST(BinaryCookies, writesWhatAnotherDecoderReads) {
     const std::filesystem::path script =
-        std::filesystem::path(__FILE__).parent_path() / "decode_cookies.py";
+        std::filesystem::path(BROWSERSWEEP_TESTS_FOLDER) / "cookies/decode_cookies.py";
     const Bytes file = encoded(decoded(smallFile()));
     const auto output =
         tests::runPython(tests::readFile(script), std::string(file.begin(), file.end()));
