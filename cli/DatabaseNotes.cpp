@@ -3,10 +3,13 @@
 #include <array>
 #include <cstdint>
 #include <fstream>
+#include <optional>
 #include <string_view>
 #include <system_error>
 
+#include "browsersweep/profiles/firefox/FirefoxCleanableLocalStorage.h"
 #include "browsersweep/sqlite/CleanableSQLiteDatabase.h"
+#include "browsersweep/sqlite/SafariHistoryCleanableDatabase.h"
 
 namespace browsersweep::cli {
 namespace {
@@ -29,6 +32,25 @@ bool isHotJournal(const std::filesystem::path& file) {
     return std::string_view(start.data(), start.size()) == journalStart;
 }
 
+/** A database among the items, whatever wraps it. */
+struct HeldDatabase {
+    std::filesystem::path file;
+    bool countsPendingChanges = false;
+};
+
+std::optional<HeldDatabase> databaseOf(const CleanableData& item) {
+    if (const auto* const database = dynamic_cast<const CleanableSQLiteDatabase*>(&item)) {
+        return HeldDatabase{database->file(), false};
+    }
+    if (const auto* const storage = dynamic_cast<const FirefoxCleanableLocalStorage*>(&item)) {
+        return databaseOf(*storage->cleanableSQLiteDatabase());
+    }
+    if (const auto* const history = dynamic_cast<const SafariHistoryCleanableDatabase*>(&item)) {
+        return HeldDatabase{history->file(), true};
+    }
+    return std::nullopt;
+}
+
 }  // namespace
 
 bool hasPendingChanges(const std::filesystem::path& database) {
@@ -39,15 +61,16 @@ std::vector<std::string> remarksOnDatabases(const CleanableDataList& list,
                                             CleanableDataFilters filters, bool wereCleaned) {
     std::vector<std::string> remarks;
     for (const auto& item : list.items()) {
-        const auto* const database = dynamic_cast<const CleanableSQLiteDatabase*>(item.get());
-        if (database == nullptr) {
+        const auto database = databaseOf(*item);
+        if (!database) {
             continue;
         }
-        const auto name = database->file().filename().string();
-        if (hasPendingChanges(database->file())) {
+        const auto name = database->file.filename().string();
+        if (!database->countsPendingChanges && hasPendingChanges(database->file)) {
             remarks.push_back("the browser's latest changes to " + name + " are not counted");
         }
-        if (wereCleaned && database->sizeIgnoringErrors(filters).itemCount.value > 0) {
+        // Sized through what wraps it, which may turn the filters into the database's own.
+        if (wereCleaned && item->sizeIgnoringErrors(filters).itemCount.value > 0) {
             remarks.push_back("rows are left in " + name +
                               "; the browser seems to hold the database");
         }

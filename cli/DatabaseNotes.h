@@ -11,7 +11,8 @@ namespace browsersweep::cli {
 
 /**
  * Whether changes of a database wait in a file beside it: in a write-ahead log that is not empty,
- * or in the journal of a transaction that was not finished. Databases are counted without them.
+ * or in the journal of a transaction that was not finished. Databases are counted without them, but
+ * for Safari's history, which is read together with them.
  */
 bool hasPendingChanges(const std::filesystem::path& database);
 

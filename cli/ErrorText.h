@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <string>
+#include <string_view>
 
 namespace browsersweep::cli {
 
@@ -11,5 +12,8 @@ namespace browsersweep::cli {
  * told, and the error's own message. One line of UTF-8.
  */
 std::string errorText(const std::exception& error);
+
+/** Whether a text that errorText made says that a permission is missing. */
+bool saysNoPermission(std::string_view text) noexcept;
 
 }  // namespace browsersweep::cli

@@ -11,6 +11,7 @@
 
 #include "cli/Appearance.h"
 #include "cli/Console.h"
+#include "cli/ErrorText.h"
 #include "cli/Gather.h"
 #include "cli/Host.h"
 #include "cli/Interruption.h"
@@ -30,6 +31,14 @@ constexpr std::array<std::string_view, 6> verbs{
     "Looking at", "Reading profiles of",  "Measuring",
     "Cleaning",   "Reading bookmarks of", "Reading permissions of",
 };
+
+constexpr std::string_view fullDiskAccess =
+    "macOS guards Safari's data: the terminal or application that runs this program needs Full "
+    "Disk Access, in the privacy settings.";
+
+bool isGuarded(const Failure& failure) noexcept {
+    return failure.browser == Browser::safari && saysNoPermission(failure.error);
+}
 
 /** One run of one command. */
 class Run {
@@ -129,6 +138,9 @@ private:
         const auto failed = failures(report);
         for (const auto& failure : failed) {
             console_.note(fmt::format("{}: {}", failure.where, failure.error));
+        }
+        if (std::any_of(failed.begin(), failed.end(), isGuarded)) {
+            console_.note(fullDiskAccess);
         }
         if (signal) {
             console_.note("interrupted; the report says what was done");

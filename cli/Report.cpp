@@ -3,20 +3,23 @@
 #include <array>
 #include <cstddef>
 #include <string_view>
+#include <utility>
 
 namespace browsersweep::cli {
 namespace {
 
 using Failures = std::vector<Failure>;
 
-void add(const std::string& where, const std::optional<std::string>& error, Failures& found) {
+/** Adds what failed of a browser as a whole, or of a part of it. */
+void add(Browser browser, std::string_view part, const std::optional<std::string>& error,
+         Failures& found) {
     if (error) {
-        found.push_back({where, *error});
+        std::string where(displayName(browser));
+        if (!part.empty()) {
+            where.append(", ").append(part);
+        }
+        found.push_back({browser, std::move(where), *error});
     }
-}
-
-std::string place(Browser browser, std::string_view part) {
-    return std::string(displayName(browser)) + ", " + std::string(part);
 }
 
 void addParts(const BrowserProfiles& /*row*/, Failures& /*found*/) {}
@@ -24,13 +27,13 @@ void addParts(const BrowserBookmarks& /*row*/, Failures& /*found*/) {}
 
 void addParts(const BrowserSizes& row, Failures& found) {
     for (const auto& part : row.categories) {
-        add(place(row.browser, displayName(part.category)), part.error, found);
+        add(row.browser, displayName(part.category), part.error, found);
     }
 }
 
 void addParts(const BrowserNotifications& row, Failures& found) {
     for (const auto& part : row.profiles) {
-        add(place(row.browser, displayName(part.profile)), part.error, found);
+        add(row.browser, displayName(part.profile), part.error, found);
     }
 }
 
@@ -42,7 +45,7 @@ struct Collect {
     template <typename AnyReport>
     void operator()(const AnyReport& report) const {
         for (const auto& row : report.browsers) {
-            add(std::string(displayName(row.browser)), row.error, found);
+            add(row.browser, {}, row.error, found);
             addParts(row, found);
         }
     }

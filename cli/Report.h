@@ -88,8 +88,9 @@ struct NotificationsReport {
 using Report =
     std::variant<BrowsersReport, ProfilesReport, SizesReport, BookmarksReport, NotificationsReport>;
 
-/** One thing that failed: where, for people, and the text of its error. */
+/** One thing that failed: of which browser, where, for people, and the text of its error. */
 struct Failure {
+    Browser browser = allBrowsers.front();
     std::string where;
     std::string error;
 };

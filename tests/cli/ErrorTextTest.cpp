@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "browsersweep/binarycoding/BinaryDecodingError.h"
 #include "browsersweep/platform/DecodingError.h"
 #include "browsersweep/sqlite/SQLiteError.h"
 
@@ -26,10 +27,14 @@ TEST(ErrorText, saysWhatKindOfFailureItIs) {
               "locked by a running browser: database is locked");
     EXPECT_EQ(errorText(SQLiteError("unable to open database file")),
               "no permission: unable to open database file");
+    EXPECT_EQ(errorText(SQLiteError("bad parameter or other API misuse")),
+              "no permission: bad parameter or other API misuse");
     EXPECT_EQ(errorText(SQLiteError("file is not a database")),
               "not understood: file is not a database");
     EXPECT_EQ(errorText(SQLiteError("database disk image is malformed")),
               "not understood: database disk image is malformed");
+    EXPECT_EQ(errorText(BinaryDecodingError::dataCorrupted("no cookies")),
+              "not understood: no cookies");
     EXPECT_EQ(errorText(DecodingError(DecodingError::Kind::dataCorrupted, "no list", {"a"})),
               "not understood: no list (at a)");
 }
@@ -38,6 +43,13 @@ TEST(ErrorText, keepsAnErrorOfNoSuchKindAsItIs) {
     EXPECT_EQ(errorText(SQLiteError("disk I/O error")), "disk I/O error");
     EXPECT_EQ(errorText(std::runtime_error("else")), "else");
     EXPECT_EQ(errorText(SQLiteError(std::nullopt)), "an error without a message");
+}
+
+TEST(ErrorText, tellsAMissingPermissionFromOtherFailures) {
+    EXPECT_TRUE(saysNoPermission(errorText(SQLiteError("authorization denied"))));
+    EXPECT_TRUE(saysNoPermission(ofFile(std::errc::operation_not_permitted)));
+    EXPECT_FALSE(saysNoPermission(errorText(SQLiteError("database is locked"))));
+    EXPECT_FALSE(saysNoPermission(errorText(std::runtime_error("there is no permission"))));
 }
 
 TEST(ErrorText, isOneLineOfUTF8) {

@@ -10,7 +10,7 @@ import subprocess
 import sys
 import unittest
 
-from fixture import HostProgramTest, PROGRAM, rows, write
+from fixture import HostProgramTest, PROGRAM, database, exact, rows, write
 
 CHROMIUM = "--browser=chromium"
 
@@ -269,6 +269,140 @@ class HeldDatabases(HostProgramTest):
         holder.execute("ROLLBACK")
         result = self.run_program("clean", "--yes", *self.HISTORY)
         self.assertEqual((result.status, result.error), (0, ""))
+
+
+class HeldStores(HostProgramTest):
+    """What is held of the stores that are wrapped, or have a class of their own."""
+
+    def make_home(self):
+        super().make_home()
+        self.storage = self.support / "Firefox" / "Profiles" / "a.default" / "webappsstore.sqlite"
+        write(self.support / "Firefox" / "profiles.ini",
+              "[Profile0]\nName=default\nPath=Profiles/a.default\nIsRelative=1\n")
+        database(self.storage,
+                 "CREATE TABLE webappsstore2 (originAttributes TEXT, originKey TEXT, scope TEXT,"
+                 " key TEXT, value TEXT)",
+                 "INSERT INTO webappsstore2 VALUES"
+                 " ('', 'elpmaxe.eno.:https:443', 'elpmaxe.eno.:https:443', 'k', 'v'),"
+                 " ('', 'tset.owt.:https:443', 'tset.owt.:https:443', 'k', 'v')")
+        self.safari_history = self.home / "Library" / "Safari" / "History.db"
+        database(self.safari_history,
+                 "CREATE TABLE history_items (id INTEGER PRIMARY KEY, url TEXT)",
+                 "CREATE TABLE history_visits (id INTEGER PRIMARY KEY, history_item INTEGER,"
+                 " visit_time REAL)",
+                 "INSERT INTO history_items VALUES (1, 'https://one.example/')",
+                 "INSERT INTO history_visits VALUES (1, 1, 0.0)")
+
+    def hold(self, path):
+        holder = sqlite3.connect(path, isolation_level=None)
+        self.addCleanup(holder.close)
+        holder.execute("BEGIN IMMEDIATE")
+        return holder
+
+    def test_rows_left_in_firefoxs_local_storage_are_noted(self):
+        arguments = ("clean", "--yes", "--browser=firefox", "--category=localStorage",
+                     "--include=one.example")
+        holder = self.hold(self.storage)
+        result = self.run_program(*arguments)
+        self.assertIn("Firefox, Local storage: rows are left in webappsstore.sqlite; the browser "
+                      "seems to hold the database\n", result.error)
+        holder.execute("ROLLBACK")
+        result = self.run_program(*arguments)
+        self.assertEqual((result.status, result.error), (0, ""))
+        self.assertEqual(rows(self.storage, "SELECT originKey FROM webappsstore2"),
+                         [("tset.owt.:https:443",)])
+
+    def test_changes_beside_firefoxs_local_storage_are_noted(self):
+        connection = sqlite3.connect(self.storage)
+        self.addCleanup(connection.close)
+        connection.execute("PRAGMA journal_mode=WAL")
+        connection.execute("DELETE FROM webappsstore2")
+        connection.commit()
+        result = self.run_program("size", "--browser=firefox", "--category=localStorage")
+        self.assertEqual((result.status, result.error), (
+            0, "browsersweep: Firefox, Local storage: "
+               "the browser's latest changes to webappsstore.sqlite are not counted\n"))
+
+    def test_visits_left_in_safaris_history_are_noted(self):
+        arguments = ("clean", "--yes", "--browser=safari", "--category=history")
+        holder = self.hold(self.safari_history)
+        result = self.run_program(*arguments)
+        self.assertIn("Safari, History: rows are left in History.db; the browser seems to hold the "
+                      "database\n", result.error)
+        holder.execute("ROLLBACK")
+        result = self.run_program(*arguments)
+        self.assertEqual((result.status, result.error), (0, ""))
+
+    def test_changes_beside_safaris_history_are_counted_and_not_noted(self):
+        connection = sqlite3.connect(self.safari_history)
+        self.addCleanup(connection.close)
+        connection.execute("PRAGMA journal_mode=WAL")
+        connection.execute("INSERT INTO history_visits VALUES (2, 1, 1.0)")
+        connection.commit()
+        document = self.document("size", "--browser=safari", "--category=history")
+        self.assertEqual(document["total"]["itemCount"], exact(2))
+        self.assertEqual(
+            self.run_program("size", "--browser=safari", "--category=history").error, "")
+
+
+class Failures(HostProgramTest):
+    """The kinds of failure, from the files on disk to the words."""
+
+    FULL_DISK_ACCESS = ("browsersweep: macOS guards Safari's data: the terminal or application that"
+                        " runs this program needs Full Disk Access, in the privacy settings.\n")
+
+    def error_of(self, *arguments):
+        document = self.document(*arguments, status=1)
+        browser = document["browsers"][0]
+        return browser["error"] or browser["categories"][0]["error"]
+
+    def test_a_database_that_is_held_for_reading_too_is_locked(self):
+        holder = sqlite3.connect(self.history, isolation_level=None)
+        self.addCleanup(holder.close)
+        holder.execute("PRAGMA locking_mode=EXCLUSIVE")
+        holder.execute("BEGIN EXCLUSIVE")
+        self.assertEqual(
+            self.error_of("clean", "--yes", CHROMIUM, "--category=history"),
+            "locked by a running browser: database is locked")
+
+    def test_a_file_that_is_no_database_is_not_understood(self):
+        write(self.history, "plain text, and more of it than the header of a database has" * 20)
+        self.assertEqual(self.error_of("size", CHROMIUM, "--category=history"),
+                         "not understood: file is not a database")
+
+    def test_bookmarks_that_are_not_there_are_nothing_there(self):
+        write(self.home / "Library" / "Safari" / "History.db", "never read")
+        found = self.error_of("bookmarks", "--browser=safari")
+        self.assertTrue(found.startswith("nothing there: "), found)
+
+    def run_without_permission(self, folder, *arguments):
+        """Runs without the right to read what a folder holds: as nobody where this is root."""
+        for path in (self.root, *self.root.rglob("*")):
+            path.chmod(0o777 if path.is_dir() else 0o666)
+        folder.chmod(0)
+        self.addCleanup(folder.chmod, 0o777)
+        become = {"user": 65534, "group": 65534} if os.geteuid() == 0 else {}
+        if become and not self.is_reachable_for_others():
+            self.skipTest("another user cannot run the program where it lies")
+        return self.run_program(*arguments, **become)
+
+    def is_reachable_for_others(self):
+        probe = subprocess.run(["/bin/test", "-x", PROGRAM], user=65534, group=65534, check=False)
+        return probe.returncode == 0
+
+    def test_safaris_data_without_permission_asks_for_full_disk_access_once(self):
+        history = self.home / "Library" / "Safari" / "History.db"
+        write(history, "never read")
+        result = self.run_without_permission(history, "size", "--browser=safari")
+        self.assertEqual(result.status, 1, result.error)
+        self.assertIn("Safari, History: no permission: ", result.error)
+        self.assertEqual(result.error.count(self.FULL_DISK_ACCESS), 1, result.error)
+
+    def test_other_data_without_permission_does_not(self):
+        result = self.run_without_permission(self.history, "size", CHROMIUM)
+        self.assertEqual(result.status, 1, result.error)
+        self.assertIn("Chromium, History: no permission: ", result.error)
+        self.assertNotIn("Full Disk Access", result.error)
 
 
 class Locked(HostProgramTest):
