@@ -35,7 +35,8 @@ class Bench:
             (home / "Downloads").mkdir()
             yield Layout(home)
 
-    def run(self, layout: Layout, *arguments: str, zone: str = "UTC") -> subprocess.CompletedProcess:
+    def run(self, layout: Layout, *arguments: str,
+            zone: str = "UTC") -> subprocess.CompletedProcess:
         """Run the program with a temporary folder of its own, which it has to leave empty."""
         with tempfile.TemporaryDirectory(prefix="tmp-", dir=self.scratch) as temporary:
             done = subprocess.run(

@@ -93,7 +93,9 @@ def process_environment(layout: Layout) -> Iterator[dict[str, str]]:
     """
     for folder in (layout.application_support, layout.caches):
         folder.mkdir(parents=True, exist_ok=True)
-    scratch = Path(tempfile.mkdtemp(prefix="browsersweep-e2e-"))
+    # Beside the home, which is removed later: Chromium's crash handler outlives Chromium for a moment
+    # and may write here again.
+    scratch = Path(tempfile.mkdtemp(prefix="browser-", dir=layout.home.parent))
     try:
         layout.firefox.mkdir(exist_ok=True)
         layout.firefox_caches.mkdir(exist_ok=True)

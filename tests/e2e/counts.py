@@ -21,7 +21,7 @@ from browser import Layout
 CATEGORIES = ("cache", "history", "httpCookies", "flashCookies", "formData", "localStorage")
 UTC = datetime.timezone.utc
 EPOCH_1601 = datetime.datetime(1601, 1, 1, tzinfo=UTC)
-# Chromium's times count from midnight where the user is, and Tokyo then had its own local mean time.
+# Chromium's times count from midnight where the user is; Tokyo had its own local mean time then.
 ZONES = {"UTC": datetime.timedelta(0), "Asia/Tokyo": datetime.timedelta(seconds=33539)}
 EPOCH_1970 = datetime.datetime(1970, 1, 1, tzinfo=UTC)
 
