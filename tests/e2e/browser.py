@@ -93,7 +93,7 @@ def process_environment(layout: Layout) -> Iterator[dict[str, str]]:
     """
     for folder in (layout.application_support, layout.caches):
         folder.mkdir(parents=True, exist_ok=True)
-    # Beside the home, which is removed later: Chromium's crash handler outlives Chromium for a moment
+    # Beside the home, which is removed later: Chromium's crash handler outlives the browser a little
     # and may write here again.
     scratch = Path(tempfile.mkdtemp(prefix="browser-", dir=layout.home.parent))
     try:
