@@ -93,8 +93,8 @@ def process_environment(layout: Layout) -> Iterator[dict[str, str]]:
     """
     for folder in (layout.application_support, layout.caches):
         folder.mkdir(parents=True, exist_ok=True)
-    # Beside the home, which is removed later: Chromium's crash handler outlives the browser a little
-    # and may write here again.
+    # Beside the home, which is removed later: Chromium's crash handler outlives the browser and
+    # may write here again.
     scratch = Path(tempfile.mkdtemp(prefix="browser-", dir=layout.home.parent))
     try:
         layout.firefox.mkdir(exist_ok=True)
