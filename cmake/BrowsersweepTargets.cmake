@@ -8,6 +8,13 @@ target_compile_options(
   INTERFACE $<$<COMPILE_LANGUAGE:CXX,OBJCXX>:-Wall -Wextra -Wpedantic -Wconversion -Wshadow>
             $<$<AND:$<BOOL:${BROWSERSWEEP_WARNINGS_AS_ERRORS}>,$<COMPILE_LANGUAGE:C,CXX,OBJCXX>>:-Werror>)
 
+# When it optimises, g++ 12 warns of overlapping copies in its own string concatenation and of empty
+# optionals that are never read.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  target_compile_options(browsersweep_build_options INTERFACE -Wno-restrict
+                                                             -Wno-maybe-uninitialized)
+endif()
+
 if(BROWSERSWEEP_SANITIZE)
   target_compile_options(
     browsersweep_build_options INTERFACE -fsanitize=${BROWSERSWEEP_SANITIZE}
