@@ -5,6 +5,7 @@ import plistlib
 import shutil
 import sqlite3
 import struct
+import subprocess
 from pathlib import Path
 
 TREE_FOLDERS = 256
@@ -127,8 +128,5 @@ def fresh_copy(source: Path, target: Path) -> Path:
     """A copy to destroy, cheap where the file system can share blocks."""
     if target.is_dir():
         shutil.rmtree(target)
-    if source.is_dir():
-        shutil.copytree(source, target)
-    else:
-        shutil.copyfile(source, target)
+    subprocess.run(["cp", "-a", source, target], check=True)
     return target

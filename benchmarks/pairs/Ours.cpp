@@ -7,11 +7,15 @@
 #include <string>
 #include <vector>
 
+#include "browsersweep/binarycoding/BinaryDataDecoder.h"
+#include "browsersweep/binarycoding/BinaryDataEncoder.h"
 #include "browsersweep/cleanable/CleanableDirectory.h"
+#include "browsersweep/cookies/BinaryCookies.h"
 #include "browsersweep/profiles/chromium/ChromiumBasedProfile.h"
 #include "browsersweep/profiles/chromium/ChromiumBookmarks.h"
 #include "browsersweep/profiles/chromium/ChromiumPreferences.h"
 #include "browsersweep/sqlite/CleanableSQLiteDatabase.h"
+#include "browsersweep/sqlite/SafariHistoryCleanableDatabase.h"
 
 namespace {
 
@@ -81,6 +85,24 @@ std::uint64_t notifications(const std::string& path) {
         .size();
 }
 
+std::uint64_t readCookies(const std::string& path) {
+    const Bytes bytes = FileManager::defaultManager()->contents(path);
+    return BinaryDataDecoder().decode<BinaryCookies>(bytes).cookieCount();
+}
+
+std::uint64_t rewriteCookies(const std::string& path, double oldestKept) {
+    const Bytes bytes = FileManager::defaultManager()->contents(path);
+    auto cookies = BinaryDataDecoder().decode<BinaryCookies>(bytes);
+    cookies.remove([&](const BinaryCookies::Cookie& cookie) {
+        return referenceSeconds(cookie.creationDate) < oldestKept;
+    });
+    return BinaryDataEncoder().encode(cookies).size();
+}
+
+SafariHistoryCleanableDatabase safari(const std::string& path) {
+    return {path, FileManager::defaultManager()};
+}
+
 std::uint64_t done(std::uint64_t figure = 0) {
     return figure;
 }
@@ -106,6 +128,10 @@ int main(int argc, char** argv) {
         {"history-size-patterns", [&] { return rows(history(path).size(including(argument))); }},
         {"history-size-dates",  [&] { return rows(history(path).size(between(argument))); }},
         {"history-clean",       [&] { history(path).clean(including(argument)); return done(); }},
+        {"safari-size",         [&] { return rows(safari(path).size(including(argument))); }},
+        {"safari-clean",        [&] { safari(path).clean(including(argument)); return done(); }},
+        {"cookies-read",        [&] { return readCookies(path); }},
+        {"cookies-rewrite",     [&] { return rewriteCookies(path, std::atof(argument.c_str())); }},
         {"bookmarks",           [&] { return bookmarks(path); }},
         {"notifications",       [&] { return notifications(path); }},
     };

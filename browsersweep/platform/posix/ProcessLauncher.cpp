@@ -7,22 +7,10 @@
 #include <sys/types.h>
 #include <sys/wait.h>
 
-#if defined(__APPLE__)
-#include <crt_externs.h>
-#else
-#include <unistd.h>
-#endif
+#include "browsersweep/platform/posix/ProcessEnvironment.h"
 
 namespace browsersweep {
 namespace {
-
-char** environment() noexcept {
-#if defined(__APPLE__)
-    return *_NSGetEnviron();
-#else
-    return ::environ;
-#endif
-}
 
 void waitFor(pid_t process) noexcept {
     int status = 0;
@@ -43,7 +31,7 @@ public:
         pointers.push_back(nullptr);
         pid_t process = 0;
         if (::posix_spawn(&process, executable.c_str(), nullptr, nullptr, pointers.data(),
-                          environment()) == 0) {
+                          posix::processEnvironment()) == 0) {
             waitFor(process);
         }
     }
