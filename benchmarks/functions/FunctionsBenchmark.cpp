@@ -1,8 +1,8 @@
-#include <benchmark/benchmark.h>
-
 #include <cstdint>
 #include <string>
 #include <vector>
+
+#include <benchmark/benchmark.h>
 
 #include "browsersweep/platform/DecimalText.h"
 #include "browsersweep/platform/Json.h"
