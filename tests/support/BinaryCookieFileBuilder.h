@@ -16,7 +16,9 @@ class ByteText {
 public:
     ByteText& little(std::uint64_t value, unsigned width) {
         for (unsigned index = 0; index < width; ++index) {
-            data_.push_back(static_cast<std::uint8_t>(value >> (8 * index)));
+            // Wider than the value are only runs of zeros.
+            data_.push_back(index < sizeof value ? static_cast<std::uint8_t>(value >> (8 * index))
+                                                 : std::uint8_t{0});
         }
         return *this;
     }
