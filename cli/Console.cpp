@@ -13,7 +13,14 @@
 namespace browsersweep::cli {
 namespace {
 
-/** Writes everything, or gives the system's error number. */
+/** What a file system reports only when a descriptor is closed, such as a full remote disk. */
+int errorOfClosing(int descriptor) noexcept {
+    const int copy = ::dup(descriptor);
+    return copy < 0 || ::close(copy) != 0 ? errno : 0;
+}
+
+}  // namespace
+
 int writeAll(int descriptor, std::string_view text) noexcept {
     while (!text.empty()) {
         const auto written = ::write(descriptor, text.data(), text.size());
@@ -25,14 +32,6 @@ int writeAll(int descriptor, std::string_view text) noexcept {
     }
     return 0;
 }
-
-/** What a file system reports only when a descriptor is closed, such as a full remote disk. */
-int errorOfClosing(int descriptor) noexcept {
-    const int copy = ::dup(descriptor);
-    return copy < 0 || ::close(copy) != 0 ? errno : 0;
-}
-
-}  // namespace
 
 void Console::occupyStandardStreams() noexcept {
     int descriptor = STDIN_FILENO;

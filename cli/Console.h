@@ -7,6 +7,9 @@
 
 namespace browsersweep::cli {
 
+/** Writes everything to a descriptor, or gives the system's error number. */
+int writeAll(int descriptor, std::string_view text) noexcept;
+
 /** The program's three standard streams, used through their descriptors. */
 class Console {
 public:

@@ -153,8 +153,13 @@ public:
 
     void fill(BrowserSizes& row, const BrowserCleaner& cleaner) const {
         CleanableDataMap data;
-        row.error =
-            attempt(observer_, [&] { data = cleaner.cleanableData(predicateOf(options_)); });
+        std::vector<ProfileData> profiles;
+        row.error = attempt(observer_, [&] {
+            data = cleaner.cleanableData(predicateOf(options_));
+            if (options_.html) {
+                profiles = profileData(cleaner);
+            }
+        });
         if (row.error) {
             return;
         }
@@ -164,16 +169,53 @@ public:
                 add(category, list, row);
             }
         }
+        addProfiles(profiles, row);
     }
 
 private:
-    void add(CleanableDataCategory category, const CleanableDataList& list,
-             BrowserSizes& row) const {
-        observer_.begin(category);
+    struct ProfileData {
+        ProfileRow profile;
+        CleanableDataMap data;
+    };
+
+    std::vector<ProfileData> profileData(const BrowserCleaner& cleaner) const {
+        std::vector<ProfileData> all;
+        for (const auto& profile : selectedProfiles(options_, cleaner)) {
+            all.push_back({rowOf(*profile), profile->cleanableData()});
+        }
+        return all;
+    }
+
+    /** A browser's only profile has the browser's sizes, so that nothing is measured twice. */
+    void addProfiles(const std::vector<ProfileData>& profiles, BrowserSizes& row) const {
+        for (const auto& each : profiles) {
+            row.profiles.push_back(
+                {each.profile, profiles.size() == 1 ? row.categories : sizesOf(each.data)});
+        }
+    }
+
+    std::vector<CategorySize> sizesOf(const CleanableDataMap& data) const {
+        std::vector<CategorySize> parts;
+        for (const auto& [category, list] : data.lists()) {
+            if (options_.selection.includes(category)) {
+                parts.push_back(sizeOf(category, list));
+            }
+        }
+        return parts;
+    }
+
+    CategorySize sizeOf(CleanableDataCategory category, const CleanableDataList& list) const {
         CategorySize part{};
         part.category = category;
         part.requiresClosedBrowserToClean = list.requiresClosedBrowserToClean();
         part.error = attempt(observer_, [&] { part.size = measured(list, measure_, options_); });
+        return part;
+    }
+
+    void add(CleanableDataCategory category, const CleanableDataList& list,
+             BrowserSizes& row) const {
+        observer_.begin(category);
+        auto part = sizeOf(category, list);
         tellOfDatabases(category, list, row.browser);
         row.size = *row.size + part.size.value_or(CleanableDataSize::zero);
         row.requiresClosedBrowserToClean |= part.requiresClosedBrowserToClean;

@@ -8,6 +8,8 @@ std::string helpText() {
 examples
   browsersweep size
       what every browser keeps
+  browsersweep size --html sizes.html
+      the same, and a page with charts, for a web browser
   browsersweep size --browser googleChrome --category history
       the history of one browser
   browsersweep clean --dry-run --browser firefox --outside 2024-01-01..
@@ -49,6 +51,7 @@ filters (size and clean; repeatable, applied in the order given)
 options
   --home DIR            act on the Library folder under DIR instead of the user's home
   --ignore-errors       size and clean: carry on over errors; the figures become approximate
+  --html FILE           size: write a page with charts and a table to FILE as well
   --dry-run             clean: say what would be removed and delete nothing
   --yes                 clean: do not ask (needed when standard input is no terminal)
   --force               clean: go on although a selected browser seems to be running

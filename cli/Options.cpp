@@ -27,7 +27,7 @@ constexpr std::array commands{
     std::pair{std::string_view("notifications"), Command::notifications},
 };
 
-enum class Scope { everywhere, sizeAndClean, clean };
+enum class Scope { everywhere, sizeAndClean, size, clean };
 
 struct OptionRow {
     std::string_view name;
@@ -49,6 +49,7 @@ constexpr std::array optionTable{
     OptionRow{"--outside",       true,  Scope::sizeAndClean},
     OptionRow{"--filter",        true,  Scope::sizeAndClean},
     OptionRow{"--ignore-errors", false, Scope::sizeAndClean},
+    OptionRow{"--html",          true,  Scope::size},
     OptionRow{"--dry-run",       false, Scope::clean},
     OptionRow{"--yes",           false, Scope::clean},
     OptionRow{"--force",         false, Scope::clean},
@@ -57,6 +58,7 @@ constexpr std::array optionTable{
 
 std::vector<std::string_view> optionNames() {
     std::vector<std::string_view> names{"--help", "--version"};
+    names.reserve(names.size() + optionTable.size());
     for (const auto& row : optionTable) {
         names.push_back(row.name);
     }
@@ -76,6 +78,7 @@ const OptionRow* findOption(std::string_view name) {
  */
 std::vector<std::string> joinValues(const std::vector<std::string>& arguments) {
     std::vector<std::string> joined;
+    joined.reserve(arguments.size());
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
         if (argument == "--") {
@@ -190,8 +193,23 @@ Command commandOf(const std::vector<std::string>& positionals) {
 }
 
 bool isAllowed(Scope scope, Command command) noexcept {
-    return scope == Scope::everywhere || command == Command::clean ||
-           (scope == Scope::sizeAndClean && command == Command::size);
+    switch (scope) {
+        case Scope::everywhere:
+            return true;
+        case Scope::sizeAndClean:
+            return command == Command::size || command == Command::clean;
+        case Scope::size:
+            return command == Command::size;
+        case Scope::clean:
+            return command == Command::clean;
+    }
+    return false;
+}
+
+std::string_view commandsOf(Scope scope) noexcept {
+    constexpr std::array<std::string_view, 4> names{"any command", "the commands size and clean",
+                                                    "the command size", "the command clean"};
+    return names.at(static_cast<std::size_t>(scope));
 }
 
 void requireKnownOptions(const RawCommandLine& raw) {
@@ -205,9 +223,8 @@ void requireKnownOptions(const RawCommandLine& raw) {
 void requireOptionsOfCommand(const RawCommandLine& raw, Command command) {
     for (const auto& row : optionTable) {
         if (raw.has(row.name) && !isAllowed(row.scope, command)) {
-            throw UsageError(fmt::format(
-                "{} belongs to {}; leave it out", row.name,
-                row.scope == Scope::clean ? "the command clean" : "the commands size and clean"));
+            throw UsageError(
+                fmt::format("{} belongs to {}; leave it out", row.name, commandsOf(row.scope)));
         }
     }
 }
@@ -232,9 +249,10 @@ std::vector<std::string_view> rawValues(const Cases& cases) {
     return names;
 }
 
-std::filesystem::path homeOf(const std::string& text) {
+std::filesystem::path pathFrom(std::string_view name, const std::string& text,
+                               std::string_view meaning) {
     if (text.empty()) {
-        throw UsageError("--home is empty; give the folder that holds Library");
+        throw UsageError(fmt::format("{} is empty; give the {}", name, meaning));
     }
     return std::filesystem::absolute(text);
 }
@@ -259,7 +277,9 @@ void addFilter(std::string_view name, const std::string& text,
 void takeValue(std::string_view name, const std::string& text, Options& options) {
     auto& selection = options.selection;
     if (name == "--home") {
-        options.home = homeOf(text);
+        options.home = pathFrom(name, text, "folder that holds Library");
+    } else if (name == "--html") {
+        options.html = pathFrom(name, text, "file to write");
     } else if (name == "--browser") {
         selection.browsers.push_back(
             known("browser", text, browserFromRawValue(text), rawValues(allBrowsers)));
@@ -274,14 +294,19 @@ void takeValue(std::string_view name, const std::string& text, Options& options)
     }
 }
 
+void requireOnce(const RawCommandLine& raw, std::string_view name, std::string_view value) {
+    if (const auto found = raw.counts.find(name); found != raw.counts.end() && found->second > 1) {
+        throw UsageError(fmt::format("{} is given twice; give one {}", name, value));
+    }
+}
+
 Options optionsFrom(const RawCommandLine& raw) {
     requireKnownOptions(raw);
     Options options;
     options.command = commandOf(raw.positionals);
     requireOptionsOfCommand(raw, options.command);
-    if (const auto home = raw.counts.find("--home"); home != raw.counts.end() && home->second > 1) {
-        throw UsageError("--home is given twice; give one folder");
-    }
+    requireOnce(raw, "--home", "folder");
+    requireOnce(raw, "--html", "file");
     for (const auto& [name, text] : raw.values) {
         takeValue(name, text, options);
     }

@@ -35,6 +35,7 @@ struct Options {
     Selection selection;
     std::vector<CleanableDataFilter> filters;  ///< in the order of the command line
     std::optional<std::filesystem::path> home;
+    std::optional<std::filesystem::path> html;  ///< where a page of the sizes is written
     bool ignoreErrors = false;
     bool dryRun = false;
     bool yes = false;

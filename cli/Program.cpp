@@ -2,20 +2,25 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <exception>
 #include <optional>
 #include <string_view>
+#include <system_error>
 #include <variant>
 
+#include <fmt/chrono.h>
 #include <fmt/format.h>
 
 #include "cli/Appearance.h"
 #include "cli/Console.h"
 #include "cli/ErrorText.h"
 #include "cli/Gather.h"
+#include "cli/HTMLReport.h"
 #include "cli/Host.h"
 #include "cli/Interruption.h"
 #include "cli/JSONReport.h"
+#include "cli/NewFile.h"
 #include "cli/Options.h"
 #include "cli/Progress.h"
 #include "cli/Report.h"
@@ -52,15 +57,35 @@ public:
         if (isDeletion() && (!mayDelete() || !isConfirmed())) {
             return somethingFailed;
         }
+        std::optional<NewFile> page;
+        if (options_.html) {
+            page.emplace(*options_.html);
+        }
         const Report report = gatherWithProgress();
+        const bool isPageWritten = !page || writePage(report, *page);
         const auto signal = interruption_.take();
         interruption_.letThrough();
         console_.writeOutput(options_.json ? jsonText(report)
                                            : peopleText(report, outputAppearance()));
-        return exitStatus(report, signal);
+        const int status = exitStatus(report, signal);
+        return isPageWritten ? status : std::max<int>(status, somethingFailed);
     }
 
 private:
+    /** The report is still worth printing where the page cannot be written. */
+    bool writePage(const Report& report, NewFile& page) const {
+        const auto date = fmt::format(
+            "{:%Y-%m-%d %H:%M}", fmt::gmtime(std::chrono::time_point_cast<std::chrono::minutes>(
+                                     std::chrono::system_clock::now())));
+        try {
+            page.finish(htmlText(std::get<SizesReport>(report), {date, !options_.filters.empty()}));
+            return true;
+        } catch (const std::system_error& error) {
+            console_.note(error.what());
+            return false;
+        }
+    }
+
     bool isDeletion() const noexcept {
         return options_.command == Command::clean && !options_.dryRun;
     }

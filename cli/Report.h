@@ -44,12 +44,17 @@ struct CategorySize {
     std::optional<CleanableDataSize> size;  ///< absent where the category failed
     bool requiresClosedBrowserToClean = false;
 };
+struct ProfileSizes {
+    ProfileRow profile;
+    std::vector<CategorySize> categories;
+};
 struct BrowserSizes {
     Browser browser = allBrowsers.front();
     std::optional<std::string> error;
     std::optional<CleanableDataSize> size;  ///< absent where the profiles cannot be read
     bool requiresClosedBrowserToClean = false;
     std::vector<CategorySize> categories;
+    std::vector<ProfileSizes> profiles;  ///< only where a page is wanted
 };
 enum class Measure { present, removed, wouldBeRemoved };
 struct SizesReport {

@@ -89,7 +89,8 @@ protected:
         lists[CleanableDataCategory::cache] = CleanableDataList({cache});
         lists[CleanableDataCategory::history] = CleanableDataList({history});
         FakeReader reader;
-        reader.profiles_.push_back(std::make_shared<FakeProfile>(CleanableDataMap(lists)));
+        reader.profiles_.assign(profileCount_,
+                                std::make_shared<FakeProfile>(CleanableDataMap(lists)));
         return [reader](Browser browser) -> std::unique_ptr<const BrowserCleaner> {
             return std::make_unique<FakeCleaner>(browser == Browser::opera ? reader : FakeReader{});
         };
@@ -100,6 +101,7 @@ protected:
     }
 
     Options options_;
+    std::size_t profileCount_ = 1;
     RecordingItem::Record record_ = std::make_shared<std::vector<std::string>>();
     FakeObserver observer_;
 };
@@ -173,6 +175,38 @@ TEST_F(Gather, theObserverHearsEveryStep) {
     sizes(false);
     EXPECT_EQ(observer_.steps,
               (std::vector<std::string>{"opera 0/2", "cache", "history", "safari 1/2"}));
+}
+
+TEST_F(Gather, profilesAreMeasuredOnlyForAPage) {
+    options_.command = Command::size;
+    EXPECT_TRUE(sizes(false).browsers[0].profiles.empty());
+}
+
+TEST_F(Gather, theOnlyProfileHasTheBrowsersSizesAndIsNotMeasuredAgain) {
+    options_.command = Command::size;
+    sizes(false);
+    const auto once = record_->size();
+    options_.html = "unused";
+    const auto browser = sizes(false).browsers[0];
+    EXPECT_EQ(record_->size(), 2 * once);
+    ASSERT_EQ(browser.profiles.size(), 1U);
+    ASSERT_EQ(browser.profiles[0].categories.size(), 2U);
+    EXPECT_EQ(browser.profiles[0].categories[1].size, browser.categories[1].size);
+}
+
+TEST_F(Gather, eachOfSeveralProfilesHasItsOwnSizesAndErrors) {
+    options_.command = Command::size;
+    options_.html = "unused";
+    profileCount_ = 2;
+    const auto browser = sizes(true).browsers[0];
+    EXPECT_EQ(browser.categories[0].size, (CleanableDataSize{{10}, {100}}));
+    ASSERT_EQ(browser.profiles.size(), 2U);
+    for (const auto& profile : browser.profiles) {
+        ASSERT_EQ(profile.categories.size(), 2U);
+        EXPECT_EQ(profile.categories[0].size, (CleanableDataSize{{5}, {50}}));
+        EXPECT_EQ(profile.categories[1].size, std::nullopt);
+        EXPECT_EQ(profile.categories[1].error, browser.categories[1].error);
+    }
 }
 
 TEST_F(Gather, bookmarksThatCannotBeListedAreTheBrowsersError) {

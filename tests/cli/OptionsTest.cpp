@@ -67,8 +67,9 @@ TEST(Options, valuesAreTakenAsTheyStand) {
               std::set<std::string>{"-x"});
 }
 
-TEST(Options, aRelativeHomeIsMadeAbsolute) {
+TEST(Options, relativePathsAreMadeAbsolute) {
     EXPECT_EQ(parsed({"size", "--home", "x"}).home, std::filesystem::current_path() / "x");
+    EXPECT_EQ(parsed({"size", "--html", "x"}).html, std::filesystem::current_path() / "x");
 }
 
 TEST(Options, wrongCommandLinesSayWhatIsWrongAndWhatIsRight) {
@@ -92,6 +93,10 @@ TEST(Options, wrongCommandLinesSayWhatIsWrongAndWhatIsRight) {
         {{"size", "--yes"}, "--yes belongs to the command clean; leave it out"},
         {{"bookmarks", "--include=a"},
          "--include belongs to the commands size and clean; leave it out"},
+        {{"browsers", "--html=a"}, "--html belongs to the command size; leave it out"},
+        {{"clean", "--html=a"}, "--html belongs to the command size; leave it out"},
+        {{"size", "--html", ""}, "--html is empty; give the file to write"},
+        {{"size", "--html", "a", "--html=b"}, "--html is given twice; give one file"},
         {{"--home", "a", "--home", "b", "size"}, "--home is given twice; give one folder"},
     };
     for (const auto& row : rows) {

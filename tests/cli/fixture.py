@@ -3,6 +3,7 @@
 import json
 import os
 import pathlib
+import plistlib
 import pty
 import select
 import shutil
@@ -133,6 +134,10 @@ class HostProgramTest(unittest.TestCase):
             "exceptions": {"notifications": {
                 "https://push.example:443,*": {"setting": 1, "last_modified": "1"},
                 "https://no.example:443,*": {"setting": 2, "last_modified": "1"}}}}}}))
+
+        # Safari always has a profile, and a home without its bookmarks is an error.
+        write(self.home / "Library" / "Safari" / "Bookmarks.plist", plistlib.dumps(
+            {"WebBookmarkType": "WebBookmarkTypeList", "Children": []}))
 
     def snapshot(self):
         """Every file of the home with its bytes."""

@@ -155,7 +155,8 @@ class Streams(HostProgramTest):
     def test_a_terminal_without_utf_8_gets_question_marks_and_a_file_the_name(self):
         _, _, screen = self.run_on_terminal("profiles", CHROMIUM, output_too=True)
         self.assertIn("Chromium  Zo? ??   yes", screen)
-        self.assertIn("Chromium  Zo\u00eb \u65e5\u672c  yes", self.run_program("profiles").text)
+        self.assertIn("Chromium  Zo\u00eb \u65e5\u672c  yes",
+                      self.run_program("profiles", CHROMIUM).text)
 
     def test_the_report_stands_on_a_line_of_its_own_when_both_are_one_terminal(self):
         status, _, screen = self.run_on_terminal("browsers", "--browser=safari", output_too=True)

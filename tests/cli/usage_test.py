@@ -127,7 +127,7 @@ class Information(HostProgramTest):
         text = self.run_program("--help").text
         for option in ("--home", "--json", "--browser", "--profile", "--primary-only",
                        "--category", "--include", "--exclude", "--inside", "--outside", "--filter",
-                       "--ignore-errors", "--dry-run", "--yes", "--force", "--help", "--version"):
+                       "--ignore-errors", "--html", "--dry-run", "--yes", "--force", "--help", "--version"):
             self.assertIn(f" {option}", text)
 
     def test_the_lines_of_the_help_fit_a_page(self):
@@ -143,7 +143,7 @@ class Information(HostProgramTest):
         for example in examples:
             with self.subTest(example=example):
                 extra = ["--yes"] if example[0] == "clean" and "--dry-run" not in example else []
-                result = self.run_program(*example, *extra)
+                result = self.run_program(*example, *extra, cwd=self.root)
                 self.assertEqual((result.status, result.error), (0, ""))
 
     def test_version(self):

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+
+#include "cli/Report.h"
+
+namespace browsersweep::cli {
+
+/** What a page says about itself. */
+struct PageFacts {
+    std::string date;  ///< when it was made, in UTC, such as "2024-02-29 12:30"
+    bool isFiltered = false;
+};
+
+/**
+ * The sizes as one page of HTML for people: charts and a table of every browser, category and
+ * profile. It loads nothing and runs nothing, and its own policy forbids both. Names are escaped.
+ */
+std::string htmlText(const SizesReport& report, const PageFacts& facts);
+
+}  // namespace browsersweep::cli

@@ -1,0 +1,121 @@
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "cli/HTMLReport.h"
+
+namespace browsersweep::cli {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+const PageFacts facts{"2024-02-29 12:30", false};
+
+CategorySize cacheOf(std::int64_t bytes) {
+    return {CleanableDataCategory::cache, {}, CleanableDataSize{{1}, {bytes}}, true};
+}
+
+SizesReport sizes() {
+    SizesReport report;
+    report.total = {{3}, {4000}};
+    BrowserSizes opera{};
+    opera.browser = Browser::opera;
+    opera.size = report.total;
+    opera.categories = {cacheOf(3000)};
+    opera.profiles = {{{"Work", true}, {cacheOf(1000)}}, {{{}, false}, {cacheOf(3000)}}};
+    BrowserSizes empty{};
+    empty.browser = Browser::safari;
+    empty.size = CleanableDataSize::zero;
+    report.browsers = {opera, empty};
+    return report;
+}
+
+std::string barOf(const std::string& name, const std::string& width) {
+    return "<li><span class=\"name\"><bdi>" + name + "</bdi></span> <span class=\"value\">" + width;
+}
+
+TEST(HTMLReport, everyBrowserCategoryAndProfileHasABarAndItsValue) {
+    const auto html = htmlText(sizes(), facts);
+    EXPECT_THAT(html, HasSubstr(barOf("Opera", "4.0 KB")));
+    EXPECT_THAT(html, HasSubstr(barOf("Cache", "3.0 KB")));
+    EXPECT_THAT(html, HasSubstr(barOf("Work", "1.0 KB")));
+    EXPECT_THAT(html, HasSubstr(barOf("(no name)", "3.0 KB")));
+    for (const std::string width : {"100.00%", "75.00%", "25.00%"}) {
+        EXPECT_THAT(html, HasSubstr("<rect class=\"bar\" width=\"" + width + "\""));
+    }
+    EXPECT_THAT(html, HasSubstr("No data found: Safari."));
+}
+
+TEST(HTMLReport, everyProfileAndCategoryIsARowOfTheTable) {
+    const auto html = htmlText(sizes(), facts);
+    const std::string start = "<tr><th scope=\"row\"><bdi>Opera</bdi></th><td><bdi>";
+    EXPECT_THAT(html, HasSubstr(start + "Work</bdi></td><td>Cache</td><td class=\"figure\">1</td>"
+                                        "<td class=\"figure\">1.0 KB</td></tr>\n"));
+    EXPECT_THAT(html, HasSubstr(start + "(no name)</bdi></td><td>Cache</td>"
+                                        "<td class=\"figure\">1</td>"
+                                        "<td class=\"figure\">3.0 KB</td></tr>\n"));
+}
+
+TEST(HTMLReport, aBrowserWithOneProfileNeedsNoChartOfProfiles) {
+    auto report = sizes();
+    EXPECT_THAT(htmlText(report, facts), HasSubstr("<h4>By profile</h4>"));
+    report.browsers.front().profiles.pop_back();
+    EXPECT_THAT(htmlText(report, facts), Not(HasSubstr("<h4>By profile</h4>")));
+}
+
+TEST(HTMLReport, namesAndErrorsAreEscaped) {
+    auto report = sizes();
+    report.browsers.front().profiles.front().profile.name = "<b>\"'&\n\u202E\xFF";
+    report.browsers.back().error = "<script>";
+    const auto html = htmlText(report, facts);
+    EXPECT_THAT(html, HasSubstr("<bdi>&lt;b&gt;&quot;&#39;&amp;���</bdi>"));
+    EXPECT_THAT(html, HasSubstr("failed: &lt;script&gt;"));
+    EXPECT_THAT(html, Not(HasSubstr("<script>")));
+}
+
+TEST(HTMLReport, whatFailedIsSaidInTheChartAndInTheTable) {
+    auto report = sizes();
+    auto& opera = report.browsers.front();
+    opera.categories.front() = {CleanableDataCategory::cache, "broken", {}, true};
+    opera.profiles.front().categories = opera.categories;
+    const auto html = htmlText(report, facts);
+    EXPECT_THAT(html, HasSubstr("Cache</bdi></span> <span class=\"value failed\">failed</span>"));
+    EXPECT_THAT(html, HasSubstr("Work</bdi></span> <span class=\"value failed\">failed</span>"));
+    EXPECT_THAT(html,
+                HasSubstr("<td>Cache</td><td class=\"failed\" colspan=\"2\">failed: broken</td>"));
+}
+
+TEST(HTMLReport, anyShareIsSeenAndNoBarIsLongerThanTheWhole) {
+    auto report = sizes();
+    auto& opera = report.browsers.front();
+    opera.categories = {cacheOf(1), cacheOf(0), cacheOf(-5), cacheOf(9000)};
+    opera.profiles.clear();
+    const auto html = htmlText(report, facts);
+    std::string widths;
+    const std::string start = "<rect class=\"bar\" width=\"";
+    for (auto at = html.find(start); at != std::string::npos; at = html.find(start, at + 1)) {
+        const auto from = at + start.size();
+        widths += html.substr(from, html.find('"', from) - from) + " ";
+    }
+    EXPECT_EQ(widths, "100.00% 0.50% 0.00% 0.00% 100.00% ");
+}
+
+TEST(HTMLReport, thePageSaysWhenItWasMadeAndWhatItsFiguresMean) {
+    auto report = sizes();
+    EXPECT_THAT(htmlText(report, facts),
+                HasSubstr("<time datetime=\"2024-02-29 12:30Z\">2024-02-29 12:30 UTC</time>"));
+    EXPECT_THAT(htmlText(report, facts), Not(HasSubstr("given filters")));
+    EXPECT_THAT(htmlText(report, {facts.date, true}), HasSubstr("given filters"));
+    EXPECT_THAT(htmlText(report, facts), Not(HasSubstr("~ means about")));
+    report.total.byteCount.isApproximate = true;
+    EXPECT_THAT(htmlText(report, facts), HasSubstr("~ means about"));
+}
+
+TEST(HTMLReport, nothingFoundIsSaid) {
+    EXPECT_THAT(htmlText({}, facts), HasSubstr("<p>No data was found.</p>"));
+}
+
+}  // namespace
+}  // namespace browsersweep::cli
