@@ -57,6 +57,18 @@ CASES = {
         {"cleanable/A.cpp": "\n#if defined(__APPLE__)"},
         ["browsersweep/cleanable/A.cpp:2: conditional compilation belongs in platform/"],
     ),
+    "the header that C reads": (
+        {"c/browsersweep.h": "#include <stdbool.h>\n#ifdef __cplusplus\n#endif"},
+        [],
+    ),
+    "a header of C elsewhere": (
+        {"cleanable/A.h": "#include <stdbool.h>"},
+        ["browsersweep/cleanable/A.h:1: <stdbool.h> belongs in platform/"],
+    ),
+    "the library uses the interface for C": (
+        {"catalogue/A.h": '#include "browsersweep/c/browsersweep.h"', "c/browsersweep.h": ""},
+        ["browsersweep/catalogue/A.h:1: catalogue/ may not include browsersweep/c/browsersweep.h"],
+    ),
     "a directive inside a comment": ({"cleanable/A.cpp": "/*\n#ifdef X\n*/"}, []),
     "a file that is not there": (
         {"cleanable/A.cpp": '#include "B.h"'},

@@ -1,0 +1,124 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "browsersweep/c/browsersweep.h"
+#include "browsersweep/catalogue/BrowserCleaner.h"
+#include "browsersweep/platform/FileManager.h"
+
+// What stands behind the opaque structures of the C interface. Their names are that interface's.
+// NOLINTBEGIN(readability-identifier-naming)
+
+struct browsersweep_error {
+    browsersweep_error_kind kind;
+    std::string text;
+};
+
+struct browsersweep_home {
+    std::shared_ptr<const browsersweep::FileManager> fileManager;
+};
+
+struct browsersweep_profiles {
+    struct Entry {
+        std::shared_ptr<const browsersweep::BrowserProfile> profile;
+        std::optional<std::string> name;
+    };
+
+    std::vector<Entry> entries;
+};
+
+struct browsersweep_filters {
+    std::vector<browsersweep::CleanableDataFilter> list;
+};
+
+struct browsersweep_data {
+    browsersweep::CleanableDataMap map;
+};
+
+struct browsersweep_bookmarks {
+    std::vector<browsersweep::Bookmark> list;
+};
+
+struct browsersweep_notifications {
+    struct Entry {
+        std::string sourceURL;
+        std::string store;
+    };
+
+    std::vector<Entry> entries;
+};
+
+// NOLINTEND(readability-identifier-naming)
+
+namespace browsersweep::c {
+
+/** The progress function said stop. */
+class Cancelled : public std::runtime_error {
+public:
+    Cancelled() : std::runtime_error("cancelled by the progress function") {}
+};
+
+/** Makes an error of the exception that is being handled. */
+browsersweep_error* errorOfCurrentException();
+
+/**
+ * Runs one function of the interface. An exception becomes an error in the caller's place, if there
+ * is one, and the result of failure: NULL or false.
+ */
+template <typename Work>
+auto guarded(browsersweep_error** place, Work work) noexcept -> decltype(work()) {
+    try {
+        return work();
+    } catch (...) {
+        if (place != nullptr) {
+            *place = errorOfCurrentException();
+        }
+        return {};
+    }
+}
+
+/** What an argument leads to. Throws `std::invalid_argument` for NULL. */
+template <typename Value>
+Value& required(Value* argument, const char* name) {
+    if (argument == nullptr) {
+        throw std::invalid_argument(std::string(name) + " is NULL");
+    }
+    return *argument;
+}
+
+/** Gives a new handle to the caller, who frees it. */
+template <typename Handle>
+Handle* handedOver(Handle handle) {
+    return std::make_unique<Handle>(std::move(handle)).release();
+}
+
+/** Takes a handle back and ends its life. */
+template <typename Handle>
+void takeBack(Handle* handle) noexcept {
+    const std::unique_ptr<Handle> owner(handle);
+}
+
+/** The text as the caller sees it: NULL where there is none. */
+inline const char* textOf(const std::optional<std::string>& text) noexcept {
+    return text ? text->c_str() : nullptr;
+}
+
+/** The entry at an index, or nothing where there is none, or no list. */
+template <typename Entry>
+const Entry* entryAt(const std::vector<Entry>* entries, std::size_t index) noexcept {
+    return entries != nullptr && index < entries->size() ? &(*entries)[index] : nullptr;
+}
+
+/** The cleaner of a browser in a home. Throws `std::invalid_argument`. */
+std::unique_ptr<const BrowserCleaner> cleanerOf(const browsersweep_home* home,
+                                                browsersweep_browser browser);
+
+/** One profile of a list. Throws `std::invalid_argument`. */
+const BrowserProfile& profileAt(const browsersweep_profiles* profiles, std::size_t index);
+
+}  // namespace browsersweep::c

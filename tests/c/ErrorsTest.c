@@ -1,0 +1,98 @@
+#include <stddef.h>
+#include <stdio.h>
+
+#include "browsersweep/c/browsersweep.h"
+
+#include "Rules.h"
+
+/** One error: its kind and a text. It is let go of. */
+static void is_of_kind(const char* words, browsersweep_error_kind kind, browsersweep_error* error) {
+    rule(words, error != NULL && browsersweep_error_get_kind(error) == kind &&
+                    browsersweep_error_text(error)[0] != '\0');
+    browsersweep_error_free(error);
+}
+
+static void wrong_arguments(const browsersweep_home* home) {
+    const browsersweep_error_kind wrong = BROWSERSWEEP_ERROR_INVALID_ARGUMENT;
+    browsersweep_error* error = NULL;
+    rule("no path gives no home", browsersweep_home_at(NULL, &error) == NULL);
+    is_of_kind("no path is a wrong argument", wrong, error);
+    error = NULL;
+    rule("no home gives no profiles", browsersweep_profiles_read(NULL, 0, &error) == NULL);
+    is_of_kind("no home is a wrong argument", wrong, error);
+    error = NULL;
+    rule("a number beyond the browsers gives no data",
+         browsersweep_data_of_browser(home, 13, &error) == NULL);
+    is_of_kind("a number beyond the browsers is a wrong argument", wrong, error);
+    error = NULL;
+    browsersweep_profiles* profiles = browsersweep_profiles_read(home, 0, NULL);
+    rule("an index beyond the profiles gives no data",
+         browsersweep_data_of_profile(profiles, 99, &error) == NULL);
+    browsersweep_profiles_free(profiles);
+    is_of_kind("an index beyond the profiles is a wrong argument", wrong, error);
+    error = NULL;
+    rule("no data has no size",
+         !browsersweep_data_size(NULL, 1, NULL, 0, NULL, NULL, NULL, &error));
+    is_of_kind("no data is a wrong argument", wrong, error);
+}
+
+static void refused_patterns(void) {
+    static const char* const refused[] = {"", "it's", "100%", "a_b", "a\nb", "\x7f", NULL};
+    for (size_t i = 0; i < sizeof refused / sizeof refused[0]; ++i) {
+        const browsersweep_patterns patterns = {true, &refused[i], 1};
+        browsersweep_filters* filters = browsersweep_filters_new(NULL);
+        browsersweep_error* error = NULL;
+        rule("a pattern that would change a statement is refused",
+             !browsersweep_filters_add(filters, &patterns, NULL, &error));
+        is_of_kind("that is a wrong argument", BROWSERSWEEP_ERROR_INVALID_ARGUMENT, error);
+        browsersweep_filters_free(filters);
+    }
+}
+
+static void broken_file(const browsersweep_home* home, const char* folder) {
+    char path[4096];
+    snprintf(path, sizeof path, "%s/Library/Application Support/Google/Chrome/Local State", folder);
+    FILE* file = fopen(path, "w");
+    rule("the file can be broken",
+         file != NULL && fputs("no JSON", file) >= 0 && fclose(file) == 0);
+
+    browsersweep_browser chrome = 0;
+    browsersweep_browser_from_raw_value("googleChrome", &chrome);
+    browsersweep_error* error = NULL;
+    rule("a broken file gives no profiles",
+         browsersweep_profiles_read(home, chrome, &error) == NULL);
+    is_of_kind("a broken file is an error of its format", BROWSERSWEEP_ERROR_FORMAT, error);
+    rule("an error need not be asked for",
+         browsersweep_data_of_browser(home, chrome, NULL) == NULL);
+}
+
+static void nothing(void) {
+    browsersweep_error_free(NULL);
+    browsersweep_home_free(NULL);
+    browsersweep_profiles_free(NULL);
+    browsersweep_filters_free(NULL);
+    browsersweep_data_free(NULL);
+    browsersweep_bookmarks_free(NULL);
+    browsersweep_notifications_free(NULL);
+    rule("no list has no entries", browsersweep_profiles_count(NULL) == 0 &&
+                                       browsersweep_bookmarks_count(NULL) == 0 &&
+                                       browsersweep_notifications_count(NULL) == 0 &&
+                                       browsersweep_data_categories(NULL) == 0);
+    rule("no list has no texts", browsersweep_profiles_name(NULL, 0) == NULL &&
+                                     browsersweep_bookmarks_url(NULL, 0) == NULL &&
+                                     browsersweep_notifications_store(NULL, 0) == NULL);
+    rule("no error has no text", same(browsersweep_error_text(NULL), ""));
+}
+
+int main(int count, char** arguments) {
+    if (count != 2) {
+        return 2;
+    }
+    browsersweep_home* home = browsersweep_home_at(arguments[1], NULL);
+    wrong_arguments(home);
+    refused_patterns();
+    broken_file(home, arguments[1]);
+    nothing();
+    browsersweep_home_free(home);
+    return verdict();
+}
