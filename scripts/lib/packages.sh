@@ -10,11 +10,11 @@ debian_build="g++ cmake ninja-build ccache git python3 sqlite3 tzdata
 debian_test="clang clang-format clang-tidy libclang-rt-14-dev libc++-dev libc++abi-dev
     libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev
     libgnustep-base-dev gobjc-12 gnustep-base-runtime
-    shellcheck strace valgrind gcovr doxygen locales-all"
+    shellcheck strace valgrind gcovr doxygen locales-all pkg-config dpkg-dev"
 
 # Real browsers: without them the tests that drive them are skipped, and reported so.
 debian_optional="chromium firefox-esr"
 
 # SQLite, expat and Foundation come with the system; so does the compiler, with Xcode's tools.
 macos_build="cmake ninja ccache nlohmann-json cli11 fmt"
-macos_test="googletest google-benchmark llvm shellcheck gcovr doxygen"
+macos_test="googletest google-benchmark llvm shellcheck gcovr doxygen pkgconf"
