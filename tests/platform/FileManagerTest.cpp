@@ -297,7 +297,7 @@ void makeDeepChain(const fs::path& root, int depth) {
 }
 
 TEST_F(FileManagerTest, depthCostsNeitherStackNorDescriptors) {
-    constexpr int depth = 3000;
+    constexpr int depth = 1000;
     const auto root = folder.makeFolder("root");
     makeDeepChain(root, depth);
     fs::create_directories(root / "zz/yy");  // something to come back up for
@@ -308,7 +308,7 @@ TEST_F(FileManagerTest, depthCostsNeitherStackNorDescriptors) {
     const auto walk = manager->enumerator(root);
     while (walk->next()) {
         (walk->isDirectory() == true ? folders : files) += 1;
-        if (folders % 500 == 0) {
+        if (folders % 200 == 0) {
             mostOpen = std::max(mostOpen, openDescriptors());
         }
     }
