@@ -1,0 +1,79 @@
+# Completion of browsersweep for bash, also the old one of macOS.
+# The words here are checked against the program's own parser by the tests.
+# shellcheck shell=bash
+
+# _browsersweep_command WORD...: the command among the words, values of options left out.
+_browsersweep_command() {
+    local is_value=no word
+    for word in "$@"; do
+        if [ $is_value = yes ]; then
+            is_value=no
+            [ "$word" != "=" ] || is_value=yes # the shell splits --option=value at the sign
+            continue
+        fi
+        case $word in
+        --home | --browser | --profile | --category | --html) is_value=yes ;;
+        --include | --exclude | --inside | --outside | --filter) is_value=yes ;;
+        browsers | profiles | size | clean | bookmarks | notifications)
+            printf '%s\n' "$word"
+            return
+            ;;
+        esac
+    done
+}
+
+_browsersweep_options() {
+    printf '%s\n' --home --json --browser --profile --primary-only --help --version
+    case $1 in
+    "" | size | clean)
+        printf '%s\n' --category --include --exclude --inside --outside --filter --ignore-errors
+        ;;
+    esac
+    case $1 in "" | size) printf '%s\n' --html ;; esac
+    case $1 in "" | clean) printf '%s\n' --dry-run --yes --force ;; esac
+}
+
+# _browsersweep_offer WORDS: offers those that begin with what is typed.
+_browsersweep_offer() {
+    local word
+    while IFS= read -r word; do
+        [ -z "$word" ] || COMPREPLY+=("$word")
+    done < <(compgen -W "$1" -- "$current")
+}
+
+# _browsersweep_offer_paths ACTION: offers files or folders, spaces and all.
+_browsersweep_offer_paths() {
+    local path
+    if type compopt >/dev/null 2>&1; then compopt -o filenames 2>/dev/null; fi
+    while IFS= read -r path; do
+        COMPREPLY+=("$path")
+    done < <(compgen -A "$1" -- "$current")
+}
+
+_browsersweep() {
+    local browsers="quenbySecureBrowser tarrowSecureBrowser brave chromium firefox googleChrome
+        microsoftEdge orvo brellisPrivateBrowser opera safari vivaldi yandexBrowser"
+    local categories="cache history httpCookies flashCookies formData localStorage"
+    local commands="browsers profiles size clean bookmarks notifications"
+    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} command
+    COMPREPLY=()
+    if [ "$current" = "=" ]; then
+        current=""
+    elif [ "$previous" = "=" ] && [ "$COMP_CWORD" -ge 2 ]; then
+        previous=${COMP_WORDS[COMP_CWORD - 2]}
+    fi
+    case $previous in
+    --browser) _browsersweep_offer "$browsers" && return ;;
+    --category) _browsersweep_offer "$categories" && return ;;
+    --home) _browsersweep_offer_paths directory && return ;;
+    --html) _browsersweep_offer_paths file && return ;;
+    --profile | --include | --exclude | --inside | --outside | --filter) return ;;
+    esac
+    command=$(_browsersweep_command "${COMP_WORDS[@]:1:COMP_CWORD-1}")
+    case $current in
+    -*) _browsersweep_offer "$(_browsersweep_options "$command")" ;;
+    *) [ -n "$command" ] || _browsersweep_offer "$commands" ;;
+    esac
+}
+
+complete -F _browsersweep browsersweep
