@@ -82,11 +82,11 @@ const char* browsersweep_browser_bundle_identifier(browsersweep_browser browser)
     });
 }
 
-bool browsersweep_browser_from_raw_value(const char* raw_value, browsersweep_browser* browser) {
-    if (raw_value == nullptr || browser == nullptr) {
+bool browsersweep_browser_from_raw_value(const char* text, browsersweep_browser* browser) {
+    if (text == nullptr || browser == nullptr) {
         return false;
     }
-    const auto found = bs::browserFromRawValue(raw_value);
+    const auto found = bs::browserFromRawValue(text);
     if (found) {
         *browser = static_cast<browsersweep_browser>(*found);
     }
@@ -104,11 +104,11 @@ const char* browsersweep_category_raw_value(browsersweep_category category) {
                : nullptr;
 }
 
-bool browsersweep_category_from_raw_value(const char* raw_value, browsersweep_category* category) {
-    if (raw_value == nullptr || category == nullptr) {
+bool browsersweep_category_from_raw_value(const char* text, browsersweep_category* category) {
+    if (text == nullptr || category == nullptr) {
         return false;
     }
-    const auto found = bs::cleanableDataCategoryFromRawValue(raw_value);
+    const auto found = bs::cleanableDataCategoryFromRawValue(text);
     if (found) {
         *category = static_cast<browsersweep_category>(*found);
     }

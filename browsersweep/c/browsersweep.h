@@ -26,6 +26,9 @@
  * from a function that reports no errors.
  */
 
+// C has no namespaces, names types with typedef, and has these headers under these names.
+// NOLINTBEGIN(readability-identifier-naming,modernize-use-using,modernize-deprecated-headers)
+
 #include <stdbool.h>
 #include <stddef.h>
 #include <stdint.h>
@@ -35,9 +38,6 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
-
-// C has no namespaces and names types with typedef.
-// NOLINTBEGIN(readability-identifier-naming,modernize-use-using,modernize-deprecated-headers)
 
 /** The version of the library, such as "0.1.0". */
 BROWSERSWEEP_EXPORT const char* browsersweep_version(void);
@@ -82,7 +82,7 @@ BROWSERSWEEP_EXPORT const char* browsersweep_browser_bundle_identifier(
     browsersweep_browser browser);
 
 /** Finds the browser of exactly this raw value; false where there is none. */
-BROWSERSWEEP_EXPORT bool browsersweep_browser_from_raw_value(const char* raw_value,
+BROWSERSWEEP_EXPORT bool browsersweep_browser_from_raw_value(const char* text,
                                                              browsersweep_browser* browser);
 
 /** The kinds of data. The values are kept; sets of them are made with `BROWSERSWEEP_SET_OF`. */
@@ -111,7 +111,7 @@ BROWSERSWEEP_EXPORT size_t browsersweep_category_count(void);
 BROWSERSWEEP_EXPORT const char* browsersweep_category_raw_value(browsersweep_category category);
 
 /** Finds the category of exactly this raw value; false where there is none. */
-BROWSERSWEEP_EXPORT bool browsersweep_category_from_raw_value(const char* raw_value,
+BROWSERSWEEP_EXPORT bool browsersweep_category_from_raw_value(const char* text,
                                                               browsersweep_category* category);
 
 /** The home folder whose Library folder is examined. */
