@@ -128,7 +128,7 @@ Rule ruleOf(const JSON& object, const std::array<std::pair<std::string_view, Rul
             }
         }
     }
-    refuse(fmt::format("the \"rule\" must be \"{}\" or \"{}\"", rules[0].first, rules[1].first));
+    refuse(fmt::format(R"(the "rule" must be "{}" or "{}")", rules[0].first, rules[1].first));
 }
 
 Patterns patternsFromJSON(const JSON& value) {
