@@ -7,8 +7,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-void countOrThrow(FaultPlan& plan, const fs::path& path) {
-    if (plan.nextFails()) {
+void countOrThrow(FaultPlan& plan, std::string_view function, const fs::path& path) {
+    if (plan.nextFails(function, path)) {
         throw fs::filesystem_error("injected", path, std::make_error_code(plan.error()));
     }
 }
@@ -19,22 +19,23 @@ public:
         : ForwardingEnumerator(std::move(target)), plan_(std::move(plan)) {}
 
     bool next() override {
-        countOrThrow(*plan_, {});
+        countOrThrow(*plan_, "next", {});
         return ForwardingEnumerator::next();
     }
     std::optional<bool> isDirectory() override {
-        countOrThrow(*plan_, name());
+        countOrThrow(*plan_, "isDirectory of entry", name());
         return ForwardingEnumerator::isDirectory();
     }
     std::optional<std::uint64_t> fileSize() override {
-        countOrThrow(*plan_, name());
+        countOrThrow(*plan_, "fileSize of entry", name());
         return ForwardingEnumerator::fileSize();
     }
     std::optional<Date> creationDate() noexcept override {
-        return plan_->nextFails() ? std::nullopt : ForwardingEnumerator::creationDate();
+        return plan_->nextFails("creationDate", name()) ? std::nullopt
+                                                        : ForwardingEnumerator::creationDate();
     }
     void remove() override {
-        countOrThrow(*plan_, name());
+        countOrThrow(*plan_, "remove of entry", name());
         ForwardingEnumerator::remove();
     }
 
@@ -44,59 +45,62 @@ private:
 
 }  // namespace
 
-bool FaultPlan::nextFails() noexcept {
+bool FaultPlan::nextFails(std::string_view function, const fs::path& path) noexcept {
     ++count_;
-    if (fault_.atOperation == 0) {
-        return false;
+    const bool fails = fault_.atOperation != 0 &&
+                       (fault_.duration == Fault::Duration::once ? count_ == fault_.atOperation
+                                                                 : count_ >= fault_.atOperation);
+    if (fails) {
+        failed_.push_back({function, path});
     }
-    return fault_.duration == Fault::Duration::once ? count_ == fault_.atOperation
-                                                    : count_ >= fault_.atOperation;
+    return fails;
 }
 
 FaultyFileManager::FaultyFileManager(std::shared_ptr<const FileManager> target, Fault fault)
     : ForwardingFileManager(std::move(target)), plan_(std::make_shared<FaultPlan>(fault)) {}
 
-void FaultyFileManager::count(const fs::path& path) const {
-    countOrThrow(*plan_, path);
+void FaultyFileManager::count(std::string_view function, const fs::path& path) const {
+    countOrThrow(*plan_, function, path);
 }
 
 FileExistence FaultyFileManager::fileExists(const fs::path& path) const noexcept {
-    return plan_->nextFails() ? FileExistence{} : ForwardingFileManager::fileExists(path);
+    return plan_->nextFails("fileExists", path) ? FileExistence{}
+                                                : ForwardingFileManager::fileExists(path);
 }
 
 FileAttributes FaultyFileManager::attributes(const fs::path& path) const {
-    count(path);
+    count("attributes", path);
     return ForwardingFileManager::attributes(path);
 }
 
 Bytes FaultyFileManager::contents(const fs::path& path) const {
-    count(path);
+    count("contents", path);
     return ForwardingFileManager::contents(path);
 }
 
 void FaultyFileManager::replace(const fs::path& path, BytesView contents) const {
-    count(path);
+    count("replace", path);
     ForwardingFileManager::replace(path, contents);
 }
 
 void FaultyFileManager::copy(const fs::path& from, const fs::path& to) const {
-    count(to);
+    count("copy", to);
     ForwardingFileManager::copy(from, to);
 }
 
 void FaultyFileManager::remove(const fs::path& path) const {
-    count(path);
+    count("remove", path);
     ForwardingFileManager::remove(path);
 }
 
 void FaultyFileManager::createDirectory(const fs::path& path) const {
-    count(path);
+    count("createDirectory", path);
     ForwardingFileManager::createDirectory(path);
 }
 
 std::unique_ptr<DirectoryEnumerator> FaultyFileManager::enumerator(
     const fs::path& directory) const {
-    count(directory);
+    count("enumerator", directory);
     auto target = ForwardingFileManager::enumerator(directory);
     return target ? std::make_unique<FaultyEnumerator>(std::move(target), plan_) : nullptr;
 }

@@ -1,8 +1,12 @@
 #pragma once
 
 #include <cstddef>
+#include <filesystem>
 #include <memory>
+#include <string_view>
 #include <system_error>
+#include <utility>
+#include <vector>
 
 #include "tests/support/ForwardingFileManager.h"
 
@@ -17,19 +21,27 @@ struct Fault {
     Duration duration = Duration::once;
 };
 
+/** An operation that was made to fail: the function's name, and the path or name it was about. */
+struct FailedOperation {
+    std::string_view function;
+    std::filesystem::path path;
+};
+
 /** Counts the operations of a file manager and its enumerators, and says which of them fail. */
 class FaultPlan {
 public:
     explicit FaultPlan(Fault fault) noexcept : fault_(fault) {}
 
     /** Counts one operation; true if it is to fail. */
-    bool nextFails() noexcept;
+    bool nextFails(std::string_view function, const std::filesystem::path& path) noexcept;
     std::size_t operationCount() const noexcept { return count_; }
     std::errc error() const noexcept { return fault_.error; }
+    const std::vector<FailedOperation>& failed() const noexcept { return failed_; }
 
 private:
     Fault fault_;
     std::size_t count_ = 0;
+    std::vector<FailedOperation> failed_;
 };
 
 /**
@@ -43,6 +55,9 @@ public:
     /** How many operations there were so far. */
     std::size_t operationCount() const noexcept { return plan_->operationCount(); }
 
+    /** The operations that failed so far, in their order. */
+    const std::vector<FailedOperation>& failed() const noexcept { return plan_->failed(); }
+
     FileExistence fileExists(const std::filesystem::path& path) const noexcept override;
     FileAttributes attributes(const std::filesystem::path& path) const override;
     Bytes contents(const std::filesystem::path& path) const override;
@@ -54,7 +69,7 @@ public:
         const std::filesystem::path& directory) const override;
 
 private:
-    void count(const std::filesystem::path& path) const;
+    void count(std::string_view function, const std::filesystem::path& path) const;
 
     std::shared_ptr<FaultPlan> plan_;
 };

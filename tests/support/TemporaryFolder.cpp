@@ -3,15 +3,20 @@
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 #include <stdexcept>
+#include <utility>
+
+#include <unistd.h>
 
 namespace browsersweep::tests {
 
 namespace fs = std::filesystem;
 
-TemporaryFolder::TemporaryFolder() {
-    std::string pattern = (fs::temp_directory_path() / "fixture-XXXXXX").string();
+TemporaryFolder::TemporaryFolder() : TemporaryFolder(fs::temp_directory_path()) {}
+
+TemporaryFolder::TemporaryFolder(const fs::path& parent) {
+    std::string pattern = (parent / "fixture-XXXXXX").string();
     if (::mkdtemp(pattern.data()) == nullptr) {
         throw std::runtime_error("cannot make a temporary folder");
     }
@@ -62,12 +67,19 @@ std::vector<std::string> TemporaryFolder::snapshot() const {
     return lines;
 }
 
+fs::path folderInMemory() {
+    const fs::path memory("/dev/shm");
+    return ::access(memory.c_str(), W_OK) == 0 ? memory : fs::temp_directory_path();
+}
+
 std::string readFile(const fs::path& path) {
     std::ifstream stream(path, std::ios::binary);
     if (!stream) {
         throw std::runtime_error("cannot read " + path.string());
     }
-    return {std::istreambuf_iterator<char>(stream), {}};
+    std::ostringstream text;
+    text << stream.rdbuf();  // in blocks, not character by character
+    return std::move(text).str();
 }
 
 }  // namespace browsersweep::tests

@@ -11,6 +11,8 @@ namespace browsersweep::tests {
 class TemporaryFolder {
 public:
     TemporaryFolder();
+    /** In another folder than that for temporary files. */
+    explicit TemporaryFolder(const std::filesystem::path& parent);
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
     ~TemporaryFolder();
@@ -36,5 +38,11 @@ private:
 
 /** A whole file as text. */
 std::string readFile(const std::filesystem::path& path);
+
+/**
+ * A folder that is kept in memory, for tests that write databases a thousand times: there nothing
+ * waits for a disk. The folder for temporary files where the system has none.
+ */
+std::filesystem::path folderInMemory();
 
 }  // namespace browsersweep::tests
