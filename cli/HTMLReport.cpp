@@ -149,14 +149,14 @@ std::string cards(const SizesReport& report) {
 }
 
 std::string figureCells(const CleanableDataSize& size) {
-    return fmt::format("<td class=\"figure\">{}</td><td class=\"figure\">{}</td>",
+    return fmt::format(R"(<td class="figure">{}</td><td class="figure">{}</td>)",
                        countText(size.itemCount), bytesText(size.byteCount));
 }
 
 std::string tableRow(Browser browser, const ProfileRow& profile, const CategorySize& part) {
     const auto figures = part.size
                              ? figureCells(*part.size)
-                             : fmt::format("<td class=\"failed\" colspan=\"2\">failed: {}</td>",
+                             : fmt::format(R"(<td class="failed" colspan="2">failed: {}</td>)",
                                            escaped(part.error.value_or("")));
     return fmt::format("<tr><th scope=\"row\">{}</th><td>{}</td><td>{}</td>{}</tr>\n",
                        isolated(displayName(browser)), isolated(displayName(profile)),

@@ -33,7 +33,8 @@ SizesReport sizes() {
 }
 
 std::string barOf(const std::string& name, const std::string& width) {
-    return "<li><span class=\"name\"><bdi>" + name + "</bdi></span> <span class=\"value\">" + width;
+    return R"(<li><span class="name"><bdi>)" + name + R"(</bdi></span> <span class="value">)" +
+           width;
 }
 
 TEST(HTMLReport, everyBrowserCategoryAndProfileHasABarAndItsValue) {
@@ -43,14 +44,14 @@ TEST(HTMLReport, everyBrowserCategoryAndProfileHasABarAndItsValue) {
     EXPECT_THAT(html, HasSubstr(barOf("Work", "1.0 KB")));
     EXPECT_THAT(html, HasSubstr(barOf("(no name)", "3.0 KB")));
     for (const std::string width : {"100.00%", "75.00%", "25.00%"}) {
-        EXPECT_THAT(html, HasSubstr("<rect class=\"bar\" width=\"" + width + "\""));
+        EXPECT_THAT(html, HasSubstr(R"(<rect class="bar" width=")" + width + R"(")"));
     }
     EXPECT_THAT(html, HasSubstr("No data found: Safari."));
 }
 
 TEST(HTMLReport, everyProfileAndCategoryIsARowOfTheTable) {
     const auto html = htmlText(sizes(), facts);
-    const std::string start = "<tr><th scope=\"row\"><bdi>Opera</bdi></th><td><bdi>";
+    const std::string start = R"(<tr><th scope="row"><bdi>Opera</bdi></th><td><bdi>)";
     EXPECT_THAT(html, HasSubstr(start + "Work</bdi></td><td>Cache</td><td class=\"figure\">1</td>"
                                         "<td class=\"figure\">1.0 KB</td></tr>\n"));
     EXPECT_THAT(html, HasSubstr(start + "(no name)</bdi></td><td>Cache</td>"
@@ -81,10 +82,10 @@ TEST(HTMLReport, whatFailedIsSaidInTheChartAndInTheTable) {
     opera.categories.front() = {CleanableDataCategory::cache, "broken", {}, true};
     opera.profiles.front().categories = opera.categories;
     const auto html = htmlText(report, facts);
-    EXPECT_THAT(html, HasSubstr("Cache</bdi></span> <span class=\"value failed\">failed</span>"));
-    EXPECT_THAT(html, HasSubstr("Work</bdi></span> <span class=\"value failed\">failed</span>"));
+    EXPECT_THAT(html, HasSubstr(R"(Cache</bdi></span> <span class="value failed">failed</span>)"));
+    EXPECT_THAT(html, HasSubstr(R"(Work</bdi></span> <span class="value failed">failed</span>)"));
     EXPECT_THAT(html,
-                HasSubstr("<td>Cache</td><td class=\"failed\" colspan=\"2\">failed: broken</td>"));
+                HasSubstr(R"(<td>Cache</td><td class="failed" colspan="2">failed: broken</td>)"));
 }
 
 TEST(HTMLReport, anyShareIsSeenAndNoBarIsLongerThanTheWhole) {
@@ -94,7 +95,7 @@ TEST(HTMLReport, anyShareIsSeenAndNoBarIsLongerThanTheWhole) {
     opera.profiles.clear();
     const auto html = htmlText(report, facts);
     std::string widths;
-    const std::string start = "<rect class=\"bar\" width=\"";
+    const std::string start = R"(<rect class="bar" width=")";
     for (auto at = html.find(start); at != std::string::npos; at = html.find(start, at + 1)) {
         const auto from = at + start.size();
         widths += html.substr(from, html.find('"', from) - from) + " ";
@@ -105,7 +106,7 @@ TEST(HTMLReport, anyShareIsSeenAndNoBarIsLongerThanTheWhole) {
 TEST(HTMLReport, thePageSaysWhenItWasMadeAndWhatItsFiguresMean) {
     auto report = sizes();
     EXPECT_THAT(htmlText(report, facts),
-                HasSubstr("<time datetime=\"2024-02-29 12:30Z\">2024-02-29 12:30 UTC</time>"));
+                HasSubstr(R"(<time datetime="2024-02-29 12:30Z">2024-02-29 12:30 UTC</time>)"));
     EXPECT_THAT(htmlText(report, facts), Not(HasSubstr("given filters")));
     EXPECT_THAT(htmlText(report, {facts.date, true}), HasSubstr("given filters"));
     EXPECT_THAT(htmlText(report, facts), Not(HasSubstr("~ means about")));
