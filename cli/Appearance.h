@@ -31,7 +31,7 @@ std::optional<std::string> environmentVariable(const char* name);
 bool understandsEscapeSequences(const Environment& environment);
 
 /**
- * Styles are for terminals that understand them, and not for a user who set `NO_COLOR` to anything.
+ * Styles are for terminals that understand them, and not for a user who set `NO_COLOR`.
  * Characters outside ASCII are drawn where the locale is one of UTF-8.
  */
 Appearance appearanceOf(bool isTerminal, const Environment& environment);

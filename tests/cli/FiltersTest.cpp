@@ -77,7 +77,8 @@ TEST(Filters, jsonOfAnyOtherFormIsRefused) {
 }
 
 TEST(Filters, jsonNestedWithoutEndIsRefusedAndDoesNotExhaustTheStack) {
-    EXPECT_THROW(filterFromJSON(std::string(1000000, '[')), UsageError);
+    constexpr std::size_t longestArgument = 131072;
+    EXPECT_THROW(filterFromJSON(std::string(longestArgument, '[')), UsageError);
 }
 
 }  // namespace
