@@ -31,7 +31,8 @@ figcaption { margin-top: .5rem; }
 .chart svg { display: block; flex: 0 0 100%; width: 100%; height: .625rem; }
 .track { fill: var(--track); }
 .bar { fill: var(--bar); }
-.cards { display: grid; margin-top: .75rem; grid-template-columns: repeat(auto-fill, minmax(min(20rem, 100%), 1fr));
+.cards { display: grid; margin-top: .75rem;
+  grid-template-columns: repeat(auto-fill, minmax(min(20rem, 100%), 1fr));
   gap: 1rem; }
 .card { padding: 1rem 1.25rem 1.25rem; border: 1px solid var(--edge); border-radius: .75rem;
   background: var(--card); }
@@ -49,6 +50,6 @@ tbody { border-bottom: 1px solid var(--edge); }
 @media print { body { max-width: none; padding: 0; } .card { break-inside: avoid; } }
 )css";
 
-const std::string_view pageStyleDigest = "Ce47uMsfMr+hbjTolzjlqGYhfcxiQwdzDDhyZu/Vjbs=";
+const std::string_view pageStyleDigest = "+FXTF36Lu9uANDf2xDZFgZUM09tvuDcArKqlmycwj5A=";
 
 }  // namespace browsersweep::cli

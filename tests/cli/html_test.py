@@ -89,7 +89,9 @@ class Contents(PageTest):
     def test_the_table_holds_every_browser_profile_and_category(self):
         history, cookies = (f"~{path.stat().st_size / 1000:.1f} KB"
                             for path in (self.history, self.cookies))
-        total = f"~{(2000 + self.history.stat().st_size + self.cookies.stat().st_size) / 1000:.1f} KB"
+        all_bytes = 2000 + self.history.stat().st_size + self.cookies.stat().st_size
+        total = f"~{all_bytes / 1000:.1f} KB"
+
         def profile(name, cache, past, cookie):
             return [["Chromium", name, "Cache", *cache], ["Chromium", name, "History", *past],
                     ["Chromium", name, "Cookies", *cookie],

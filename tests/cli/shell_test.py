@@ -91,7 +91,7 @@ class Completions(ShellTest):
             text = file.read_text()
             with self.subTest(file=file.name):
                 words = set(re.findall(r"[A-Za-z]+", text))
-                self.assertEqual([w for w in COMMANDS + BROWSERS + CATEGORIES if w not in words], [])
+                self.assertEqual(set(COMMANDS + BROWSERS + CATEGORIES) - words, set())
                 pattern = r"^complete .*-l ([a-z-]+)" if file == FISH else r"--([a-z][a-z-]+)"
                 found = {f"--{name}" for name in re.findall(pattern, text, re.M)} - {"--option"}
                 self.assertEqual(found, set(self.options()))
