@@ -101,6 +101,7 @@ def write_database(path, schema, rows):
     database = sqlite3.connect(path)
     # A sample need not outlive a power cut, and many small databases would wait long for the disk.
     database.execute("PRAGMA synchronous = OFF")
+    database.execute("PRAGMA journal_mode = MEMORY")
     database.executescript(schema)
     for table, (columns, values) in rows.items():
         marks = ", ".join("?" for _ in columns)

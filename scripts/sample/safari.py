@@ -62,6 +62,7 @@ def write_history(path):
     database = sqlite3.connect(path)
     # A sample need not outlive a power cut, and many small databases would wait long for the disk.
     database.execute("PRAGMA synchronous = OFF")
+    database.execute("PRAGMA journal_mode = MEMORY")
     database.executescript(HISTORY)
     for number, page in enumerate(PAGES, 1):
         database.execute(
