@@ -41,6 +41,21 @@ struct RawRepresentation<Word> {
     }
 };
 
+/** Only the value one is valid, as a number of either kind. */
+template <typename Number>
+struct One {
+    bool operator==(const One&) const = default;
+};
+
+template <typename Number>
+struct RawRepresentation<One<Number>> {
+    using RawValue = Number;
+    static RawValue rawValue(One<Number> /*one*/) { return 1; }
+    static std::optional<One<Number>> fromRawValue(RawValue raw) {
+        return raw == 1 ? std::optional(One<Number>()) : std::nullopt;
+    }
+};
+
 namespace {
 
 using List = std::vector<std::uint8_t>;
@@ -152,6 +167,25 @@ TEST(BinaryDecodingContainer, namesEveryFailure) {
         SCOPED_TRACE(each.error);
         EXPECT_EQ(errorOf(each.data, each.read), each.error);
     }
+}
+
+template <typename Number>
+void expectShown(Number raw, const std::string& text) {
+    SCOPED_TRACE(text);
+    const List data = BinaryDataEncoder().encode(raw);
+    const auto error =
+        errorOf(data, [](auto& container) { container.template decode<One<Number>>(); });
+    EXPECT_EQ(error.substr(error.rfind(' ') + 1), text);
+}
+
+TEST(BinaryDecodingContainer, showsAnInvalidFractionWithTheFewestDigits) {
+    expectShown(0.1, "0.1");
+    expectShown(-2.0, "-2.0");
+    expectShown(0.30000000000000004, "0.30000000000000004");
+    expectShown(1e300, "1e+300");
+    expectShown(0.1F, "0.1");
+    EXPECT_EQ(BinaryDataDecoder().decode<One<double>>(BinaryDataEncoder().encode(1.0)),
+              One<double>());
 }
 
 TEST(BinaryDecodingContainer, readsSeveralNumbersAtOnceAsOneByOne) {
