@@ -49,13 +49,41 @@ static void refused_patterns(void) {
     }
 }
 
-static void broken_file(const browsersweep_home* home, const char* folder) {
+/** Puts other contents into a file of Chrome's. */
+static void break_file(const char* folder, const char* name) {
     char path[4096];
-    snprintf(path, sizeof path, "%s/Library/Application Support/Google/Chrome/Local State", folder);
+    snprintf(path, sizeof path, "%s/Library/Application Support/Google/Chrome/%s", folder, name);
     FILE* file = fopen(path, "w");
     rule("the file can be broken",
-         file != NULL && fputs("no JSON", file) >= 0 && fclose(file) == 0);
+         file != NULL && fputs("neither JSON nor a database", file) >= 0 && fclose(file) == 0);
+}
 
+static void broken_database(const browsersweep_home* home, const char* folder) {
+    break_file(folder, "Default/Cookies");
+    browsersweep_browser chrome = 0;
+    browsersweep_browser_from_raw_value("googleChrome", &chrome);
+    browsersweep_data* data = browsersweep_data_of_browser(home, chrome, NULL);
+    const browsersweep_categories cookies = BROWSERSWEEP_SET_OF(BROWSERSWEEP_HTTP_COOKIES);
+    browsersweep_size size = {-1, -1, false, false};
+    browsersweep_error* error = NULL;
+    rule("a broken database cannot be measured",
+         !browsersweep_data_size(data, cookies, NULL, 0, NULL, NULL, &size, &error));
+    is_of_kind("that is an error of a database", BROWSERSWEEP_ERROR_DATABASE, error);
+    rule("the size is left as it was", size.items == -1);
+    error = NULL;
+    rule("ignoring errors measures the rest",
+         browsersweep_data_size(data, cookies, NULL, BROWSERSWEEP_IGNORE_ERRORS, NULL, NULL, &size,
+                                &error));
+    rule("then there is no error", error == NULL);
+    rule("the other profile's cookies are there", size.items > 0);
+    rule("the number is approximate", size.items_are_approximate);
+    rule("an option that means nothing is a wrong argument",
+         !browsersweep_data_size(data, cookies, NULL, 2, NULL, NULL, &size, NULL));
+    browsersweep_data_free(data);
+}
+
+static void broken_file(const browsersweep_home* home, const char* folder) {
+    break_file(folder, "Local State");
     browsersweep_browser chrome = 0;
     browsersweep_browser_from_raw_value("googleChrome", &chrome);
     browsersweep_error* error = NULL;
@@ -91,6 +119,7 @@ int main(int count, char** arguments) {
     browsersweep_home* home = browsersweep_home_at(arguments[1], NULL);
     wrong_arguments(home);
     refused_patterns();
+    broken_database(home, arguments[1]);
     broken_file(home, arguments[1]);
     nothing();
     browsersweep_home_free(home);
