@@ -373,6 +373,7 @@ class Failures(HostProgramTest):
 
     def test_bookmarks_that_are_not_there_are_nothing_there(self):
         write(self.home / "Library" / "Safari" / "History.db", "never read")
+        (self.home / "Library" / "Safari" / "Bookmarks.plist").unlink()
         found = self.error_of("bookmarks", "--browser=safari")
         self.assertTrue(found.startswith("nothing there: "), found)
 
