@@ -19,7 +19,6 @@ PROGRAM = pathlib.Path(
 COOKIES = pathlib.PurePath("Library", "Cookies", "Cookies.binarycookies")
 SQLITE_START = b"SQLite format 3\0"
 FILES_KEPT_PER_FOLDER = 2
-SKIPPED = 77
 
 # Never touched, whatever is selected.
 PRECIOUS = ("Bookmarks", "Bookmarks.plist", "Preferences", "Local State", "profiles.ini",
