@@ -103,11 +103,12 @@ std::string fileURLText(const std::filesystem::path& path) {
 
 }  // namespace
 
-CleanableSafariCookies::CleanableSafariCookies(std::shared_ptr<const FileManager> fileManager)
-    : CleanableSafariCookies(std::move(fileManager), SystemServices::current()) {}
+CleanableSafariCookies::CleanableSafariCookies(
+    const std::shared_ptr<const FileManager>& fileManager)
+    : CleanableSafariCookies(fileManager, SystemServices::current()) {}
 
-CleanableSafariCookies::CleanableSafariCookies(std::shared_ptr<const FileManager> fileManager,
-                                               const SystemServices& services)
+CleanableSafariCookies::CleanableSafariCookies(
+    const std::shared_ptr<const FileManager>& fileManager, const SystemServices& services)
     : CleanableSafariCookies(fileManager,
                              std::make_shared<const FileManagerDirectoryProvider>(fileManager),
                              services) {}

@@ -26,10 +26,10 @@ namespace browsersweep {
 class BROWSERSWEEP_EXPORT CleanableSafariCookies final : public CleanableData {
 public:
     /** Takes the cookie storage, the processes and the log of the running system. */
-    explicit CleanableSafariCookies(std::shared_ptr<const FileManager> fileManager);
+    explicit CleanableSafariCookies(const std::shared_ptr<const FileManager>& fileManager);
 
     /** Takes them from a set of replaceable parts. */
-    CleanableSafariCookies(std::shared_ptr<const FileManager> fileManager,
+    CleanableSafariCookies(const std::shared_ptr<const FileManager>& fileManager,
                            const SystemServices& services);
 
     /** The same with other user directories. */

@@ -23,8 +23,9 @@ struct BROWSERSWEEP_EXPORT OperatingSystemVersion {
      */
     static std::optional<OperatingSystemVersion> parse(std::string_view text) noexcept;
 
-    friend constexpr auto operator<=>(const OperatingSystemVersion&,
-                                      const OperatingSystemVersion&) = default;
+    // NOLINTNEXTLINE(modernize-use-nullptr): clang-tidy 14 takes the comparison with zero for one
+    friend constexpr auto operator<=>(const OperatingSystemVersion& a,
+                                      const OperatingSystemVersion& b) = default;
 };
 
 }  // namespace browsersweep
