@@ -25,6 +25,7 @@ public:
         std::vector<std::string> texts{executable.native()};
         texts.insert(texts.end(), arguments.begin(), arguments.end());
         std::vector<char*> pointers;
+        pointers.reserve(texts.size() + 1);
         for (std::string& text : texts) {
             pointers.push_back(text.data());
         }
