@@ -55,8 +55,8 @@ std::vector<CleanableDataFilter> filters(Input& input) {
     std::vector<CleanableDataFilter> list;
     for (int count = input.byte() % 4; count > 0; --count) {
         auto byPattern = patterns(input);
-        auto byDate = dates(input);
-        list.emplace_back(std::move(byPattern), std::move(byDate));
+        const auto byDate = dates(input);
+        list.emplace_back(std::move(byPattern), byDate);
     }
     return list;
 }

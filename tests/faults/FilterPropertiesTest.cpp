@@ -165,6 +165,21 @@ std::string literal(const std::optional<double>& number) {
     return number ? decimalText(*number) : "NULL";
 }
 
+void insert(const Database& database, const std::string& table,
+            const std::vector<std::string>& values) {
+    std::string statement = "INSERT INTO " + table + " VALUES (";
+    for (const std::string& value : values) {
+        statement.append(&value == &values.front() ? "" : ", ").append(value);
+    }
+    database.execute(statement.append(");"));
+}
+
+/** A time as Firefox stores it. */
+std::string microseconds(double secondsSince2001) {
+    const Date date = dateFromReferenceSeconds(secondsSince2001);
+    return std::to_string(static_cast<std::int64_t>(secondsSince1970(date) * 1e6));
+}
+
 std::int64_t itemCount(const CleanableData& item, const Filters& filters) {
     return item.size(filters).itemCount.value;
 }
@@ -198,8 +213,7 @@ TEST(FilterProperties, aTablesRowsAreSelectedAsAStraightforwardEvaluatorSelectsT
             const Database made(fixture.file);
             made.execute("BEGIN; CREATE TABLE visits (url TEXT, time REAL);");
             for (const Row& row : rows) {
-                made.execute("INSERT INTO visits VALUES (" + literal(row.url) + ", " +
-                             literal(row.time) + ");");
+                insert(made, "visits", {literal(row.url), literal(row.time)});
             }
             made.execute("COMMIT;");
         }
@@ -228,10 +242,8 @@ TEST(FilterProperties, safarisVisitsAreSelectedAsAStraightforwardEvaluatorSelect
                 " history_item INTEGER, visit_time REAL);");
             for (std::size_t index = 0; index < rows.size(); ++index) {
                 const std::string id = std::to_string(index + 1);
-                made.execute("INSERT INTO history_items VALUES (" + id + ", " +
-                             literal(rows[index].url) + ");");
-                made.execute("INSERT INTO history_visits VALUES (" + id + ", " + id + ", " +
-                             literal(rows[index].time) + ");");
+                insert(made, "history_items", {id, literal(rows[index].url)});
+                insert(made, "history_visits", {id, id, literal(rows[index].time)});
             }
             made.execute("COMMIT;");
         }
@@ -248,7 +260,6 @@ TEST(FilterProperties, aFoldersFilesAreCountedAsManyAsAreDeleted) {
     const Fixture fixture;
     EXPECT_TRUE(rc::check([&] {
         fs::remove_all(fixture.home / "cache");
-        std::set<std::string> names;
         for (int count = *rc::gen::inRange(0, 12); count > 0; --count) {
             std::string name = "f" + shortText(6);
             std::replace(name.begin(), name.end(), '/', '-');
@@ -273,14 +284,12 @@ TEST(FilterProperties, bookmarksSurviveEveryCleanOfFirefoxsHistory) {
             for (int id = 1; id <= 8; ++id) {
                 const std::string number = std::to_string(id);
                 const bool isBookmarked = *rc::gen::arbitrary<bool>();
-                made.execute(
-                    "INSERT INTO moz_places (id, url, foreign_count, last_visit_date) "
-                    "VALUES (" +
-                    number + ", 'http://" + shortText(5) + "', " + (isBookmarked ? "1" : "0") +
-                    ", " + decimalText(std::trunc(smallTime() * 1e6)) + ");");
+                insert(made, "moz_places (id, url, foreign_count, last_visit_date)",
+                       {number, literal(std::optional(shortText(5))), isBookmarked ? "1" : "0",
+                        microseconds(smallTime())});
                 if (isBookmarked) {
-                    made.execute("INSERT INTO moz_bookmarks (id, type, fk, title) VALUES (" +
-                                 number + ", 1, " + number + ", 'b');");
+                    insert(made, "moz_bookmarks (id, type, fk, title)",
+                           {number, "1", number, "'b'"});
                 }
             }
             made.execute("COMMIT;");

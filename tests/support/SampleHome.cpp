@@ -328,7 +328,7 @@ std::vector<std::string> SampleHome::harm() const {
         } else if (databases_.count(name) == 1) {
             const std::string verdict = databaseHarm(name);
             if (!verdict.empty()) {
-                found.push_back(name + ": " + verdict);
+                found.push_back(std::string(name).append(": ").append(verdict));
             }
         }
     }
@@ -339,7 +339,7 @@ std::string SampleHome::databaseHarm(const std::string& name) const {
     if (!fs::exists(path() / name)) {
         return "gone";
     }
-    const std::string verdict = Database(path() / name).text("PRAGMA integrity_check");
+    std::string verdict = Database(path() / name).text("PRAGMA integrity_check");
     if (verdict != "ok") {
         return verdict;
     }
