@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -104,6 +105,9 @@ public:
      * than `maximumContentsSize` bytes, or a read that fails is an error.
      */
     virtual Bytes contents(const std::filesystem::path& path) const = 0;
+
+    /** The first bytes of a regular file, fewer where it is shorter. Errors as above. */
+    virtual Bytes firstBytes(const std::filesystem::path& path, std::size_t count) const = 0;
 
     /**
      * Puts other contents in the place of an existing file, all or nothing: whatever happens, the

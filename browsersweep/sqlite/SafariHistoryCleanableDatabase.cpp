@@ -1,7 +1,7 @@
 #include "browsersweep/sqlite/SafariHistoryCleanableDatabase.h"
 
 #include <array>
-#include <fstream>
+#include <cstdint>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -71,15 +71,12 @@ std::filesystem::path withSuffix(const std::filesystem::path& file, std::string_
 
 constexpr std::array<std::string_view, 2> companionSuffixes = {"-wal", "-journal"};
 
-// Two bytes of the header say whether the file is in the mode of write-ahead logs. It is read here
-// and not through the file manager, which knows whole files only: a history may be large.
-bool isInLogMode(const std::filesystem::path& file) {
+// Two bytes of the header say whether the file is in the mode of write-ahead logs.
+bool isInLogMode(const std::filesystem::path& file, const FileManager& fileManager) {
     constexpr std::size_t place = 18;
-    constexpr char logMode = 2;
-    std::array<char, 2> versions{};
-    std::ifstream stream(file, std::ios::binary);
-    stream.seekg(place).read(versions.data(), versions.size());
-    return stream && (versions[0] == logMode || versions[1] == logMode);
+    constexpr std::uint8_t logMode = 2;
+    const Bytes header = fileManager.firstBytes(file, place + 2);
+    return header.size() == place + 2 && (header[place] == logMode || header[place + 1] == logMode);
 }
 
 bool wouldReadingWrite(const std::filesystem::path& file, const FileManager& fileManager) {
@@ -88,7 +85,7 @@ bool wouldReadingWrite(const std::filesystem::path& file, const FileManager& fil
             return true;
         }
     }
-    return isInLogMode(file);
+    return isInLogMode(file, fileManager);
 }
 
 void copyCompanions(const std::filesystem::path& file, const std::filesystem::path& copy,

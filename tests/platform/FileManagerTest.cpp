@@ -95,6 +95,14 @@ TEST_F(FileManagerTest, contentsOfAnEnormousFileAreAnError) {
     EXPECT_EQ(errorOf([&] { manager->contents(file); }), std::errc::file_too_large);
 }
 
+TEST_F(FileManagerTest, firstBytesAreThoseOfTheFileAndNoMoreThanItHas) {
+    folder.write("file", "12345");
+    EXPECT_EQ(manager->firstBytes(folder / "file", 3), bytes("123"));
+    EXPECT_EQ(manager->firstBytes(folder / "file", 5), bytes("12345"));
+    EXPECT_EQ(manager->firstBytes(folder / "file", 9), bytes("12345"));
+    EXPECT_EQ(errorOf([&] { manager->firstBytes(folder.path(), 9); }), std::errc::is_a_directory);
+}
+
 TEST_F(FileManagerTest, replacingKeepsTheModeAndLeavesNothingBeside) {
     const auto file = folder.write("sub/file", "old");
     fs::permissions(file, fs::perms::owner_read | fs::perms::group_read);

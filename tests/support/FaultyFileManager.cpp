@@ -78,6 +78,11 @@ Bytes FaultyFileManager::contents(const fs::path& path) const {
     return ForwardingFileManager::contents(path);
 }
 
+Bytes FaultyFileManager::firstBytes(const fs::path& path, std::size_t length) const {
+    count("firstBytes", path);
+    return ForwardingFileManager::firstBytes(path, length);
+}
+
 void FaultyFileManager::replace(const fs::path& path, BytesView contents) const {
     count("replace", path);
     ForwardingFileManager::replace(path, contents);

@@ -22,6 +22,9 @@ public:
     Bytes contents(const std::filesystem::path& path) const override {
         return target_->contents(path);
     }
+    Bytes firstBytes(const std::filesystem::path& path, std::size_t count) const override {
+        return target_->firstBytes(path, count);
+    }
     void replace(const std::filesystem::path& path, BytesView contents) const override {
         target_->replace(path, contents);
     }

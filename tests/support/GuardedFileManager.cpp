@@ -47,6 +47,10 @@ Bytes GuardedFileManager::contents(const fs::path& path) const {
     return ForwardingFileManager::contents(checked(path));
 }
 
+Bytes GuardedFileManager::firstBytes(const fs::path& path, std::size_t count) const {
+    return ForwardingFileManager::firstBytes(checked(path), count);
+}
+
 void GuardedFileManager::replace(const fs::path& path, BytesView contents) const {
     ForwardingFileManager::replace(checked(path), contents);
 }

@@ -22,6 +22,7 @@ public:
     FileExistence fileExists(const std::filesystem::path& path) const noexcept override;
     FileAttributes attributes(const std::filesystem::path& path) const override;
     Bytes contents(const std::filesystem::path& path) const override;
+    Bytes firstBytes(const std::filesystem::path& path, std::size_t count) const override;
     void replace(const std::filesystem::path& path, BytesView contents) const override;
     void copy(const std::filesystem::path& from, const std::filesystem::path& to) const override;
     void remove(const std::filesystem::path& path) const override;

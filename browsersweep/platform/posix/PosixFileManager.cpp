@@ -68,6 +68,18 @@ Bytes PosixFileManager::contents(const std::filesystem::path& path) const {
     return bytes;
 }
 
+Bytes PosixFileManager::firstBytes(const std::filesystem::path& path, std::size_t count) const {
+    struct stat status {};
+    const FileDescriptor file = openRegularFile(path, status);
+    Bytes bytes(count);
+    std::size_t used = 0;
+    while (const std::size_t more = readSome(file, std::span(bytes).subspan(used), path)) {
+        used += more;
+    }
+    bytes.resize(used);
+    return bytes;
+}
+
 void PosixFileManager::replace(const std::filesystem::path& path, BytesView contents) const {
     replaceFile(path, contents);
 }
