@@ -23,9 +23,11 @@ struct BROWSERSWEEP_EXPORT OperatingSystemVersion {
      */
     static std::optional<OperatingSystemVersion> parse(std::string_view text) noexcept;
 
-    // NOLINTNEXTLINE(modernize-use-nullptr): clang-tidy 14 takes the comparison with zero for one
+    // NOLINTBEGIN(modernize-use-nullptr): clang-tidy 14 takes the defaulted comparison for a
+    // pointer's
     friend constexpr auto operator<=>(const OperatingSystemVersion& a,
                                       const OperatingSystemVersion& b) = default;
+    // NOLINTEND(modernize-use-nullptr)
 };
 
 }  // namespace browsersweep

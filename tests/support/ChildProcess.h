@@ -16,7 +16,7 @@ public:
     using Ready = std::function<void()>;
 
     /** Returns once the work has called its argument. What the work throws ends the child. */
-    explicit ChildProcess(const std::function<void(const Ready&)>& work);
+    explicit ChildProcess(const std::function<void(const Ready&)>& body);
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
     ~ChildProcess();
@@ -29,6 +29,6 @@ private:
  * Runs a piece of a test in a process of a user without rights, who is another than the present one
  * only where that is root. Returns 0 if nothing failed in it; what failed is printed by it.
  */
-int runAsOrdinaryUser(const std::function<void()>& work);
+int runAsOrdinaryUser(const std::function<void()>& body);
 
 }  // namespace browsersweep::tests

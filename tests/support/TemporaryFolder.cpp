@@ -34,7 +34,7 @@ TemporaryFolder::~TemporaryFolder() {
 }
 
 fs::path TemporaryFolder::write(const fs::path& below, std::string_view contents) const {
-    const fs::path file = path_ / below;
+    fs::path file = path_ / below;
     fs::create_directories(file.parent_path());
     std::ofstream stream(file, std::ios::binary);
     stream << contents;
