@@ -11,8 +11,9 @@ target_compile_options(
 # When it optimises, g++ 12 warns of overlapping copies in its own string concatenation and of empty
 # optionals that are never read.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-  target_compile_options(browsersweep_build_options INTERFACE -Wno-restrict
-                                                             -Wno-maybe-uninitialized)
+  target_compile_options(
+    browsersweep_build_options
+    INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict> $<$<COMPILE_LANGUAGE:CXX>:-Wno-maybe-uninitialized>)
 endif()
 
 if(BROWSERSWEEP_SANITIZE)

@@ -51,16 +51,18 @@ bool isContinuation(char character) noexcept {
 
 // The length of the sequence at the start of the text, 0 where there is no valid one.
 std::size_t sequenceLength(std::string_view text) noexcept {
-    const auto* const row = std::ranges::find_if(sequences, [&](const Sequence& sequence) {
-        return byteOf(text[0]) >= sequence.firstLead && byteOf(text[0]) <= sequence.lastLead;
-    });
+    const auto* const row =
+        std::find_if(sequences.begin(), sequences.end(), [&](const Sequence& sequence) {
+            return byteOf(text[0]) >= sequence.firstLead && byteOf(text[0]) <= sequence.lastLead;
+        });
     if (row == sequences.end() || text.size() < row->length) {
         return 0;
     }
     if (row->length > 1 && (byteOf(text[1]) < row->low || byteOf(text[1]) > row->high)) {
         return 0;
     }
-    return std::ranges::all_of(text.substr(1, row->length - 1), isContinuation) ? row->length : 0;
+    const std::string_view rest = text.substr(1, row->length - 1);
+    return std::all_of(rest.begin(), rest.end(), isContinuation) ? row->length : 0;
 }
 
 bool isUTF8(std::string_view text) noexcept {

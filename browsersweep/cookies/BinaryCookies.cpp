@@ -1,5 +1,6 @@
 #include "browsersweep/cookies/BinaryCookies.h"
 
+#include <algorithm>
 #include <array>
 #include <limits>
 #include <numeric>
@@ -45,13 +46,14 @@ void setOffsets(Cookie& cookie, const Offsets& offsets) noexcept {
 }
 
 Offsets sorted(Offsets offsets) noexcept {
-    std::ranges::sort(offsets);
+    std::sort(offsets.begin(), offsets.end());
     return offsets;
 }
 
 // The field that an offset belongs to. Of several with the same offset it is the first.
 std::size_t fieldAt(const Offsets& offsets, std::uint32_t offset) noexcept {
-    return static_cast<std::size_t>(std::ranges::find(offsets, offset) - offsets.begin());
+    return static_cast<std::size_t>(std::find(offsets.begin(), offsets.end(), offset) -
+                                    offsets.begin());
 }
 
 void setText(Cookie& cookie, std::size_t field, std::string text) {
@@ -255,7 +257,8 @@ BinaryCookies::BinaryCookies() : metadata(PropertyList::dictionary({})) {}
 
 BinaryCookies::BinaryCookies(const BinaryDecoder& from) : BinaryCookies() {
     BinaryDecodingContainer& container = from.container();
-    if (!std::ranges::equal(container.peek(magic.size()), magic)) {
+    const auto start = container.peek(magic.size());
+    if (!std::equal(start.begin(), start.end(), magic.begin(), magic.end())) {
         failReading("Magic number is missing or incorrect");
     }
     container.decode(magic.size());

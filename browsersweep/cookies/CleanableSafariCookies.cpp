@@ -42,7 +42,7 @@ bool selects(const CleanableDataFilter& filter, Date creationDate) {
 }
 
 bool selectsFileCookie(CleanableDataFilters filters, const BinaryCookies::Cookie& cookie) {
-    return std::ranges::any_of(filters, [&](const CleanableDataFilter& filter) {
+    return std::any_of(filters.begin(), filters.end(), [&](const CleanableDataFilter& filter) {
         return selects(filter, cookie.creationDate);
     });
 }
@@ -54,9 +54,10 @@ void removeSelected(BinaryCookies& cookies, CleanableDataFilters filters) {
 }
 
 bool hitsDomain(const CleanableDataFilter::Patterns& patterns, const std::string& domain) {
-    return std::ranges::any_of(patterns.patterns, [&](const std::string& pattern) {
-        return localizedCaseInsensitiveContains(domain, pattern);
-    });
+    return std::any_of(patterns.patterns.begin(), patterns.patterns.end(),
+                       [&](const std::string& pattern) {
+                           return localizedCaseInsensitiveContains(domain, pattern);
+                       });
 }
 
 // The last filter whose patterns hit decides; a cookie that none hits is selected.
