@@ -114,7 +114,8 @@ def make_all(folder: Path) -> dict[str, Path]:
     folder.mkdir(parents=True, exist_ok=True)
     return {
         "tree": make_tree(folder / "tree", 200_000),
-        "tree-small": make_tree(folder / "tree-small", 20_000),
+        "tree-small": make_tree(folder / "tree-small", 100_000),
+        "tree-large": make_tree(folder / "tree-large", 1_000_000),
         "history": make_history(folder / "history", 1_000_000),
         "history-small": make_history(folder / "history-small", 100_000),
         "safari": make_safari_history(folder / "safari", 1_000_000),

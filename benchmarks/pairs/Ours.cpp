@@ -1,8 +1,8 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <functional>
-#include <iterator>
 #include <map>
 #include <string>
 #include <vector>
@@ -103,6 +103,16 @@ SafariHistoryCleanableDatabase safari(const std::string& path) {
     return {path, FileManager::defaultManager()};
 }
 
+/** Tells the most memory that the process had, where the system keeps it per program. */
+void tellPeakMemory() {
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.rfind("VmHWM:", 0) == 0) {
+            std::fprintf(stderr, "peak %ld KiB\n", std::atol(line.c_str() + 6));
+        }
+    }
+}
+
 std::uint64_t done(std::uint64_t figure = 0) {
     return figure;
 }
@@ -142,5 +152,6 @@ int main(int argc, char** argv) {
         return 2;
     }
     std::printf("%llu\n", static_cast<unsigned long long>(found->second()));
+    tellPeakMemory();
     return 0;
 }
