@@ -109,7 +109,12 @@ build_only() {
     fi
 }
 
-# build_and_test PRESET: builds and tests one preset. Where the build fails there is nothing to run.
+# build_and_test PRESET [FILTER]: builds and tests one preset. Where the build fails there is nothing
+# to run.
 build_and_test() {
-    if build_only "$1"; then run_tests "$1"; fi
+    if build_only "$1"; then run_tests "$@"; fi
 }
+
+# The tests that repeat the calls of others thousands of times: once in each kind of build is enough.
+# shellcheck disable=SC2034
+all_but_repetitions="-Races.aFolderThatBecomesALink*:*FileFaultsOfOperation*:*everyCorruptionOfOneByte*"
