@@ -83,7 +83,7 @@ run_tests() {
         [ -n "$program" ] || continue
         found=yes
         run_counting python3 "$root/scripts/lib/run-gtest" --shards "$(cpu_count)" \
-            --filter "$filter" "$program"
+            --filter="$filter" "$program"
     done <<EOF_PROGRAMS
 $(find "$folder" -type f -name '*_tests' -perm -u+x | sort)
 EOF_PROGRAMS
