@@ -115,6 +115,6 @@ build_and_test() {
     if build_only "$1"; then run_tests "$@"; fi
 }
 
-# The tests that repeat the calls of others thousands of times: once in each kind of build is enough.
+# The tests that repeat the calls of others thousands of times: a short run leaves them out.
 # shellcheck disable=SC2034
 all_but_repetitions="-Races.aFolderThatBecomesALink*:*FileFaultsOfOperation*:*everyCorruptionOfOneByte*"

@@ -2,7 +2,8 @@
 
 import datetime
 import json
-import sqlite3
+
+from common import NEWEST, day_of, host_of, write_database
 
 # Folder under Application Support and Caches, and whether the browser is an old one: old ones keep
 # addresses in tables of their own and the data of Flash.
@@ -25,7 +26,6 @@ PROFILES = (("Default", "Personal", 1), ("Profile 1", "Work", 2))
 
 HOSTS = ("www.example.com", "news.example.org", "shop.example.net", "mail.example.com")
 PAGES = tuple(f"https://{host}/page/{number}" for number in range(1, 7) for host in HOSTS)
-NEWEST = datetime.datetime(2024, 6, 30, 12, 0, 0)
 EPOCH = datetime.datetime(1601, 1, 1)
 
 HISTORY = """
@@ -137,29 +137,6 @@ CREATE TABLE network_action_predictor(id TEXT PRIMARY KEY, user_text TEXT, url T
 def chromium_time(moment):
     """Microseconds since 1601, which is how these browsers store a time."""
     return (moment - EPOCH) // datetime.timedelta(microseconds=1)
-
-
-def day_of(index):
-    """When the page of this index was last seen: one page a day, backwards from NEWEST."""
-    return NEWEST - datetime.timedelta(days=index)
-
-
-def host_of(page):
-    return page.split("/")[2]
-
-
-def write_database(path, schema, rows):
-    """Makes a database; rows maps a table to (columns, list of tuples)."""
-    database = sqlite3.connect(path)
-    # A sample need not outlive a power cut, and many small databases would wait long for the disk.
-    database.execute("PRAGMA synchronous = OFF")
-    database.execute("PRAGMA journal_mode = MEMORY")
-    database.executescript(schema)
-    for table, (columns, values) in rows.items():
-        marks = ", ".join("?" for _ in columns)
-        database.executemany(f"INSERT INTO {table}({', '.join(columns)}) VALUES({marks})", values)
-    database.commit()
-    database.close()
 
 
 def write_json(path, value):

@@ -2,7 +2,8 @@
 
 import datetime
 import pathlib
-import sqlite3
+
+from common import NEWEST, day_of, host_of, write_database
 
 # Folder, display name, the share of PAGES that the profile has seen, whether it is the default.
 PROFILES = (
@@ -12,7 +13,6 @@ PROFILES = (
 
 HOSTS = ("www.example.com", "news.example.org", "shop.example.net", "mail.example.com")
 PAGES = tuple(f"https://{host}/article/{number}" for number in range(1, 10) for host in HOSTS)
-NEWEST = datetime.datetime(2024, 6, 30, 12, 0, 0)
 EPOCH = datetime.datetime(1970, 1, 1)
 
 PLACES = """
@@ -85,29 +85,6 @@ PRAGMA user_version = 12;
 def microseconds(moment):
     """Microseconds since 1970, which is how Firefox stores a time."""
     return (moment - EPOCH) // datetime.timedelta(microseconds=1)
-
-
-def day_of(index):
-    """When the page of this index was last seen: one page a day, backwards from NEWEST."""
-    return NEWEST - datetime.timedelta(days=index)
-
-
-def host_of(page):
-    return page.split("/")[2]
-
-
-def write_database(path, schema, rows):
-    """Makes a database; rows maps a table to (columns, list of tuples)."""
-    database = sqlite3.connect(path)
-    # A sample need not outlive a power cut, and many small databases would wait long for the disk.
-    database.execute("PRAGMA synchronous = OFF")
-    database.execute("PRAGMA journal_mode = MEMORY")
-    database.executescript(schema)
-    for table, (columns, values) in rows.items():
-        marks = ", ".join("?" for _ in columns)
-        database.executemany(f"INSERT INTO {table}({', '.join(columns)}) VALUES({marks})", values)
-    database.commit()
-    database.close()
 
 
 def write_places(folder, pages):
