@@ -14,7 +14,9 @@ namespace browsersweep {
 /** A source made of two callbacks. */
 class BROWSERSWEEP_EXPORT AnyBufferedDataSource : public BufferedDataSource {
 public:
+    /** What `read` does: at most so many bytes, or nothing at the end. */
     using ReadCallback = std::function<std::optional<std::vector<std::uint8_t>>(std::size_t)>;
+    /** What `isAtEnd` does. */
     using IsAtEndCallback = std::function<bool()>;
 
     /** Neither may be empty. */

@@ -14,8 +14,10 @@ namespace browsersweep {
 /** Reads values from bytes. Bytes that a value leaves unread are no error. */
 class BinaryDataDecoder {
 public:
+    /** Hands the user info to every type that it lets read itself. */
     explicit BinaryDataDecoder(BinaryUserInfo userInfo = {}) : userInfo_(std::move(userInfo)) {}
 
+    /** What the types that read themselves are given. */
     const BinaryUserInfo& userInfo() const noexcept { return userInfo_; }
 
     /** Reads one value from bytes in memory: a buffer, a list. */

@@ -11,8 +11,10 @@ namespace browsersweep {
 /** Writes values as bytes. */
 class BinaryDataEncoder {
 public:
+    /** Hands the user info to every type that it lets write itself. */
     explicit BinaryDataEncoder(BinaryUserInfo userInfo = {}) : userInfo_(std::move(userInfo)) {}
 
+    /** What the types that write themselves are given. */
     const BinaryUserInfo& userInfo() const noexcept { return userInfo_; }
 
     /** The bytes of a value. Throws `BinaryEncodingError`, or what the value throws. */

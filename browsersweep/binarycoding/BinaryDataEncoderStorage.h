@@ -12,7 +12,7 @@ struct BinaryDataEncoderStorage {
     BinaryDataEncoderStorage& operator=(const BinaryDataEncoderStorage&) = delete;
     ~BinaryDataEncoderStorage() = default;
 
-    std::vector<std::uint8_t> data;
+    std::vector<std::uint8_t> data;  ///< all bytes written so far
 };
 
 }  // namespace browsersweep

@@ -10,8 +10,10 @@ class BinaryDecodingContainer;
 /** What a type is given to read itself from. It is a light handle on a container. */
 class BROWSERSWEEP_EXPORT BinaryDecoder {
 public:
+    /** A handle on a container, which must outlive it. */
     explicit BinaryDecoder(BinaryDecodingContainer& container) noexcept : container_(&container) {}
 
+    /** What the caller handed to the `BinaryDataDecoder`. */
     const BinaryUserInfo& userInfo() const noexcept;
 
     /** The container to read from, at the position where the type begins. */

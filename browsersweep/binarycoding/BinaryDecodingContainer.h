@@ -32,10 +32,12 @@ struct IsBinaryDecodable;
 template <typename T>
 concept BinaryDecodable = IsBinaryDecodable<T>::value;
 
+/** Whether a type is `BinaryDecodable`: what the concept asks. */
 template <typename T>
 struct IsBinaryDecodable : std::bool_constant<BinaryNumber<T> || RawRepresentable<T> ||
                                               std::constructible_from<T, const BinaryDecoder&>> {};
 
+/** A list can be read where its elements can. */
 template <typename Element>
 struct IsBinaryDecodable<std::vector<Element>> : IsBinaryDecodable<Element> {};
 
@@ -49,12 +51,14 @@ struct IsBinaryDecodable<std::vector<Element>> : IsBinaryDecodable<Element> {};
  */
 class BROWSERSWEEP_EXPORT BinaryDecodingContainer {
 public:
+    /** Reads from where the data stands, without a limit. Both must outlive it. */
     BinaryDecodingContainer(BufferedData& data, const BinaryUserInfo& userInfo) noexcept
         : data_(&data), userInfo_(&userInfo) {}
     BinaryDecodingContainer(const BinaryDecodingContainer&) = delete;
     BinaryDecodingContainer& operator=(const BinaryDecodingContainer&) = delete;
     ~BinaryDecodingContainer() = default;
 
+    /** What it reads from; the position is the data's own. */
     BufferedData& bufferedData() const noexcept { return *data_; }
 
     /** How many bytes may still be read; absent where there is no limit. */
@@ -62,6 +66,7 @@ public:
 
     /** A decoder at this position. */
     BinaryDecoder decoder() noexcept { return BinaryDecoder(*this); }
+    /** What the caller handed to the `BinaryDataDecoder`. */
     const BinaryUserInfo& userInfo() const noexcept { return *userInfo_; }
 
     /** Reads one value. A list takes elements until this container is at its end. */

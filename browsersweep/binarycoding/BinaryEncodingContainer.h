@@ -16,15 +16,18 @@
 
 namespace browsersweep {
 
+/** A type with a member function `encode` that takes a `BinaryEncoder`. */
 template <typename T>
 concept EncodesItself = requires(const T& value, const BinaryEncoder& encoder) {
     value.encode(encoder);
 };
 
+/** Whether a type is `BinaryEncodable`: what the concept asks. */
 template <typename T>
 struct IsBinaryEncodable
     : std::bool_constant<BinaryNumber<T> || RawRepresentable<T> || EncodesItself<T>> {};
 
+/** A list can be written where its elements can. */
 template <typename Element>
 struct IsBinaryEncodable<std::vector<Element>> : IsBinaryEncodable<Element> {};
 
@@ -38,10 +41,13 @@ concept BinaryEncodable = IsBinaryEncodable<T>::value;
 /** Appends values to the output one after the other. */
 class BROWSERSWEEP_EXPORT BinaryEncodingContainer {
 public:
+    /** Appends to the storage, which must outlive it; types are given the encoder. */
     BinaryEncodingContainer(BinaryDataEncoderStorage& storage, BinaryEncoder encoder) noexcept
         : storage_(&storage), encoder_(encoder) {}
 
+    /** The output with all that was written to it, by whichever container. */
     BinaryDataEncoderStorage& storage() const noexcept { return *storage_; }
+    /** What types that write themselves are given. */
     const BinaryEncoder& encoder() const noexcept { return encoder_; }
 
     /** Writes one value. A list is its elements in order, without a count or separators. */

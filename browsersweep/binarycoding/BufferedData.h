@@ -18,13 +18,15 @@ namespace browsersweep {
  */
 class BROWSERSWEEP_EXPORT BufferedData {
 public:
+    /** The capacity where none is given, in bytes. */
     static constexpr std::size_t defaultCapacity = 1024;
 
     /** What `read(until:)` gives. */
     struct UntilResult {
-        std::vector<std::uint8_t> data;
-        bool didFindDelimiter = false;
+        std::vector<std::uint8_t> data;  ///< the bytes, without the delimiter
+        bool didFindDelimiter = false;   ///< false where the data ended first
 
+        /** Whether all fields are equal. */
         friend bool operator==(const UntilResult&, const UntilResult&) = default;
     };
 
@@ -43,6 +45,7 @@ public:
     std::span<const std::uint8_t> buffer() const noexcept {
         return std::span<const std::uint8_t>(buffer_).subspan(position_);
     }
+    /** The source that it reads. */
     const BufferedDataSource& reader() const noexcept { return *reader_; }
 
     /** Consumes up to so many bytes; fewer only at the end of the data. */

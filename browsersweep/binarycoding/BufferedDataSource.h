@@ -12,8 +12,8 @@ namespace browsersweep {
 
 /** Bytes up to a delimiter, which is taken too and is not part of them. */
 struct DelimitedBytes {
-    std::span<const std::uint8_t> data;
-    bool didFindDelimiter = false;
+    std::span<const std::uint8_t> data;  ///< the bytes, without the delimiter
+    bool didFindDelimiter = false;       ///< false where the limit or the end came first
 };
 
 /** Where a `BufferedData` gets its bytes from, in order and once. */

@@ -14,6 +14,7 @@ namespace browsersweep {
 /** A source over bytes in memory, which it does not copy: they must outlive it. */
 class BROWSERSWEEP_EXPORT DataBufferedDataSource final : public BufferedDataSource {
 public:
+    /** Hands out these bytes from the first on. */
     explicit DataBufferedDataSource(std::span<const std::uint8_t> data) noexcept : data_(data) {}
 
     /** The bytes not handed out yet. */

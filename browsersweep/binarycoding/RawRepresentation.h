@@ -17,14 +17,18 @@ namespace browsersweep {
 template <typename T>
 struct RawRepresentation;
 
+/** The general form: what the type itself says. */
 template <typename T>
 requires requires(const T& value, typename T::RawValue raw) {
     { value.rawValue() } -> std::convertible_to<typename T::RawValue>;
     { T::fromRawValue(raw) } -> std::same_as<std::optional<T>>;
 }
 struct RawRepresentation<T> {
+    /** The number or text that stands for a value. */
     using RawValue = typename T::RawValue;
+    /** What is written for a value. */
     static constexpr RawValue rawValue(const T& value) { return value.rawValue(); }
+    /** The value read; nothing for a raw value that stands for none. */
     static constexpr std::optional<T> fromRawValue(RawValue raw) { return T::fromRawValue(raw); }
 };
 

@@ -11,7 +11,11 @@
 namespace browsersweep {
 
 /** How a text is stored as bytes. Texts in memory are UTF-8. */
-enum class StringEncoding { ascii, utf8, isoLatin1 };
+enum class StringEncoding {
+    ascii,      ///< 7 bits; anything above is an error
+    utf8,       ///< well-formed UTF-8 only
+    isoLatin1,  ///< ISO 8859-1: every byte is a character
+};
 
 /** The encoding's name, such as "ASCII". */
 BROWSERSWEEP_EXPORT std::string_view displayName(StringEncoding encoding) noexcept;

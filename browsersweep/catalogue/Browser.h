@@ -10,19 +10,19 @@ namespace browsersweep {
 
 /** The supported browsers: the shared identity of a browser throughout the library. */
 enum class Browser {
-    quenbySecureBrowser,
-    tarrowSecureBrowser,
-    brave,
-    chromium,
-    firefox,
-    googleChrome,
-    microsoftEdge,
-    orvo,
-    brellisPrivateBrowser,
-    opera,
-    safari,
-    vivaldi,
-    yandexBrowser,
+    quenbySecureBrowser,    ///< Chromium family
+    tarrowSecureBrowser,    ///< Chromium family
+    brave,                  ///< Chromium family
+    chromium,               ///< Chromium family
+    firefox,                ///< Firefox, a family of its own
+    googleChrome,           ///< Chromium family
+    microsoftEdge,          ///< Chromium family
+    orvo,                   ///< Chromium family
+    brellisPrivateBrowser,  ///< Chromium family
+    opera,                  ///< Chromium family
+    safari,                 ///< Safari, a family of its own
+    vivaldi,                ///< Chromium family
+    yandexBrowser,          ///< Chromium family
 };
 
 /** Every browser, in the order of declaration. */

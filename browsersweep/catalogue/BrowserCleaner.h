@@ -41,10 +41,13 @@ public:
     std::vector<Bookmark> bookmarks(const ProfilePredicate& shouldIncludeProfile) const;
 
 protected:
+    /** @{ */
+    /** For derived classes: the base alone is never copied. */
     BrowserCleaner(const BrowserCleaner&) = default;
     BrowserCleaner(BrowserCleaner&&) = default;
     BrowserCleaner& operator=(const BrowserCleaner&) = default;
     BrowserCleaner& operator=(BrowserCleaner&&) = default;
+    /** @} */
 };
 
 }  // namespace browsersweep

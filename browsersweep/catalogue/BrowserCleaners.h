@@ -10,6 +10,10 @@
 #include "browsersweep/platform/FileManager.h"
 #include "browsersweep/platform/SystemServices.h"
 
+/**
+ * The whole library. `cleaner` is where to begin: it gives what one browser offers, from which come
+ * profiles, bookmarks and data that can be measured and cleaned.
+ */
 namespace browsersweep {
 
 /** The cleaner of any browser of the catalogue. */
@@ -20,6 +24,7 @@ public:
     const BrowserProfileReader& profileReader() const noexcept override { return *profileReader_; }
 
 protected:
+    /** The browser's row of the catalogue, with a reader of its family. */
     CatalogueCleaner(Browser browser, std::shared_ptr<const FileManager> fileManager,
                      SystemServices services);
 
@@ -39,6 +44,8 @@ public:
 };
 
 // clang-format off
+/** @{ */
+/** The type that `cleaner` makes for one browser. */
 using QuenbySecureBrowserCleaner   = CleanerOf<Browser::quenbySecureBrowser>;
 using TarrowSecureBrowserCleaner   = CleanerOf<Browser::tarrowSecureBrowser>;
 using BraveCleaner                 = CleanerOf<Browser::brave>;
@@ -52,6 +59,7 @@ using OperaCleaner                 = CleanerOf<Browser::opera>;
 using SafariCleaner                = CleanerOf<Browser::safari>;
 using VivaldiCleaner               = CleanerOf<Browser::vivaldi>;
 using YandexBrowserCleaner         = CleanerOf<Browser::yandexBrowser>;
+/** @} */
 // clang-format on
 
 /** A new cleaner of the browser's own type. */

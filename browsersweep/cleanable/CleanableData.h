@@ -54,10 +54,13 @@ public:
     CleanableDataSize cleanAndReturnSizeIgnoringErrors(CleanableDataFilters filters) const noexcept;
 
 protected:
+    /** @{ */
+    /** For derived classes: the base alone is never copied. */
     CleanableData(const CleanableData&) = default;
     CleanableData(CleanableData&&) = default;
     CleanableData& operator=(const CleanableData&) = default;
     CleanableData& operator=(CleanableData&&) = default;
+    /** @} */
 };
 
 }  // namespace browsersweep

@@ -10,12 +10,12 @@ namespace browsersweep {
 
 /** The kinds of browsing data. */
 enum class CleanableDataCategory {
-    cache,
-    history,
-    httpCookies,
-    flashCookies,
-    formData,
-    localStorage
+    cache,         ///< cached files
+    history,       ///< pages visited and files downloaded, with their icons and predictions
+    httpCookies,   ///< cookies
+    flashCookies,  ///< what Flash kept: local shared objects
+    formData,      ///< what was typed into forms
+    localStorage,  ///< what sites keep through the browser's storage for scripts
 };
 
 /** Every category, in the order of declaration. */

@@ -18,11 +18,14 @@ namespace browsersweep {
 template <typename Key>
 class CleanableDataDictionary : public CleanableData {
 public:
+    /** A list of items for each key, in the order of the keys. */
     using Lists = std::map<Key, CleanableDataList>;
 
     CleanableDataDictionary() = default;
+    /** A dictionary of these lists. */
     explicit CleanableDataDictionary(Lists lists) : lists_(std::move(lists)) {}
 
+    /** All keys with their lists. */
     const Lists& lists() const& noexcept { return lists_; }
     /** Of a dictionary that goes away, its lists by value: a loop over them is safe. */
     Lists lists() && noexcept { return std::move(lists_); }

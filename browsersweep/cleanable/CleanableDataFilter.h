@@ -16,36 +16,51 @@ namespace browsersweep {
  * directories ask filter after filter, Safari's cookies differ again. An empty list selects all.
  */
 struct BROWSERSWEEP_EXPORT CleanableDataFilter {
-    enum class Rule { exclude, include };
+    /** What patterns do to the data that they occur in. */
+    enum class Rule {
+        exclude,  ///< keep it, select the rest
+        include,  ///< select it alone
+    };
 
     /** Texts, typically parts of host names. */
     struct BROWSERSWEEP_EXPORT Patterns {
-        enum class Rule { exclude, include };
+        /** What the patterns do to the data that they occur in. */
+        enum class Rule {
+            exclude,  ///< keep it, select the rest
+            include,  ///< select it alone
+        };
 
-        Rule rule = Rule::exclude;
-        std::set<std::string> patterns;
+        Rule rule = Rule::exclude;       ///< for all the patterns
+        std::set<std::string> patterns;  ///< texts in UTF-8
 
+        /** Whether all fields are equal. */
         friend bool operator==(const Patterns&, const Patterns&) = default;
     };
 
     /** A range of dates, bounds included. A bound that is absent leaves its end open. */
     struct BROWSERSWEEP_EXPORT Dates {
-        enum class Rule { insideRange, outsideRange };
+        /** Which side of the range is selected. */
+        enum class Rule {
+            insideRange,   ///< from the start to the end, both included
+            outsideRange,  ///< before the start and after the end
+        };
 
-        Rule rule = Rule::insideRange;
-        std::optional<Date> startDate;
-        std::optional<Date> endDate;
+        Rule rule = Rule::insideRange;  ///< which side is selected
+        std::optional<Date> startDate;  ///< absent: from the beginning of time
+        std::optional<Date> endDate;    ///< absent: for ever
 
         /** Whether a date passes: without any bound every date does, under both rules. */
         bool matches(Date date) const noexcept;
 
+        /** Whether all fields are equal. */
         friend bool operator==(const Dates&, const Dates&) = default;
     };
 
-    std::optional<Patterns> patternsData;
-    std::optional<Dates> datesData;
+    std::optional<Patterns> patternsData;  ///< absent: patterns restrict nothing
+    std::optional<Dates> datesData;        ///< absent: dates restrict nothing
 
     CleanableDataFilter() = default;
+    /** A filter of patterns, of dates, of both or of neither. */
     CleanableDataFilter(std::optional<Patterns> patterns, std::optional<Dates> dates);
     /** A filter of patterns alone. */
     CleanableDataFilter(Rule rule, std::set<std::string> patterns);
@@ -57,6 +72,7 @@ struct BROWSERSWEEP_EXPORT CleanableDataFilter {
     /** The range of dates, if the filter has one. */
     const std::optional<Dates>& dates() const noexcept { return datesData; }
 
+    /** Whether all fields are equal. */
     friend bool operator==(const CleanableDataFilter&, const CleanableDataFilter&) = default;
 };
 

@@ -20,8 +20,10 @@ public:
     using Item = std::shared_ptr<const CleanableData>;
 
     CleanableDataList() = default;
+    /** A list of these items, none of which may be null. */
     explicit CleanableDataList(std::vector<Item> items) : items_(std::move(items)) {}
 
+    /** The items in the order in which they are handled. */
     const std::vector<Item>& items() const& noexcept { return items_; }
     /** Of a list that goes away, its items by value: a loop over them is safe. */
     std::vector<Item> items() && noexcept { return std::move(items_); }

@@ -29,7 +29,9 @@ public:
                        std::vector<CleanableDataFilter> filters,
                        std::shared_ptr<const FileManager> fileManager);
 
+    /** The folder whose files are counted and deleted. */
     const std::filesystem::path& directory() const noexcept { return directory_; }
+    /** The own filters, which every call has to pass besides its own. */
     const std::vector<CleanableDataFilter>& filters() const noexcept { return filters_; }
     bool requiresClosedBrowserToClean() const noexcept override {
         return requiresClosedBrowserToClean_;

@@ -10,6 +10,7 @@ namespace browsersweep {
 /** A permission from the "Preferences" file of a Chromium-based profile. */
 class BROWSERSWEEP_EXPORT ChromeSubscription : public NotificationSubscription {
 public:
+    /** A site of a browser, with the "Preferences" file it was found in. */
     ChromeSubscription(URL sourceURL, Browser browser, std::filesystem::path profile)
         : sourceURL_(std::move(sourceURL)), browser_(browser), profile_(std::move(profile)) {}
 
@@ -19,6 +20,7 @@ public:
     const std::filesystem::path& profile() const noexcept { return profile_; }
     void blockNotifications() const noexcept override {}
 
+    /** Whether site, browser and file are the same. */
     friend bool operator==(const ChromeSubscription& a, const ChromeSubscription& b) noexcept {
         return a.sourceURL_ == b.sourceURL_ && a.browser_ == b.browser_ && a.profile_ == b.profile_;
     }

@@ -25,10 +25,13 @@ public:
     virtual void blockNotifications() const noexcept = 0;
 
 protected:
+    /** @{ */
+    /** For derived classes: the base alone is never copied. */
     NotificationSubscription(const NotificationSubscription&) = default;
     NotificationSubscription(NotificationSubscription&&) = default;
     NotificationSubscription& operator=(const NotificationSubscription&) = default;
     NotificationSubscription& operator=(NotificationSubscription&&) = default;
+    /** @} */
 };
 
 }  // namespace browsersweep

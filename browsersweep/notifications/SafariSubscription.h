@@ -10,6 +10,7 @@ namespace browsersweep {
 /** A permission from Safari's file "Permissions.plist". */
 class BROWSERSWEEP_EXPORT SafariSubscription : public NotificationSubscription {
 public:
+    /** A site of a browser, with the "Permissions.plist" file it was found in. */
     SafariSubscription(URL sourceURL, Browser browser, std::filesystem::path permissionsFile)
         : sourceURL_(std::move(sourceURL)),
           browser_(browser),
@@ -21,6 +22,7 @@ public:
     const std::filesystem::path& permissionsFile() const noexcept { return permissionsFile_; }
     void blockNotifications() const noexcept override {}
 
+    /** Whether site, browser and file are the same. */
     friend bool operator==(const SafariSubscription& a, const SafariSubscription& b) noexcept {
         return a.sourceURL_ == b.sourceURL_ && a.browser_ == b.browser_ &&
                a.permissionsFile_ == b.permissionsFile_;

@@ -15,6 +15,7 @@ using CodingPath = std::vector<std::string>;
 /** A document (JSON or property list) that is not what its reader needs. */
 class BROWSERSWEEP_EXPORT DecodingError : public std::runtime_error {
 public:
+    /** What is wrong with the document. */
     enum class Kind {
         dataCorrupted,  ///< not a document at all, or a value that nothing can be made of
         keyNotFound,    ///< a required key is missing
@@ -25,8 +26,11 @@ public:
     /** `what()` is the description, followed by the path where the path is not empty. */
     DecodingError(Kind kind, std::string_view description, CodingPath codingPath = {});
 
+    /** What is wrong, for a program to tell apart. */
     Kind kind() const noexcept { return kind_; }
+    /** What is wrong, in English, without the place. */
     const std::string& description() const noexcept { return description_; }
+    /** Where it is wrong; empty for the document as a whole. */
     const CodingPath& codingPath() const noexcept { return codingPath_; }
 
     /** The same error seen from one level further out. */

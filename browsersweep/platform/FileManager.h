@@ -16,22 +16,28 @@ namespace browsersweep {
 
 /** Whether something is at a path, links followed. What cannot be examined does not exist. */
 struct FileExistence {
-    bool exists = false;
-    bool isDirectory = false;
+    bool exists = false;       ///< whether anything is there
+    bool isDirectory = false;  ///< never true where nothing is there
 
     /** Something is there and it is not a directory. */
     constexpr bool isFile() const noexcept { return exists && !isDirectory; }
+    /** Whether all fields are equal. */
     friend bool operator==(const FileExistence&, const FileExistence&) = default;
 };
 
 /** What the file system records of one file. */
 struct FileAttributes {
     std::optional<std::uint64_t> size;  ///< in bytes; absent where the system gives none
+    /** Whether all fields are equal. */
     friend bool operator==(const FileAttributes&, const FileAttributes&) = default;
 };
 
 /** The user's directories that the system has a name for. The values are the platform's own. */
-enum class SearchPathDirectory { library = 5, caches = 13, applicationSupport = 14 };
+enum class SearchPathDirectory {
+    library = 5,              ///< "Library", where Safari keeps its data
+    caches = 13,              ///< "Library/Caches"
+    applicationSupport = 14,  ///< "Library/Application Support", where most browsers keep theirs
+};
 
 /**
  * A deep enumeration of one directory, entry after entry: every directory stands before what it

@@ -11,10 +11,11 @@ namespace browsersweep {
 
 /** What identifies one cookie of a storage. */
 struct HTTPCookie {
-    std::string domain;
-    std::string name;
-    std::string path;
+    std::string domain;  ///< what patterns are compared with
+    std::string name;    ///< what the site finds it by
+    std::string path;    ///< the part of the site that gets it
 
+    /** Whether all fields are equal. */
     friend bool operator==(const HTTPCookie&, const HTTPCookie&) = default;
 };
 

@@ -45,11 +45,12 @@ private:
         Text key{};             ///< the own key, where the value is an object's member
         std::uint32_t end = 0;  ///< the index after the last value below this one
         Kind kind = Kind::null;
+        /** The value, where it is none that has values below it. */
         union Scalar {
-            std::int64_t integer;
-            double real;
-            bool boolean;
-            Text text;
+            std::int64_t integer;  ///< of the kind `integer`
+            double real;           ///< of the kind `real`
+            bool boolean;          ///< of the kind `boolean`
+            Text text;             ///< of the kind `string`
         } scalar{};
     };
 
@@ -68,13 +69,20 @@ private:
  */
 class BROWSERSWEEP_EXPORT JsonValue {
 public:
+    /** Whether it is `null`. */
     bool isNull() const noexcept { return kind() == JsonDocument::Kind::null; }
+    /** Whether `members`, `find`, `required` and `optional` may be asked. */
     bool isObject() const noexcept { return kind() == JsonDocument::Kind::object; }
+    /** Whether `elements` may be asked. */
     bool isArray() const noexcept { return kind() == JsonDocument::Kind::array; }
+    /** Whether `string` may be asked. */
     bool isString() const noexcept { return kind() == JsonDocument::Kind::string; }
 
+    /** `true` or `false`; no number stands for either. */
     bool boolean() const;
+    /** A whole number. One with a fraction, or too large for 64 bits, throws dataCorrupted. */
     std::int64_t integer() const;
+    /** A text in UTF-8. Valid as long as the document. */
     std::string_view string() const;
 
     /** The elements of an array in their order. */

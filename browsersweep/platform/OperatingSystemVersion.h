@@ -10,9 +10,9 @@ namespace browsersweep {
 
 /** A version of macOS, such as 10.15.0. */
 struct BROWSERSWEEP_EXPORT OperatingSystemVersion {
-    int major = 0;
-    int minor = 0;
-    int patch = 0;
+    int major = 0;  ///< such as 10 of 10.15.7
+    int minor = 0;  ///< such as 15 of 10.15.7
+    int patch = 0;  ///< such as 7 of 10.15.7
 
     /** The running system's. Where there is no macOS, one newer than any, as if it were current. */
     static OperatingSystemVersion current() noexcept;
@@ -25,6 +25,7 @@ struct BROWSERSWEEP_EXPORT OperatingSystemVersion {
 
     // NOLINTBEGIN(modernize-use-nullptr): clang-tidy 14 takes the defaulted comparison for a
     // pointer's
+    /** The older version is less. */
     friend constexpr auto operator<=>(const OperatingSystemVersion& a,
                                       const OperatingSystemVersion& b) = default;
     // NOLINTEND(modernize-use-nullptr)

@@ -20,11 +20,22 @@ namespace browsersweep {
  */
 class BROWSERSWEEP_EXPORT PropertyList {
 public:
-    enum class Kind { boolean, integer, real, string, date, data, array, dictionary, uid };
+    /** The types that a value can have. */
+    enum class Kind {
+        boolean,     ///< true or false
+        integer,     ///< from -2^63 to 2^64-1
+        real,        ///< a double
+        string,      ///< a text in UTF-8
+        date,        ///< a point in time
+        data,        ///< bytes
+        array,       ///< values in their order
+        dictionary,  ///< values by key
+        uid,         ///< a reference within a keyed archive; only the binary form has it
+    };
 
     struct Entry;
-    using Array = std::vector<PropertyList>;
-    using Dictionary = std::vector<Entry>;
+    using Array = std::vector<PropertyList>;  ///< the values of an array
+    using Dictionary = std::vector<Entry>;    ///< keys and values in the order of the file
 
     /** How many arrays and dictionaries may lie within each other, as on macOS. */
     static constexpr std::size_t maximumDepth = 512;
@@ -38,13 +49,19 @@ public:
      */
     static PropertyList parse(BytesView bytes);
 
+    /** True or false. */
     static PropertyList boolean(bool value);
+    /** A whole number, negative or not. */
     static PropertyList integer(std::int64_t value);
+    /** A whole number, which may be above 2^63-1. A smaller one equals the `integer`. */
     static PropertyList unsignedInteger(std::uint64_t value);
+    /** A number of any double, infinities and NaN included. */
     static PropertyList real(double value);
     /** A text in UTF-8. Throws `std::invalid_argument` where it is not. */
     static PropertyList string(std::string value);
+    /** A point in time, kept bit for bit. */
     static PropertyList date(Date value);
+    /** Bytes that mean nothing here. */
     static PropertyList data(Bytes value);
     /** Throws `std::length_error` where the result would be deeper than `maximumDepth`. */
     static PropertyList array(Array values);
@@ -53,17 +70,20 @@ public:
     /** A reference within a keyed archive. */
     static PropertyList uid(std::uint64_t value);
 
+    /** Which of the `as...` gives the value. */
     Kind kind() const noexcept;
 
     /** How many arrays and dictionaries lie within each other: 0 for a scalar. */
     std::size_t depth() const noexcept;
 
-    // The value, where it is of that kind, otherwise nothing. What the pointers lead to lives as
-    // long as this value or any copy of it.
+    /** @{ */
+    /**
+     * The value where it is of that kind, otherwise nothing. What the pointers lead to lives as
+     * long as this value or any copy of it. `asInteger` gives nothing for an integer above 2^63-1,
+     * `asUnsignedInteger` nothing for a negative one.
+     */
     std::optional<bool> asBoolean() const noexcept;
-    /** Nothing for an integer above 2^63-1. */
     std::optional<std::int64_t> asInteger() const noexcept;
-    /** Nothing for a negative integer. */
     std::optional<std::uint64_t> asUnsignedInteger() const noexcept;
     std::optional<double> asReal() const noexcept;
     const std::string* asString() const noexcept;
@@ -72,6 +92,7 @@ public:
     const Array* asArray() const noexcept;
     const Dictionary* asDictionary() const noexcept;
     std::optional<std::uint64_t> asUID() const noexcept;
+    /** @} */
 
     /** The value of a key; null where there is none, or where this is no dictionary. Of equal keys
      * the last one counts. */
@@ -101,9 +122,10 @@ private:
 
 /** A key of a dictionary with its value. */
 struct BROWSERSWEEP_EXPORT PropertyList::Entry {
-    std::string key;
-    PropertyList value;
+    std::string key;     ///< a text in UTF-8
+    PropertyList value;  ///< of any kind
 
+    /** Whether key and value are equal, values as `PropertyList` compares them. */
     friend bool operator==(const Entry& a, const Entry& b) noexcept {
         return a.key == b.key && a.value == b.value;
     }

@@ -24,7 +24,9 @@ struct BROWSERSWEEP_EXPORT SystemServices {
     /** The cookie storage shared by the group container of the given identifier. */
     std::function<std::shared_ptr<HTTPCookieStorage>(std::string_view)> sharedCookieStorage;
 
+    /** Runs what stops the system's cookie daemons before cookie files are changed. */
     std::shared_ptr<const ProcessLauncher> processLauncher;
+    /** Is told why a cookie file was skipped. */
     std::shared_ptr<const SystemLog> systemLog;
 
     /** Those of the running system. */

@@ -38,8 +38,11 @@ public:
     explicit RegularExpression(std::string_view pattern);
     RegularExpression(const RegularExpression&) = delete;
     RegularExpression& operator=(const RegularExpression&) = delete;
+    /** @{ */
+    /** What was moved from may only be assigned to or destroyed. */
     RegularExpression(RegularExpression&&) noexcept;
     RegularExpression& operator=(RegularExpression&&) noexcept;
+    /** @} */
     ~RegularExpression();
 
     /**

@@ -21,8 +21,10 @@ public:
     /** The address, or nothing if the text does not parse as one. */
     static std::optional<URL> parse(std::string_view text);
 
+    /** The text as it was given to `parse`. */
     const std::string& absoluteString() const noexcept { return text_; }
 
+    /** Whether the texts are the same: nothing is normalised. */
     friend bool operator==(const URL&, const URL&) = default;
 
 private:

@@ -9,7 +9,11 @@
 
 namespace browsersweep {
 
-enum class ByteOrder { bigEndian, littleEndian };
+/** Which of a number's bytes comes first. */
+enum class ByteOrder {
+    bigEndian,     ///< the highest
+    littleEndian,  ///< the lowest
+};
 
 /** Whether the text is well-formed UTF-8: no overlong forms, no surrogates, nothing cut off. */
 BROWSERSWEEP_EXPORT bool isUTF8(std::string_view text) noexcept;

@@ -39,10 +39,13 @@ public:
         const = 0;
 
 protected:
+    /** @{ */
+    /** For derived classes: the base alone is never copied. */
     BrowserProfile(const BrowserProfile&) = default;
     BrowserProfile(BrowserProfile&&) = default;
     BrowserProfile& operator=(const BrowserProfile&) = default;
     BrowserProfile& operator=(BrowserProfile&&) = default;
+    /** @} */
 };
 
 }  // namespace browsersweep

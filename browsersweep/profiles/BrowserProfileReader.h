@@ -19,10 +19,13 @@ public:
     virtual std::vector<std::shared_ptr<const BrowserProfile>> profiles() const = 0;
 
 protected:
+    /** @{ */
+    /** For derived classes: the base alone is never copied. */
     BrowserProfileReader(const BrowserProfileReader&) = default;
     BrowserProfileReader(BrowserProfileReader&&) = default;
     BrowserProfileReader& operator=(const BrowserProfileReader&) = default;
     BrowserProfileReader& operator=(BrowserProfileReader&&) = default;
+    /** @} */
 };
 
 }  // namespace browsersweep

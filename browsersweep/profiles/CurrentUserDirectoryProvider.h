@@ -20,8 +20,11 @@ public:
     CurrentUserDirectoryProvider& operator=(const CurrentUserDirectoryProvider&) = delete;
     virtual ~CurrentUserDirectoryProvider();
 
+    /** Where all browsers but Safari keep their data: "Library/Application Support". */
     virtual std::filesystem::path applicationSupportDirectory() const = 0;
+    /** Where browsers keep their caches: "Library/Caches". */
     virtual std::filesystem::path cachesDirectory() const = 0;
+    /** Where Safari keeps its data: "Library". */
     virtual std::filesystem::path libraryDirectory() const = 0;
 };
 
@@ -31,6 +34,7 @@ public:
  */
 class BROWSERSWEEP_EXPORT FileManagerDirectoryProvider : public CurrentUserDirectoryProvider {
 public:
+    /** Asks this file manager at each call. */
     explicit FileManagerDirectoryProvider(std::shared_ptr<const FileManager> fileManager)
         : fileManager_(std::move(fileManager)) {}
 

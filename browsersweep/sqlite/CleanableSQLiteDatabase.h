@@ -25,7 +25,9 @@ public:
                             std::vector<SQLiteStatementComponents> components,
                             std::shared_ptr<const FileManager> fileManager);
 
+    /** The database file, whether or not it exists. */
     const std::filesystem::path& file() const noexcept { return file_; }
+    /** The tables, in the order in which they are handled. */
     const std::vector<SQLiteStatementComponents>& components() const noexcept {
         return components_;
     }

@@ -12,6 +12,7 @@ namespace browsersweep {
 /** A failure of SQLite, with SQLite's own message. Its codes are not told apart. */
 class BROWSERSWEEP_EXPORT SQLiteError : public std::exception {
 public:
+    /** An error with SQLite's message. */
     explicit SQLiteError(std::optional<std::string> errorDescription)
         : errorDescription_(std::move(errorDescription)) {}
 
@@ -32,6 +33,7 @@ private:
 /** Raised by a statement evaluator when stepping fails; the connection makes it a `SQLiteError`. */
 class BROWSERSWEEP_EXPORT SQLiteStatementEvaluationError : public std::exception {
 public:
+    /** A fixed text: the message is the connection's to find. */
     const char* what() const noexcept override { return "stepping a statement failed"; }
 };
 

@@ -15,7 +15,11 @@ namespace browsersweep {
 class BROWSERSWEEP_EXPORT SQLiteStatement {
 public:
     /** What a step came to. Everything but a row and the plain error counts as "no row". */
-    enum class Step { row, error, noRow };
+    enum class Step {
+        row,    ///< there is a row to read
+        error,  ///< SQLite's plain error, code 1
+        noRow,  ///< the end, or a database that is locked or busy
+    };
 
     /** Takes the statement over. */
     explicit SQLiteStatement(sqlite3_stmt* statement) noexcept;

@@ -22,23 +22,24 @@ struct BROWSERSWEEP_EXPORT SQLiteStatementComponents {
     /** A column and how a value is written for comparison with it. */
     template <typename Value>
     struct EncodableColumn {
-        std::string name;
+        std::string name;  ///< as it stands in the statement
         /** Gives an SQL literal, which is inserted as it stands. It may throw. */
         std::function<std::string(const Value&)> encode;
     };
 
     /** The columns that filters act on. Either may be absent (or empty): it is not filtered by. */
     struct BROWSERSWEEP_EXPORT ColumnsForFiltering {
-        std::optional<std::string> byPattern;
-        std::optional<EncodableColumn<Date>> byDate;
+        std::optional<std::string> byPattern;         ///< compared with `LIKE '%pattern%'`
+        std::optional<EncodableColumn<Date>> byDate;  ///< compared with the bounds of ranges
     };
 
-    std::string tableName;
+    std::string tableName;  ///< inserted into statements as it stands
     /** Absent: filters do nothing to this table, all its rows are selected. */
     std::optional<ColumnsForFiltering> columnsForFiltering;
     /** Conditions that always hold; empty ones are skipped. */
     std::vector<std::string> whereClauses;
 
+    /** A table with its columns and conditions; no part is examined here. */
     SQLiteStatementComponents(std::string tableName,
                               std::optional<ColumnsForFiltering> columnsForFiltering,
                               std::vector<std::string> whereClauses);

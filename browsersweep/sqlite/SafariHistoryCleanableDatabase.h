@@ -39,7 +39,9 @@ public:
     SafariHistoryCleanableDatabase(std::filesystem::path file, SQLiteStatementComponents components,
                                    std::shared_ptr<const FileManager> fileManager);
 
+    /** The database file, whether or not it exists. */
     const std::filesystem::path& file() const noexcept { return file_; }
+    /** The columns that filters act on. */
     const SQLiteStatementComponents& components() const noexcept { return components_; }
 
     /** Always true: Safari keeps the database open. */

@@ -31,6 +31,7 @@ public:
     std::optional<std::string> name() const override { return name_; }
     Browser sourceBrowser() const noexcept override { return browser_; }
     bool isPrimary() const noexcept override { return isPrimary_; }
+    /** The path below Application Support and Caches that it was made with. */
     const std::filesystem::path& relativePath() const noexcept { return relativePath_; }
 
     /** All six categories. Touches no file. */

@@ -22,9 +22,11 @@ public:
         std::shared_ptr<const FileManager> fileManager, Browser browser,
         std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider = {});
 
+    /** The path below Application Support that it was made with. */
     const std::filesystem::path& applicationSupportRelativePath() const noexcept {
         return applicationSupportRelativePath_;
     }
+    /** The browser that its profiles belong to. */
     Browser browser() const noexcept { return browser_; }
 
     /**

@@ -14,9 +14,10 @@ namespace browsersweep {
 struct BROWSERSWEEP_EXPORT ChromiumPreferences {
     /** One site pattern, and what is set for it. */
     struct BROWSERSWEEP_EXPORT Notification {
-        std::string sitePattern;
-        std::int64_t setting = 0;
+        std::string sitePattern;   ///< the key, such as "https://mail.example.com:443,*"
+        std::int64_t setting = 0;  ///< `allowed`, or another number
 
+        /** Whether all fields are equal. */
         friend bool operator==(const Notification&, const Notification&) = default;
     };
 

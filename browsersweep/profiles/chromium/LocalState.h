@@ -12,10 +12,11 @@ namespace browsersweep {
 struct BROWSERSWEEP_EXPORT LocalState {
     /** One entry of "info_cache". */
     struct BROWSERSWEEP_EXPORT InfoCache {
-        std::string folder;  ///< the key: the profile folder's name
-        bool isConsentedPrimaryAccount = false;
-        std::string name;  ///< for people
+        std::string folder;                      ///< the key: the profile folder's name
+        bool isConsentedPrimaryAccount = false;  ///< key "is_consented_primary_account"
+        std::string name;                        ///< for people
 
+        /** Whether all fields are equal. */
         friend bool operator==(const InfoCache&, const InfoCache&) = default;
     };
 
@@ -31,6 +32,7 @@ struct BROWSERSWEEP_EXPORT LocalState {
      */
     bool isPrimary(const InfoCache& entry) const noexcept;
 
+    /** Whether all fields are equal. */
     friend bool operator==(const LocalState&, const LocalState&) = default;
 };
 

@@ -14,6 +14,7 @@ namespace browsersweep {
  */
 class BROWSERSWEEP_EXPORT FirefoxCleanableLocalStorage : public CleanableData {
 public:
+    /** Wraps the item of the table, which may not be null. */
     explicit FirefoxCleanableLocalStorage(
         std::shared_ptr<const CleanableData> cleanableSQLiteDatabase);
 

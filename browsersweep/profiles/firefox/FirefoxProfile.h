@@ -30,7 +30,9 @@ public:
     std::optional<std::string> name() const override { return name_; }
     Browser sourceBrowser() const noexcept override { return Browser::firefox; }
     bool isPrimary() const noexcept override { return isPrimary_; }
+    /** Whether the path is relative, as "IsRelative" of "profiles.ini" says. */
     bool isRelative() const noexcept { return isRelative_; }
+    /** The profile's folder as "Path" of "profiles.ini" says. */
     const std::filesystem::path& path() const noexcept { return path_; }
 
     /** All six categories. Touches no file. */

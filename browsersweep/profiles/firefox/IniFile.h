@@ -19,7 +19,9 @@ namespace browsersweep {
  */
 class BROWSERSWEEP_EXPORT IniFile {
 public:
+    /** Values by key; of equal keys the last one counts. */
     using Properties = std::map<std::string, std::string>;
+    /** Properties by the name of their section. */
     using Sections = std::map<std::string, Properties>;
 
     /** Parses UTF-8 text. */

@@ -15,6 +15,7 @@ namespace browsersweep {
 struct BROWSERSWEEP_EXPORT SafariBookmarks {
     /** A folder, a bookmark, or both. */
     struct BROWSERSWEEP_EXPORT Child {
+        /** What Safari keeps beside a bookmark's address. */
         struct BROWSERSWEEP_EXPORT URIDictionary {
             std::optional<std::string> title;  ///< key "title"
         };
