@@ -121,7 +121,7 @@ private:
     PropertyList value(std::size_t depth);
     PropertyList array(std::size_t depth);
     PropertyList dictionary(std::size_t depth);
-    PropertyList::Dictionary entries(std::size_t depth, char end);
+    PropertyList::Dictionary entries(std::size_t depth);
 
     std::string_view text_;
     std::size_t position_ = 0;
@@ -143,7 +143,11 @@ PropertyList Reader::read() {
     }
     // A text that something follows can only be the first key of a strings file.
     position_ = start;
-    return PropertyList::dictionary(entries(1, '\0'));
+    PropertyList::Dictionary found = entries(1);
+    if (!atEnd()) {
+        corrupted("something follows the entries of a text property list");
+    }
+    return PropertyList::dictionary(std::move(found));
 }
 
 bool Reader::takeIf(char character) noexcept {
@@ -300,18 +304,18 @@ PropertyList Reader::array(std::size_t depth) {
 
 PropertyList Reader::dictionary(std::size_t depth) {
     ++position_;
-    PropertyList::Dictionary found = entries(depth, '}');
+    PropertyList::Dictionary found = entries(depth);
     if (!takeIf('}')) {
         corrupted("a dictionary of a text property list does not end");
     }
     return PropertyList::dictionary(std::move(found));
 }
 
-// The entries up to a character, or to the end of the text for '\0'.
-PropertyList::Dictionary Reader::entries(std::size_t depth, char end) {
+// The entries up to a closing brace or to the end of the text.
+PropertyList::Dictionary Reader::entries(std::size_t depth) {
     PropertyList::Dictionary found;
     skip();
-    while (!atEnd() && peek() != end) {
+    while (!atEnd() && peek() != '}') {
         std::string key = text();
         skip();
         // A key alone stands for itself.

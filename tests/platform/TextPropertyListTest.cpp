@@ -114,6 +114,14 @@ TEST(TextPropertyList, malformedTextIsRefused) {
     expectCorrupted({'"', 0xFF, '"'});
 }
 
+TEST(TextPropertyList, aZeroByteEndsNoText) {
+    using namespace std::string_literals;
+    for (const std::string& source :
+         {"a = b;\0"s, "a = b;\0 c = d;"s, "\0"s, "a\0"s, "{ a = b; }\0"s, "{ a = b; \0 }"s}) {
+        expectCorrupted(bytes(source));
+    }
+}
+
 TEST(TextPropertyList, textInUTF16IsRead) {
     EXPECT_EQ(text("a"), PropertyList::parse(Bytes{0xFE, 0xFF, 0, 'a'}));
     EXPECT_EQ(text("a"), PropertyList::parse(Bytes{0xFF, 0xFE, 'a', 0}));
