@@ -5,10 +5,6 @@
 #include <string>
 #include <utility>
 
-#include "browsersweep/notifications/ChromeSubscription.h"
-#include "browsersweep/notifications/FirefoxSubscription.h"
-#include "browsersweep/notifications/SafariSubscription.h"
-
 #include "cli/DatabaseNotes.h"
 #include "cli/ErrorText.h"
 
@@ -96,27 +92,13 @@ BookmarksReport gatherBookmarks(const Options& options, const CleanerFactory& cl
         })};
 }
 
-/** The file that a subscription of any kind came from. */
-std::filesystem::path storeOf(const NotificationSubscription& subscription) {
-    if (const auto* const chrome = dynamic_cast<const ChromeSubscription*>(&subscription)) {
-        return chrome->profile();
-    }
-    if (const auto* const firefox = dynamic_cast<const FirefoxSubscription*>(&subscription)) {
-        return firefox->permissionFile();
-    }
-    if (const auto* const safari = dynamic_cast<const SafariSubscription*>(&subscription)) {
-        return safari->permissionsFile();
-    }
-    throw std::logic_error("a subscription of an unknown kind");
-}
-
 ProfileSubscriptions subscriptionsOf(const BrowserProfile& profile, const Observer& observer) {
     ProfileSubscriptions part;
     part.profile = rowOf(profile);
     part.error = attempt(observer, [&] {
         std::vector<SubscriptionRow> rows;
         for (const auto& subscription : profile.notificationSubscriptions()) {
-            rows.push_back({subscription->sourceURL().absoluteString(), storeOf(*subscription)});
+            rows.push_back({subscription->sourceURL().absoluteString(), subscription->store()});
         }
         part.subscriptions = std::move(rows);
     });

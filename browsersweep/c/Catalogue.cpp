@@ -3,9 +3,6 @@
 
 #include "browsersweep/c/Handles.h"
 #include "browsersweep/catalogue/BrowserCleaners.h"
-#include "browsersweep/notifications/ChromeSubscription.h"
-#include "browsersweep/notifications/FirefoxSubscription.h"
-#include "browsersweep/notifications/SafariSubscription.h"
 
 namespace bs = browsersweep;
 using namespace browsersweep::c;
@@ -21,23 +18,10 @@ std::unique_ptr<const bs::BrowserCleaner> namesOf(bs::Browser browser) {
     return bs::cleaner(browser, bs::FileManager::forHome("/"));
 }
 
-std::filesystem::path storeOf(const bs::NotificationSubscription& subscription) {
-    if (const auto* const chrome = dynamic_cast<const bs::ChromeSubscription*>(&subscription)) {
-        return chrome->profile();
-    }
-    if (const auto* const firefox = dynamic_cast<const bs::FirefoxSubscription*>(&subscription)) {
-        return firefox->permissionFile();
-    }
-    if (const auto* const safari = dynamic_cast<const bs::SafariSubscription*>(&subscription)) {
-        return safari->permissionsFile();
-    }
-    throw std::logic_error("a subscription of an unknown kind");
-}
-
 void append(browsersweep_notifications& notifications, const bs::BrowserProfile& profile) {
     for (const auto& subscription : profile.notificationSubscriptions()) {
         notifications.entries.push_back(
-            {subscription->sourceURL().absoluteString(), storeOf(*subscription).string()});
+            {subscription->sourceURL().absoluteString(), subscription->store().string()});
     }
 }
 

@@ -16,6 +16,7 @@ public:
 
     const URL& sourceURL() const noexcept override { return sourceURL_; }
     Browser browser() const noexcept override { return browser_; }
+    std::filesystem::path store() const override { return profile_; }
     /** The profile's "Preferences" file. */
     const std::filesystem::path& profile() const noexcept { return profile_; }
     void blockNotifications() const noexcept override {}

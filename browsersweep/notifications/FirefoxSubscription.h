@@ -18,6 +18,7 @@ public:
 
     const URL& sourceURL() const noexcept override { return sourceURL_; }
     Browser browser() const noexcept override { return browser_; }
+    std::filesystem::path store() const override { return permissionFile_; }
     /** The profile's "permissions.sqlite" file. */
     const std::filesystem::path& permissionFile() const noexcept { return permissionFile_; }
     void blockNotifications() const noexcept override {}

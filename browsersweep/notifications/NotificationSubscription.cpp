@@ -4,4 +4,8 @@ namespace browsersweep {
 
 NotificationSubscription::~NotificationSubscription() = default;
 
+std::filesystem::path NotificationSubscription::store() const {
+    return {};
+}
+
 }  // namespace browsersweep

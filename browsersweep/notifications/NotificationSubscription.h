@@ -1,5 +1,7 @@
 #pragma once
 
+#include <filesystem>
+
 #include "browsersweep/Export.h"
 #include "browsersweep/catalogue/Browser.h"
 #include "browsersweep/platform/URL.h"
@@ -17,6 +19,9 @@ public:
 
     /** The browser of the profile that the permission was read from. */
     virtual Browser browser() const noexcept = 0;
+
+    /** The file that the permission was read from; empty for a kind that comes from no file. */
+    virtual std::filesystem::path store() const;
 
     /**
      * Does nothing, for every kind: subscriptions are reported, never removed, and no permission

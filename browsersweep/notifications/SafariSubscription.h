@@ -18,6 +18,7 @@ public:
 
     const URL& sourceURL() const noexcept override { return sourceURL_; }
     Browser browser() const noexcept override { return browser_; }
+    std::filesystem::path store() const override { return permissionsFile_; }
     /** The file "Permissions.plist". */
     const std::filesystem::path& permissionsFile() const noexcept { return permissionsFile_; }
     void blockNotifications() const noexcept override {}

@@ -15,6 +15,7 @@ TEST(ChromeSubscription, holdsItsFieldsAndBlockingChangesNothing) {
     EXPECT_EQ(subscription.sourceURL().absoluteString(), "https://a.test");
     EXPECT_EQ(subscription.browser(), Browser::brave);
     EXPECT_EQ(subscription.profile(), "/home/Preferences");
+    EXPECT_EQ(subscription.store(), "/home/Preferences");
 }
 
 }  // namespace

@@ -14,6 +14,7 @@ TEST(FirefoxSubscription, tellsItsSiteItsBrowserAndItsFile) {
     EXPECT_EQ(allowed.sourceURL(), URL::parse("https://example.com"));
     EXPECT_EQ(allowed.browser(), Browser::firefox);
     EXPECT_EQ(allowed.permissionFile(), "/profile/permissions.sqlite");
+    EXPECT_EQ(allowed.store(), "/profile/permissions.sqlite");
 }
 
 TEST(FirefoxSubscription, blockingChangesNothing) {

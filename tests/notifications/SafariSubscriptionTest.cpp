@@ -15,6 +15,7 @@ TEST(SafariSubscription, itKeepsItsFieldsAndBlockingChangesNothing) {
     EXPECT_EQ(site, subscription.sourceURL());
     EXPECT_EQ(Browser::safari, subscription.browser());
     EXPECT_EQ("/h/Permissions.plist", subscription.permissionsFile());
+    EXPECT_EQ("/h/Permissions.plist", subscription.store());
 }
 
 TEST(SafariSubscription, subscriptionsDifferInAnyField) {
