@@ -11,21 +11,17 @@
 #include <gtest/gtest.h>
 
 #include "browsersweep/platform/BinaryPropertyList.h"
-#include "browsersweep/platform/DecodingError.h"
 
 #include "tests/support/Bytes.h"
+#include "tests/support/PropertyLists.h"
 #include "tests/support/Python.h"
 
 namespace browsersweep {
 namespace {
 
-PropertyList text(std::string value) {
-    return PropertyList::string(std::move(value));
-}
-
-PropertyList dictionary(PropertyList::Dictionary entries) {
-    return PropertyList::dictionary(std::move(entries));
-}
+using tests::dictionary;
+using tests::expectCorrupted;
+using tests::text;
 
 std::string hexadecimal(BytesView bytes) {
     constexpr std::string_view digits = "0123456789abcdef";
@@ -147,29 +143,6 @@ std::vector<std::string> lines(const std::string& text) {
         result.push_back(line);
     }
     return result;
-}
-
-void expectCorrupted(BytesView bytes) {
-    try {
-        PropertyList::parse(bytes);
-        ADD_FAILURE() << "accepted: "
-                      << hexadecimal(bytes.first(std::min<std::size_t>(bytes.size(), 64)));
-    } catch (const DecodingError& error) {
-        EXPECT_EQ(DecodingError::Kind::dataCorrupted, error.kind());
-        EXPECT_FALSE(error.description().empty());
-    }
-}
-
-// An error or a value: both are right for damaged bytes, anything else is not.
-bool isAccepted(BytesView bytes) {
-    try {
-        // A value must be whole: it can be written and read again.
-        const PropertyList value = PropertyList::parse(bytes);
-        return PropertyList::parse(value.binaryData()) == value;
-    } catch (const DecodingError& error) {
-        EXPECT_EQ(DecodingError::Kind::dataCorrupted, error.kind());
-        return true;
-    }
 }
 
 /** Assembles a binary property list from its objects, with offsets and references of one byte. */
@@ -430,14 +403,7 @@ TEST(BinaryPropertyList, everyTruncationIsRefused) {
 }
 
 TEST(BinaryPropertyList, everyCorruptionOfOneByteIsAnErrorOrAValue) {
-    const Bytes valid = small().binaryData();
-    for (std::size_t place = 0; place < valid.size(); ++place) {
-        for (unsigned byte = 0; byte < 256; ++byte) {
-            Bytes file = valid;
-            file[place] = static_cast<std::uint8_t>(byte);
-            EXPECT_TRUE(isAccepted(file)) << place << " " << byte;
-        }
-    }
+    tests::expectErrorOrValueForEveryCorruptionOfOneByte(small().binaryData());
 }
 
 TEST(BinaryPropertyList, bytesAfterTheHeaderAloneAreRefused) {

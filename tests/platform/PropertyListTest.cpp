@@ -11,15 +11,13 @@
 #include "browsersweep/platform/PropertyList.h"
 
 #include "tests/support/Bytes.h"
+#include "tests/support/PropertyLists.h"
 
 namespace browsersweep {
 namespace {
 
 using tests::bytes;
-
-PropertyList text(std::string value) {
-    return PropertyList::string(std::move(value));
-}
+using tests::text;
 
 PropertyList nestedArrays(std::size_t count) {
     PropertyList value = PropertyList::array({});

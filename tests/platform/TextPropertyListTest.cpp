@@ -1,6 +1,4 @@
 #include <string>
-#include <string_view>
-#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -9,29 +7,15 @@
 #include "browsersweep/platform/TextPropertyList.h"
 
 #include "tests/support/Bytes.h"
+#include "tests/support/PropertyLists.h"
 
 namespace browsersweep {
 namespace {
 
 using tests::bytes;
-
-PropertyList text(std::string value) {
-    return PropertyList::string(std::move(value));
-}
-
-PropertyList dictionary(PropertyList::Dictionary entries) {
-    return PropertyList::dictionary(std::move(entries));
-}
-
-void expectCorrupted(const Bytes& file) {
-    SCOPED_TRACE(std::string(file.begin(), file.end()));
-    try {
-        PropertyList::parse(file);
-        ADD_FAILURE() << "accepted";
-    } catch (const DecodingError& error) {
-        EXPECT_EQ(DecodingError::Kind::dataCorrupted, error.kind());
-    }
-}
+using tests::dictionary;
+using tests::expectCorrupted;
+using tests::text;
 
 struct Case {
     std::string source;
@@ -109,9 +93,9 @@ TEST(TextPropertyList, malformedTextIsRefused) {
                                "\"\\"}) {
         expectCorrupted(bytes(source));
     }
-    expectCorrupted({'a', 0});
+    expectCorrupted(Bytes{'a', 0});
     expectCorrupted(Bytes(1000, 0));
-    expectCorrupted({'"', 0xFF, '"'});
+    expectCorrupted(Bytes{'"', 0xFF, '"'});
 }
 
 TEST(TextPropertyList, aZeroByteEndsNoText) {
@@ -125,8 +109,8 @@ TEST(TextPropertyList, aZeroByteEndsNoText) {
 TEST(TextPropertyList, textInUTF16IsRead) {
     EXPECT_EQ(text("a"), PropertyList::parse(Bytes{0xFE, 0xFF, 0, 'a'}));
     EXPECT_EQ(text("a"), PropertyList::parse(Bytes{0xFF, 0xFE, 'a', 0}));
-    expectCorrupted({0xFE, 0xFF, 0});
-    expectCorrupted({0xFE, 0xFF, 0xD8, 0});
+    expectCorrupted(Bytes{0xFE, 0xFF, 0});
+    expectCorrupted(Bytes{0xFE, 0xFF, 0xD8, 0});
 }
 
 TEST(TextPropertyList, nestingEndsAtTheLimit) {
@@ -141,19 +125,8 @@ TEST(TextPropertyList, nestingEndsAtTheLimit) {
 }
 
 TEST(TextPropertyList, everyCorruptionOfOneByteIsAnErrorOrAValue) {
-    const Bytes valid = bytes("{ a = (\"b\\U00fc\", <0fbd>); /* c */ d; }");
-    for (std::size_t place = 0; place < valid.size(); ++place) {
-        for (unsigned byte = 0; byte < 256; ++byte) {
-            Bytes file = valid;
-            file[place] = static_cast<std::uint8_t>(byte);
-            try {
-                const PropertyList value = PropertyList::parse(file);
-                EXPECT_EQ(value, PropertyList::parse(value.binaryData()));
-            } catch (const DecodingError& error) {
-                EXPECT_EQ(DecodingError::Kind::dataCorrupted, error.kind());
-            }
-        }
-    }
+    tests::expectErrorOrValueForEveryCorruptionOfOneByte(
+        bytes("{ a = (\"b\\U00fc\", <0fbd>); /* c */ d; }"));
 }
 
 }  // namespace

@@ -8,17 +8,13 @@
 #include "browsersweep/profiles/safari/SafariBookmarks.h"
 
 #include "tests/support/Bytes.h"
+#include "tests/support/PropertyLists.h"
 
 namespace browsersweep {
 namespace {
 
-PropertyList text(std::string value) {
-    return PropertyList::string(std::move(value));
-}
-
-PropertyList dictionary(PropertyList::Dictionary entries) {
-    return PropertyList::dictionary(std::move(entries));
-}
+using tests::dictionary;
+using tests::text;
 
 PropertyList folder(PropertyList::Array children) {
     return dictionary({{"WebBookmarkType", text("WebBookmarkTypeList")},

@@ -6,16 +6,13 @@
 
 #include "browsersweep/profiles/safari/SafariPermissions.h"
 
+#include "tests/support/PropertyLists.h"
+
 namespace browsersweep {
 namespace {
 
-PropertyList text(std::string value) {
-    return PropertyList::string(std::move(value));
-}
-
-PropertyList dictionary(PropertyList::Dictionary entries) {
-    return PropertyList::dictionary(std::move(entries));
-}
+using tests::dictionary;
+using tests::text;
 
 PropertyList allowing(PropertyList::Array domains) {
     return dictionary({{"Date Added", PropertyList::date(dateFromReferenceSeconds(1))},

@@ -18,6 +18,7 @@
 
 #include "tests/support/ForwardingFileManager.h"
 #include "tests/support/GuardedFileManager.h"
+#include "tests/support/PropertyLists.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace browsersweep {
@@ -25,6 +26,7 @@ namespace {
 
 using tests::GuardedFileManager;
 using tests::TemporaryFolder;
+using tests::text;
 using Category = CleanableDataCategory;
 
 constexpr OperatingSystemVersion mojave{10, 14, 6};
@@ -93,10 +95,6 @@ protected:
     std::vector<std::string> identifiers_;
     std::shared_ptr<OperatingSystemVersion> version_ = std::make_shared<OperatingSystemVersion>();
 };
-
-PropertyList text(std::string value) {
-    return PropertyList::string(std::move(value));
-}
 
 PropertyList permissionsFor(std::string site) {
     return PropertyList::dictionary(

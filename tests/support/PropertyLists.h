@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+
+#include "browsersweep/platform/Bytes.h"
+#include "browsersweep/platform/PropertyList.h"
+
+namespace browsersweep::tests {
+
+/** A value of the kind string. */
+PropertyList text(std::string value);
+
+/** A value of the kind dictionary. */
+PropertyList dictionary(PropertyList::Dictionary entries);
+
+/** Expects that reading the bytes fails with `dataCorrupted` and says why. */
+void expectCorrupted(BytesView bytes);
+
+/**
+ * Puts every byte in every place of a property list and reads it. An error or a value are both
+ * right for damaged bytes; the error must be `dataCorrupted`, and the value must be whole, so that
+ * it can be written and read again.
+ */
+void expectErrorOrValueForEveryCorruptionOfOneByte(const Bytes& valid);
+
+}  // namespace browsersweep::tests
