@@ -138,3 +138,57 @@ def stop_process(process: subprocess.Popen) -> None:
         except subprocess.TimeoutExpired:
             process.kill()
             process.wait()
+
+
+class RunningBrowser:
+    """A browser process on one profile of a home folder; a context manager.
+
+    A family starts `self.process` with `self.environment`, and says how one connects to it, asks it
+    to end, and lets go of what was needed to talk to it.
+    """
+
+    process: subprocess.Popen
+
+    def __init__(self, layout: Layout) -> None:
+        self._resources = contextlib.ExitStack()
+        self.environment = self._resources.enter_context(process_environment(layout))
+        self.exit_status: int | None = None
+
+    def __enter__(self):
+        try:
+            self._connect()
+        except (BrowserError, OSError):
+            self._give_up()
+            raise
+        return self
+
+    def __exit__(self, kind, *_) -> None:
+        try:
+            if kind is None:
+                self.quit()
+        finally:
+            self._give_up()
+
+    def quit(self) -> None:
+        """Close the browser as its user would and wait until it has written its files."""
+        with contextlib.suppress(BrowserError, OSError):
+            self._ask_to_quit()
+        try:
+            self.exit_status = self.process.wait(QUIT_TIMEOUT)
+        except subprocess.TimeoutExpired:
+            raise BrowserError(f"{type(self).__name__} did not end as it was asked to") from None
+
+    def _give_up(self) -> None:
+        stop_process(self.process)
+        self.exit_status = self.process.returncode
+        self._let_go()
+        self._resources.close()
+
+    def _connect(self) -> None:
+        raise NotImplementedError
+
+    def _ask_to_quit(self) -> None:
+        raise NotImplementedError
+
+    def _let_go(self) -> None:
+        raise NotImplementedError

@@ -1,6 +1,5 @@
 """A real Chromium, driven over the DevTools protocol on a pair of pipes."""
 
-import contextlib
 import json
 import os
 import select
@@ -8,8 +7,7 @@ import subprocess
 import sys
 import time
 
-from browser import (CALL_TIMEOUT, QUIT_TIMEOUT, START_TIMEOUT, BrowserError, process_environment,
-                     stop_process)
+from browser import CALL_TIMEOUT, START_TIMEOUT, BrowserError, RunningBrowser
 
 # Puts the two pipe ends on descriptors 3 and 4, where --remote-debugging-pipe expects them.
 _PIPE_LAUNCHER = """import fcntl, os, sys
@@ -121,15 +119,14 @@ class ChromiumPage:
                 "windowsVirtualKeyCode": 13, "nativeVirtualKeyCode": 13}, self.session)
 
 
-class Chromium:
-    """A running Chromium on one profile of the home folder; a context manager."""
+class Chromium(RunningBrowser):
+    """A running Chromium, which DevTools drives."""
 
     def __init__(self, binary, layout, profile_directory, proxy_port, log):
-        self._environment = contextlib.ExitStack()
-        env = self._environment.enter_context(process_environment(layout))
-        env = {**env, "XDG_CONFIG_HOME": str(layout.application_support),
+        super().__init__(layout)
+        env = {**self.environment, "XDG_CONFIG_HOME": str(layout.application_support),
                "XDG_CACHE_HOME": str(layout.caches),
-               "BREAKPAD_DUMP_LOCATION": env["HOME"] + "/crashes"}
+               "BREAKPAD_DUMP_LOCATION": self.environment["HOME"] + "/crashes"}
         flags = [*CHROMIUM_FLAGS, f"--user-data-dir={layout.chromium}",
                  f"--profile-directory={profile_directory}",
                  f"--proxy-server=http://127.0.0.1:{proxy_port}"]
@@ -146,37 +143,15 @@ class Chromium:
         os.close(to_browser[0])
         os.close(from_browser[1])
         self.tools = DevTools(from_browser[0], to_browser[1])
-        self.exit_status = None
 
-    def __enter__(self):
-        try:
-            self.tools.call("Browser.getVersion", timeout=START_TIMEOUT)
-        except BrowserError:
-            self._give_up()
-            raise
-        return self
+    def _connect(self):
+        self.tools.call("Browser.getVersion", timeout=START_TIMEOUT)
 
-    def __exit__(self, kind, *_):
-        try:
-            if kind is None:
-                self.quit()
-        finally:
-            self._give_up()
+    def _ask_to_quit(self):
+        self.tools.call("Browser.close")
 
-    def quit(self):
-        """Close the browser as its user would and wait until it has written its files."""
-        with contextlib.suppress(BrowserError):
-            self.tools.call("Browser.close")
-        try:
-            self.exit_status = self.process.wait(QUIT_TIMEOUT)
-        except subprocess.TimeoutExpired:
-            raise BrowserError("Chromium did not end after Browser.close") from None
-
-    def _give_up(self):
-        stop_process(self.process)
-        self.exit_status = self.process.returncode
+    def _let_go(self):
         self.tools.close()
-        self._environment.close()
 
     def new_page(self):
         target = self.tools.call("Target.createTarget", {"url": "about:blank"})["targetId"]

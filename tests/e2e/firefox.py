@@ -8,8 +8,8 @@ import subprocess
 import time
 from pathlib import Path
 
-from browser import (CALL_TIMEOUT, QUIT_TIMEOUT, START_TIMEOUT, BrowserError, process_environment,
-                     stop_process)
+from browser import (CALL_TIMEOUT, START_TIMEOUT, BrowserError, RunningBrowser,
+                     process_environment)
 
 
 def firefox_preferences(proxy_port, downloads):
@@ -125,12 +125,11 @@ def create_firefox_profile(binary, layout, name, folder_name):
         raise BrowserError(f"Firefox did not create the profile {name}: {done.stderr[-300:]}")
 
 
-class Firefox:
-    """A running Firefox on one profile of the home folder; a context manager."""
+class Firefox(RunningBrowser):
+    """A running Firefox, which Marionette drives."""
 
     def __init__(self, binary, layout, name, folder, proxy_port, log, preferences=None):
-        self._environment = contextlib.ExitStack()
-        env = self._environment.enter_context(process_environment(layout))
+        super().__init__(layout)
         self._user_js = folder / "user.js"
         self._port_file = folder / "MarionetteActivePort"
         self._lock_link = folder / "lock"  # Linux only, left behind; macOS has none
@@ -143,43 +142,22 @@ class Firefox:
             self.process = subprocess.Popen(
                 [binary, "--headless", "--marionette", "-remote-allow-system-access",
                  "-no-remote", "-P", name],
-                env=env, stdin=subprocess.DEVNULL, stdout=log_file, stderr=log_file,
+                env=self.environment, stdin=subprocess.DEVNULL, stdout=log_file, stderr=log_file,
                 start_new_session=True)
         self.marionette = None
-        self.exit_status = None
 
-    def __enter__(self):
-        try:
-            self.marionette = Marionette(self._wait_for_port())
-        except (BrowserError, OSError):
-            self._give_up()
-            raise
-        return self
+    def _connect(self):
+        self.marionette = Marionette(self._wait_for_port())
 
-    def __exit__(self, kind, *_):
-        try:
-            if kind is None:
-                self.quit()
-        finally:
-            self._give_up()
+    def _ask_to_quit(self):
+        self.marionette.call("Marionette:Quit", {"flags": ["eAttemptQuit"]})
 
-    def quit(self):
-        with contextlib.suppress(BrowserError, OSError):
-            self.marionette.call("Marionette:Quit", {"flags": ["eAttemptQuit"]})
-        try:
-            self.exit_status = self.process.wait(QUIT_TIMEOUT)
-        except subprocess.TimeoutExpired:
-            raise BrowserError("Firefox did not end after Quit") from None
-
-    def _give_up(self):
+    def _let_go(self):
         if self.marionette:
             self.marionette.close()
-        stop_process(self.process)
-        self.exit_status = self.process.returncode
         self._user_js.unlink(missing_ok=True)
         self._port_file.unlink(missing_ok=True)
         self._lock_link.unlink(missing_ok=True)
-        self._environment.close()
 
     def _wait_for_port(self):
         """Firefox writes the port it listens on into its profile; there is nothing to wait on."""
