@@ -14,6 +14,10 @@ import tempfile
 import unittest
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(ROOT / "tests" / "support"))
+
+from counted import run_all  # noqa: E402,F401: for the tests, which take all they need from here
+
 PROGRAM = pathlib.Path(
     os.environ.get("BROWSERSWEEP_PROGRAM", ROOT / "build" / "debug" / "cli" / "browsersweep"))
 COOKIES = pathlib.PurePath("Library", "Cookies", "Cookies.binarycookies")
@@ -227,18 +231,3 @@ def strace_problem():
     tried = subprocess.run(["strace", "-f", "-o", os.devnull, "-e", "trace=none", "true"],
                            stdout=subprocess.PIPE, stderr=subprocess.STDOUT, check=False)
     return None if tried.returncode == 0 else tried.stdout.decode().strip()
-
-
-def run_all(module="__main__"):
-    """Runs the tests of the module and ends with the line that scripts/test counts."""
-    suite = unittest.defaultTestLoader.loadTestsFromModule(sys.modules[module])
-    result = unittest.TextTestRunner(stream=sys.stdout, verbosity=0).run(suite)
-    failures = [test for test, _ in result.failures + result.errors] + result.unexpectedSuccesses
-    failed = len({getattr(test, "test_case", test).id() for test in failures})
-    skipped = len(result.skipped)
-    for test, reason in result.skipped:
-        print(f"skipped: {test} ({reason})")
-    failed = failed if result.testsRun or skipped else 1
-    print(f"{max(0, result.testsRun - failed - skipped)} passed, {failed} failed, "
-          f"{skipped} skipped")
-    sys.exit(1 if failed else 0)

@@ -1,6 +1,5 @@
 """What the tests of the scripts share."""
 
-import os
 import pathlib
 import shutil
 import stat
@@ -10,6 +9,9 @@ import tempfile
 import unittest
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(ROOT / "tests" / "support"))
+
+from counted import run_all  # noqa: E402,F401: for the tests, which take all they need from here
 
 
 class ScriptTest(unittest.TestCase):
@@ -64,21 +66,3 @@ def package_list(name):
     script = f'. "{ROOT}/scripts/lib/packages.sh"; echo ${name}'
     output = subprocess.run(["bash", "-c", script], stdout=subprocess.PIPE, text=True, check=True)
     return output.stdout.split()
-
-
-def run_all(module="__main__"):
-    """Runs the tests of the module and ends with the line that scripts/test counts."""
-    os.environ["PYTHONDONTWRITEBYTECODE"] = "1"
-    suite = unittest.defaultTestLoader.loadTestsFromModule(sys.modules[module])
-    result = unittest.TextTestRunner(stream=sys.stdout, verbosity=0).run(suite)
-    # A test with several failing rows is one failed test; a row is known by the test it belongs to.
-    failures = [test for test, _ in result.failures + result.errors] + result.unexpectedSuccesses
-    failed = len({getattr(test, "test_case", test).id() for test in failures})
-    skipped = len(result.skipped)
-    for test, reason in result.skipped:
-        print(f"skipped: {test} ({reason})")
-    passed = max(0, result.testsRun - failed - skipped)
-    if result.testsRun == 0:
-        failed = 1
-    print(f"{passed} passed, {failed} failed, {skipped} skipped")
-    sys.exit(1 if failed else 0)
