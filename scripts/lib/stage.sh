@@ -94,6 +94,15 @@ EOF_PROGRAMS
     run_counting python3 "$root/scripts/lib/run-ctest" --label program "$folder"
 }
 
+# run_host_tests PRESET: runs the tests that use the host program of build/PRESET as its users do. Each
+# makes a home of its own, in a place that the other user whom some of them become can reach.
+run_host_tests() {
+    local program=$root/build/$1/cli/browsersweep file
+    for file in "$root"/tests/cli/*_test.py; do
+        BROWSERSWEEP_PROGRAM=$program run_counting python3 -B "$file"
+    done
+}
+
 # build_only PRESET: configures and builds one preset, as one check; fails if the build does.
 build_only() {
     local preset=$1 log=$root/build/$1.log

@@ -1,9 +1,9 @@
 """The JSON documents, whole, on a home that is known to the last byte."""
 
 import json
-import unittest
 
-from fixture import (BROWSERS, CATEGORIES, ZERO, HostProgramTest, approximate, exact, size, write)
+from fixture import (BROWSERS, CATEGORIES, ZERO, HostProgramTest, approximate, exact, run_all, size,
+                     write)
 
 
 class Documents(HostProgramTest):
@@ -220,4 +220,4 @@ class Failures(HostProgramTest):
 
 
 if __name__ == "__main__":
-    unittest.main()
+    run_all()

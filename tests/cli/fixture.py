@@ -9,10 +9,15 @@ import select
 import shutil
 import sqlite3
 import subprocess
+import sys
 import tempfile
 import unittest
 
-import json_schema
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(ROOT / "tests" / "support"))
+
+import json_schema  # noqa: E402
+from counted import run_all  # noqa: E402,F401: for the tests, which take all they need from here
 
 PROGRAM = os.environ["BROWSERSWEEP_PROGRAM"]
 

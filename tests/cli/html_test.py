@@ -10,9 +10,8 @@ import shutil
 import stat
 import subprocess
 import sys
-import unittest
 
-from fixture import HostProgramTest, PROGRAM, write
+from fixture import PROGRAM, HostProgramTest, run_all, write
 
 VOID = {"meta", "rect", "br", "link"}  # rect closes itself
 
@@ -346,4 +345,4 @@ class InABrowser(PageTest):
 
 
 if __name__ == "__main__":
-    unittest.main()
+    run_all()

@@ -8,9 +8,8 @@ import socket
 import sqlite3
 import subprocess
 import sys
-import unittest
 
-from fixture import HostProgramTest, PROGRAM, database, exact, rows, write
+from fixture import PROGRAM, HostProgramTest, database, exact, rows, run_all, write
 
 CHROMIUM = "--browser=chromium"
 
@@ -420,4 +419,4 @@ class Locked(HostProgramTest):
 
 
 if __name__ == "__main__":
-    unittest.main()
+    run_all()

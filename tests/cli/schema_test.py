@@ -1,10 +1,9 @@
 """The schemas of the documents refuse what is no such document."""
 
 import copy
-import unittest
 
 import json_schema
-from fixture import COMMANDS, HostProgramTest
+from fixture import COMMANDS, HostProgramTest, run_all
 
 
 def objects_of(schema):
@@ -70,4 +69,4 @@ class Schemas(HostProgramTest):
 
 
 if __name__ == "__main__":
-    unittest.main()
+    run_all()

@@ -1,14 +1,11 @@
 """The manual page and the completions of the shells know what the program's parser knows."""
 
-import pathlib
 import re
 import shutil
 import subprocess
-import unittest
 
-from fixture import BROWSERS, CATEGORIES, COMMANDS, HostProgramTest
+from fixture import BROWSERS, CATEGORIES, COMMANDS, ROOT, HostProgramTest, run_all
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
 MANUAL = ROOT / "docs" / "man" / "browsersweep.1"
 COMPLETIONS = ROOT / "cli" / "completions"
 BASH, ZSH, FISH = (COMPLETIONS / name for name in
@@ -177,4 +174,4 @@ class Offers(ShellTest):
 
 
 if __name__ == "__main__":
-    unittest.main()
+    run_all()

@@ -1,9 +1,8 @@
 """Wrong command lines: status 2, nothing on standard output, one line that says what is right."""
 
 import os
-import unittest
 
-from fixture import HostProgramTest
+from fixture import HostProgramTest, run_all
 
 
 class Usage(HostProgramTest):
@@ -153,4 +152,4 @@ class Information(HostProgramTest):
 
 
 if __name__ == "__main__":
-    unittest.main()
+    run_all()

@@ -1,14 +1,17 @@
-"""Runs a module's tests and counts them the way that scripts/test adds up."""
+"""Runs a program's tests and counts them the way that scripts/test adds up."""
 
 import os
 import sys
 import unittest
 
 
-def run_all(module="__main__"):
-    """Runs the tests of the module and ends with the line that scripts/test counts."""
+def run_all():
+    """Runs the tests of the program, or those that its arguments name (Class, Class.test), and ends
+    with the line that scripts/test counts."""
     os.environ["PYTHONDONTWRITEBYTECODE"] = "1"
-    suite = unittest.defaultTestLoader.loadTestsFromModule(sys.modules[module])
+    module, names = sys.modules["__main__"], sys.argv[1:]
+    loader = unittest.defaultTestLoader
+    suite = loader.loadTestsFromNames(names, module) if names else loader.loadTestsFromModule(module)
     result = unittest.TextTestRunner(stream=sys.stdout, verbosity=0).run(suite)
     # A test with several failing rows is one failed test; a row is known by the test it belongs to.
     failures = [test for test, _ in result.failures + result.errors] + result.unexpectedSuccesses
