@@ -13,7 +13,7 @@ examples
   browsersweep size --browser googleChrome --category history
       the history of one browser
   browsersweep clean --dry-run --browser firefox --outside 2024-01-01..
-      what a clean of everything older than 2024 would remove
+      what a clean of all before 2024, and of all without a date, would remove
   browsersweep clean --browser firefox --category httpCookies --exclude example.com
       delete Firefox's cookies but those of example.com, after a question
   browsersweep --json bookmarks --primary-only
@@ -44,6 +44,11 @@ filters (size and clean; repeatable, applied in the order given)
   --outside START..END  only what is dated outside it
   --filter JSON         {"patterns":{"rule":"include","patterns":["a","b"]},
                          "dates":{"rule":"insideRange","startDate":DATE,"endDate":DATE}}
+
+  A filter keeps only what it can see. Data without a date goes whole under --inside and --outside,
+  data without a text to compare goes whole under --include and --exclude: form data and the list
+  of downloads under any filter, cookies of the Chromium family and of Firefox under dates. A dry
+  run shows it.
 
   A date is YYYY-MM-DD (midnight UTC), YYYY-MM-DDTHH:MM:SS[.fff]Z, a number of seconds since
   2001-01-01 00:00:00 UTC, or @ and a number of seconds since 1970.
