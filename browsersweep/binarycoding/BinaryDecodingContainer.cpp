@@ -1,5 +1,9 @@
 #include "browsersweep/binarycoding/BinaryDecodingContainer.h"
 
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <ios>
 #include <limits>
 #include <locale>
 #include <sstream>
@@ -30,29 +34,61 @@ std::string requireText(std::span<const std::uint8_t> bytes, StringEncoding enco
 }
 
 template <typename Number>
-Number numberOf(const std::string& text) {
-    std::istringstream stream(text);
+std::string written(Number number, std::ios_base::fmtflags form, int decimals) {
+    std::ostringstream stream;
     stream.imbue(std::locale::classic());
-    Number number{};
-    stream >> number;
-    return number;
+    stream.setf(form, std::ios_base::floatfield);
+    stream.precision(decimals);
+    stream << number;
+    return stream.str();
 }
 
-// The fewest digits that read back the same.
+template <typename Number>
+bool reads(const std::string& text, Number number) {
+    std::istringstream stream(text);
+    stream.imbue(std::locale::classic());
+    Number found{};
+    stream >> found;
+    // What is beyond the range reads as the largest number. Some libraries refuse tiny ones, too.
+    return found == number && (!stream.fail() || std::fabs(found) < 1);
+}
+
+// The fewest decimals of the exponent form that read back the same.
+template <typename Number>
+int fewestDecimals(Number number) {
+    int decimals = 0;
+    while (decimals < std::numeric_limits<Number>::max_digits10 - 1 &&
+           !reads(written(number, std::ios_base::scientific, decimals), number)) {
+        ++decimals;
+    }
+    return decimals;
+}
+
+// Whether it is long enough for a text with an exponent: beyond what counts every whole number.
+template <typename Number>
+bool needsExponent(Number magnitude) {
+    constexpr auto smallestPlain = static_cast<Number>(0.0001);
+    constexpr auto largestPlain =
+        static_cast<Number>(std::uint64_t{1} << std::numeric_limits<Number>::digits);
+    return magnitude != 0 && (magnitude < smallestPlain || magnitude > largestPlain);
+}
+
+// The fewest digits that read back the same, at least one of them a decimal.
 template <typename Number>
 std::string shortestText(Number number) {
-    std::string text;
-    for (int digits = 1; digits <= std::numeric_limits<Number>::max_digits10; ++digits) {
-        std::ostringstream stream;
-        stream.imbue(std::locale::classic());
-        stream.precision(digits);
-        stream << number;
-        text = stream.str();
-        if (numberOf<Number>(text) == number) {
-            break;
-        }
+    if (std::isnan(number)) {
+        return "nan";
     }
-    return text.find_first_not_of("-0123456789") == std::string::npos ? text + ".0" : text;
+    if (std::isinf(number)) {
+        return number < 0 ? "-inf" : "inf";
+    }
+    const int decimals = fewestDecimals(number);
+    const std::string text = written(number, std::ios_base::scientific, decimals);
+    if (needsExponent(std::fabs(number))) {
+        return text;
+    }
+    const int exponent = std::stoi(text.substr(text.find('e') + 1));
+    return written(number, std::ios_base::fixed, std::max(1, decimals - exponent));
 }
 
 }  // namespace

@@ -182,10 +182,37 @@ TEST(BinaryDecodingContainer, showsAnInvalidFractionWithTheFewestDigits) {
     expectShown(0.1, "0.1");
     expectShown(-2.0, "-2.0");
     expectShown(0.30000000000000004, "0.30000000000000004");
-    expectShown(1e300, "1e+300");
+    expectShown(123456.789, "123456.789");
     expectShown(0.1F, "0.1");
+    expectShown(3.14159274F, "3.1415927");
     EXPECT_EQ(BinaryDataDecoder().decode<One<double>>(BinaryDataEncoder().encode(1.0)),
               One<double>());
+}
+
+TEST(BinaryDecodingContainer,
+     showsAnInvalidFractionWithAnExponentOnlyBeyondWhatCountsWholeNumbers) {
+    expectShown(0.0, "0.0");
+    expectShown(-0.0, "-0.0");
+    expectShown(100.0, "100.0");
+    expectShown(100.0F, "100.0");
+    expectShown(700000000.0, "700000000.0");
+    expectShown(9007199254740992.0, "9007199254740992.0");
+    expectShown(9007199254740994.0, "9.007199254740994e+15");
+    expectShown(16777216.0F, "16777216.0");
+    expectShown(16777218.0F, "1.6777218e+07");
+    expectShown(1e300, "1e+300");
+    expectShown(0.0001, "0.0001");
+    expectShown(0.0001F, "0.0001");
+    expectShown(-0.000012345, "-1.2345e-05");
+    expectShown(5e-324, "5e-324");
+    expectShown(std::numeric_limits<double>::max(), "1.7976931348623157e+308");
+}
+
+TEST(BinaryDecodingContainer, namesAnInvalidFractionThatIsNoNumber) {
+    expectShown(std::numeric_limits<double>::infinity(), "inf");
+    expectShown(-std::numeric_limits<float>::infinity(), "-inf");
+    expectShown(std::numeric_limits<double>::quiet_NaN(), "nan");
+    expectShown(-std::numeric_limits<double>::quiet_NaN(), "nan");
 }
 
 TEST(BinaryDecodingContainer, readsSeveralNumbersAtOnceAsOneByOne) {
