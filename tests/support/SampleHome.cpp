@@ -107,6 +107,17 @@ std::string folderOf(Browser browser) {
     return reader == nullptr ? "" : reader->applicationSupportRelativePath().string();
 }
 
+/** What no clean may take out of a database. */
+std::string preciousContents(const Database& database, std::string_view name) {
+    std::string rows = database.text("SELECT group_concat(text) FROM precious");
+    if (name.ends_with("places.sqlite")) {
+        rows += database.text(
+            "SELECT group_concat(b.title || p.url) FROM moz_bookmarks b "
+            "JOIN moz_places p ON p.id = b.fk");
+    }
+    return rows;
+}
+
 constexpr std::string_view support = "Library/Application Support/";
 constexpr std::string_view caches = "Library/Caches/";
 
@@ -148,7 +159,7 @@ SampleHome::SampleHome(std::span<const Browser> browsers) {
         add(browser);
     }
     for (const std::string& name : databases_) {
-        preciousRows_.emplace(name, preciousContents(name));
+        preciousRows_.emplace(name, preciousContents(Database(path() / name), name));
     }
     original_ = files();
 }
@@ -268,6 +279,8 @@ void SampleHome::precious(const std::string& file, std::string_view contents) {
 Database SampleHome::database(const std::string& file, const std::string& sql) {
     Database made(path() / file);
     made.execute("BEGIN;" + sql + "COMMIT;");
+    // The smallest pages: small files are quick to copy and compare, and their trees are deep.
+    made.execute("PRAGMA page_size = 512; VACUUM;");
     selected_.insert(file);
     databases_.insert(file);
     return made;
@@ -300,8 +313,8 @@ std::vector<std::string> SampleHome::changes() const {
     return differences(original_, files());
 }
 
-void SampleHome::restore() const {
-    for (const std::string& name : changes()) {
+void SampleHome::restore(const std::vector<std::string>& changed) const {
+    for (const std::string& name : changed) {
         fs::remove_all(path() / name);
         const auto found = original_.find(name);
         if (found == original_.end()) {
@@ -320,9 +333,9 @@ void SampleHome::restore() const {
     }
 }
 
-std::vector<std::string> SampleHome::harm() const {
+std::vector<std::string> SampleHome::harm(const std::vector<std::string>& changed) const {
     std::vector<std::string> found;
-    for (const std::string& name : changes()) {
+    for (const std::string& name : changed) {
         if (selected_.count(name) == 0) {
             found.push_back(name);
         } else if (databases_.count(name) == 1) {
@@ -339,22 +352,12 @@ std::string SampleHome::databaseHarm(const std::string& name) const {
     if (!fs::exists(path() / name)) {
         return "gone";
     }
-    std::string verdict = Database(path() / name).text("PRAGMA integrity_check");
+    const Database opened(path() / name);
+    std::string verdict = opened.text("PRAGMA integrity_check");
     if (verdict != "ok") {
         return verdict;
     }
-    return preciousContents(name) == preciousRows_.at(name) ? "" : "rows are lost";
-}
-
-std::string SampleHome::preciousContents(const std::string& database) const {
-    const Database opened(path() / database);
-    std::string rows = opened.text("SELECT group_concat(text) FROM precious");
-    if (database.ends_with("places.sqlite")) {
-        rows += opened.text(
-            "SELECT group_concat(b.title || p.url) FROM moz_bookmarks b "
-            "JOIN moz_places p ON p.id = b.fk");
-    }
-    return rows;
+    return preciousContents(opened, name) == preciousRows_.at(name) ? "" : "rows are lost";
 }
 
 }  // namespace browsersweep::tests

@@ -56,17 +56,21 @@ public:
     /** Everything in the home as it is now. */
     Files files() const;
 
-    /** Puts everything back as it was made, and empties the temporary folder. */
-    void restore() const;
-
-    /** The paths of all that is not as it was made. */
+    /** The paths of all that is not as it was made: everything is read and compared. */
     std::vector<std::string> changes() const;
+
+    /** Puts everything back as it was made, and empties the temporary folder. */
+    void restore() const { restore(changes()); }
+    /** The same, where it is known what has changed. */
+    void restore(const std::vector<std::string>& changed) const;
 
     /**
      * What no clean may do, each by its path: data that was changed, added or lost beside what is
      * selected; a database that is gone, fails SQLite's own check or lacks other rows.
      */
-    std::vector<std::string> harm() const;
+    std::vector<std::string> harm() const { return harm(changes()); }
+    /** The same, where it is known what has changed. */
+    std::vector<std::string> harm(const std::vector<std::string>& changed) const;
 
     /** The databases, as paths below the home. */
     const std::set<std::string>& databases() const noexcept { return databases_; }
@@ -81,7 +85,6 @@ private:
     void precious(const std::string& file, std::string_view contents);
     Database database(const std::string& file, const std::string& sql);
     std::string databaseHarm(const std::string& name) const;
-    std::string preciousContents(const std::string& database) const;
 
     TemporaryFolder folder_{folderInMemory()};
     std::set<std::string> selected_;

@@ -3,9 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
-#include <sstream>
 #include <stdexcept>
-#include <utility>
 
 #include <unistd.h>
 
@@ -74,12 +72,11 @@ fs::path folderInMemory() {
 
 std::string readFile(const fs::path& path) {
     std::ifstream stream(path, std::ios::binary);
-    if (!stream) {
+    std::string text(stream ? fs::file_size(path) : 0, '\0');
+    if (!stream.read(text.data(), static_cast<std::streamsize>(text.size()))) {
         throw std::runtime_error("cannot read " + path.string());
     }
-    std::ostringstream text;
-    text << stream.rdbuf();  // in blocks, not character by character
-    return std::move(text).str();
+    return text;
 }
 
 }  // namespace browsersweep::tests
