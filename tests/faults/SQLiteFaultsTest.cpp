@@ -15,6 +15,7 @@
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Database.h"
 #include "tests/support/GuardedFileManager.h"
+#include "tests/support/PageDamage.h"
 #include "tests/support/SampleHome.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -96,6 +97,20 @@ TEST_F(SQLiteFaults, randomlyDamagedPagesGiveAnErrorOrAResultAndHarmNothingElse)
             damaged[below(damaged.size())] = static_cast<char>(below(256));
         }
         std::ofstream(file_, std::ios::binary) << damaged;
+        runAll();
+        EXPECT_EQ(tests::readFile(neighbour), "kept");
+        expectNoTemporaryFiles();
+        fs::remove(file_.string() + "-journal");
+    }
+}
+
+TEST_F(SQLiteFaults, damagedPagesOfDeepTreesGiveAnErrorOrAResultAndHarmNothingElse) {
+    const std::string whole = tests::readFile(file_);
+    ASSERT_GE(whole.size() / tests::pageSizeOf(whole), 20U);
+    const fs::path neighbour = home_.write("data/Neighbour", "kept");
+    for (std::uint32_t seed = 0; seed < 300; ++seed) {
+        SCOPED_TRACE(seed);
+        std::ofstream(file_, std::ios::binary) << tests::PageDamage(seed).damaged(whole);
         runAll();
         EXPECT_EQ(tests::readFile(neighbour), "kept");
         expectNoTemporaryFiles();
@@ -207,25 +222,61 @@ TEST_F(SQLiteFaults, rowsInTheLogOfALivingBrowserAreDeletedAndTheDatabaseStaysWh
     expectNoTemporaryFiles();
 }
 
+TEST_F(SQLiteFaults, aTableWithRowsInTheLogOfALivingBrowserIsCleanedWithThem) {
+    Database(file_).execute("PRAGMA journal_mode = WAL");
+    const ChildProcess browser([&](const ChildProcess::Ready& ready) {
+        Database held(file_);
+        held.execute(
+            "INSERT INTO history_items VALUES (1000, 'https://new.example/');"
+            "INSERT INTO precious VALUES ('kept too');");
+        ready();
+    });
+    // The log is no part of the copy on which rows are counted.
+    EXPECT_EQ(table().size().itemCount, CleanableDataSize::Measurement(200));
+    table().clean(
+        std::vector<CleanableDataFilter>{{CleanableDataFilter::Rule::include, {"new.example"}}});
+    EXPECT_EQ(Database(file_).number("SELECT COUNT(*) FROM history_items"), 200);
+    table().clean();
+    EXPECT_EQ(Database(file_).number("SELECT COUNT(*) FROM history_items"), 0);
+    EXPECT_EQ(Database(file_).text("SELECT group_concat(text) FROM precious"), "kept,kept too");
+    EXPECT_EQ(Database(file_).text("PRAGMA integrity_check"), "ok");
+    expectNoTemporaryFiles();
+}
+
 TEST_F(SQLiteFaults, whatAnOrdinaryUserMayOnlyReadIsSizedAndNotChangedByAClean) {
+    constexpr fs::perms read =
+        fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read;
+    constexpr fs::perms enter =
+        fs::perms::owner_exec | fs::perms::group_exec | fs::perms::others_exec;
+    constexpr fs::perms write =
+        fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+    struct Case {
+        const char* name;
+        fs::perms file;
+        fs::perms folder;
+    };
     const std::string whole = tests::readFile(file_);
     fs::permissions(home_.path(), fs::perms::all);
     fs::permissions(temporary_, fs::perms::all);
-    const fs::perms readOnly =
-        fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read;
-    const fs::perms enter = fs::perms::owner_exec | fs::perms::group_exec | fs::perms::others_exec;
-    fs::permissions(file_, readOnly);
-    fs::permissions(file_.parent_path(), readOnly | enter);
-    const int status = tests::runAsOrdinaryUser([&] {
-        EXPECT_EQ(table().size().itemCount, CleanableDataSize::Measurement(200));
-        EXPECT_EQ(safari().size().itemCount, CleanableDataSize::Measurement(200));
-        // A write refused is none of SQLite's plain errors: like a lock, it is silently not done.
-        EXPECT_NO_THROW(table().clean());
-        EXPECT_NO_THROW(safari().clean());
-    });
-    EXPECT_EQ(status, 0);
-    EXPECT_EQ(tests::readFile(file_), whole);
-    expectNoTemporaryFiles();
+    for (const Case& each :
+         {Case{"both", read, read | enter}, Case{"the file", read, read | write | enter},
+          Case{"the folder", read | write, read | enter}}) {
+        SCOPED_TRACE(each.name);
+        fs::permissions(file_, each.file);
+        fs::permissions(file_.parent_path(), each.folder);
+        const int status = tests::runAsOrdinaryUser([&] {
+            EXPECT_EQ(table().size().itemCount, CleanableDataSize::Measurement(200));
+            EXPECT_EQ(safari().size().itemCount, CleanableDataSize::Measurement(200));
+            // A write refused is none of SQLite's plain errors: like a lock, it is silently not
+            // done.
+            EXPECT_NO_THROW(table().clean());
+            EXPECT_NO_THROW(safari().clean());
+        });
+        EXPECT_EQ(status, 0);
+        EXPECT_EQ(tests::readFile(file_), whole);
+        EXPECT_EQ(tests::filesBelow(file_.parent_path()).size(), 1U);
+        expectNoTemporaryFiles();
+    }
 }
 
 /** A small file system in memory, gone with the object. Only root may mount one, and not anywhere.
