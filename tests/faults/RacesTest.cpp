@@ -66,11 +66,12 @@ private:
     // Each step may find the other process' work in its way, which is what the race is about.
     static void swap(const fs::path& folder, const fs::path& aside, const fs::path& precious) {
         const std::string file = (folder / "file").string();
-        for (int round = 0; round < swapCount; ++round) {
+        for (int swaps = 0; swaps < swapCount;) {
             ::mkdir(folder.c_str(), 0700);
             ::close(::open(file.c_str(), O_CREAT | O_WRONLY | O_NOFOLLOW | O_EXCL, 0600));
             ::rename(folder.c_str(), aside.c_str());
             if (::symlink(precious.c_str(), folder.c_str()) == 0) {
+                ++swaps;
                 ::unlink(folder.c_str());
             }
             ::rename(aside.c_str(), folder.c_str());
