@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <string>
 
@@ -324,6 +325,22 @@ TEST_F(FileManagerTest, depthCostsNeitherStackNorDescriptors) {
     EXPECT_EQ(folders, depth + 2);
     EXPECT_LE(mostOpen, openBefore + 40);
     EXPECT_EQ(std::system(("rm -rf '" + root.string() + "'").c_str()), 0);
+}
+
+TEST_F(FileManagerTest, aFolderThatIsMovedElsewhereWhileItIsWalkedEndsTheWalk) {
+    fs::path below = "root";
+    for (int level = 0; level < 100; ++level) {
+        below /= "d";
+    }
+    folder.write(below / "file", "1");
+    folder.write("elsewhere/file", "kept");
+    const auto walk = manager->enumerator(folder / "root");
+    do {
+        ASSERT_TRUE(walk->next());
+    } while (walk->name() != "file");
+    fs::rename(folder / "root/d/d/d", folder / "elsewhere/d");
+    EXPECT_EQ(static_cast<int>(errorOf([&] { walk->next(); })), ESTALE);
+    EXPECT_EQ(tests::readFile(folder / "elsewhere/file"), "kept");
 }
 
 TEST_F(FileManagerTest, errorsNameThePathOfTheEntry) {
