@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
+#include <limits>
 #include <numeric>
+#include <utility>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -17,23 +19,32 @@ char lowercase(char c) noexcept {
 
 /** How many letters must be added, dropped, changed or swapped with the next, letter case aside. */
 std::size_t distance(std::string_view a, std::string_view b) {
-    std::vector<std::vector<std::size_t>> cost(a.size() + 1,
-                                               std::vector<std::size_t>(b.size() + 1));
-    std::iota(cost[0].begin(), cost[0].end(), std::size_t{0});
+    // The costs of the first letters of one word against those of the other: the last three rows.
+    std::vector<std::size_t> beforeLast(b.size() + 1);
+    std::vector<std::size_t> last(b.size() + 1);
+    std::vector<std::size_t> cost(b.size() + 1);
+    std::iota(cost.begin(), cost.end(), std::size_t{0});
     const auto isSame = [&](std::size_t i, std::size_t j) {
         return lowercase(a[i - 1]) == lowercase(b[j - 1]);
     };
     for (std::size_t i = 1; i <= a.size(); ++i) {
-        cost[i][0] = i;
+        std::swap(beforeLast, last);
+        std::swap(last, cost);
+        cost[0] = i;
         for (std::size_t j = 1; j <= b.size(); ++j) {
-            const std::size_t changed = cost[i - 1][j - 1] + (isSame(i, j) ? 0 : 1);
-            cost[i][j] = std::min({cost[i - 1][j] + 1, cost[i][j - 1] + 1, changed});
+            const std::size_t changed = last[j - 1] + (isSame(i, j) ? 0 : 1);
+            cost[j] = std::min({last[j] + 1, cost[j - 1] + 1, changed});
             if (i > 1 && j > 1 && isSame(i, j - 1) && isSame(i - 1, j)) {
-                cost[i][j] = std::min(cost[i][j], cost[i - 2][j - 2] + 1);
+                cost[j] = std::min(cost[j], beforeLast[j - 2] + 1);
             }
         }
     }
-    return cost[a.size()][b.size()];
+    return cost[b.size()];
+}
+
+/** How far from a known word another may be to be taken for it. */
+std::size_t tolerated(std::string_view known) noexcept {
+    return std::max<std::size_t>(1, known.size() / 3);
 }
 
 bool containsIgnoringCase(std::string_view text, std::string_view part) {
@@ -58,16 +69,22 @@ std::optional<std::string_view> containing(std::string_view part,
 
 std::optional<std::string_view> closest(std::string_view word,
                                         const std::vector<std::string_view>& known) {
-    constexpr std::size_t longestWord = 64;  // nobody mistypes more, and the work is quadratic
-    if (word.empty() || known.empty() || word.size() > longestWord) {
+    // The work is quadratic, and words of very different lengths are never close.
+    const bool isTooLong = std::all_of(known.begin(), known.end(), [word](std::string_view other) {
+        return word.size() > other.size() + tolerated(other);
+    });
+    if (word.empty() || isTooLong) {
         return std::nullopt;
     }
-    const auto best = *std::min_element(known.begin(), known.end(),
-                                        [word](std::string_view a, std::string_view b) {
-                                            return distance(word, a) < distance(word, b);
-                                        });
-    const auto tolerated = std::max<std::size_t>(1, best.size() / 3);
-    return distance(word, best) <= tolerated ? std::optional(best) : containing(word, known);
+    std::string_view best;
+    std::size_t shortest = std::numeric_limits<std::size_t>::max();
+    for (const std::string_view other : known) {
+        if (const std::size_t found = distance(word, other); found < shortest) {
+            best = other;
+            shortest = found;
+        }
+    }
+    return shortest <= tolerated(best) ? std::optional(best) : containing(word, known);
 }
 
 std::string suggestion(std::string_view word, const std::vector<std::string_view>& known) {

@@ -19,6 +19,13 @@ TEST(Suggestion, namesTheWordThatWasProbablyMeant) {
     }
 }
 
+TEST(Suggestion, aThirdOfTheLettersMayBeWrong) {
+    EXPECT_EQ(closest("chromiumxy", known), std::string_view("chromium"));
+    EXPECT_EQ(closest("chromiumxyz", known), std::nullopt);
+    EXPECT_EQ(closest("microsoftEdgeabcd", known), std::string_view("microsoftEdge"));
+    EXPECT_EQ(closest("microsoftEdgeabcde", known), std::nullopt);
+}
+
 TEST(Suggestion, listsAllWordsWhereNoneIsClose) {
     EXPECT_EQ(closest("", known), std::nullopt);
     EXPECT_EQ(closest("xy", known), std::nullopt);
