@@ -227,19 +227,19 @@ void onEntity(void* builder, const XML_Char* /*name*/, int /*isParameter*/,
 constexpr std::size_t chunkSize = std::size_t{1} << 20;
 
 bool feed(XML_Parser parser, BytesView bytes) {
-    while (true) {
+    while (!bytes.empty()) {
         const BytesView chunk = bytes.first(std::min(bytes.size(), chunkSize));
         bytes = bytes.subspan(chunk.size());
         // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the parser's type of a byte
         const auto* text = reinterpret_cast<const char*>(chunk.data());
         const auto length = static_cast<int>(chunk.size());
-        if (XML_Parse(parser, text, length, bytes.empty() ? 1 : 0) != XML_STATUS_OK) {
+        if (XML_Parse(parser, text, length, XML_FALSE) != XML_STATUS_OK) {
             return false;
         }
-        if (bytes.empty()) {
-            return true;
-        }
     }
+    // The end by itself: told with the last bytes, the parser can miss that half a character of
+    // UTF-16 is left.
+    return XML_Parse(parser, "", 0, XML_TRUE) == XML_STATUS_OK;
 }
 
 // What stands between "<" and ">" is data of an old-style text if it is nothing but hexadecimal.

@@ -201,6 +201,16 @@ TEST(XMLPropertyList, documentsInUTF16AreRead) {
     }
 }
 
+TEST(XMLPropertyList, halfACharacterAtTheEndIsRefused) {
+    std::string file;
+    for (const char character : std::string("<plist><array/></plist>\r\n")) {
+        file += {character, '\0'};
+    }
+    EXPECT_EQ(PropertyList::array({}), PropertyList::parse(bytes(file)));
+    file.pop_back();
+    expectCorrupted(file);
+}
+
 TEST(XMLPropertyList, aDocumentLongerThanTheParsersChunksIsRead) {
     const std::string longText(3U << 20, 'x');
     EXPECT_EQ(text(longText), PropertyList::parse(bytes("<string>" + longText + "</string>")));
