@@ -23,7 +23,7 @@ namespace {
 
 using Patterns = CleanableDataFilter::Patterns;
 using Dates = CleanableDataFilter::Dates;
-using JSON = nlohmann::json;
+using JSON = nlohmann::ordered_json;
 
 constexpr std::array patternRules{
     std::pair{std::string_view("include"), Patterns::Rule::include},

@@ -57,6 +57,16 @@ constexpr std::array<std::string_view, allCleanableDataCategories.size()> catego
 
 }  // namespace
 
+std::vector<std::string_view> namesOfEmptyBrowsers(const SizesReport& report) {
+    std::vector<std::string_view> names;
+    for (const auto& row : report.browsers) {
+        if (!row.error && row.categories.empty()) {
+            names.push_back(displayName(row.browser));
+        }
+    }
+    return names;
+}
+
 std::vector<Failure> failures(const Report& report) {
     Failures found;
     std::visit(Collect{found}, report);

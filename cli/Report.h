@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -102,6 +103,9 @@ struct Failure {
 
 /** Everything in a report that failed, in the report's order. */
 std::vector<Failure> failures(const Report& report);
+
+/** The browsers that were measured without an error and keep nothing, by name. */
+std::vector<std::string_view> namesOfEmptyBrowsers(const SizesReport& report);
 
 /** The name of a category for people. */
 std::string_view displayName(CleanableDataCategory category) noexcept;

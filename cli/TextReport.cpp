@@ -126,13 +126,8 @@ private:
 };
 
 /** The browsers that have no profile that was asked for. */
-std::string emptyBrowsers(const SizesReport& report) {
-    std::vector<std::string_view> names;
-    for (const auto& row : report.browsers) {
-        if (!row.error && row.categories.empty()) {
-            names.push_back(displayName(row.browser));
-        }
-    }
+std::string emptyBrowsersLine(const SizesReport& report) {
+    const auto names = namesOfEmptyBrowsers(report);
     return names.empty() ? "" : fmt::format("No data found: {}", fmt::join(names, ", "));
 }
 
@@ -146,7 +141,7 @@ std::string remark(const std::string& text, const Appearance& appearance) {
 }
 
 std::string peopleTextOf(const SizesReport& report, const Appearance& appearance) {
-    return SizesTable(report, appearance).text() + remark(emptyBrowsers(report), appearance) +
+    return SizesTable(report, appearance).text() + remark(emptyBrowsersLine(report), appearance) +
            remark(legend(report.total), appearance);
 }
 

@@ -8,7 +8,7 @@
 namespace browsersweep {
 namespace {
 
-constexpr std::size_t everything = std::numeric_limits<std::size_t>::max();
+constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
 
 }  // namespace
 
@@ -26,7 +26,7 @@ std::vector<std::uint8_t> BufferedData::read(std::size_t maxBytes) {
 }
 
 BufferedData::UntilResult BufferedData::readUntil(std::uint8_t delimiter) {
-    const DelimitedBytes found = takeUntil(delimiter, everything);
+    const DelimitedBytes found = takeUntil(delimiter, unlimited);
     return {{found.data.begin(), found.data.end()}, found.didFindDelimiter};
 }
 
@@ -50,7 +50,7 @@ DelimitedBytes BufferedData::takeUntil(std::uint8_t delimiter, std::size_t maxBy
 
 std::span<const std::uint8_t> BufferedData::takeRemainder() {
     if (buffer().empty()) {
-        if (const auto piece = reader_->view(everything)) {
+        if (const auto piece = reader_->view(unlimited)) {
             return *piece;
         }
     }

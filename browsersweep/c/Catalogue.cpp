@@ -9,10 +9,6 @@ using namespace browsersweep::c;
 
 namespace {
 
-bool everyProfile(const bs::BrowserProfile& /*profile*/) {
-    return true;
-}
-
 /** The cleaner of a browser that only tells its names: it reads nothing. */
 std::unique_ptr<const bs::BrowserCleaner> namesOf(bs::Browser browser) {
     return bs::cleaner(browser, bs::FileManager::forHome("/"));

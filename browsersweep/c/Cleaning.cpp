@@ -11,10 +11,6 @@ using namespace browsersweep::c;
 
 namespace {
 
-bool everyProfile(const bs::BrowserProfile& /*profile*/) {
-    return true;
-}
-
 /** Patterns stand in SQL texts as they are: what would change such a text is refused. */
 bool isPlain(std::string_view pattern) noexcept {
     return !pattern.empty() && std::none_of(pattern.begin(), pattern.end(), [](char character) {

@@ -118,6 +118,11 @@ const Entry* entryAt(const std::vector<Entry>* entries, std::size_t index) noexc
 std::unique_ptr<const BrowserCleaner> cleanerOf(const browsersweep_home* home,
                                                 browsersweep_browser browser);
 
+/** The filter of profiles that takes them all. */
+inline bool everyProfile(const BrowserProfile& /*profile*/) {
+    return true;
+}
+
 /** One profile of a list. Throws `std::invalid_argument`. */
 const BrowserProfile& profileAt(const browsersweep_profiles* profiles, std::size_t index);
 

@@ -21,10 +21,6 @@ constexpr std::string_view magic = "bplist0";
 constexpr std::size_t headerSize = 8;
 constexpr std::size_t trailerSize = 32;
 
-[[noreturn]] void corrupted(std::string_view description) {
-    throw DecodingError(DecodingError::Kind::dataCorrupted, description);
-}
-
 std::uint64_t bigEndian(BytesView bytes) noexcept {
     std::uint64_t value = 0;
     for (const std::uint8_t byte : bytes) {
@@ -43,7 +39,7 @@ struct Trailer {
 
 Trailer readTrailer(BytesView bytes) {
     if (bytes.size() < headerSize + 1 + trailerSize) {
-        corrupted("a binary property list is cut off");
+        throw DecodingError::dataCorrupted("a binary property list is cut off");
     }
     const BytesView tail = bytes.last(trailerSize);
     const Trailer trailer{tail[6], tail[7], bigEndian(tail.subspan(8, 8)),
@@ -56,7 +52,7 @@ Trailer readTrailer(BytesView bytes) {
         (tableEnd - trailer.offsetTable) % trailer.offsetSize == 0 &&
         (tableEnd - trailer.offsetTable) / trailer.offsetSize == trailer.objectCount;
     if (!tableFits || trailer.topObject >= trailer.objectCount) {
-        corrupted("the trailer of a binary property list is wrong");
+        throw DecodingError::dataCorrupted("the trailer of a binary property list is wrong");
     }
     return trailer;
 }
@@ -68,9 +64,9 @@ struct Expansion {
     std::uint64_t bytes = 0;
 };
 
-class Reader {
+class BinaryReader {
 public:
-    explicit Reader(BytesView bytes)
+    explicit BinaryReader(BytesView bytes)
         : bytes_(bytes),
           trailer_(readTrailer(bytes)),
           unreadBytes_(trailer_.offsetTable - headerSize),
@@ -119,29 +115,32 @@ private:
     std::vector<Object> objects_;
 };
 
-const Reader::Object& Reader::object(std::uint64_t index, std::size_t depth) {
+const BinaryReader::Object& BinaryReader::object(std::uint64_t index, std::size_t depth) {
     if (index >= trailer_.objectCount) {
-        corrupted("a binary property list refers to an object that it does not have");
+        throw DecodingError::dataCorrupted(
+            "a binary property list refers to an object that it does not have");
     }
     Object& found = objects_[static_cast<std::size_t>(index)];
     if (found.value) {
         return found;
     }
     if (found.isOpen) {
-        corrupted("a binary property list holds an object that contains itself");
+        throw DecodingError::dataCorrupted(
+            "a binary property list holds an object that contains itself");
     }
     found.isOpen = true;
     const std::uint64_t place = trailer_.offsetTable + index * trailer_.offsetSize;
     const std::uint64_t offset =
         bigEndian(bytes_.subspan(static_cast<std::size_t>(place), trailer_.offsetSize));
     if (offset < headerSize || offset >= trailer_.offsetTable) {
-        corrupted("an object of a binary property list lies outside of it");
+        throw DecodingError::dataCorrupted(
+            "an object of a binary property list lies outside of it");
     }
     found.value = parse(offset, depth, found.expansion);
     return found;
 }
 
-PropertyList Reader::parse(std::uint64_t offset, std::size_t depth, Expansion& expansion) {
+PropertyList BinaryReader::parse(std::uint64_t offset, std::size_t depth, Expansion& expansion) {
     position_ = offset;
     const std::uint8_t marker = take(1)[0];
     const unsigned detail = marker & 0x0FU;
@@ -167,16 +166,17 @@ PropertyList Reader::parse(std::uint64_t offset, std::size_t depth, Expansion& e
         case 0xD:
             return parseDictionary(takeCount(detail), depth, expansion);
         default:
-            corrupted("a binary property list holds an object of an unknown kind");
+            throw DecodingError::dataCorrupted(
+                "a binary property list holds an object of an unknown kind");
     }
 }
 
-BytesView Reader::take(std::uint64_t count) {
+BytesView BinaryReader::take(std::uint64_t count) {
     if (count > trailer_.offsetTable - position_) {
-        corrupted("an object of a binary property list is cut off");
+        throw DecodingError::dataCorrupted("an object of a binary property list is cut off");
     }
     if (count > unreadBytes_) {
-        corrupted("objects of a binary property list overlap");
+        throw DecodingError::dataCorrupted("objects of a binary property list overlap");
     }
     const BytesView taken =
         bytes_.subspan(static_cast<std::size_t>(position_), static_cast<std::size_t>(count));
@@ -185,21 +185,21 @@ BytesView Reader::take(std::uint64_t count) {
     return taken;
 }
 
-std::uint64_t Reader::takeCount(unsigned detail) {
+std::uint64_t BinaryReader::takeCount(unsigned detail) {
     if (detail != 0xF) {
         return detail;
     }
     const std::uint8_t marker = take(1)[0];
     if (marker < 0x10 || marker > 0x13) {
-        corrupted("a count in a binary property list is no integer");
+        throw DecodingError::dataCorrupted("a count in a binary property list is no integer");
     }
     return bigEndian(take(std::uint64_t{1} << (marker & 0x0FU)));
 }
 
-std::vector<std::uint64_t> Reader::takeReferences(std::uint64_t count) {
+std::vector<std::uint64_t> BinaryReader::takeReferences(std::uint64_t count) {
     // Divided rather than multiplied: the product could wrap around.
     if (count > (trailer_.offsetTable - position_) / trailer_.referenceSize) {
-        corrupted("a container of a binary property list is cut off");
+        throw DecodingError::dataCorrupted("a container of a binary property list is cut off");
     }
     const BytesView taken = take(count * trailer_.referenceSize);
     std::vector<std::uint64_t> references(static_cast<std::size_t>(count));
@@ -210,34 +210,37 @@ std::vector<std::uint64_t> Reader::takeReferences(std::uint64_t count) {
     return references;
 }
 
-void Reader::add(Expansion& whole, const Expansion& part) const {
+void BinaryReader::add(Expansion& whole, const Expansion& part) const {
     whole.depth = std::max(whole.depth, part.depth + 1);
     whole.values += part.values;
     whole.bytes += part.bytes;
     if (whole.depth > PropertyList::maximumDepth) {
-        corrupted("a binary property list is nested too deeply");
+        throw DecodingError::dataCorrupted("a binary property list is nested too deeply");
     }
     if (whole.values > maximumValues() || whole.bytes > maximumBytes()) {
-        corrupted("the references of a binary property list add up to too much");
+        throw DecodingError::dataCorrupted(
+            "the references of a binary property list add up to too much");
     }
 }
 
-std::string Reader::key(std::uint64_t index, std::size_t depth) {
+std::string BinaryReader::key(std::uint64_t index, std::size_t depth) {
     const std::string* text = object(index, depth).value->asString();
     if (text == nullptr) {
-        corrupted("a key of a binary property list is no text");
+        throw DecodingError::dataCorrupted("a key of a binary property list is no text");
     }
     if (text->size() > keyBytes_) {
-        corrupted("the references of a binary property list add up to too much");
+        throw DecodingError::dataCorrupted(
+            "the references of a binary property list add up to too much");
     }
     keyBytes_ -= text->size();
     return *text;
 }
 
-PropertyList Reader::parseArray(std::uint64_t count, std::size_t depth, Expansion& expansion) {
+PropertyList BinaryReader::parseArray(std::uint64_t count, std::size_t depth,
+                                      Expansion& expansion) {
     expansion.depth = 1;
     if (depth >= PropertyList::maximumDepth) {
-        corrupted("a binary property list is nested too deeply");
+        throw DecodingError::dataCorrupted("a binary property list is nested too deeply");
     }
     PropertyList::Array values;
     const std::vector<std::uint64_t> references = takeReferences(count);
@@ -250,10 +253,11 @@ PropertyList Reader::parseArray(std::uint64_t count, std::size_t depth, Expansio
     return PropertyList::array(std::move(values));
 }
 
-PropertyList Reader::parseDictionary(std::uint64_t count, std::size_t depth, Expansion& expansion) {
+PropertyList BinaryReader::parseDictionary(std::uint64_t count, std::size_t depth,
+                                           Expansion& expansion) {
     expansion.depth = 1;
     if (depth >= PropertyList::maximumDepth) {
-        corrupted("a binary property list is nested too deeply");
+        throw DecodingError::dataCorrupted("a binary property list is nested too deeply");
     }
     PropertyList::Dictionary entries;
     const std::vector<std::uint64_t> keys = takeReferences(count);
@@ -269,16 +273,18 @@ PropertyList Reader::parseDictionary(std::uint64_t count, std::size_t depth, Exp
     return PropertyList::dictionary(std::move(entries));
 }
 
-PropertyList Reader::parseSimple(unsigned detail) const {
+PropertyList BinaryReader::parseSimple(unsigned detail) const {
     if (detail != 0x8 && detail != 0x9) {
-        corrupted("a binary property list holds an object of an unknown kind");
+        throw DecodingError::dataCorrupted(
+            "a binary property list holds an object of an unknown kind");
     }
     return PropertyList::boolean(detail == 0x9);
 }
 
-PropertyList Reader::parseInteger(unsigned detail) {
+PropertyList BinaryReader::parseInteger(unsigned detail) {
     if (detail > 4) {
-        corrupted("an integer of a binary property list has an unknown length");
+        throw DecodingError::dataCorrupted(
+            "an integer of a binary property list has an unknown length");
     }
     if (detail < 4) {
         // Only the longest of these can be negative; shorter ones are unsigned.
@@ -292,58 +298,62 @@ PropertyList Reader::parseInteger(unsigned detail) {
         return PropertyList::integer(static_cast<std::int64_t>(low));
     }
     if (high != 0) {
-        corrupted("an integer of a binary property list needs more than 64 bits");
+        throw DecodingError::dataCorrupted(
+            "an integer of a binary property list needs more than 64 bits");
     }
     return PropertyList::unsignedInteger(low);
 }
 
-PropertyList Reader::parseReal(unsigned detail) {
+PropertyList BinaryReader::parseReal(unsigned detail) {
     if (detail == 2) {
         const auto bits = static_cast<std::uint32_t>(bigEndian(take(4)));
         return PropertyList::real(static_cast<double>(std::bit_cast<float>(bits)));
     }
     if (detail != 3) {
-        corrupted("a real of a binary property list has an unknown length");
+        throw DecodingError::dataCorrupted(
+            "a real of a binary property list has an unknown length");
     }
     return PropertyList::real(std::bit_cast<double>(bigEndian(take(8))));
 }
 
-PropertyList Reader::parseDate(unsigned detail) {
+PropertyList BinaryReader::parseDate(unsigned detail) {
     if (detail != 3) {
-        corrupted("a date of a binary property list has an unknown length");
+        throw DecodingError::dataCorrupted(
+            "a date of a binary property list has an unknown length");
     }
     return PropertyList::date(dateFromReferenceSeconds(std::bit_cast<double>(bigEndian(take(8)))));
 }
 
-PropertyList Reader::parseUID(unsigned detail) {
+PropertyList BinaryReader::parseUID(unsigned detail) {
     if (detail > 7) {
-        corrupted("a reference of a binary property list needs more than 64 bits");
+        throw DecodingError::dataCorrupted(
+            "a reference of a binary property list needs more than 64 bits");
     }
     return PropertyList::uid(bigEndian(take(detail + 1)));
 }
 
-PropertyList Reader::parseData(std::uint64_t count, Expansion& expansion) {
+PropertyList BinaryReader::parseData(std::uint64_t count, Expansion& expansion) {
     const BytesView taken = take(count);
     expansion.bytes = taken.size();
     return PropertyList::data(Bytes(taken.begin(), taken.end()));
 }
 
-PropertyList Reader::parseASCII(std::uint64_t count, Expansion& expansion) {
+PropertyList BinaryReader::parseASCII(std::uint64_t count, Expansion& expansion) {
     const BytesView taken = take(count);
     expansion.bytes = taken.size();
     if (std::any_of(taken.begin(), taken.end(), [](std::uint8_t byte) { return byte > 0x7F; })) {
-        corrupted("an ASCII text of a binary property list is not ASCII");
+        throw DecodingError::dataCorrupted("an ASCII text of a binary property list is not ASCII");
     }
     return PropertyList::string(std::string(taken.begin(), taken.end()));
 }
 
-PropertyList Reader::parseUTF16(std::uint64_t count, Expansion& expansion) {
+PropertyList BinaryReader::parseUTF16(std::uint64_t count, Expansion& expansion) {
     if (count > bytes_.size() / 2) {
-        corrupted("an object of a binary property list is cut off");
+        throw DecodingError::dataCorrupted("an object of a binary property list is cut off");
     }
     std::optional<std::string> text = utf8FromUTF16(take(count * 2), ByteOrder::bigEndian);
     if (!text) {
-        corrupted("a text of a binary property list is no UTF-16");
+        throw DecodingError::dataCorrupted("a text of a binary property list is no UTF-16");
     }
     expansion.bytes = text->size();
     return PropertyList::string(std::move(*text));
@@ -357,9 +367,9 @@ bool isBinaryPropertyList(BytesView bytes) noexcept {
 
 PropertyList parseBinaryPropertyList(BytesView bytes) {
     if (!isBinaryPropertyList(bytes)) {
-        corrupted("the bytes are no binary property list");
+        throw DecodingError::dataCorrupted("the bytes are no binary property list");
     }
-    return Reader(bytes).read();
+    return BinaryReader(bytes).read();
 }
 
 }  // namespace browsersweep

@@ -26,6 +26,11 @@ public:
     /** `what()` is the description, followed by the path where the path is not empty. */
     DecodingError(Kind kind, std::string_view description, CodingPath codingPath = {});
 
+    /** The error of a document, or a value in it, that nothing can be made of. */
+    static DecodingError dataCorrupted(std::string_view description) {
+        return {Kind::dataCorrupted, description};
+    }
+
     /** What is wrong, for a program to tell apart. */
     Kind kind() const noexcept { return kind_; }
     /** What is wrong, in English, without the place. */

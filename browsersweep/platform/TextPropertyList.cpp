@@ -15,7 +15,7 @@
 namespace browsersweep {
 namespace {
 
-constexpr std::string_view whiteSpace = " \t\r\n\v\f";
+constexpr std::string_view separators = " \t\r\n\v\f";
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 // The second half of the character set in which octal escapes are written; the first is ASCII.
@@ -39,10 +39,6 @@ constexpr std::array<char16_t, 128> nextStep = {
     0x0142, 0x00F8, 0x0153, 0x00DF, 0x00FE, 0x00FF, 0xFFFD, 0xFFFD,
 };
 // clang-format on
-
-[[noreturn]] void corrupted(std::string_view description) {
-    throw DecodingError(DecodingError::Kind::dataCorrupted, description);
-}
 
 std::optional<unsigned> hexadecimalDigit(char character) noexcept {
     if (character >= '0' && character <= '9') {
@@ -76,7 +72,7 @@ public:
         }
         requireWhole();
         if (isLow) {
-            corrupted("a text property list holds half a character");
+            throw DecodingError::dataCorrupted("a text property list holds half a character");
         }
         if (unit >= 0xD800 && unit <= 0xDBFF) {
             high_ = unit;
@@ -92,7 +88,7 @@ public:
 private:
     void requireWhole() const {
         if (high_ != 0) {
-            corrupted("a text property list holds half a character");
+            throw DecodingError::dataCorrupted("a text property list holds half a character");
         }
     }
 
@@ -100,9 +96,9 @@ private:
     std::uint32_t high_ = 0;
 };
 
-class Reader {
+class TextReader {
 public:
-    explicit Reader(std::string_view text) noexcept : text_(text) {}
+    explicit TextReader(std::string_view text) noexcept : text_(text) {}
 
     PropertyList read();
 
@@ -127,7 +123,7 @@ private:
     std::size_t position_ = 0;
 };
 
-PropertyList Reader::read() {
+PropertyList TextReader::read() {
     skip();
     if (atEnd()) {
         return PropertyList::dictionary({});
@@ -139,26 +135,26 @@ PropertyList Reader::read() {
         return root;
     }
     if (root.kind() != PropertyList::Kind::string) {
-        corrupted("something follows the value of a text property list");
+        throw DecodingError::dataCorrupted("something follows the value of a text property list");
     }
     // A text that something follows can only be the first key of a strings file.
     position_ = start;
     PropertyList::Dictionary found = entries(1);
     if (!atEnd()) {
-        corrupted("something follows the entries of a text property list");
+        throw DecodingError::dataCorrupted("something follows the entries of a text property list");
     }
     return PropertyList::dictionary(std::move(found));
 }
 
-bool Reader::takeIf(char character) noexcept {
+bool TextReader::takeIf(char character) noexcept {
     const bool isNext = !atEnd() && text_[position_] == character;
     position_ += isNext ? 1 : 0;
     return isNext;
 }
 
-void Reader::skip() {
+void TextReader::skip() {
     while (true) {
-        position_ = std::min(text_.find_first_not_of(whiteSpace, position_), text_.size());
+        position_ = std::min(text_.find_first_not_of(separators, position_), text_.size());
         const std::string_view next = text_.substr(position_, 2);
         if (next != "//" && next != "/*") {
             return;
@@ -167,30 +163,31 @@ void Reader::skip() {
     }
 }
 
-void Reader::skipComment() {
+void TextReader::skipComment() {
     if (text_.substr(position_, 2) == "//") {
         position_ = std::min(text_.find_first_of("\r\n", position_), text_.size());
         return;
     }
     const std::size_t end = text_.find("*/", position_ + 2);
     if (end == std::string_view::npos) {
-        corrupted("a comment of a text property list does not end");
+        throw DecodingError::dataCorrupted("a comment of a text property list does not end");
     }
     position_ = end + 2;
 }
 
-std::string Reader::word() {
+std::string TextReader::word() {
     const std::size_t start = position_;
     while (!atEnd() && isWordCharacter(peek())) {
         ++position_;
     }
     if (position_ == start) {
-        corrupted("a text property list holds a character that begins no value");
+        throw DecodingError::dataCorrupted(
+            "a text property list holds a character that begins no value");
     }
     return std::string(text_.substr(start, position_ - start));
 }
 
-std::string Reader::quoted(char quote) {
+std::string TextReader::quoted(char quote) {
     EscapedText result;
     while (!atEnd()) {
         const char character = text_[position_++];
@@ -203,10 +200,10 @@ std::string Reader::quoted(char quote) {
             result.append(character);
         }
     }
-    corrupted("a text in quotes does not end");
+    throw DecodingError::dataCorrupted("a text in quotes does not end");
 }
 
-void Reader::escape(EscapedText& text) {
+void TextReader::escape(EscapedText& text) {
     constexpr std::string_view letters = "abfnrtv";
     constexpr std::string_view meanings = "\a\b\f\n\r\t\v";
     const char character = peek();
@@ -227,7 +224,7 @@ void Reader::escape(EscapedText& text) {
     }
 }
 
-std::uint32_t Reader::number(unsigned base, std::size_t maximumLength) {
+std::uint32_t TextReader::number(unsigned base, std::size_t maximumLength) {
     std::uint32_t value = 0;
     for (std::size_t length = 0; length < maximumLength; ++length) {
         const std::optional<unsigned> digit = hexadecimalDigit(peek());
@@ -240,25 +237,26 @@ std::uint32_t Reader::number(unsigned base, std::size_t maximumLength) {
     return value;
 }
 
-std::string Reader::text() {
+std::string TextReader::text() {
     if (takeIf('"')) {
         return quoted('"');
     }
     return takeIf('\'') ? quoted('\'') : word();
 }
 
-Bytes Reader::data() {
+Bytes TextReader::data() {
     Bytes bytes;
     std::optional<unsigned> high;
     while (!takeIf('>')) {
         const char character = peek();
-        if (whiteSpace.find(character) != std::string_view::npos && !atEnd()) {
+        if (separators.find(character) != std::string_view::npos && !atEnd()) {
             ++position_;
             continue;
         }
         const std::optional<unsigned> digit = hexadecimalDigit(character);
         if (!digit) {
-            corrupted("the data of a text property list is not hexadecimal");
+            throw DecodingError::dataCorrupted(
+                "the data of a text property list is not hexadecimal");
         }
         ++position_;
         if (high) {
@@ -269,12 +267,12 @@ Bytes Reader::data() {
         }
     }
     if (high) {
-        corrupted("the data of a text property list ends within a byte");
+        throw DecodingError::dataCorrupted("the data of a text property list ends within a byte");
     }
     return bytes;
 }
 
-PropertyList Reader::value(std::size_t depth) {
+PropertyList TextReader::value(std::size_t depth) {
     if (takeIf('<')) {
         return PropertyList::data(data());
     }
@@ -282,12 +280,12 @@ PropertyList Reader::value(std::size_t depth) {
         return PropertyList::string(text());
     }
     if (depth == PropertyList::maximumDepth) {
-        corrupted("a text property list is nested too deeply");
+        throw DecodingError::dataCorrupted("a text property list is nested too deeply");
     }
     return takeIf('(') ? array(depth + 1) : dictionary(depth + 1);
 }
 
-PropertyList Reader::array(std::size_t depth) {
+PropertyList TextReader::array(std::size_t depth) {
     PropertyList::Array values;
     skip();
     while (!takeIf(')')) {
@@ -296,23 +294,23 @@ PropertyList Reader::array(std::size_t depth) {
         if (takeIf(',')) {
             skip();
         } else if (peek() != ')') {
-            corrupted("a list of a text property list does not end");
+            throw DecodingError::dataCorrupted("a list of a text property list does not end");
         }
     }
     return PropertyList::array(std::move(values));
 }
 
-PropertyList Reader::dictionary(std::size_t depth) {
+PropertyList TextReader::dictionary(std::size_t depth) {
     ++position_;
     PropertyList::Dictionary found = entries(depth);
     if (!takeIf('}')) {
-        corrupted("a dictionary of a text property list does not end");
+        throw DecodingError::dataCorrupted("a dictionary of a text property list does not end");
     }
     return PropertyList::dictionary(std::move(found));
 }
 
 // The entries up to a closing brace or to the end of the text.
-PropertyList::Dictionary Reader::entries(std::size_t depth) {
+PropertyList::Dictionary TextReader::entries(std::size_t depth) {
     PropertyList::Dictionary found;
     skip();
     while (!atEnd() && peek() != '}') {
@@ -328,7 +326,7 @@ PropertyList::Dictionary Reader::entries(std::size_t depth) {
             element = PropertyList::string(key);
         }
         if (!takeIf(';')) {
-            corrupted("an entry of a text property list does not end");
+            throw DecodingError::dataCorrupted("an entry of a text property list does not end");
         }
         found.push_back({std::move(key), std::move(*element)});
         skip();
@@ -351,7 +349,8 @@ std::string decoded(BytesView bytes) {
         }
     }
     if (!text || !isUTF8(*text)) {
-        corrupted("the bytes are no property list: neither binary nor text");
+        throw DecodingError::dataCorrupted(
+            "the bytes are no property list: neither binary nor text");
     }
     return *text;
 }
@@ -374,7 +373,7 @@ BytesView withoutLeadingWhiteSpace(BytesView bytes) noexcept {
 
 PropertyList parseTextPropertyList(BytesView bytes) {
     const std::string text = decoded(bytes);
-    return Reader(text).read();
+    return TextReader(text).read();
 }
 
 }  // namespace browsersweep

@@ -26,10 +26,6 @@ struct ParserDeleter {
 };
 using Parser = std::unique_ptr<std::remove_pointer_t<XML_Parser>, ParserDeleter>;
 
-[[noreturn]] void corrupted(std::string_view description) {
-    throw DecodingError(DecodingError::Kind::dataCorrupted, description);
-}
-
 enum class Element { plist, array, dictionary, key, string, integer, real, date, data, yes, no };
 
 std::optional<Element> elementNamed(std::string_view name) noexcept {
@@ -286,15 +282,15 @@ PropertyList parseXMLPropertyList(BytesView bytes) {
     XML_SetEntityDeclHandler(parser.get(), onEntity);
     const bool isWellFormed = feed(parser.get(), document);
     if (!builder.error().empty()) {
-        corrupted(builder.error());
+        throw DecodingError::dataCorrupted(builder.error());
     }
     if (!isWellFormed) {
-        corrupted(std::string("an XML property list is malformed: ") +
-                  XML_ErrorString(XML_GetErrorCode(parser.get())));
+        throw DecodingError::dataCorrupted(std::string("an XML property list is malformed: ") +
+                                           XML_ErrorString(XML_GetErrorCode(parser.get())));
     }
     std::optional<PropertyList> root = builder.takeRoot();
     if (!root) {
-        corrupted("an XML property list holds no value");
+        throw DecodingError::dataCorrupted("an XML property list holds no value");
     }
     return *root;
 }

@@ -17,7 +17,7 @@ CategorySize cacheOf(std::int64_t bytes) {
     return {CleanableDataCategory::cache, {}, CleanableDataSize{{1}, {bytes}}, true};
 }
 
-SizesReport sizes() {
+SizesReport twoProfiles() {
     SizesReport report;
     report.total = {{3}, {4000}};
     BrowserSizes opera{};
@@ -38,7 +38,7 @@ std::string barOf(const std::string& name, const std::string& width) {
 }
 
 TEST(HTMLReport, everyBrowserCategoryAndProfileHasABarAndItsValue) {
-    const auto html = htmlText(sizes(), facts);
+    const auto html = htmlText(twoProfiles(), facts);
     EXPECT_THAT(html, HasSubstr(barOf("Opera", "4.0 KB")));
     EXPECT_THAT(html, HasSubstr(barOf("Cache", "3.0 KB")));
     EXPECT_THAT(html, HasSubstr(barOf("Work", "1.0 KB")));
@@ -50,7 +50,7 @@ TEST(HTMLReport, everyBrowserCategoryAndProfileHasABarAndItsValue) {
 }
 
 TEST(HTMLReport, everyProfileAndCategoryIsARowOfTheTable) {
-    const auto html = htmlText(sizes(), facts);
+    const auto html = htmlText(twoProfiles(), facts);
     const std::string start = R"(<tr><th scope="row"><bdi>Opera</bdi></th><td><bdi>)";
     EXPECT_THAT(html, HasSubstr(start + "Work</bdi></td><td>Cache</td><td class=\"figure\">1</td>"
                                         "<td class=\"figure\">1.0 KB</td></tr>\n"));
@@ -60,14 +60,14 @@ TEST(HTMLReport, everyProfileAndCategoryIsARowOfTheTable) {
 }
 
 TEST(HTMLReport, aBrowserWithOneProfileNeedsNoChartOfProfiles) {
-    auto report = sizes();
+    auto report = twoProfiles();
     EXPECT_THAT(htmlText(report, facts), HasSubstr("<h4>By profile</h4>"));
     report.browsers.front().profiles.pop_back();
     EXPECT_THAT(htmlText(report, facts), Not(HasSubstr("<h4>By profile</h4>")));
 }
 
 TEST(HTMLReport, namesAndErrorsAreEscaped) {
-    auto report = sizes();
+    auto report = twoProfiles();
     report.browsers.front().profiles.front().profile.name = "<b>\"'&\n\u202E\xFF";
     report.browsers.back().error = "<script>";
     const auto html = htmlText(report, facts);
@@ -77,7 +77,7 @@ TEST(HTMLReport, namesAndErrorsAreEscaped) {
 }
 
 TEST(HTMLReport, whatFailedIsSaidInTheChartAndInTheTable) {
-    auto report = sizes();
+    auto report = twoProfiles();
     auto& opera = report.browsers.front();
     opera.categories.front() = {CleanableDataCategory::cache, "broken", {}, true};
     opera.profiles.front().categories = opera.categories;
@@ -89,7 +89,7 @@ TEST(HTMLReport, whatFailedIsSaidInTheChartAndInTheTable) {
 }
 
 TEST(HTMLReport, anyShareIsSeenAndNoBarIsLongerThanTheWhole) {
-    auto report = sizes();
+    auto report = twoProfiles();
     auto& opera = report.browsers.front();
     opera.categories = {cacheOf(1), cacheOf(0), cacheOf(-5), cacheOf(9000)};
     opera.profiles.clear();
@@ -104,7 +104,7 @@ TEST(HTMLReport, anyShareIsSeenAndNoBarIsLongerThanTheWhole) {
 }
 
 TEST(HTMLReport, thePageSaysWhenItWasMadeAndWhatItsFiguresMean) {
-    auto report = sizes();
+    auto report = twoProfiles();
     EXPECT_THAT(htmlText(report, facts),
                 HasSubstr(R"(<time datetime="2024-02-29 12:30Z">2024-02-29 12:30 UTC</time>)"));
     EXPECT_THAT(htmlText(report, facts), Not(HasSubstr("given filters")));

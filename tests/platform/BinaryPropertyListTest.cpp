@@ -136,7 +136,7 @@ std::vector<OracleCase> oracleCases() {
     return cases;
 }
 
-std::vector<std::string> lines(const std::string& text) {
+std::vector<std::string> outputLines(const std::string& text) {
     std::vector<std::string> result;
     std::istringstream stream(text);
     for (std::string line; std::getline(stream, line);) {
@@ -187,7 +187,7 @@ TEST(BinaryPropertyList, theBytesAreThoseOfPython) {
     if (!output) {
         GTEST_SKIP() << "there is no python3 to compare with";
     }
-    const std::vector<std::string> expected = lines(*output);
+    const std::vector<std::string> expected = outputLines(*output);
     ASSERT_EQ(cases.size(), expected.size());
     for (std::size_t index = 0; index < cases.size(); ++index) {
         SCOPED_TRACE(cases[index].python);
@@ -210,7 +210,7 @@ TEST(BinaryPropertyList, pythonReadsWhatIsWritten) {
     if (!output) {
         GTEST_SKIP() << "there is no python3 to compare with";
     }
-    EXPECT_EQ(std::vector<std::string>(cases.size(), "True"), lines(*output));
+    EXPECT_EQ(std::vector<std::string>(cases.size(), "True"), outputLines(*output));
 }
 
 TEST(BinaryPropertyList, theBytesOfADictionaryAreLaidOutKeysFirst) {

@@ -10,13 +10,13 @@
 namespace browsersweep {
 namespace {
 
-struct Case {
+struct DecimalCase {
     double value;
     const char* text;
 };
 
 // clang-format off
-constexpr Case cases[] = {  // NOLINT(cppcoreguidelines-avoid-c-arrays): a table of cases
+constexpr DecimalCase decimalCases[] = {  // NOLINT(cppcoreguidelines-avoid-c-arrays): a table of cases
     {0.0,                    "0.0"},
     {-0.0,                   "-0.0"},
     {1.0,                    "1.0"},
@@ -48,7 +48,7 @@ constexpr Case cases[] = {  // NOLINT(cppcoreguidelines-avoid-c-arrays): a table
 // clang-format on
 
 TEST(DecimalText, theShortestDigitsThatReadBackTheSameAreWritten) {
-    for (const Case& row : cases) {
+    for (const DecimalCase& row : decimalCases) {
         SCOPED_TRACE(row.text);
         EXPECT_EQ(row.text, decimalText(row.value));
         EXPECT_EQ(row.value, std::strtod(decimalText(row.value).c_str(), nullptr));

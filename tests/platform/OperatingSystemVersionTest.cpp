@@ -9,14 +9,14 @@
 namespace browsersweep {
 namespace {
 
-struct Case {
+struct VersionRow {
     std::string_view text;
     std::optional<OperatingSystemVersion> expected;
 };
 
 TEST(OperatingSystemVersion, aVersionIsOneToThreeNumbersBetweenPoints) {
     // clang-format off
-    const Case cases[] = {  // NOLINT(cppcoreguidelines-avoid-c-arrays): a table of cases
+    const VersionRow cases[] = {  // NOLINT(cppcoreguidelines-avoid-c-arrays): a table of cases
         {"10.15.7",    OperatingSystemVersion{10, 15, 7}},
         {"10.14",      OperatingSystemVersion{10, 14, 0}},
         {"14",         OperatingSystemVersion{14, 0, 0}},
@@ -32,7 +32,7 @@ TEST(OperatingSystemVersion, aVersionIsOneToThreeNumbersBetweenPoints) {
         {"9999999999", std::nullopt},
     };
     // clang-format on
-    for (const Case& row : cases) {
+    for (const VersionRow& row : cases) {
         SCOPED_TRACE(std::string(row.text));
         EXPECT_EQ(row.expected, OperatingSystemVersion::parse(row.text));
     }

@@ -17,13 +17,13 @@ using tests::dictionary;
 using tests::expectCorrupted;
 using tests::text;
 
-struct Case {
+struct TextCase {
     std::string source;
     PropertyList expected;
 };
 
 TEST(TextPropertyList, eachFormIsAValue) {
-    const std::vector<Case> cases = {
+    const std::vector<TextCase> cases = {
         {"word", text("word")},
         {" /usr/bin:a_b-$.1 ", text("/usr/bin:a_b-$.1")},
         {"\"two words\"", text("two words")},
@@ -47,7 +47,7 @@ TEST(TextPropertyList, eachFormIsAValue) {
         {"a = b;\n\"c\";", dictionary({{"a", text("b")}, {"c", text("c")}})},
         {" \n\t ", dictionary({})},
     };
-    for (const Case& row : cases) {
+    for (const TextCase& row : cases) {
         SCOPED_TRACE(row.source);
         EXPECT_EQ(row.expected, PropertyList::parse(bytes(row.source)));
     }

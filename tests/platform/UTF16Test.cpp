@@ -10,13 +10,13 @@
 namespace browsersweep {
 namespace {
 
-struct Case {
+struct EncodedText {
     std::string_view utf8;
     Bytes bigEndian;
 };
 
-const std::array<Case, 7>& cases() {
-    static const std::array<Case, 7> table = {{
+const std::array<EncodedText, 7>& encodedTexts() {
+    static const std::array<EncodedText, 7> table = {{
         {"", {}},
         {"a", {0x00, 0x61}},
         {"\xC3\xBC", {0x00, 0xFC}},
@@ -29,7 +29,7 @@ const std::array<Case, 7>& cases() {
 }
 
 TEST(UTF16, bothFormsOfTheSameTextAreConvertedIntoEachOther) {
-    for (const Case& row : cases()) {
+    for (const EncodedText& row : encodedTexts()) {
         SCOPED_TRACE(std::string(row.utf8));
         EXPECT_EQ(row.bigEndian, utf16BigEndianFromUTF8(row.utf8));
         EXPECT_EQ(row.utf8, utf8FromUTF16(row.bigEndian, ByteOrder::bigEndian));
@@ -56,7 +56,7 @@ TEST(UTF16, aSurrogateWithoutItsOtherHalfIsRefused) {
 }
 
 TEST(UTF16, utf8IsWellFormedOrNot) {
-    for (const Case& row : cases()) {
+    for (const EncodedText& row : encodedTexts()) {
         EXPECT_TRUE(isUTF8(row.utf8));
     }
     const std::array<std::string_view, 10> malformed = {

@@ -27,12 +27,12 @@ std::string inPlist(const std::string& value) {
            value + "\n</plist>\n";
 }
 
-struct Case {
+struct XMLCase {
     std::string xml;
     PropertyList expected;
 };
 
-std::vector<Case> cases() {
+std::vector<XMLCase> xmlCases() {
     return {
         {"<string>a &amp; b</string>", text("a & b")},
         {"<string/>", text("")},
@@ -72,7 +72,7 @@ std::vector<Case> cases() {
 }
 
 TEST(XMLPropertyList, eachElementIsAValue) {
-    for (const Case& row : cases()) {
+    for (const XMLCase& row : xmlCases()) {
         SCOPED_TRACE(row.xml);
         EXPECT_EQ(row.expected, PropertyList::parse(bytes(inPlist(row.xml))));
         EXPECT_EQ(row.expected, PropertyList::parse(bytes(row.xml))) << "without plist around";

@@ -4,8 +4,14 @@
 
 #include "browsersweep/sqlite/SQLiteStatementComponents.h"
 
+#include "tests/support/DateFilter.h"
+
 namespace browsersweep {
 namespace {
+
+using tests::dates;
+using tests::inside;
+using tests::outside;
 
 using Components = SQLiteStatementComponents;
 using Columns = Components::ColumnsForFiltering;
@@ -30,17 +36,6 @@ Components table(std::optional<std::string> pattern, std::optional<std::string> 
     }
     return {"t", columns, std::move(clauses)};
 }
-
-CleanableDataFilter dates(Dates::Rule rule, std::optional<double> start,
-                          std::optional<double> end) {
-    const auto at = [](std::optional<double> seconds) {
-        return seconds ? std::optional(dateFromReferenceSeconds(*seconds)) : std::nullopt;
-    };
-    return {std::nullopt, Dates{rule, at(start), at(end)}};
-}
-
-constexpr auto inside = Dates::Rule::insideRange;
-constexpr auto outside = Dates::Rule::outsideRange;
 
 TEST(SQLiteStatementComponents, withoutConditionsThereIsNoWhere) {
     const Components all("moz_inputhistory", std::nullopt, {});

@@ -9,6 +9,7 @@
 #include "browsersweep/sqlite/SafariHistoryCleanableDatabase.h"
 
 #include "tests/support/Database.h"
+#include "tests/support/DateFilter.h"
 #include "tests/support/ForwardingFileManager.h"
 #include "tests/support/GuardedFileManager.h"
 #include "tests/support/TemporaryFolder.h"
@@ -17,7 +18,10 @@ namespace browsersweep {
 namespace {
 
 using tests::Database;
+using tests::dates;
 using tests::GuardedFileManager;
+using tests::inside;
+using tests::outside;
 using tests::TemporaryFolder;
 using Filters = std::vector<CleanableDataFilter>;
 using Dates = CleanableDataFilter::Dates;
@@ -65,14 +69,6 @@ std::string countText(const std::string& where) {
 std::string deleteText(const std::string& where) {
     return "DELETE\nFROM history_visits\nWHERE id IN (\n    SELECT history_visits.id\n    " +
            query + where + "\n);";
-}
-
-CleanableDataFilter dates(Dates::Rule rule, std::optional<double> start,
-                          std::optional<double> end) {
-    const auto date = [](std::optional<double> seconds) {
-        return seconds ? std::optional(dateFromReferenceSeconds(*seconds)) : std::nullopt;
-    };
-    return {std::nullopt, Dates{rule, date(start), date(end)}};
 }
 
 /** Counts what may only happen where reading in place would write. */
@@ -127,8 +123,6 @@ struct StatementCase {
 };
 
 std::vector<StatementCase> statementCases() {
-    constexpr auto inside = Dates::Rule::insideRange;
-    constexpr auto outside = Dates::Rule::outsideRange;
     const CleanableDataFilter both(Patterns{Patterns::Rule::include, {"a"}},
                                    dates(inside, 1, 2).datesData);
     return {
@@ -185,8 +179,6 @@ struct FigureCase {
 };
 
 std::vector<FigureCase> figureCases() {
-    constexpr auto inside = Dates::Rule::insideRange;
-    constexpr auto outside = Dates::Rule::outsideRange;
     return {
         {"all", {}, "1"},
         {"nothing said", {CleanableDataFilter()}, "1"},

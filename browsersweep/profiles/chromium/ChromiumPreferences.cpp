@@ -13,7 +13,7 @@ namespace {
 
 using Notification = ChromiumPreferences::Notification;
 
-Notification decodeEntry(std::string_view sitePattern, JsonValue value) {
+Notification decodeNotification(std::string_view sitePattern, JsonValue value) {
     const JsonValue setting = value.required("setting");
     const JsonValue lastModified = value.required("last_modified");
     // Not used, but an entry with anything but text there is no entry of this format.
@@ -25,7 +25,7 @@ std::vector<Notification> decodeEntries(JsonValue map) {
     std::vector<Notification> entries;
     for (const auto& [sitePattern, value] : map.members()) {
         entries.push_back(decodingBelow(sitePattern, [&sitePattern = sitePattern, &value = value] {
-            return decodeEntry(sitePattern, value);
+            return decodeNotification(sitePattern, value);
         }));
     }
     return entries;

@@ -7,7 +7,7 @@
 namespace browsersweep {
 namespace {
 
-LocalState::InfoCache decodeEntry(std::string_view folder, JsonValue value) {
+LocalState::InfoCache decodeInfoCache(std::string_view folder, JsonValue value) {
     constexpr std::string_view consentKey = "is_consented_primary_account";
     const JsonValue consent = value.required(consentKey);
     const JsonValue name = value.required("name");
@@ -19,7 +19,7 @@ std::vector<LocalState::InfoCache> decodeInfoCache(JsonValue map) {
     std::vector<LocalState::InfoCache> entries;
     for (const auto& [folder, value] : map.members()) {
         entries.push_back(decodingBelow(
-            folder, [&folder = folder, &value = value] { return decodeEntry(folder, value); }));
+            folder, [&folder = folder, &value = value] { return decodeInfoCache(folder, value); }));
     }
     return entries;
 }

@@ -15,7 +15,7 @@ namespace {
 
 using Bookmarks = std::vector<Bookmark>;
 
-Bookmarks decode(std::string_view text) {
+Bookmarks decodeBookmarks(std::string_view text) {
     return decodeChromiumBookmarks(tests::bytes(text));
 }
 
@@ -26,7 +26,7 @@ Bookmark mark(std::optional<std::string> name, std::string_view url) {
 /** The description of the error that decoding gives. */
 std::string errorOf(std::string_view text) {
     try {
-        decode(text);
+        decodeBookmarks(text);
     } catch (const DecodingError& error) {
         return error.description();
     }
@@ -34,7 +34,7 @@ std::string errorOf(std::string_view text) {
 }
 
 TEST(ChromiumBookmarks, severalFoldersGiveTheBookmarksOfAllInTheFilesOrder) {
-    EXPECT_EQ(decode(R"({"checksum": "x", "roots": {
+    EXPECT_EQ(decodeBookmarks(R"({"checksum": "x", "roots": {
         "bookmark_bar": {"children": [
             {"name": "One", "type": "url", "url": "http://one.test/"},
             {"name": "Folder", "type": "folder", "children": [
@@ -47,26 +47,26 @@ TEST(ChromiumBookmarks, severalFoldersGiveTheBookmarksOfAllInTheFilesOrder) {
 
 TEST(ChromiumBookmarks, aNodeWithChildrenComesAfterThem) {
     EXPECT_EQ(
-        decode(R"({"roots": {"r": {"url": "http://self.test/", "name": "Self",
+        decodeBookmarks(R"({"roots": {"r": {"url": "http://self.test/", "name": "Self",
         "children": [{"url": "http://child.test/"}]}}})"),
         (Bookmarks{mark(std::nullopt, "http://child.test/"), mark("Self", "http://self.test/")}));
 }
 
 TEST(ChromiumBookmarks, aNodeWhoseAddressDoesNotParseGivesItsChildrenAlone) {
-    EXPECT_EQ(decode(R"({"roots": {"r": {"url": "not an address", "name": "x",
+    EXPECT_EQ(decodeBookmarks(R"({"roots": {"r": {"url": "not an address", "name": "x",
         "children": [{"url": "http://child.test/", "name": null}]}}})"),
               (Bookmarks{mark(std::nullopt, "http://child.test/")}));
 }
 
 TEST(ChromiumBookmarks, anObjectOfObjectsIsAGroupOfRoots) {
-    EXPECT_EQ(decode(R"({"roots": {"group": {"inner": {"deeper": {
+    EXPECT_EQ(decodeBookmarks(R"({"roots": {"group": {"inner": {"deeper": {
         "url": "http://deep.test/"}}, "empty": {}}}})"),
               (Bookmarks{mark(std::nullopt, "http://deep.test/")}));
 }
 
 TEST(ChromiumBookmarks, aGroupWithAMemberThatIsNoRootFallsBackToANode) {
     // "a" would be a root, but "b" can be neither: its "children" are no list.
-    EXPECT_EQ(decode(R"({"roots": {"x": {"a": {"url": "http://a.test/"},
+    EXPECT_EQ(decodeBookmarks(R"({"roots": {"x": {"a": {"url": "http://a.test/"},
         "b": {"children": "text"}}}})"),
               Bookmarks{});
 }
@@ -84,7 +84,7 @@ TEST(ChromiumBookmarks, aRootThatIsTextFailsTheWholeFile) {
 
 TEST(ChromiumBookmarks, theErrorTellsWhichRoot) {
     try {
-        decode(R"({"roots": {"bad": "text"}})");
+        decodeBookmarks(R"({"roots": {"bad": "text"}})");
         FAIL() << "no error";
     } catch (const DecodingError& error) {
         EXPECT_EQ(error.kind(), DecodingError::Kind::dataCorrupted);
@@ -93,10 +93,10 @@ TEST(ChromiumBookmarks, theErrorTellsWhichRoot) {
 }
 
 TEST(ChromiumBookmarks, withoutRootsThereIsNoFileOfThisFormat) {
-    EXPECT_THROW(decode("{}"), DecodingError);
-    EXPECT_THROW(decode(R"({"roots": []})"), DecodingError);
-    EXPECT_THROW(decode(""), DecodingError);
-    EXPECT_EQ(decode(R"({"roots": {}})"), Bookmarks{});
+    EXPECT_THROW(decodeBookmarks("{}"), DecodingError);
+    EXPECT_THROW(decodeBookmarks(R"({"roots": []})"), DecodingError);
+    EXPECT_THROW(decodeBookmarks(""), DecodingError);
+    EXPECT_EQ(decodeBookmarks(R"({"roots": {}})"), Bookmarks{});
 }
 
 TEST(ChromiumBookmarks, deepNestingEndsInTheParsersError) {
@@ -104,7 +104,7 @@ TEST(ChromiumBookmarks, deepNestingEndsInTheParsersError) {
     for (int level = 0; level < 100'000; ++level) {
         text += R"({"children": [)";
     }
-    EXPECT_THROW(decode(text), DecodingError);
+    EXPECT_THROW(decodeBookmarks(text), DecodingError);
 }
 
 }  // namespace

@@ -17,13 +17,13 @@ std::string preferences(std::string_view notifications) {
            std::string(notifications) + "}}}}";
 }
 
-ChromiumPreferences decode(std::string_view text) {
+ChromiumPreferences decodePreferences(std::string_view text) {
     return ChromiumPreferences::decode(tests::bytes(text));
 }
 
 Lines sites(std::string_view notifications) {
     Lines texts;
-    for (const URL& site : decode(preferences(notifications)).allowedSites()) {
+    for (const URL& site : decodePreferences(preferences(notifications)).allowedSites()) {
         texts.push_back(site.absoluteString());
     }
     return texts;
@@ -66,7 +66,7 @@ TEST(ChromiumPreferences, aFileWithoutTheNotificationsFails) {
           R"({"profile": {"content_settings": {"exceptions": {}}}})",
           R"({"profile": {"content_settings": {"exceptions": {"notifications": []}}}})"}) {
         SCOPED_TRACE(text);
-        EXPECT_THROW(decode(text), DecodingError);
+        EXPECT_THROW(decodePreferences(text), DecodingError);
     }
 }
 

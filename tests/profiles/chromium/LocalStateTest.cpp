@@ -10,13 +10,13 @@ namespace {
 
 using Kind = DecodingError::Kind;
 
-LocalState decode(std::string_view text) {
+LocalState decodeLocalState(std::string_view text) {
     return LocalState::decode(tests::bytes(text));
 }
 
 /** The folders of the primary profiles. */
 std::vector<std::string> primaries(std::string_view text) {
-    const LocalState state = decode(text);
+    const LocalState state = decodeLocalState(text);
     std::vector<std::string> folders;
     for (const auto& entry : state.infoCache) {
         if (state.isPrimary(entry)) {
@@ -27,7 +27,7 @@ std::vector<std::string> primaries(std::string_view text) {
 }
 
 TEST(LocalState, entriesComeInTheFilesOrderAndOtherKeysAreIgnored) {
-    const auto state = decode(R"({"browser": {}, "profile": {"metrics": 1, "info_cache": {
+    const auto state = decodeLocalState(R"({"browser": {}, "profile": {"metrics": 1, "info_cache": {
         "Profile 1": {"name": "Work", "is_consented_primary_account": false, "avatar": "x"},
         "Default": {"name": "Personal Büro", "is_consented_primary_account": true}},
         "last_active_profiles": ["Default", "Profile 1"]}})");
@@ -80,7 +80,7 @@ TEST(LocalState, aLastActiveFolderThatIsNoEntryLeavesNonePrimary) {
 }
 
 TEST(LocalState, anEmptyInfoCacheHasNoEntries) {
-    EXPECT_EQ(decode(R"({"profile": {"info_cache": {}, "last_active_profiles": ["x"]}})"),
+    EXPECT_EQ(decodeLocalState(R"({"profile": {"info_cache": {}, "last_active_profiles": ["x"]}})"),
               (LocalState{{}, {"x"}}));
 }
 
@@ -123,7 +123,7 @@ TEST(LocalState, whatIsMissingOrOfAnotherTypeIsAnErrorWithItsPath) {
     for (const Row& row : rows) {
         SCOPED_TRACE(row.text);
         try {
-            decode(row.text);
+            decodeLocalState(row.text);
             ADD_FAILURE() << "no error";
         } catch (const DecodingError& error) {
             EXPECT_EQ(error.kind(), row.kind);
