@@ -39,3 +39,20 @@ function(browsersweep_precompile target)
     target_precompile_headers(${target} PRIVATE ${ARGN})
   endif()
 endfunction()
+
+# browsersweep_compile_folders_as_one(target): with CMAKE_UNITY_BUILD, the files of one folder are
+# compiled as one, in a fraction of the time; names in unnamed namespaces differ within a folder. A
+# build without it proves that every file includes what it needs.
+function(browsersweep_compile_folders_as_one target)
+  get_target_property(sources ${target} SOURCES)
+  foreach(source IN LISTS sources)
+    get_filename_component(folder ${source} DIRECTORY)
+    get_filename_component(folder ${folder} NAME)
+    set_source_files_properties(${source} PROPERTIES UNITY_GROUP "${folder}")
+  endforeach()
+  set_target_properties(${target} PROPERTIES UNITY_BUILD_MODE GROUP)
+  # To g++ whatever is included lies in a header, the files of the folder too.
+  if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(${target} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:-Wno-subobject-linkage>)
+  endif()
+endfunction()
