@@ -1,4 +1,4 @@
-"""A plain parser of Safari's cookie file: what the library's is compared with in Python."""
+"""A flat parser of Safari's cookie file in Python: no limits, no checks, four texts of a cookie."""
 
 import struct
 import sys

@@ -112,6 +112,9 @@ class Workloads:
             return [copy if part == "{}" else part for part in command]
         return make
 
+    def in_python(self, script: str) -> Callable[[], list]:
+        return lambda: [sys.executable, HERE / script, self.paths["cookies"]]
+
     def rows(self) -> list[Row]:
         return [*self.tree_rows(), *self.database_rows(), *self.file_rows(), *self.host_rows(),
                 *self.growth_rows()]
@@ -178,9 +181,10 @@ class Workloads:
         return [
             Row("decode of 100,000 cookies", read,
                 self.on(self.other, "cookies-read", "cookies"), "<= 3 x", 3.0, True),
-            Row("  against a Python parser", read,
-                lambda: [sys.executable, HERE / "read_cookies.py", self.paths["cookies"]],
-                ">= 20 x faster", 0.05, True),
+            Row("  against the same decoder in Python", read,
+                self.in_python("decode_cookies.py"), ">= 20 x faster", 0.05, True),
+            Row("  against a flat parser in Python", read,
+                self.in_python("read_cookies.py"), "for comparison", same_output=True),
             Row("decode, remove and encode of them",
                 self.on(self.ours, "cookies-rewrite", "cookies", "50000"),
                 self.on(self.other, "cookies-rewrite", "cookies", "50000"), "<= 3 x", 3.0, True),
@@ -203,8 +207,10 @@ class Workloads:
 
     def growth_rows(self) -> list[Row]:
         return [
-            Row("1,000,000 files against 100,000", self.on(self.ours, "tree-size", "tree-large"),
-                self.on(self.ours, "tree-size", "tree-small"), "<= 10.5 x", 10.5),
+            Row("2,000,000 files against 200,000", self.on(self.ours, "tree-size", "tree-large"),
+                self.on(self.ours, "tree-size", "tree"), "<= 10.5 x", 10.5),
+            Row("  the reference loop on both", self.on(self.other, "tree-size", "tree-large"),
+                self.on(self.other, "tree-size", "tree"), "for comparison"),
             Row("1,000,000 rows against 100,000", self.on(self.ours, "history-size-patterns", "history", "host7"),
                 self.on(self.ours, "history-size-patterns", "history-small", "host7"),
                 "<= 10.5 x", 10.5),
@@ -212,6 +218,8 @@ class Workloads:
 
 
 def verdict(row: Row) -> str:
+    if row.limit is None and row.floor_ms is None:
+        return ""
     if row.floor_ms is not None:
         return "yes" if row.results["moreMilliseconds"] <= row.floor_ms else "NO"
     return "yes" if row.results["ratio"] <= row.limit else "NO"
@@ -251,7 +259,7 @@ def main() -> int:
     shutil.rmtree(scratch)
     if options.json:
         options.json.write_text(json.dumps(
-            [{"workload": row.name.strip(), "reach": row.reach, "reached": verdict(row) == "yes",
+            [{"workload": row.name.strip(), "reach": row.reach, "reached": verdict(row) != "NO",
               **row.results} for row in rows], indent=1), "utf-8")
     return 0
 

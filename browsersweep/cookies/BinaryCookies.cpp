@@ -153,7 +153,7 @@ std::vector<std::uint32_t> decodePageSizes(BinaryDecodingContainer& container) {
 void makeRoom(std::vector<Cookie>& cookies, std::size_t count) {
     constexpr std::size_t growth = 4;
     constexpr std::size_t steps = growth * growth * growth;
-    constexpr std::size_t alwaysFits = 16;
+    constexpr std::size_t alwaysFits = 64;
     if (cookies.size() == cookies.capacity()) {
         const std::size_t room = std::max(count / steps + 1, growth * cookies.size());
         cookies.reserve(std::min(count, std::max(room, alwaysFits)));
