@@ -83,7 +83,7 @@ std::string shortestText(Number number) {
         return number < 0 ? "-inf" : "inf";
     }
     const int decimals = fewestDecimals(number);
-    const std::string text = written(number, std::ios_base::scientific, decimals);
+    std::string text = written(number, std::ios_base::scientific, decimals);
     if (needsExponent(std::fabs(number))) {
         return text;
     }

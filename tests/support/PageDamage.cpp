@@ -20,17 +20,18 @@ std::size_t pageSizeOf(const std::string& database) {
 }
 
 std::string PageDamage::page(const std::string& database, std::size_t size) {
+    std::string bytes(size, '\0');
     switch (below(3)) {
         case 0:
-            return std::string(size, '\0');
+            break;
         case 1:
-            return database.substr(below(database.size() / size) * size, size);
+            bytes = database.substr(below(database.size() / size) * size, size);
+            break;
         default:
-            std::string bytes(size, '\0');
             std::generate(bytes.begin(), bytes.end(),
                           [this] { return static_cast<char>(below(256)); });
-            return bytes;
     }
+    return bytes;
 }
 
 std::string PageDamage::damaged(std::string database) {

@@ -8,8 +8,8 @@ namespace browsersweep::tests {
 
 /** A system call that the kernel refuses, and with which error. */
 struct Refusal {
-    long call;
-    int error;
+    long call = 0;
+    int error = 0;
     /** Only where these bits of this argument are set; by default always. */
     unsigned argument = 0;
     std::uint32_t bits = 0;
