@@ -151,13 +151,17 @@ void SafariHistoryCleanableDatabase::clean(CleanableDataFilters filters) const {
 }
 
 std::string SafariHistoryCleanableDatabase::countStatement(CleanableDataFilters filters) const {
-    return filters.empty() ? "SELECT COUNT(*) FROM history_visits;"
-                           : joined(countHead, components_.filterCondition(filters));
+    if (filters.empty()) {
+        return "SELECT COUNT(*) FROM history_visits;";
+    }
+    return joined(countHead, components_.filterCondition(filters));
 }
 
 std::string SafariHistoryCleanableDatabase::deleteStatement(CleanableDataFilters filters) const {
-    return filters.empty() ? "DELETE FROM history_visits;"
-                           : joined(deleteHead, components_.filterCondition(filters));
+    if (filters.empty()) {
+        return "DELETE FROM history_visits;";
+    }
+    return joined(deleteHead, components_.filterCondition(filters));
 }
 
 }  // namespace browsersweep

@@ -14,6 +14,7 @@
 #include "browsersweep/binarycoding/BinaryDecodingContainer.h"
 #include "browsersweep/binarycoding/BinaryDecodingError.h"
 #include "browsersweep/binarycoding/BinaryEncodingError.h"
+#include "browsersweep/binarycoding/DataBufferedDataSource.h"
 
 #include "tests/support/Bytes.h"
 
@@ -240,6 +241,27 @@ TEST(BinaryDecodingContainer, readsAndWritesRawValues) {
 TEST(BinaryDecodingContainer, readsAnEmptyListFromNothing) {
     EXPECT_EQ(BinaryDataDecoder().decode<std::vector<int>>(List{}), std::vector<int>{});
     EXPECT_EQ(BinaryDataEncoder().encode(std::vector<int>{}), List{});
+}
+
+TEST(BinaryDecodingContainer, peeksExactlyWhatIsThere) {
+    reading({1, 2, 3}, [](auto& container) {
+        EXPECT_EQ(container.peekExactly(2), (List{1, 2}));
+        EXPECT_EQ(container.decodeRemainder(), (List{1, 2, 3}));
+    });
+}
+
+TEST(BinaryDecodingContainer, readsTextInLatin1) {
+    reading({'a', 0xE9, 0xFF}, [](auto& container) {
+        EXPECT_EQ(container.decodeString(StringEncoding::isoLatin1), "a\xC3\xA9\xC3\xBF");
+    });
+}
+
+TEST(DataBufferedDataSource, handsOutItsBytesOnceAndThenNothing) {
+    const List bytes{1, 2, 3};
+    DataBufferedDataSource source(bytes);
+    EXPECT_EQ(source.read(2), (List{1, 2}));
+    EXPECT_EQ(source.read(2), List{3});
+    EXPECT_EQ(source.read(2), std::nullopt);
 }
 
 TEST(BinaryDecodingContainer, refusesAByteBeyondTheLimit) {

@@ -14,6 +14,7 @@
 
 #include "tests/support/ChildProcess.h"
 #include "tests/support/Database.h"
+#include "tests/support/ForwardingFileManager.h"
 #include "tests/support/GuardedFileManager.h"
 #include "tests/support/PageDamage.h"
 #include "tests/support/SampleHome.h"
@@ -220,6 +221,35 @@ TEST_F(SQLiteFaults, rowsInTheLogOfALivingBrowserAreDeletedAndTheDatabaseStaysWh
     EXPECT_EQ(Database(file_).number("SELECT COUNT(*) FROM history_items"), 0);
     EXPECT_EQ(Database(file_).text("PRAGMA integrity_check"), "ok");
     expectNoTemporaryFiles();
+}
+
+TEST_F(SQLiteFaults, aHeaderThatAsksReadersAloneForALogIsSizedOnACopy) {
+    std::string contents = tests::readFile(file_);
+    constexpr std::size_t versionToRead = 19;
+    contents[versionToRead] = 2;
+    std::ofstream(file_, std::ios::binary) << contents;
+    const auto before = tests::filesBelow(home_ / "data");
+    EXPECT_EQ(safari().size().itemCount, CleanableDataSize::Measurement(200));
+    EXPECT_EQ(tests::filesBelow(home_ / "data"), before);
+    expectNoTemporaryFiles();
+}
+
+/** Says that every file is there. */
+class CredulousFileManager : public tests::ForwardingFileManager {
+public:
+    using ForwardingFileManager::ForwardingFileManager;
+    FileExistence fileExists(const fs::path& /*path*/) const noexcept override {
+        return {true, false};
+    }
+};
+
+TEST_F(SQLiteFaults, aHistoryThatVanishesOnceItWasFoundIsAnErrorAndIsNotMadeAnew) {
+    fs::remove(file_);
+    const SafariHistoryCleanableDatabase vanished(file_,
+                                                  std::make_shared<CredulousFileManager>(manager_));
+    EXPECT_THROW(vanished.size(), fs::filesystem_error);
+    EXPECT_FALSE(fs::exists(file_));
+    EXPECT_TRUE(tests::filesBelow(temporary_).size() <= 1);  // the empty folder of a copy may stay
 }
 
 TEST_F(SQLiteFaults, aTableWithRowsInTheLogOfALivingBrowserIsCleanedWithThem) {

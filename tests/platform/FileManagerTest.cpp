@@ -138,6 +138,13 @@ TEST_F(FileManagerTest, replacingAMissingFileIsAnErrorAndMakesNone) {
     EXPECT_EQ(folder.snapshot(), Lines{});
 }
 
+TEST_F(FileManagerTest, replacingAFolderIsAnErrorAndLeavesNothingBeside) {
+    folder.makeFolder("sub/inner");
+    EXPECT_EQ(errorOf([&] { manager->replace(folder / "sub", bytes("x")); }),
+              std::errc::is_a_directory);
+    EXPECT_EQ(folder.snapshot(), (Lines{"sub/", "sub/inner/"}));
+}
+
 TEST_F(FileManagerTest, aCopyHasTheContentsAndIsForTheUserAlone) {
     const std::string large(1'000'000, 'y');
     fs::permissions(folder.write("file", large), fs::perms::all);

@@ -57,6 +57,7 @@ TEST(PropertyList, anIntegerAboveTheSignedRangeIsOnlyUnsigned) {
     EXPECT_EQ(std::nullopt, large.asInteger());
     EXPECT_EQ(std::numeric_limits<std::uint64_t>::max(), large.asUnsignedInteger());
     EXPECT_EQ(PropertyList::integer(5), PropertyList::unsignedInteger(5));
+    EXPECT_EQ(5U, PropertyList::integer(5).asUnsignedInteger());
 }
 
 TEST(PropertyList, ofEqualKeysTheLastOneCounts) {

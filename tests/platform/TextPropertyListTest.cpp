@@ -93,6 +93,7 @@ TEST(TextPropertyList, malformedTextIsRefused) {
                                "\"\\"}) {
         expectCorrupted(bytes(source));
     }
+    expectCorrupted(bytes("<0x>"));
     expectCorrupted(Bytes{'a', 0});
     expectCorrupted(Bytes(1000, 0));
     expectCorrupted(Bytes{'"', 0xFF, '"'});

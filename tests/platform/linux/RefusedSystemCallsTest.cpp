@@ -164,6 +164,11 @@ TEST_F(RefusedSystemCalls, aReplacementThatCannotKeepTheOwnerKeepsTheOldFile) {
     EXPECT_EQ(folder.snapshot().size(), 2U);
 }
 
+TEST_F(RefusedSystemCalls, aFolderThatCannotBeOpenedForLackOfDescriptorsIsAnError) {
+    EXPECT_EQ(failureWithout({{SYS_openat, EMFILE}}, [&] { manager->enumerator(folder.path()); }),
+              (Failure{"cannot open directory", EMFILE}));
+}
+
 TEST_F(RefusedSystemCalls, aFolderThatCannotBeListedIsAnError) {
     folder.write("sub/file", "1");
     EXPECT_EQ(failureWithout({{SYS_getdents64, EIO}},
@@ -246,6 +251,16 @@ TEST_F(RefusedSystemCalls, aParentThatCannotBeExaminedAgainIsAnError) {
         ASSERT_TRUE(tests::refuse(statusOfOpenFiles(EIO)));
         EXPECT_EQ(failureOf([&] { deep.finish(); }), (Failure{"cannot return to directory", EIO}));
     });
+}
+
+TEST_F(RefusedSystemCalls, aFileThatIsLongerThanItSaysIsReadToItsEnd) {
+    const Bytes found = manager->contents("/proc/self/status");  // which says that it is empty
+    EXPECT_GT(found.size(), 100U);
+    EXPECT_EQ(found.back(), '\n');
+}
+
+TEST_F(RefusedSystemCalls, theSystemHasNoDirectoriesOfItsOwnForBrowsers) {
+    EXPECT_TRUE(FileManager::defaultManager()->directories(SearchPathDirectory::caches).empty());
 }
 
 TEST_F(RefusedSystemCalls, theHomeOfAUserWithoutAnAccountIsAnError) {
