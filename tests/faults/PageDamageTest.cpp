@@ -24,7 +24,7 @@ using tests::SampleHome;
 
 using Use = std::function<void(const CleanableData&)>;
 
-std::vector<CleanableDataFilter> filters() {
+std::vector<CleanableDataFilter> patternsAndDates() {
     const CleanableDataFilter::Dates dates{CleanableDataFilter::Dates::Rule::insideRange,
                                            dateFromReferenceSeconds(0), std::nullopt};
     return {{CleanableDataFilter::Rule::include, {"one", "two"}}, {std::nullopt, dates}};
@@ -35,7 +35,7 @@ void measure(const CleanableData& item) {
 }
 
 void measureByFilters(const CleanableData& item) {
-    EXPECT_GE(item.size(filters()).itemCount.value, 0);
+    EXPECT_GE(item.size(patternsAndDates()).itemCount.value, 0);
 }
 
 /** Every database of one browser in a sample home, some of them damaged. */
@@ -125,7 +125,7 @@ TEST_P(PageDamages, giveAnErrorOrAResultAndHarmNothingElse) {
         forEachItem(measureByFilters);
         readNotifications();
         EXPECT_EQ(tests::differences(before, home_.files()), std::vector<std::string>());
-        forEachItem([](const CleanableData& item) { item.clean(filters()); });
+        forEachItem([](const CleanableData& item) { item.clean(patternsAndDates()); });
         forEachItem([](const CleanableData& item) { item.clean(); });
         EXPECT_EQ(harmElsewhere(), std::vector<std::string>());
         expectNoTemporaryFiles();

@@ -208,7 +208,7 @@ TEST(XMLPropertyList, halfACharacterAtTheEndIsRefused) {
     }
     EXPECT_EQ(PropertyList::array({}), PropertyList::parse(bytes(file)));
     file.pop_back();
-    expectCorrupted(file);
+    expectCorrupted(bytes(file));
 }
 
 TEST(XMLPropertyList, aDocumentLongerThanTheParsersChunksIsRead) {
