@@ -21,6 +21,12 @@ constexpr std::string_view magic = "bplist0";
 constexpr std::size_t headerSize = 8;
 constexpr std::size_t trailerSize = 32;
 
+void requireReadableDepth(std::size_t depth) {
+    if (depth > PropertyList::maximumDepth) {
+        throw DecodingError::dataCorrupted("a binary property list is nested too deeply");
+    }
+}
+
 std::uint64_t bigEndian(BytesView bytes) noexcept {
     std::uint64_t value = 0;
     for (const std::uint8_t byte : bytes) {
@@ -214,9 +220,7 @@ void BinaryReader::add(Expansion& whole, const Expansion& part) const {
     whole.depth = std::max(whole.depth, part.depth + 1);
     whole.values += part.values;
     whole.bytes += part.bytes;
-    if (whole.depth > PropertyList::maximumDepth) {
-        throw DecodingError::dataCorrupted("a binary property list is nested too deeply");
-    }
+    requireReadableDepth(whole.depth);
     if (whole.values > maximumValues() || whole.bytes > maximumBytes()) {
         throw DecodingError::dataCorrupted(
             "the references of a binary property list add up to too much");
@@ -239,9 +243,7 @@ std::string BinaryReader::key(std::uint64_t index, std::size_t depth) {
 PropertyList BinaryReader::parseArray(std::uint64_t count, std::size_t depth,
                                       Expansion& expansion) {
     expansion.depth = 1;
-    if (depth >= PropertyList::maximumDepth) {
-        throw DecodingError::dataCorrupted("a binary property list is nested too deeply");
-    }
+    requireReadableDepth(depth + 1);
     PropertyList::Array values;
     const std::vector<std::uint64_t> references = takeReferences(count);
     values.reserve(references.size());
@@ -256,9 +258,7 @@ PropertyList BinaryReader::parseArray(std::uint64_t count, std::size_t depth,
 PropertyList BinaryReader::parseDictionary(std::uint64_t count, std::size_t depth,
                                            Expansion& expansion) {
     expansion.depth = 1;
-    if (depth >= PropertyList::maximumDepth) {
-        throw DecodingError::dataCorrupted("a binary property list is nested too deeply");
-    }
+    requireReadableDepth(depth + 1);
     PropertyList::Dictionary entries;
     const std::vector<std::uint64_t> keys = takeReferences(count);
     const std::vector<std::uint64_t> values = takeReferences(count);
