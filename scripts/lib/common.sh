@@ -83,7 +83,8 @@ configure() {
     if have ccache; then
         launcher=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
     fi
-    (cd "$root" && cmake --preset "$preset" ${launcher[@]+"${launcher[@]}"} "$@")
+    # Where everything is built, the files of a folder are compiled as one.
+    (cd "$root" && cmake --preset "$preset" -DCMAKE_UNITY_BUILD=ON ${launcher[@]+"${launcher[@]}"} "$@")
 }
 
 # build PRESET [TARGET...]: builds what configure has prepared.

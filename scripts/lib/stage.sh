@@ -74,15 +74,15 @@ run_counting() {
 }
 
 # run_tests PRESET [FILTER]: runs the test programs that build/PRESET holds: those of GoogleTest
-# directly, in as many shards as there are processors, and those registered with the label
-# "program" through ctest.
+# directly, and those registered with the label "program" through ctest. There are twice as many shards
+# as processors, because some tests are long.
 run_tests() {
     local folder=$root/build/$1 filter=${2:-*} program found=no
     while IFS= read -r program; do
         # No program at all is one empty line.
         [ -n "$program" ] || continue
         found=yes
-        run_counting python3 "$root/scripts/lib/run-gtest" --shards "$(cpu_count)" \
+        run_counting python3 "$root/scripts/lib/run-gtest" --shards $((2 * $(cpu_count))) \
             --filter="$filter" "$program"
     done <<EOF_PROGRAMS
 $(find "$folder" -type f -name '*_tests' -perm -u+x | sort)
@@ -92,15 +92,6 @@ EOF_PROGRAMS
         count 0 1 0
     fi
     run_counting python3 "$root/scripts/lib/run-ctest" --label program "$folder"
-}
-
-# run_host_tests PRESET: runs the tests that use the host program of build/PRESET as its users do. Each
-# makes a home of its own, in a place that the other user whom some of them become can reach.
-run_host_tests() {
-    local program=$root/build/$1/cli/browsersweep file
-    for file in "$root"/tests/cli/*_test.py; do
-        BROWSERSWEEP_PROGRAM=$program run_counting python3 -B "$file"
-    done
 }
 
 # build_only PRESET: configures and builds one preset, as one check; fails if the build does.
@@ -124,6 +115,7 @@ build_and_test() {
     if build_only "$1"; then run_tests "$@"; fi
 }
 
-# The tests that repeat the calls of others thousands of times: a short run leaves them out.
+# The tests that repeat the calls of others thousands of times: a short run leaves them out. In a
+# complete one they run under the sanitizers and on the backend of macOS.
 # shellcheck disable=SC2034
 all_but_repetitions="-Races.aFolderThatBecomesALink*:*FileFaultsOfOperation*:*everyCorruptionOfOneByte*"

@@ -7,7 +7,8 @@ sys.dont_write_bytecode = True
 
 from support import ROOT, ScriptTest, run_all
 
-TOOLS = "bash env dirname basename find sort sed awk mktemp mkdir rm cat tail chmod python3 uname"
+TOOLS = ("bash env dirname basename find sort sed awk mktemp mkdir rm cat tail chmod python3 uname "
+         "touch sleep")
 
 
 class Runner(ScriptTest):
@@ -84,6 +85,31 @@ class Runner(ScriptTest):
         heads = [line for line in finished.stdout.splitlines() if line.startswith("== ")]
         self.assertEqual([line.split()[1].rstrip(":") for line in heads],
                          ["one", "one", "three", "three"])
+
+    def test_stages_of_one_number_run_side_by_side_and_are_shown_in_order(self):
+        meet = "touch {0}/{1}; while [ ! -e {0}/{2} ]; do sleep 0.1; done; say {1} met; count 1 0 0"
+        self.stage("10-first", meet.format(self.folder, "first", "second"))
+        self.stage("10-second", meet.format(self.folder, "second", "first"))
+        self.stage("20-third", "count 0 0 1")
+        finished = self.run_all_stages()
+        self.assertEqual(self.last_line(finished), "2 passed, 0 failed, 1 skipped")
+        said = [line for line in finished.stdout.splitlines() if "met" in line or "==" in line]
+        self.assertEqual([line.split(":")[0] for line in said],
+                         ["== first", "first met", "== first", "== second", "second met",
+                          "== second", "== third", "== third"])
+
+    def test_a_stage_that_is_killed_beside_another_is_a_failure(self):
+        self.stage("10-one", "kill -9 $PPID")
+        self.stage("10-two", "count 1 0 0")
+        finished = self.run_all_stages()
+        self.assertEqual(self.last_line(finished), "1 passed, 1 failed, 0 skipped")
+        self.assertEqual(finished.returncode, 1)
+
+    def test_stages_that_are_chosen_run_one_by_one(self):
+        self.stage("10-one", f"touch {self.folder}/one; sleep 0.3; rm {self.folder}/one; count 1 0 0")
+        self.stage("10-two", f"check 'one has ended' [ ! -e {self.folder}/one ]")
+        finished = self.run_all_stages("one", "two")
+        self.assertEqual(self.last_line(finished), "2 passed, 0 failed, 0 skipped")
 
     def test_an_unknown_stage_is_refused(self):
         self.stage("10-one", "count 1 0 0")
