@@ -116,6 +116,6 @@ build_and_test() {
 }
 
 # The tests that repeat the calls of others thousands of times: a short run leaves them out. In a
-# complete one they run under the sanitizers and on the backend of macOS.
+# complete one they run under the sanitizers.
 # shellcheck disable=SC2034
 all_but_repetitions="-Races.aFolderThatBecomesALink*:*FileFaultsOfOperation*:*everyCorruptionOfOneByte*"
