@@ -94,13 +94,17 @@ EOF_PROGRAMS
     run_counting python3 "$root/scripts/lib/run-ctest" --label program "$folder"
 }
 
-# build_only PRESET: configures and builds one preset, as one check; fails if the build does.
+# build_only PRESET: configures and builds one preset, as one check; fails if the build does. Stages
+# that run side by side use what an earlier stage has built: only one may build in a folder at a time.
 build_only() {
     local preset=$1 log=$root/build/$1.log
     mkdir -p "$root/build"
+    if [ "${STAGES_SIDE_BY_SIDE:-no}" = yes ] && [ -e "$root/build/$preset.built" ]; then return; fi
+    rm -f "$root/build/$preset.built"
     if { configure "$preset" && build "$preset"; } >"$log" 2>&1; then
         say "passed: the build of $preset"
         count 1 0 0
+        : >"$root/build/$preset.built"
     else
         say "FAILED: the build of $preset; all it said is in build/$preset.log"
         grep -E -A 8 'error|FAILED|CMake Error' "$log" | head -n 120
