@@ -20,11 +20,15 @@ bool isSelfOrParent(std::string_view name) noexcept {
 
 }  // namespace
 
-/** Linux lists in large pieces; what is unlinked between two of them moves nothing else. */
+/**
+ * Linux lists in pieces; what is unlinked between two of them moves nothing else. What the kernel
+ * has touched for a piece should still be in the processor's cache when its files are asked for,
+ * one by one: four times the size made a large tree a sixth slower.
+ */
 // The piece is filled before it is read; clearing it first would cost more than a small folder.
 // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
 struct DirectoryListing::Implementation {
-    static constexpr std::size_t pieceSize = std::size_t{64} * 1024;
+    static constexpr std::size_t pieceSize = std::size_t{16} * 1024;
 
     int directory = -1;
     std::size_t position = 0;
