@@ -94,17 +94,16 @@ EOF_PROGRAMS
     run_counting python3 "$root/scripts/lib/run-ctest" --label program "$folder"
 }
 
-# build_only PRESET: configures and builds one preset, as one check; fails if the build does. Stages
-# that run side by side use what an earlier stage has built: only one may build in a folder at a time.
+# build_only PRESET [TARGET...]: configures and builds one preset, as one check; fails if the build does.
+# Stages that run side by side use what an earlier stage has built: only one may build in a folder at a
+# time.
 build_only() {
+    if [ "${STAGES_SIDE_BY_SIDE:-no}" = yes ]; then return; fi
     local preset=$1 log=$root/build/$1.log
     mkdir -p "$root/build"
-    if [ "${STAGES_SIDE_BY_SIDE:-no}" = yes ] && [ -e "$root/build/$preset.built" ]; then return; fi
-    rm -f "$root/build/$preset.built"
-    if { configure "$preset" && build "$preset"; } >"$log" 2>&1; then
+    if { configure "$preset" && build "$@"; } >"$log" 2>&1; then
         say "passed: the build of $preset"
         count 1 0 0
-        : >"$root/build/$preset.built"
     else
         say "FAILED: the build of $preset; all it said is in build/$preset.log"
         grep -E -A 8 'error|FAILED|CMake Error' "$log" | head -n 120
@@ -120,6 +119,6 @@ build_and_test() {
 }
 
 # The tests that repeat the calls of others thousands of times: a short run leaves them out. In a
-# complete one they run under the sanitizers.
+# complete one they run under the sanitizers and on the backend of macOS.
 # shellcheck disable=SC2034
 all_but_repetitions="-Races.aFolderThatBecomesALink*:*FileFaultsOfOperation*:*everyCorruptionOfOneByte*"
