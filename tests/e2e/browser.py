@@ -10,13 +10,19 @@ import os
 import shutil
 import signal
 import subprocess
+import sys
 import tempfile
+import time
 from collections.abc import Iterator
 from pathlib import Path
 
 START_TIMEOUT = 60.0
 CALL_TIMEOUT = 30.0
 QUIT_TIMEOUT = 40.0
+STOP_TIMEOUT = 10.0
+
+# As ps tells them: stopped, traced, ended, gone.
+STOPPED = "TtZX"
 
 CHROMIUM_NAMES = ("chromium", "chromium-browser", "google-chrome-stable", "google-chrome")
 FIREFOX_NAMES = ("firefox-esr", "firefox")
@@ -124,9 +130,24 @@ def frozen(process: subprocess.Popen) -> Iterator[None]:
     """
     os.killpg(process.pid, signal.SIGSTOP)
     try:
+        deadline = time.monotonic() + STOP_TIMEOUT
+        while runs_on(process.pid):
+            if time.monotonic() > deadline:
+                raise BrowserError(f"process group {process.pid} does not stop")
+            time.sleep(0.01)
         yield
     finally:
         os.killpg(process.pid, signal.SIGCONT)
+
+
+def runs_on(group: int) -> bool:
+    """Whether a thread of the process group still works: one that is told to stop does so when its
+    system call ends, such as the writing of a file."""
+    threads = ["-L"] if sys.platform == "linux" else []
+    listed = subprocess.run(["ps", "-e", *threads, "-o", "pgid=", "-o", "stat="], check=True,
+                            stdout=subprocess.PIPE, text=True).stdout
+    states = (line.split() for line in listed.splitlines())
+    return any(int(owner) == group and state[0] not in STOPPED for owner, state in states)
 
 
 def stop_process(process: subprocess.Popen) -> None:
