@@ -3,6 +3,7 @@
 BROWSERSWEEP_CRASHES says how many random moments of a full clean are tried.
 """
 
+import concurrent.futures
 import os
 import random
 import re
@@ -10,9 +11,10 @@ import subprocess
 import time
 import unittest
 
-from homes import COOKIES, Home, ProcessTest, Selection, run_all, strace_problem
+from homes import COOKIES, Home, ProcessTest, Selection, run_all, strace, strace_problem
 
-CRASHES = int(os.environ.get("BROWSERSWEEP_CRASHES", "100"))
+CRASHES = int(os.environ.get("BROWSERSWEEP_CRASHES", "500"))
+SERIES = 25
 SEED = int(os.environ.get("BROWSERSWEEP_SEED", "1"))
 KILLED = -9
 CLEAN = ("clean", "--yes")
@@ -25,18 +27,25 @@ CALL = re.compile(r"^(?:\d+ +)?(\w+)\(")
 class CrashCuts(ProcessTest):
     def test_a_full_clean_cut_at_random_moments_tears_nothing(self):
         selection = Selection(self.template, *CLEAN)
+        series = [range(first, min(first + SERIES, CRASHES)) for first in range(0, CRASHES, SERIES)]
+        with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as workers:
+            killed = sum(workers.map(lambda numbers: self.cut_in_turn(selection, numbers), series))
+        print(f"{CRASHES} moments, {killed} of them before the end")
+        self.assertGreater(killed, 0)
+
+    def cut_in_turn(self, selection, numbers):
+        """Cuts once for each number; tells how often the program still ran. How long a clean takes
+        is measured anew for each series, because what else the machine does changes it."""
+        moments, killed = random.Random(f"{SEED}-{numbers.start}"), 0
         with Home(self.template) as home:
             started = time.monotonic()
             home.run(*CLEAN)
             longest = time.monotonic() - started
-        moments = random.Random(SEED)
-        killed = 0
-        for number in range(CRASHES):
-            with self.subTest(number=number), Home(self.template) as home:
+        for number in numbers:
+            with Home(self.template) as home:
                 killed += self.cut(home, moments.uniform(0, longest))
-                self.assertEqual(selection.problems(home, after_crash=True), [])
-        print(f"{CRASHES} moments, {killed} of them before the end")
-        self.assertGreater(killed, 0)
+                self.assertEqual(selection.problems(home, after_crash=True), [], number)
+        return killed
 
     def cut(self, home, delay):
         """Kills the program after so many seconds; tells whether it still ran."""
@@ -56,7 +65,7 @@ class CookieRewrite(ProcessTest):
         """System call -> how often an undisturbed rewrite makes it."""
         with Home(self.template) as home:
             log = home.root / "log"
-            finished = home.run(*REWRITE, prefix=["strace", "-f", "-o", str(log)])
+            finished = home.run(*REWRITE, prefix=strace("-f", "-o", str(log)))
             self.assertEqual(finished.returncode, 0, finished.stderr)
             counts = {}
             for line in log.read_text(errors="replace").splitlines():
@@ -87,7 +96,7 @@ class CookieRewrite(ProcessTest):
 
     def kill_at(self, home, call, number):
         rule = f"inject={call}:signal=SIGKILL:when={number}"
-        home.run(*REWRITE, prefix=["strace", "-o", os.devnull, "-e", f"trace={call}", "-e", rule])
+        home.run(*REWRITE, prefix=strace("-o", os.devnull, "-e", f"trace={call}", "-e", rule))
 
 
 if __name__ == "__main__":

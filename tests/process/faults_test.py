@@ -10,7 +10,7 @@ import os
 import re
 import unittest
 
-from homes import Home, ProcessTest, Selection, run_all, strace_problem
+from homes import Home, ProcessTest, Selection, run_all, strace, strace_problem
 
 SAMPLES = int(os.environ.get("BROWSERSWEEP_FAULTS", "2"))
 ERRORS = ("EIO", "EACCES", "ENOSPC", "EMFILE", "ENOENT")
@@ -31,8 +31,7 @@ CALL = re.compile(r"^(?:\d+ +)?(\w+)\(")
 
 
 def traced(home, log, expression, *arguments):
-    prefix = ["strace", "-f", "-y", "-o", str(log), *expression]
-    return home.run("--json", *arguments, prefix=prefix)
+    return home.run("--json", *arguments, prefix=strace("-f", "-y", "-o", str(log), *expression))
 
 
 def concerned_calls(log, root):

@@ -4,6 +4,7 @@ Every test program runs under strace, which shows each path that it or a child o
 canary when it starts; neither the canary nor the home of the account may occur.
 """
 
+import concurrent.futures
 import os
 import pathlib
 import pwd
@@ -12,7 +13,7 @@ import subprocess
 import tempfile
 import unittest
 
-from homes import ROOT, run_all, strace_problem
+from homes import ROOT, run_all, strace, strace_problem
 
 PROGRAMS = os.environ.get("BROWSERSWEEP_TEST_PROGRAMS", str(ROOT / "build" / "debug"))
 # These repeat the calls of other tests tens of thousands of times, each of which strace would stop at.
@@ -40,13 +41,14 @@ class Isolation(unittest.TestCase):
         self.canary.mkdir()
         (self.canary / "Library").mkdir()
 
-    def paths_used_by(self, program, *arguments):
+    def paths_used_by(self, program, *arguments, shard=0, shards=1):
         """Every absolute path in a system call of the program, after it was started itself."""
-        log = self.folder / "log"
+        log = self.folder / f"log-{program.name}-{shard}"
         finished = subprocess.run(
-            ["strace", "-f", "-qq", "--seccomp-bpf", "-s", "4096", "-e", "trace=%file", "-e",
-             "signal=none", "-o", str(log), str(program), *arguments],
-            env={**os.environ, "HOME": str(self.canary), "TMPDIR": str(self.folder)},
+            strace("-f", "-qq", "--seccomp-bpf", "-s", "4096", "-e", "trace=%file", "-e",
+                   "signal=none", "-o", str(log), str(program), *arguments),
+            env={**os.environ, "HOME": str(self.canary), "TMPDIR": str(self.folder),
+                 "GTEST_TOTAL_SHARDS": str(shards), "GTEST_SHARD_INDEX": str(shard)},
             cwd=self.folder, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
             stderr=subprocess.STDOUT, check=False)
         with open(log, encoding="utf-8", errors="replace") as lines:
@@ -64,16 +66,20 @@ class Isolation(unittest.TestCase):
     def test_no_test_program_uses_a_path_in_the_users_home(self):
         programs = test_programs()
         self.assertTrue(programs, f"there is no test program in {PROGRAMS}")
-        for program in programs:
-            with self.subTest(program=program.name):
-                finished, used = self.paths_used_by(
-                    program, "--gtest_brief=1", f"--gtest_filter={REPETITIONS}")
+        shards = 2 * os.cpu_count()
+        pieces = [(program, shard) for program in programs for shard in range(shards)]
+        with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as workers:
+            outcomes = workers.map(lambda piece: self.paths_used_by(
+                piece[0], "--gtest_brief=1", f"--gtest_filter={REPETITIONS}", shard=piece[1],
+                shards=shards), pieces)
+        for (program, shard), (finished, used) in zip(pieces, outcomes):
+            with self.subTest(program=program.name, shard=shard):
                 self.assertEqual(finished.returncode, 0, finished.stdout[-4000:])
                 self.assertTrue(used)
                 self.assertEqual(self.forbidden(used), [])
 
     def test_the_guard_sees_a_program_that_does(self):
-        _, used = self.paths_used_by("/bin/ls", str(self.canary / "Library"))
+        _, used = self.paths_used_by(pathlib.Path("/bin/ls"), str(self.canary / "Library"))
         self.assertEqual(self.forbidden(used), [str(self.canary / "Library")])
 
 

@@ -5,7 +5,7 @@ import re
 import signal
 import unittest
 
-from homes import Home, ProcessTest, run_all, strace_problem
+from homes import Home, ProcessTest, run_all, strace, strace_problem
 
 MADE = re.compile(r'(?:mkdir|mkdirat)\(.*?"([^"]+)", (0[0-7]+)\) = 0')
 CREATED = re.compile(r'openat\(.*?"([^"]+)", [A-Z_|]*O_CREAT[A-Z_|]*, (0[0-7]+)\) = \d')
@@ -18,8 +18,7 @@ SIZE = ("--json", "size", "--browser=chromium", "--browser=firefox")
 class Privacy(ProcessTest):
     def traced(self, home, rules, *arguments, **options):
         log = home.root / "log"
-        finished = home.run(*arguments, prefix=["strace", "-f", "-y", "-o", str(log), *rules],
-                            **options)
+        finished = home.run(*arguments, prefix=strace("-f", "-y", "-o", str(log), *rules), **options)
         return finished, log.read_text(errors="replace").splitlines()
 
     def test_copies_are_private_at_the_first_instant_whatever_the_mask(self):
