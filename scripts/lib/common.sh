@@ -83,8 +83,10 @@ configure() {
     if have ccache; then
         launcher=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
     fi
-    # Where everything is built, the files of a folder are compiled as one.
-    (cd "$root" && cmake --preset "$preset" -DCMAKE_UNITY_BUILD=ON ${launcher[@]+"${launcher[@]}"} "$@")
+    # Where everything is built, the files of a folder are compiled as one. Precompiled headers would
+    # gain nothing then, and keep the compiler's cache from serving one build with another's objects.
+    (cd "$root" && cmake --preset "$preset" -DCMAKE_UNITY_BUILD=ON -DBROWSERSWEEP_FAST_TESTS=OFF \
+        ${launcher[@]+"${launcher[@]}"} "$@")
 }
 
 # build PRESET [TARGET...]: builds what configure has prepared.
