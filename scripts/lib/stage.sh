@@ -74,16 +74,18 @@ run_counting() {
 }
 
 # run_tests PRESET [FILTER]: runs the test programs that build/PRESET holds: those of GoogleTest
-# directly, and those registered with the label "program" through ctest. There are twice as many shards
-# as processors, because some tests are long.
+# directly and in random order, and those registered with the label "program" through ctest. There are
+# twice as many shards as processors, because some tests are long.
 run_tests() {
-    local folder=$root/build/$1 filter=${2:-*} program found=no
+    local folder=$root/build/$1 filter=${2:-*} seed=${BROWSERSWEEP_SEED:-$((RANDOM + 1))}
+    local program found=no
+    say "-- ${TZ:-the zone of this machine}, $(id -un), order $seed"
     while IFS= read -r program; do
         # No program at all is one empty line.
         [ -n "$program" ] || continue
         found=yes
         run_counting python3 "$root/scripts/lib/run-gtest" --shards $((2 * $(cpu_count))) \
-            --filter="$filter" "$program"
+            --seed "$seed" --filter="$filter" "$program"
     done <<EOF_PROGRAMS
 $(find "$folder" -type f -name '*_tests' -perm -u+x | sort)
 EOF_PROGRAMS
@@ -91,8 +93,11 @@ EOF_PROGRAMS
         say "FAILED: build/$1 holds no test program"
         count 0 1 0
     fi
-    run_counting python3 "$root/scripts/lib/run-ctest" --label program "$folder"
+    run_programs "$1"
 }
+
+# run_programs PRESET: runs the tests registered with the label "program".
+run_programs() { run_counting python3 "$root/scripts/lib/run-ctest" --label program "$root/build/$1"; }
 
 # build_only PRESET [TARGET...]: configures and builds one preset, as one check; fails if the build does.
 # Stages that run side by side use what an earlier stage has built: only one may build in a folder at a
