@@ -3,8 +3,10 @@
 #include <filesystem>
 #include <functional>
 #include <optional>
+#include <ostream>
 #include <span>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
@@ -32,6 +34,11 @@ struct Operation {
     bool changesFiles;
     std::function<CleanableDataSize(const BrowserCleaner&)> run;
 };
+
+/** For the framework, which would print the bytes of the whole, those between its members too. */
+void PrintTo(const Operation& operation, std::ostream* stream) {
+    *stream << operation.name;
+}
 
 bool everyProfile(const BrowserProfile& /*profile*/) {
     return true;
