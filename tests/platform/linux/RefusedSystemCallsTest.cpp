@@ -1,9 +1,11 @@
 #include <cerrno>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
@@ -33,6 +35,16 @@ constexpr unsigned flagsOfStatusAt = 3;
 /** Asking for the status of an open file, by either of the calls that C libraries use. */
 std::vector<Refusal> statusOfOpenFiles(int error) {
     return {{SYS_fstat, error}, {SYS_newfstatat, error, flagsOfStatusAt, AT_EMPTY_PATH}};
+}
+
+/**
+ * Writing as much as this text. The sanitizer of undefined behaviour writes too, to learn whether
+ * memory can be read, and ends the process where that fails in a way that it does not expect; what
+ * it writes is a multiple of eight bytes long.
+ */
+Refusal writingOf(std::string_view text, int error) {
+    constexpr unsigned lengthOfWrite = 2;
+    return {SYS_write, error, lengthOfWrite, static_cast<std::uint32_t>(text.size())};
 }
 
 struct Failure {
@@ -116,13 +128,14 @@ TEST_F(RefusedSystemCalls, aCopyThatTheKernelCannotMakeIsMadeThroughABuffer) {
 }
 
 TEST_F(RefusedSystemCalls, aCopyThatFailsWithinTheKernelOrTheBufferIsAnError) {
-    const fs::path file = folder.write("file", "12345");
+    const std::string contents = "12345";
+    const fs::path file = folder.write("file", contents);
     const Refusal noClone{SYS_ioctl, ENOTTY};
     const Refusal noCopy{SYS_copy_file_range, ENOSYS};
     EXPECT_EQ(failureWithout({noClone, {SYS_copy_file_range, EIO}},
                              [&] { manager->copy(file, folder / "1"); }),
               (Failure{"cannot copy", EIO}));
-    EXPECT_EQ(failureWithout({noClone, noCopy, {SYS_write, ENOSPC}},
+    EXPECT_EQ(failureWithout({noClone, noCopy, writingOf(contents, ENOSPC)},
                              [&] { manager->copy(file, folder / "2"); }),
               (Failure{"cannot write", ENOSPC}));
     EXPECT_EQ(failureWithout({noClone, noCopy, {SYS_read, EIO}},
@@ -138,7 +151,7 @@ struct FailedReplacement {
 TEST_F(RefusedSystemCalls, aReplacementThatFailsKeepsTheOldFileAndLeavesNothingBeside) {
     const fs::path file = folder.write("sub/file", "old");
     const std::vector<FailedReplacement> cases{
-        {{{SYS_write, ENOSPC}}, {"cannot write", ENOSPC}},
+        {{writingOf("new", ENOSPC)}, {"cannot write", ENOSPC}},
         {{{SYS_fsync, EIO}}, {"cannot sync", EIO}},
         {{{SYS_fchmod, EPERM}}, {"cannot keep the mode of", EPERM}},
         {statusOfOpenFiles(EIO), {"cannot examine", EIO}},
