@@ -42,18 +42,28 @@ endfunction()
 
 # browsersweep_compile_folders_as_one(target): with CMAKE_UNITY_BUILD, the files of one folder are
 # compiled as one, in a fraction of the time; names in unnamed namespaces differ within a folder. A
-# large folder is compiled in pieces, for the processors to share. A build without it proves that every
-# file includes what it needs.
+# large folder is compiled in equal pieces, for the processors to share. A build without it proves that
+# every file includes what it needs.
 function(browsersweep_compile_folders_as_one target)
-  set(files_in_a_piece 12)
+  set(most_in_a_piece 18)
   get_target_property(sources ${target} SOURCES)
   list(FILTER sources EXCLUDE REGEX "\\.h$")
   foreach(source IN LISTS sources)
-    get_filename_component(folder ${source} DIRECTORY)
-    get_filename_component(folder ${folder} NAME)
-    math(EXPR piece "0${files_of_${folder}} / ${files_in_a_piece}")
-    math(EXPR files_of_${folder} "0${files_of_${folder}} + 1")
-    set_source_files_properties(${source} PROPERTIES UNITY_GROUP "${folder}${piece}")
+    cmake_path(GET source PARENT_PATH folder)
+    cmake_path(GET folder FILENAME folder)
+    list(APPEND folders ${folder})
+    list(APPEND files_of_${folder} ${source})
+  endforeach()
+  list(REMOVE_DUPLICATES folders)
+  foreach(folder IN LISTS folders)
+    list(LENGTH files_of_${folder} count)
+    math(EXPR pieces "(${count} + ${most_in_a_piece} - 1) / ${most_in_a_piece}")
+    set(number 0)
+    foreach(source IN LISTS files_of_${folder})
+      math(EXPR piece "${number} * ${pieces} / ${count}")
+      math(EXPR number "${number} + 1")
+      set_source_files_properties(${source} PROPERTIES UNITY_GROUP "${folder}${piece}")
+    endforeach()
   endforeach()
   set_target_properties(${target} PROPERTIES UNITY_BUILD_MODE GROUP)
   # To g++ whatever is included lies in a header, the files of the folder too.

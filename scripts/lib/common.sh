@@ -83,9 +83,11 @@ configure() {
     if have ccache; then
         launcher=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
     fi
-    # Where everything is built, the files of a folder are compiled as one. Precompiled headers would
-    # gain nothing then, and keep the compiler's cache from serving one build with another's objects.
-    (cd "$root" && cmake --preset "$preset" -DCMAKE_UNITY_BUILD=ON -DBROWSERSWEEP_FAST_TESTS=OFF \
+    # Where everything is built, the files of a folder are compiled as one. Without precompiled headers
+    # the compiler's cache serves the second of these two with nearly all objects of the first.
+    local options=(-DCMAKE_UNITY_BUILD=ON)
+    case $preset in debug | foundation) options=("${options[@]}" -DBROWSERSWEEP_FAST_TESTS=OFF) ;; esac
+    (cd "$root" && cmake --preset "$preset" "${options[@]}" \
         ${launcher[@]+"${launcher[@]}"} "$@")
 }
 
