@@ -74,8 +74,8 @@ run_counting() {
 }
 
 # run_tests PRESET [FILTER]: runs the test programs that build/PRESET holds: those of GoogleTest
-# directly and in random order, and those registered with the label "program" through ctest. There are
-# twice as many shards as processors, because some tests are long.
+# directly and in random order, and those registered with the label "program" through ctest. Because
+# some tests are long, there are many shards, which take turns on the processors.
 run_tests() {
     local folder=$root/build/$1 filter=${2:-*} seed=${BROWSERSWEEP_SEED:-$((RANDOM + 1))}
     local program found=no
@@ -84,8 +84,8 @@ run_tests() {
         # No program at all is one empty line.
         [ -n "$program" ] || continue
         found=yes
-        run_counting python3 "$root/scripts/lib/run-gtest" --shards $((2 * $(cpu_count))) \
-            --seed "$seed" --filter="$filter" "$program"
+        run_counting python3 "$root/scripts/lib/run-gtest" --shards $((8 * $(cpu_count))) \
+            --at-once $((2 * $(cpu_count))) --seed "$seed" --filter="$filter" "$program"
     done <<EOF_PROGRAMS
 $(find "$folder" -type f -name '*_tests' -perm -u+x | sort)
 EOF_PROGRAMS

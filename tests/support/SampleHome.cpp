@@ -125,8 +125,9 @@ constexpr std::string_view caches = "Library/Caches/";
 
 Files filesBelow(const fs::path& folder) {
     Files files;
+    const std::size_t start = folder.native().size() + 1;
     for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-        std::string name = entry.path().lexically_relative(folder).string();
+        std::string name = entry.path().native().substr(start);
         if (entry.is_directory() && !entry.is_symlink()) {
             name += "/";
         }
