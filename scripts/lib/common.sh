@@ -84,14 +84,9 @@ configure() {
         launcher=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
     fi
     # Where everything is built, the files of a folder are compiled as one. Without precompiled headers
-    # the compiler's cache serves the second of these two with nearly all objects of the first. Nobody
-    # looks at their variables in a debugger: lines are enough.
+    # the compiler's cache serves the second of these two with nearly all objects of the first.
     local options=(-DCMAKE_UNITY_BUILD=ON)
-    case $preset in
-    debug | foundation)
-        options=("${options[@]}" -DBROWSERSWEEP_FAST_TESTS=OFF -DCMAKE_CXX_FLAGS_DEBUG=-g1)
-        ;;
-    esac
+    case $preset in debug | foundation) options=("${options[@]}" -DBROWSERSWEEP_FAST_TESTS=OFF) ;; esac
     (cd "$root" && cmake --preset "$preset" "${options[@]}" \
         ${launcher[@]+"${launcher[@]}"} "$@")
 }

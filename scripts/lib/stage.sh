@@ -73,9 +73,11 @@ run_counting() {
     fi
 }
 
+# Some tests are long: many shards take turns on the processors.
+in_turns=(--shards $((8 * $(cpu_count))) --at-once $((2 * $(cpu_count))))
+
 # run_tests PRESET [FILTER]: runs the test programs that build/PRESET holds: those of GoogleTest
-# directly and in random order, and those registered with the label "program" through ctest. Because
-# some tests are long, there are many shards, which take turns on the processors.
+# directly and in random order, and those registered with the label "program" through ctest.
 run_tests() {
     local folder=$root/build/$1 filter=${2:-*} seed=${BROWSERSWEEP_SEED:-$((RANDOM + 1))}
     local program found=no
@@ -84,8 +86,8 @@ run_tests() {
         # No program at all is one empty line.
         [ -n "$program" ] || continue
         found=yes
-        run_counting python3 "$root/scripts/lib/run-gtest" --shards $((8 * $(cpu_count))) \
-            --at-once $((2 * $(cpu_count))) --seed "$seed" --filter="$filter" "$program"
+        run_counting python3 "$root/scripts/lib/run-gtest" "${in_turns[@]}" --seed "$seed" \
+            --filter="$filter" "$program"
     done <<EOF_PROGRAMS
 $(find "$folder" -type f -name '*_tests' -perm -u+x | sort)
 EOF_PROGRAMS
@@ -93,11 +95,8 @@ EOF_PROGRAMS
         say "FAILED: build/$1 holds no test program"
         count 0 1 0
     fi
-    run_programs "$1"
+    run_counting python3 "$root/scripts/lib/run-ctest" --label program "$folder"
 }
-
-# run_programs PRESET: runs the tests registered with the label "program".
-run_programs() { run_counting python3 "$root/scripts/lib/run-ctest" --label program "$root/build/$1"; }
 
 # build_only PRESET [TARGET...]: configures and builds one preset, as one check; fails if the build does.
 # Stages that run side by side use what an earlier stage has built: only one may build in a folder at a

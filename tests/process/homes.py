@@ -5,7 +5,6 @@ that nothing disturbs; everything else is precious and must stay as it is, byte 
 """
 
 import itertools
-import json
 import os
 import pathlib
 import shutil
@@ -25,7 +24,6 @@ PROGRAM = pathlib.Path(
 COOKIES = pathlib.PurePath("Library", "Cookies", "Cookies.binarycookies")
 SQLITE_START = b"SQLite format 3\0"
 FILES_KEPT_PER_FOLDER = 2
-SECOND = "Profile 1"
 
 # Whose turn it is among the processors; programs that run side by side begin with different ones.
 turns = itertools.count(os.getpid())
@@ -99,24 +97,12 @@ class Template:
         self.home = self.folder / "template"
         subprocess.run([sys.executable, "-B", str(ROOT / "scripts/sample/make_home.py"),
                         str(self.home)], check=True, stdout=subprocess.DEVNULL)
-        self._keep_one_second_profile()
         self._thin_out()
         (self.home / "Documents").mkdir()
         (self.home / "Documents" / "letter.txt").write_text("Dear Sir", encoding="utf-8")
         self.before = read_tree(self.home)
         self.tables = {name: tables_of(self.home / name)
                        for name, contents in self.before.items() if is_database(contents)}
-
-    def _keep_one_second_profile(self):
-        """Eleven browsers share the code of one family: two profiles of one of them are enough."""
-        library = self.home / "Library"
-        support = library / "Application Support"
-        for path in support.rglob("Local State"):
-            state = json.loads(path.read_text(encoding="utf-8"))
-            if path.parent != support / "Chromium" and state["profile"]["info_cache"].pop(SECOND):
-                path.write_text(json.dumps(state), encoding="utf-8")
-                shutil.rmtree(path.parent / SECOND)
-                shutil.rmtree(library / "Caches" / path.parent.relative_to(support) / SECOND)
 
     def _thin_out(self):
         """Hundreds of equal cache files teach nothing more than two, and cost time."""
