@@ -95,6 +95,26 @@ class CommonFunctions(ScriptTest):
         lines = f'. "{ROOT}/scripts/lib/common.sh"; {text}'
         return self.run_script(self.commands / "bash", "-c", lines)
 
+    def quick_folder(self, memory):
+        finished = self.common(f'. "{ROOT}/scripts/lib/memory.sh"; quick_folder "{memory}"')
+        self.assertEqual(finished.returncode, 0, finished.stderr)
+        return finished.stdout.strip()
+
+    def test_tests_make_their_files_in_memory_where_there_is_room(self):
+        self.borrow("awk")
+        memory = self.folder / "memory"
+        memory.mkdir()
+        for free, chosen in ((4 << 20, memory), (1 << 20, "/tmp")):
+            with self.subTest(free=free):
+                self.stand_in("df", f"echo head; echo shm 9 9 {free} 1% {memory}", records=False)
+                self.assertEqual(self.quick_folder(memory), str(chosen))
+                self.assertEqual(list(memory.iterdir()), [])
+
+    def test_tests_make_their_files_on_the_disk_where_no_folder_is_in_memory(self):
+        self.assertEqual(self.quick_folder(self.folder / "none"), "/tmp")  # and no df
+        self.borrow("df", "awk")
+        self.assertEqual(self.quick_folder(self.folder / "none"), "/tmp")
+
     def test_processors_are_counted_without_nproc(self):
         self.stand_in("sysctl", "echo 8")
         self.assertEqual(self.common("cpu_count").stdout, "8\n")

@@ -8,7 +8,7 @@ sys.dont_write_bytecode = True
 from support import ROOT, ScriptTest, run_all
 
 TOOLS = ("bash env dirname basename find sort sed awk mktemp mkdir rm cat tail chmod python3 uname "
-         "touch sleep")
+         "touch sleep nice")
 
 
 class Runner(ScriptTest):
@@ -104,6 +104,29 @@ class Runner(ScriptTest):
         finished = self.run_all_stages()
         self.assertEqual(self.last_line(finished), "1 passed, 1 failed, 0 skipped")
         self.assertEqual(finished.returncode, 1)
+
+    def test_stages_of_number_00_run_beside_all_others_and_are_shown_last(self):
+        wait_for = "while [ ! -e {0}/{1} ]; do sleep 0.1; done; count 1 0 0"
+        self.stage("00-beside", f"touch {self.folder}/began; " + wait_for.format(self.folder, "ends"))
+        self.stage("10-one", wait_for.format(self.folder, "began"))
+        self.stage("20-two", f"count 1 0 0; touch {self.folder}/ends")
+        finished = self.run_all_stages()
+        self.assertEqual(self.last_line(finished), "3 passed, 0 failed, 0 skipped")
+        heads = [line for line in finished.stdout.splitlines() if line.startswith("== ")]
+        self.assertEqual([line.split()[1].rstrip(":") for line in heads],
+                         ["one", "one", "two", "two", "beside", "beside"])
+
+    def test_a_stage_that_fails_or_is_killed_beside_all_others_is_a_failure(self):
+        self.stage("00-fails", "check wrong false")
+        self.stage("00-killed", "kill -9 $PPID")
+        self.stage("10-one", "count 1 0 0")
+        finished = self.run_all_stages()
+        self.assertEqual(self.last_line(finished), "1 passed, 2 failed, 0 skipped")
+        self.assertEqual(finished.returncode, 1)
+
+    def test_stages_beside_all_others_may_be_all_there_are(self):
+        self.stage("00-one", "count 1 0 0")
+        self.assertEqual(self.last_line(self.run_all_stages()), "1 passed, 0 failed, 0 skipped")
 
     def test_stages_that_are_chosen_run_one_by_one(self):
         self.stage("10-one", f"touch {self.folder}/one; sleep 0.3; rm {self.folder}/one; count 1 0 0")
