@@ -87,6 +87,10 @@ configure() {
     # the compiler's cache serves the second of these two with nearly all objects of the first.
     local options=(-DCMAKE_UNITY_BUILD=ON)
     case $preset in debug | foundation) options=("${options[@]}" -DBROWSERSWEEP_FAST_TESTS=OFF) ;; esac
+    # It links in a fraction of the time of the system's linker.
+    if ! is_macos && have ld.lld; then
+        options=("${options[@]}" -DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=lld)
+    fi
     (cd "$root" && cmake --preset "$preset" "${options[@]}" \
         ${launcher[@]+"${launcher[@]}"} "$@")
 }
@@ -99,7 +103,10 @@ build() {
         targets=(${targets[@]+"${targets[@]}"} --target "$target")
     done
     use_compiler_cache
-    cmake --build "$root/build/$preset" --parallel "$(cpu_count)" \
+    # Only what the preprocessor makes of a file shows that another build has compiled it already.
+    local cache=CCACHE_DEPEND=1
+    case $preset in debug | foundation) cache=CCACHE_NODEPEND=1 ;; esac
+    env "$cache" cmake --build "$root/build/$preset" --parallel "$(cpu_count)" \
         ${targets[@]+"${targets[@]}"}
 }
 

@@ -7,7 +7,7 @@ debian_build="g++ cmake ninja-build ccache git python3 sqlite3 tzdata
     libsqlite3-dev nlohmann-json3-dev libexpat1-dev libicu-dev libcli11-dev libfmt-dev"
 
 # To run every test besides.
-debian_test="clang clang-format clang-tidy libclang-rt-14-dev libc++-dev libc++abi-dev
+debian_test="clang clang-format clang-tidy lld libclang-rt-14-dev libc++-dev libc++abi-dev
     libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev
     libgnustep-base-dev gobjc-12 gnustep-base-runtime
     shellcheck strace procps valgrind gcovr doxygen locales-all pkg-config dpkg-dev groff-base zsh fish"
