@@ -41,17 +41,31 @@ def scratch():
 
 def read_tree(folder):
     """Relative path -> bytes of every file; links by their target."""
-    found = {}
-    for place, _, names in os.walk(folder):
-        for name in names:
-            path = os.path.join(place, name)
-            relative = os.path.relpath(path, folder)
-            if os.path.islink(path):
-                found[relative] = os.readlink(path).encode()
-            else:
-                with open(path, "rb") as file:
-                    found[relative] = file.read()
+    found, waiting = {}, [""]
+    while waiting:
+        place = waiting.pop()
+        with os.scandir(os.path.join(folder, place)) as entries:
+            for entry in entries:
+                relative = place + entry.name
+                if entry.is_symlink():
+                    found[relative] = os.readlink(entry.path).encode()
+                elif entry.is_dir():
+                    waiting.append(relative + "/")
+                else:
+                    found[relative] = read_file(entry.path)
     return found
+
+
+def read_file(path):
+    """As open(path, "rb").read(), but these are tens of thousands of small files."""
+    descriptor = os.open(path, os.O_RDONLY)
+    try:
+        pieces = []
+        while piece := os.read(descriptor, 1 << 20):
+            pieces.append(piece)
+        return b"".join(pieces)
+    finally:
+        os.close(descriptor)
 
 
 def tables_of(path):
