@@ -7,7 +7,7 @@ can_run_in() {
     program=$(mktemp "$1/browsersweep-probe.XXXXXX") || return
     say '#!/bin/sh' >"$program"
     chmod u+x "$program"
-    "$program" 2>/dev/null || status=$?
+    "$program" || status=$?
     rm -f "$program"
     return "$status"
 }
@@ -17,8 +17,8 @@ can_run_in() {
 # millisecond.
 quick_folder() {
     local memory=$1 needed_kilobytes=$((3 << 20)) free
-    free=$(df -Pk "$memory" 2>/dev/null | awk 'NR == 2 { print $4 }') || free=0
-    if [ "${free:-0}" -gt "$needed_kilobytes" ] && can_run_in "$memory" 2>/dev/null; then
+    free=$(df -Pk "$memory" 2>/dev/null | awk '{ free = $4 } END { print free + 0 }') || free=0
+    if [ "$free" -gt "$needed_kilobytes" ] && can_run_in "$memory" 2>/dev/null; then
         say "$memory"
     else
         say /tmp
