@@ -40,36 +40,29 @@ function(browsersweep_precompile target)
   endif()
 endfunction()
 
-# browsersweep_compile_folders_as_one(target): with CMAKE_UNITY_BUILD, the files of one folder are
-# compiled as one, in a fraction of the time; names in unnamed namespaces differ within a folder. A
-# large folder is compiled in equal pieces, for the processors to share. A build without it proves that
-# every file includes what it needs.
-function(browsersweep_compile_folders_as_one target)
-  set(most_in_a_piece 18)
+# browsersweep_compile_together(target): with CMAKE_UNITY_BUILD, the files of a target are compiled in a
+# few pieces of about the same size, in a fraction of the time: most of it goes into the headers that
+# they share. Names in unnamed namespaces therefore differ within a target. A build without it proves
+# that every file includes what it needs.
+function(browsersweep_compile_together target)
+  set(bytes_of_a_piece 100000)
   get_target_property(sources ${target} SOURCES)
   list(FILTER sources EXCLUDE REGEX "\\.h$")
-  set(folders "")
+  set(total 0)
   foreach(source IN LISTS sources)
-    cmake_path(GET source PARENT_PATH folder)
-    cmake_path(GET folder FILENAME folder)
-    if(NOT folder IN_LIST folders)
-      list(APPEND folders ${folder})
-      set(files_of_${folder} "")
-    endif()
-    list(APPEND files_of_${folder} ${source})
+    file(SIZE ${source} bytes)
+    math(EXPR total "${total} + ${bytes}")
   endforeach()
-  foreach(folder IN LISTS folders)
-    list(LENGTH files_of_${folder} count)
-    math(EXPR pieces "(${count} + ${most_in_a_piece} - 1) / ${most_in_a_piece}")
-    set(number 0)
-    foreach(source IN LISTS files_of_${folder})
-      math(EXPR piece "${number} * ${pieces} / ${count}")
-      math(EXPR number "${number} + 1")
-      set_source_files_properties(${source} PROPERTIES UNITY_GROUP "${folder}${piece}")
-    endforeach()
+  math(EXPR pieces "(${total} + ${bytes_of_a_piece} - 1) / ${bytes_of_a_piece}")
+  set(before 0)
+  foreach(source IN LISTS sources)
+    math(EXPR piece "${before} * ${pieces} / ${total}")
+    set_source_files_properties(${source} PROPERTIES UNITY_GROUP "${piece}")
+    file(SIZE ${source} bytes)
+    math(EXPR before "${before} + ${bytes}")
   endforeach()
   set_target_properties(${target} PROPERTIES UNITY_BUILD_MODE GROUP)
-  # To g++ whatever is included lies in a header, the files of the folder too.
+  # To g++ whatever is included lies in a header, the other files of the piece too.
   if(CMAKE_UNITY_BUILD AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(${target} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:-Wno-subobject-linkage>)
   endif()

@@ -17,7 +17,7 @@
 namespace browsersweep {
 namespace {
 
-constexpr std::string_view magic = "bplist0";
+constexpr std::string_view bplistMagic = "bplist0";
 constexpr std::size_t headerSize = 8;
 constexpr std::size_t trailerSize = 32;
 
@@ -362,7 +362,8 @@ PropertyList BinaryReader::parseUTF16(std::uint64_t count, Expansion& expansion)
 }  // namespace
 
 bool isBinaryPropertyList(BytesView bytes) noexcept {
-    return bytes.size() >= headerSize && std::equal(magic.begin(), magic.end(), bytes.begin());
+    return bytes.size() >= headerSize &&
+           std::equal(bplistMagic.begin(), bplistMagic.end(), bytes.begin());
 }
 
 PropertyList parseBinaryPropertyList(BytesView bytes) {

@@ -109,7 +109,7 @@ template <typename T>
 void expectRoundTrip(T value, const List& data) {
     EXPECT_EQ(BinaryDataEncoder().encode(value), data);
     EXPECT_EQ(BinaryDataDecoder().decode<T>(data), value);
-    const auto view = bytes(value);
+    const auto view = browsersweep::bytes(value);
     EXPECT_EQ(List(view.begin(), view.end()), data);
 }
 

@@ -35,10 +35,10 @@ TEST(CleanableDataFilterDates, boundsAreInclusive) {
     for (const Row& row : rows) {
         for (std::size_t index = 0; index < dates.size(); ++index) {
             SCOPED_TRACE(row.name + " " + std::to_string(index));
-            const Dates inside{Dates::Rule::insideRange, row.start, row.end};
-            const Dates outside{Dates::Rule::outsideRange, row.start, row.end};
-            EXPECT_EQ(inside.matches(dates[index]), row.inside[index]);
-            EXPECT_EQ(outside.matches(dates[index]), row.outside[index]);
+            const Dates within{Dates::Rule::insideRange, row.start, row.end};
+            const Dates beyond{Dates::Rule::outsideRange, row.start, row.end};
+            EXPECT_EQ(within.matches(dates[index]), row.inside[index]);
+            EXPECT_EQ(beyond.matches(dates[index]), row.outside[index]);
         }
     }
 }

@@ -10,8 +10,8 @@ namespace {
 
 using Measurement = CleanableDataSize::Measurement;
 
-constexpr auto largest = std::numeric_limits<std::int64_t>::max();
-constexpr auto smallest = std::numeric_limits<std::int64_t>::min();
+constexpr auto largestCount = std::numeric_limits<std::int64_t>::max();
+constexpr auto smallestCount = std::numeric_limits<std::int64_t>::min();
 
 TEST(CleanableDataSizeMeasurement, aPlainNumberIsExact) {
     const Measurement measurement = 7;
@@ -30,7 +30,7 @@ TEST(CleanableDataSizeMeasurement, sumsAndDifferencesKeepApproximation) {
         Row{{5, false}, {7, true}, {12, true}, {-2, true}},
         Row{{5, true}, {7, false}, {12, true}, {-2, true}},
         Row{{5, true}, {5, true}, {10, true}, {0, true}},
-        Row{{largest, false}, {0, false}, {largest, false}, {largest, false}},
+        Row{{largestCount, false}, {0, false}, {largestCount, false}, {largestCount, false}},
     };
     for (const Row& row : rows) {
         EXPECT_EQ(row.a + row.b, row.sum);
@@ -56,8 +56,8 @@ TEST(CleanableDataSize, equalityIncludesTheFlags) {
 }
 
 TEST(CleanableDataSizeDeathTest, overflowEndsTheProcess) {
-    EXPECT_DEATH(Measurement(largest) + Measurement(1), "a sum of sizes does not fit");
-    EXPECT_DEATH(Measurement(smallest) - Measurement(1), "a difference of sizes does not fit");
+    EXPECT_DEATH(Measurement(largestCount) + Measurement(1), "a sum of sizes does not fit");
+    EXPECT_DEATH(Measurement(smallestCount) - Measurement(1), "a difference of sizes does not fit");
 }
 
 }  // namespace

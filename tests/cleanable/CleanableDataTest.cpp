@@ -9,7 +9,7 @@ namespace {
 
 using tests::RecordingItem;
 
-const CleanableDataSize unknown{{0, true}, {0, true}};
+const CleanableDataSize unknownSize{{0, true}, {0, true}};
 
 class CleanableDataTest : public testing::Test {
 protected:
@@ -29,7 +29,7 @@ TEST_F(CleanableDataTest, formsWithoutArgumentsHaveNoFilters) {
 }
 
 TEST_F(CleanableDataTest, sizeIgnoringErrorsOfAFailureIsAnApproximateZero) {
-    EXPECT_EQ(item().failing().sizeIgnoringErrors(), unknown);
+    EXPECT_EQ(item().failing().sizeIgnoringErrors(), unknownSize);
 }
 
 TEST_F(CleanableDataTest, cleanIgnoringErrorsDropsTheError) {
@@ -50,7 +50,7 @@ TEST_F(CleanableDataTest, cleanAndReturnSizeEndsWithTheFirstFailure) {
 }
 
 TEST_F(CleanableDataTest, cleanAndReturnSizeIgnoringErrorsMarksWhatItCouldNotMeasure) {
-    EXPECT_EQ(item().failing().cleanAndReturnSizeIgnoringErrors({}), unknown);
+    EXPECT_EQ(item().failing().cleanAndReturnSizeIgnoringErrors({}), unknownSize);
     EXPECT_EQ(record->size(), 3U);
 }
 

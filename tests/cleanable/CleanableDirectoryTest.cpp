@@ -5,6 +5,7 @@
 
 #include "browsersweep/cleanable/CleanableDirectory.h"
 
+#include "tests/support/DateFilter.h"
 #include "tests/support/FaultyFileManager.h"
 #include "tests/support/GuardedFileManager.h"
 #include "tests/support/TemporaryFolder.h"
@@ -13,22 +14,18 @@ namespace browsersweep {
 namespace {
 
 namespace fs = std::filesystem;
+using tests::dates;
 using tests::GuardedFileManager;
+using tests::inside;
 using tests::TemporaryFolder;
 using Lines = std::vector<std::string>;
 using Rule = CleanableDataFilter::Rule;
-using Dates = CleanableDataFilter::Dates;
 
 CleanableDataFilter including(const std::string& pattern) {
     return {Rule::include, {pattern}};
 }
 CleanableDataFilter excluding(const std::string& pattern) {
     return {Rule::exclude, {pattern}};
-}
-
-CleanableDataFilter inside(double start, double end) {
-    return {std::nullopt, Dates{Dates::Rule::insideRange, dateFromReferenceSeconds(start),
-                                dateFromReferenceSeconds(end)}};
 }
 
 /** Tells other creation dates than the files', which no test can set. */
@@ -92,7 +89,7 @@ TEST_F(CleanableDirectoryTest, countsFilesAtAnyDepthAndCleanKeepsTheFolders) {
 
 TEST_F(CleanableDirectoryTest, sizingChangesNothing) {
     const auto before = folder.snapshot();
-    directory().size(Filters{including("a"), inside(0, 1)});
+    directory().size(Filters{including("a"), dates(inside, 0, 1)});
     EXPECT_EQ(folder.snapshot(), before);
 }
 
@@ -135,22 +132,22 @@ TEST_F(CleanableDirectoryTest, ownFiltersAndThoseOfTheCallMustBothAccept) {
 
 TEST_F(CleanableDirectoryTest, datesAcceptAndRejectByTheCreationDate) {
     const auto item = dated({{"a.txt", 100}, {"b.txt", 200}});
-    EXPECT_EQ(item.size(Filters{inside(50, 150)}), (CleanableDataSize{1, 10}));
-    EXPECT_EQ(item.size(Filters{inside(200, 200)}), (CleanableDataSize{1, 20}));
-    EXPECT_EQ(item.size(Filters{inside(300, 400)}), CleanableDataSize::zero);
+    EXPECT_EQ(item.size(Filters{dates(inside, 50, 150)}), (CleanableDataSize{1, 10}));
+    EXPECT_EQ(item.size(Filters{dates(inside, 200, 200)}), (CleanableDataSize{1, 20}));
+    EXPECT_EQ(item.size(Filters{dates(inside, 300, 400)}), CleanableDataSize::zero);
 }
 
 TEST_F(CleanableDirectoryTest, aFileWhoseDateCannotBeReadIsJudgedByPatternsAlone) {
     const auto item = dated({{"a.txt", 100}});
-    EXPECT_EQ(item.size(Filters{inside(0, 1)}), (CleanableDataSize{1, 20}));
-    EXPECT_EQ(item.size(Filters{inside(0, 1), excluding("b")}), CleanableDataSize::zero);
+    EXPECT_EQ(item.size(Filters{dates(inside, 0, 1)}), (CleanableDataSize{1, 20}));
+    EXPECT_EQ(item.size(Filters{dates(inside, 0, 1), excluding("b")}), CleanableDataSize::zero);
 }
 
 TEST_F(CleanableDirectoryTest, aFilterWithBothPartsAcceptsOnlyIfBothDo) {
     const auto item = dated({{"a.txt", 100}, {"b.txt", 200}});
     const auto filter = [](Rule rule, const std::string& pattern) {
         CleanableDataFilter both(rule, {pattern});
-        both.datesData = inside(50, 150).datesData;
+        both.datesData = dates(inside, 50, 150).datesData;
         return Filters{both};
     };
     EXPECT_EQ(item.size(filter(Rule::include, "a")), (CleanableDataSize{1, 10}));
@@ -161,9 +158,9 @@ TEST_F(CleanableDirectoryTest, aFilterWithBothPartsAcceptsOnlyIfBothDo) {
 TEST_F(CleanableDirectoryTest, realFilesHaveACreationDate) {
     const double now = referenceSeconds(ReferenceClock::now());
     constexpr double year = 365.0 * 86400;
-    EXPECT_EQ(directory().size(Filters{inside(now - year, now + year)}),
+    EXPECT_EQ(directory().size(Filters{dates(inside, now - year, now + year)}),
               (CleanableDataSize{2, 30}));
-    EXPECT_EQ(directory().size(Filters{inside(0, 1)}), CleanableDataSize::zero);
+    EXPECT_EQ(directory().size(Filters{dates(inside, 0, 1)}), CleanableDataSize::zero);
 }
 
 TEST_F(CleanableDirectoryTest, aRegularFileInItsPlaceIsZeroAndNotDeleted) {

@@ -35,7 +35,7 @@ using Patterns = CleanableDataFilter::Patterns;
 using Dates = CleanableDataFilter::Dates;
 
 /** A row of a history, the address and time of which may be missing. */
-struct Row {
+struct HistoryRow {
     std::optional<std::string> url;
     std::optional<double> time;
 };
@@ -50,7 +50,7 @@ double smallTime() {
     return *rc::gen::inRange(-4, 5) * 0.5;
 }
 
-Row randomRow() {
+HistoryRow randomRow() {
     const auto url = *rc::gen::inRange(0, 8) == 0 ? std::nullopt : std::optional(shortText(6));
     const auto time = *rc::gen::inRange(0, 8) == 0 ? std::nullopt : std::optional(smallTime());
     return {url, time};
@@ -128,7 +128,7 @@ Truth passes(const std::optional<double>& time, const Dates& dates) {
 }
 
 /** The rule for databases, straightforward: every exclusion, some inclusion, some range. */
-bool isSelected(const Row& row, const Filters& filters) {
+bool isSelected(const HistoryRow& row, const Filters& filters) {
     Truth excluded = true;
     Truth included;
     Truth dated;
@@ -152,9 +152,9 @@ bool isSelected(const Row& row, const Filters& filters) {
     return excluded == true && (!hasInclusions || included == true) && (!hasDates || dated == true);
 }
 
-std::int64_t selectedCount(const std::vector<Row>& rows, const Filters& filters) {
+std::int64_t selectedCount(const std::vector<HistoryRow>& rows, const Filters& filters) {
     return std::count_if(rows.begin(), rows.end(),
-                         [&](const Row& row) { return isSelected(row, filters); });
+                         [&](const HistoryRow& row) { return isSelected(row, filters); });
 }
 
 std::string literal(const std::optional<std::string>& text) {
@@ -212,7 +212,7 @@ TEST(FilterProperties, aTablesRowsAreSelectedAsAStraightforwardEvaluatorSelectsT
         {
             const Database made(fixture.file);
             made.execute("BEGIN; CREATE TABLE visits (url TEXT, time REAL);");
-            for (const Row& row : rows) {
+            for (const HistoryRow& row : rows) {
                 insert(made, "visits", {literal(row.url), literal(row.time)});
             }
             made.execute("COMMIT;");

@@ -28,7 +28,7 @@ unsigned modeOf(const fs::path& path) {
 
 /** The error that an operation throws; a success is a failure of the test. */
 template <typename Operation>
-std::errc errorOf(Operation operation) {
+std::errc errorThrownBy(Operation operation) {
     try {
         operation();
     } catch (const fs::filesystem_error& error) {
@@ -69,7 +69,7 @@ TEST_F(FileManagerTest, existenceFollowsLinksAndTellsDirectories) {
 TEST_F(FileManagerTest, attributesTellTheSizeAndAMissingFileIsAnError) {
     folder.write("file", "12345");
     EXPECT_EQ(manager->attributes(folder / "file"), FileAttributes{5});
-    EXPECT_EQ(errorOf([&] { manager->attributes(folder / "gone"); }),
+    EXPECT_EQ(errorThrownBy([&] { manager->attributes(folder / "gone"); }),
               std::errc::no_such_file_or_directory);
 }
 
@@ -84,16 +84,17 @@ TEST_F(FileManagerTest, contentsAreTheWholeFile) {
 TEST_F(FileManagerTest, contentsOfWhatIsNoRegularFileAreAnError) {
     folder.makeFolder("sub");
     ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
-    EXPECT_EQ(errorOf([&] { manager->contents(folder / "sub"); }), std::errc::is_a_directory);
-    EXPECT_EQ(errorOf([&] { manager->contents(folder / "pipe"); }), std::errc::invalid_argument);
-    EXPECT_EQ(errorOf([&] { manager->contents(folder / "gone"); }),
+    EXPECT_EQ(errorThrownBy([&] { manager->contents(folder / "sub"); }), std::errc::is_a_directory);
+    EXPECT_EQ(errorThrownBy([&] { manager->contents(folder / "pipe"); }),
+              std::errc::invalid_argument);
+    EXPECT_EQ(errorThrownBy([&] { manager->contents(folder / "gone"); }),
               std::errc::no_such_file_or_directory);
 }
 
 TEST_F(FileManagerTest, contentsOfAnEnormousFileAreAnError) {
     const auto file = folder.write("sparse", "");
     fs::resize_file(file, FileManager::maximumContentsSize + 1);
-    EXPECT_EQ(errorOf([&] { manager->contents(file); }), std::errc::file_too_large);
+    EXPECT_EQ(errorThrownBy([&] { manager->contents(file); }), std::errc::file_too_large);
 }
 
 TEST_F(FileManagerTest, firstBytesAreThoseOfTheFileAndNoMoreThanItHas) {
@@ -101,7 +102,8 @@ TEST_F(FileManagerTest, firstBytesAreThoseOfTheFileAndNoMoreThanItHas) {
     EXPECT_EQ(manager->firstBytes(folder / "file", 3), bytes("123"));
     EXPECT_EQ(manager->firstBytes(folder / "file", 5), bytes("12345"));
     EXPECT_EQ(manager->firstBytes(folder / "file", 9), bytes("12345"));
-    EXPECT_EQ(errorOf([&] { manager->firstBytes(folder.path(), 9); }), std::errc::is_a_directory);
+    EXPECT_EQ(errorThrownBy([&] { manager->firstBytes(folder.path(), 9); }),
+              std::errc::is_a_directory);
 }
 
 TEST_F(FileManagerTest, replacingKeepsTheModeAndLeavesNothingBeside) {
@@ -133,14 +135,14 @@ TEST_F(FileManagerTest, replacingThroughALinkKeepsTheLink) {
 }
 
 TEST_F(FileManagerTest, replacingAMissingFileIsAnErrorAndMakesNone) {
-    EXPECT_EQ(errorOf([&] { manager->replace(folder / "gone", bytes("new")); }),
+    EXPECT_EQ(errorThrownBy([&] { manager->replace(folder / "gone", bytes("new")); }),
               std::errc::no_such_file_or_directory);
     EXPECT_EQ(folder.snapshot(), Lines{});
 }
 
 TEST_F(FileManagerTest, replacingAFolderIsAnErrorAndLeavesNothingBeside) {
     folder.makeFolder("sub/inner");
-    EXPECT_EQ(errorOf([&] { manager->replace(folder / "sub", bytes("x")); }),
+    EXPECT_EQ(errorThrownBy([&] { manager->replace(folder / "sub", bytes("x")); }),
               std::errc::is_a_directory);
     EXPECT_EQ(folder.snapshot(), (Lines{"sub/", "sub/inner/"}));
 }
@@ -160,9 +162,9 @@ TEST_F(FileManagerTest, aCopyNeverOverwritesNorFollowsALink) {
     folder.write("file", "new");
     folder.write("existing", "old");
     fs::create_symlink("elsewhere", folder / "link");
-    EXPECT_EQ(errorOf([&] { manager->copy(folder / "file", folder / "existing"); }),
+    EXPECT_EQ(errorThrownBy([&] { manager->copy(folder / "file", folder / "existing"); }),
               std::errc::file_exists);
-    EXPECT_EQ(errorOf([&] { manager->copy(folder / "file", folder / "link"); }),
+    EXPECT_EQ(errorThrownBy([&] { manager->copy(folder / "file", folder / "link"); }),
               std::errc::file_exists);
     EXPECT_EQ(tests::readFile(folder / "existing"), "old");
     EXPECT_FALSE(fs::exists(folder / "elsewhere"));
@@ -187,14 +189,14 @@ TEST_F(FileManagerTest, removeTakesFilesTreesAndLinksButNotWhatLinksLeadTo) {
     manager->remove(folder / "tree");
     manager->remove(folder / "link");
     EXPECT_EQ(folder.snapshot(), (Lines{"keep/", "keep/file: x"}));
-    EXPECT_EQ(errorOf([&] { manager->remove(folder / "tree"); }),
+    EXPECT_EQ(errorThrownBy([&] { manager->remove(folder / "tree"); }),
               std::errc::no_such_file_or_directory);
 }
 
 TEST_F(FileManagerTest, createdDirectoriesAreForTheUserAloneAndNew) {
     manager->createDirectory(folder / "a/b/private");
     EXPECT_EQ(modeOf(folder / "a/b/private"), 0700U);
-    EXPECT_EQ(errorOf([&] { manager->createDirectory(folder / "a/b/private"); }),
+    EXPECT_EQ(errorThrownBy([&] { manager->createDirectory(folder / "a/b/private"); }),
               std::errc::file_exists);
 }
 
@@ -258,7 +260,7 @@ TEST_F(FileManagerTest, whatVanishesAfterItWasListedHasNoKindLeftToTell) {
     fs::remove(folder / "root/file");
     EXPECT_EQ(walk->fileSize(), std::nullopt);
     EXPECT_EQ(walk->creationDate(), std::nullopt);
-    EXPECT_EQ(errorOf([&] { walk->remove(); }), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(errorThrownBy([&] { walk->remove(); }), std::errc::no_such_file_or_directory);
     EXPECT_FALSE(walk->next());
 }
 
@@ -289,7 +291,7 @@ TEST_F(FileManagerTest, deletingWhileWalkingMissesNothing) {
     EXPECT_TRUE(fs::is_empty(folder / "root"));
 }
 
-int openDescriptors() {
+int descriptorsInUse() {
     int count = 0;
     for (int number = 0; number < 1024; ++number) {
         count += ::fcntl(number, F_GETFD) >= 0 ? 1 : 0;
@@ -317,7 +319,7 @@ TEST_F(FileManagerTest, depthCostsNeitherStackNorDescriptors) {
     const auto root = folder.makeFolder("root");
     makeDeepChain(root, depth);
     fs::create_directories(root / "zz/yy");  // something to come back up for
-    const int openBefore = openDescriptors();
+    const int openBefore = descriptorsInUse();
     int files = 0;
     int folders = 0;
     int mostOpen = 0;
@@ -325,7 +327,7 @@ TEST_F(FileManagerTest, depthCostsNeitherStackNorDescriptors) {
     while (walk->next()) {
         (walk->isDirectory() == true ? folders : files) += 1;
         if (folders % 200 == 0) {
-            mostOpen = std::max(mostOpen, openDescriptors());
+            mostOpen = std::max(mostOpen, descriptorsInUse());
         }
     }
     EXPECT_EQ(files, depth);
@@ -346,7 +348,7 @@ TEST_F(FileManagerTest, aFolderThatIsMovedElsewhereWhileItIsWalkedEndsTheWalk) {
         ASSERT_TRUE(walk->next());
     } while (walk->name() != "file");
     fs::rename(folder / "root/d/d/d", folder / "elsewhere/d");
-    EXPECT_EQ(static_cast<int>(errorOf([&] { walk->next(); })), ESTALE);
+    EXPECT_EQ(static_cast<int>(errorThrownBy([&] { walk->next(); })), ESTALE);
     EXPECT_EQ(tests::readFile(folder / "elsewhere/file"), "kept");
 }
 

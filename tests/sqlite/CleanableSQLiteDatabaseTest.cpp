@@ -51,7 +51,7 @@ protected:
     std::shared_ptr<const FileManager> fileManager = tests::GuardedFileManager::forFixture(folder);
 };
 
-const Filters onlyA{{Rule::include, {"a.test"}}};
+const Filters hostA{{Rule::include, {"a.test"}}};
 
 TEST_F(CleanableSQLiteDatabaseTest, sizeIsTheRowsAndTheWholeFile) {
     EXPECT_EQ(item({urls(), downloads()}).size(), rows(5));
@@ -90,12 +90,12 @@ TEST_F(CleanableSQLiteDatabaseTest, aMissingFileOrADirectoryIsNothingAndIsNotCre
 
 TEST_F(CleanableSQLiteDatabaseTest, sizingWritesNothingAndLeavesNoCopy) {
     const auto before = folder.snapshot();
-    item({urls(), missing(), downloads()}).size(onlyA);
+    item({urls(), missing(), downloads()}).size(hostA);
     EXPECT_EQ(folder.snapshot(), before);
 }
 
 TEST_F(CleanableSQLiteDatabaseTest, cleanDeletesTheSelectedRowsOfItsTablesAlone) {
-    item({urls(), missing(), downloads()}).clean(onlyA);
+    item({urls(), missing(), downloads()}).clean(hostA);
     EXPECT_EQ(countIn("urls"), 1);
     EXPECT_EQ(countIn("downloads"), 0);  // without columns, filters do nothing to it
     EXPECT_EQ(countIn("other"), 1);
@@ -170,7 +170,7 @@ TEST_F(CleanableSQLiteDatabaseTest,
 
 TEST_F(CleanableSQLiteDatabaseTest, aCleanedDatabaseInWALModeLeavesNoOtherFiles) {
     tests::Database(file).execute("PRAGMA journal_mode = WAL;");
-    item({urls()}).clean(onlyA);
+    item({urls()}).clean(hostA);
     EXPECT_EQ(countIn("urls"), 1);
     EXPECT_FALSE(fs::exists(folder / "History-wal"));
     EXPECT_FALSE(fs::exists(folder / "History-shm"));

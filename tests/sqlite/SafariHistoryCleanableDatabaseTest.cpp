@@ -45,7 +45,7 @@ constexpr const char* schema =
     "CREATE INDEX history_visits__last_visit ON history_visits (history_item, visit_time DESC);";
 
 // Three sites: the first is visited at 100, 200 and 300, the second at 200, the third at 400.
-constexpr const char* rows =
+constexpr const char* rowsSQL =
     "INSERT INTO history_items (id, url, visit_count, daily_visit_counts,"
     " should_recompute_derived_visit_counts, visit_count_score) VALUES"
     " (1, 'https://news.example.org/', 3, x'', 0, 100),"
@@ -92,7 +92,7 @@ protected:
     void fill() const {
         const Database database(file_);
         database.execute(schema);
-        database.execute(rows);
+        database.execute(rowsSQL);
     }
     CleanableDataSize sizeOf(std::int64_t visits) const {
         const auto bytes = static_cast<std::int64_t>(std::filesystem::file_size(file_));
@@ -344,7 +344,7 @@ TEST_F(SafariHistoryCleanableDatabaseTest, visitsInALogLeftByACrashAreCountedAnd
     const Database database(original);
     database.text("PRAGMA journal_mode = WAL");
     database.execute(schema);
-    database.execute(rows);
+    database.execute(rowsSQL);
     // Copied while it is open, as a crash leaves it: all rows are in the log.
     std::filesystem::copy_file(original, file_);
     std::filesystem::copy_file(original.string() + "-wal", file_.string() + "-wal");
@@ -364,7 +364,7 @@ TEST_F(SafariHistoryCleanableDatabaseTest, aJournalLeftByACrashIsPlayedBackOnACo
     const std::filesystem::path original = folder_ / "original/History.db";
     const Database database(original);
     database.execute(schema);
-    database.execute(rows);
+    database.execute(rowsSQL);
     // A small cache makes SQLite write to the file before the transaction ends.
     database.execute(
         "PRAGMA cache_size = 1; BEGIN; DELETE FROM history_visits;"

@@ -13,6 +13,7 @@
 namespace browsersweep {
 namespace {
 
+using Patterns = CleanableDataFilter::Patterns;
 using Rule = CleanableDataFilter::Rule;
 using Filters = std::vector<CleanableDataFilter>;
 
@@ -57,7 +58,6 @@ CleanableDataFilter::Dates someDates() {
 }
 
 TEST(FirefoxCleanableLocalStorage, patternsReachTheWrappedItemReversedAndTheRestUnchanged) {
-    using Patterns = CleanableDataFilter::Patterns;
     struct Row {
         CleanableDataFilter given;
         CleanableDataFilter expected;

@@ -11,13 +11,13 @@ namespace {
 
 using Sections = IniFile::Sections;
 
-struct Row {
+struct IniCase {
     std::string_view text;
     Sections expected;
 };
 
-void expectSections(const std::vector<Row>& rows) {
-    for (const Row& row : rows) {
+void expectSections(const std::vector<IniCase>& rows) {
+    for (const IniCase& row : rows) {
         SCOPED_TRACE(testing::PrintToString(row.text));
         EXPECT_EQ(IniFile(row.text).sections(), row.expected);
     }
