@@ -91,7 +91,6 @@ def add_bookmarks_chromium(page):
 
 def set_notifications_chromium(page):
     """Through the settings page's own code, which writes "Preferences" as a click there does."""
-    page.navigate("chrome://settings/content/notifications")
     page.evaluate("""(async wanted => {
         const {SiteSettingsBrowserProxyImpl: Proxy} =
             await import('chrome://settings/lazy_load.js');
@@ -106,7 +105,6 @@ def set_notifications_chromium(page):
 
 def save_address_chromium(page):
     """An address as the settings page saves it (not one of the tables named "autofill...")."""
-    page.navigate("chrome://settings/addresses")
     page.evaluate("""(async () => {
         await chrome.autofillPrivate.saveAddress({fields: [
             {type: 'NAME_FULL', value: 'Ada Lovelace'},
@@ -119,7 +117,6 @@ def save_address_chromium(page):
 
 
 def name_profile_chromium(page, name):
-    page.navigate("chrome://settings/manageProfile")
     page.evaluate("""(async name => {
         const {ManageProfileBrowserProxyImpl: Proxy} =
             await import('chrome://settings/lazy_load.js');
@@ -142,6 +139,7 @@ def make_chromium_profile(binary, layout, site, profile, pages, log):
         page.navigate(f"http://{FORM_HOST}/page/download")
         download_chromium(browser, page, layout.downloads)
         add_bookmarks_chromium(page)
+        page.navigate("chrome://settings/content/notifications")
         set_notifications_chromium(page)
         save_address_chromium(page)
         name_profile_chromium(page, profile["name"])
