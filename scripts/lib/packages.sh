@@ -6,11 +6,12 @@
 debian_build="g++ cmake ninja-build ccache git python3 sqlite3 tzdata
     libsqlite3-dev nlohmann-json3-dev libexpat1-dev libicu-dev libcli11-dev libfmt-dev"
 
-# To run every test besides.
+# To run every test besides. What pkg-config tells of a static SQLite asks for zlib, and CPack for file.
 debian_test="clang clang-format clang-tidy lld libclang-rt-14-dev libc++-dev libc++abi-dev
     libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev
     libgnustep-base-dev gobjc-12 gnustep-base-runtime
-    shellcheck strace procps valgrind gcovr doxygen locales-all pkg-config dpkg-dev groff-base zsh fish"
+    shellcheck strace procps valgrind gcovr doxygen locales-all pkg-config zlib1g-dev dpkg-dev file groff-base zsh
+    fish"
 
 # Real browsers: without them the tests that drive them are skipped, and reported so.
 debian_optional="chromium firefox-esr"
