@@ -10,8 +10,8 @@ debian_build="g++ cmake ninja-build ccache git python3 sqlite3 tzdata
 debian_test="clang clang-format clang-tidy lld libclang-rt-14-dev libc++-dev libc++abi-dev
     libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev
     libgnustep-base-dev gobjc-12 gnustep-base-runtime
-    shellcheck strace procps valgrind gcovr doxygen locales-all pkg-config zlib1g-dev dpkg-dev file groff-base zsh
-    fish"
+    shellcheck strace procps valgrind gcovr doxygen locales-all pkg-config zlib1g-dev dpkg-dev file
+    groff-base zsh fish"
 
 # Real browsers: without them the tests that drive them are skipped, and reported so.
 debian_optional="chromium firefox-esr"

@@ -16,17 +16,13 @@ os.dup2(read_end, 3)
 os.dup2(write_end, 4)
 os.execv(sys.argv[3], sys.argv[3:])"""
 
-# One process for all pages: what is stored is the same, and starting one for each host is most of the
-# browser's work here.
 CHROMIUM_FLAGS = (
     "--headless=new", "--disable-gpu", "--disable-quic", "--no-first-run",
     "--no-default-browser-check", "--disable-background-networking", "--disable-component-update",
     "--disable-sync", "--disable-dev-shm-usage", "--password-store=basic", "--use-mock-keychain",
     "--proxy-bypass-list=<-loopback>", "--remote-debugging-pipe",
     "--enable-unsafe-extension-debugging",
-    "--disable-site-isolation-trials", "--renderer-process-limit=1",
-    "--disable-features=HttpsUpgrades,HttpsFirstBalancedModeAutoEnable,SpareRendererForSitePerProcess,"
-    "IsolateOrigins,site-per-process",
+    "--disable-features=HttpsUpgrades,HttpsFirstBalancedModeAutoEnable",
 )
 
 

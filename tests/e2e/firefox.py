@@ -38,12 +38,6 @@ def firefox_preferences(proxy_port, downloads):
         "network.captive-portal-service.enabled": False,
         "network.connectivity-service.enabled": False,
         "extensions.update.enabled": False,
-        # One process for all pages, as in Chromium, and no page that nobody looks at.
-        "fission.autostart": False,
-        "dom.ipc.processPrelaunch.enabled": False,
-        "browser.startup.page": 0,
-        "browser.newtabpage.enabled": False,
-        "browser.newtab.preload": False,
         "app.normandy.enabled": False,
         "services.settings.server": "data:,#remote-settings-dummy/v1",
     }

@@ -139,6 +139,7 @@ def make_chromium_profile(binary, layout, site, profile, pages, log):
         page.navigate(f"http://{FORM_HOST}/page/download")
         download_chromium(browser, page, layout.downloads)
         add_bookmarks_chromium(page)
+        # The three that follow act on a page of the settings, whichever it is.
         page.navigate("chrome://settings/content/notifications")
         set_notifications_chromium(page)
         save_address_chromium(page)
