@@ -2,8 +2,8 @@
 
 #include <string_view>
 
+#include "browsersweep/base/Date.h"
 #include "browsersweep/cleanable/CleanableDataFilter.h"
-#include "browsersweep/platform/Date.h"
 
 namespace browsersweep::cli {
 

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "browsersweep/binarycoding/BinaryDecodingError.h"
-#include "browsersweep/platform/DecodingError.h"
+#include "browsersweep/documents/DecodingError.h"
 #include "browsersweep/sqlite/SQLiteError.h"
 
 #include "cli/Text.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "browsersweep/catalogue/Browser.h"
+#include "browsersweep/base/Browser.h"
 #include "browsersweep/catalogue/BrowserCleaner.h"
 #include "browsersweep/cleanable/CleanableDataCategory.h"
 

@@ -6,7 +6,7 @@
 #include <variant>
 #include <vector>
 
-#include "browsersweep/catalogue/Browser.h"
+#include "browsersweep/base/Browser.h"
 #include "browsersweep/cleanable/CleanableDataCategory.h"
 #include "browsersweep/cleanable/CleanableDataFilter.h"
 #include "browsersweep/profiles/BrowserProfile.h"

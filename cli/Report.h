@@ -7,7 +7,7 @@
 #include <variant>
 #include <vector>
 
-#include "browsersweep/catalogue/Browser.h"
+#include "browsersweep/base/Browser.h"
 #include "browsersweep/cleanable/CleanableDataCategory.h"
 #include "browsersweep/cleanable/CleanableDataSize.h"
 #include "browsersweep/profiles/Bookmark.h"

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <utility>
 
-#include "browsersweep/profiles/CurrentUserDirectoryProvider.h"
+#include "browsersweep/home/CurrentUserDirectoryProvider.h"
 #include "browsersweep/profiles/chromium/ChromiumBasedProfileReader.h"
 #include "browsersweep/profiles/firefox/FirefoxProfile.h"
 

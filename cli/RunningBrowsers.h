@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "browsersweep/catalogue/Browser.h"
+#include "browsersweep/base/Browser.h"
 #include "browsersweep/catalogue/BrowserCleaner.h"
 #include "browsersweep/platform/FileManager.h"
 

@@ -4,17 +4,11 @@
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
-# A header is public unless it lies in a folder of one system or one backend, or holds a piece of a
-# codec that the public headers do not name.
-set(browsersweep_internal_headers
-    "platform/(posix|linux|darwin|portable|foundation)/"
-    "platform/(BinaryPropertyList|TextPropertyList|XMLPropertyList|PropertyListScalars)\\.h$"
-    "platform/(DecimalText|UniqueString|UTF16)\\.h$" "c/Handles\\.h$")
-list(JOIN browsersweep_internal_headers "|" browsersweep_internal_headers)
+# A header is public unless it lies in a folder named "internal".
 file(GLOB_RECURSE browsersweep_public_headers CONFIGURE_DEPENDS
      RELATIVE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/browsersweep/*.h
      ${PROJECT_SOURCE_DIR}/browsersweep/*.modulemap)
-list(FILTER browsersweep_public_headers EXCLUDE REGEX "${browsersweep_internal_headers}")
+list(FILTER browsersweep_public_headers EXCLUDE REGEX "/internal/")
 foreach(header IN LISTS browsersweep_public_headers)
   get_filename_component(folder ${header} DIRECTORY)
   install(FILES ${PROJECT_SOURCE_DIR}/${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder})

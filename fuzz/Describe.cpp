@@ -24,9 +24,9 @@
 #include "browsersweep/binarycoding/BinaryDataEncoder.h"
 #include "browsersweep/binarycoding/BinaryDecodingError.h"
 #include "browsersweep/cookies/BinaryCookies.h"
-#include "browsersweep/platform/DecodingError.h"
-#include "browsersweep/platform/Json.h"
-#include "browsersweep/platform/PropertyList.h"
+#include "browsersweep/documents/DecodingError.h"
+#include "browsersweep/documents/internal/Json.h"
+#include "browsersweep/documents/propertylist/PropertyList.h"
 
 namespace browsersweep::fuzz {
 namespace {

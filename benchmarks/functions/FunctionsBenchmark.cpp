@@ -4,10 +4,10 @@
 
 #include <benchmark/benchmark.h>
 
-#include "browsersweep/platform/DecimalText.h"
-#include "browsersweep/platform/Json.h"
-#include "browsersweep/platform/Text.h"
-#include "browsersweep/platform/URL.h"
+#include "browsersweep/base/URL.h"
+#include "browsersweep/documents/internal/DecimalText.h"
+#include "browsersweep/documents/internal/Json.h"
+#include "browsersweep/platform/internal/Text.h"
 #include "browsersweep/sqlite/SQLiteStatementComponents.h"
 
 namespace browsersweep {

@@ -1,7 +1,7 @@
 // The part of the C interface that names and lists: browsers, categories, homes, profiles,
 // bookmarks and the sites that may send notifications.
 
-#include "browsersweep/c/Handles.h"
+#include "browsersweep/c/internal/Handles.h"
 #include "browsersweep/catalogue/BrowserCleaners.h"
 
 namespace bs = browsersweep;

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
-#include "browsersweep/c/Handles.h"
+#include "browsersweep/c/internal/Handles.h"
 
 namespace bs = browsersweep;
 using namespace browsersweep::c;

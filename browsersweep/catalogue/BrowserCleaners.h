@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "browsersweep/Export.h"
-#include "browsersweep/catalogue/Browser.h"
+#include "browsersweep/base/Browser.h"
 #include "browsersweep/catalogue/BrowserCleaner.h"
 #include "browsersweep/platform/FileManager.h"
 #include "browsersweep/platform/SystemServices.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "browsersweep/platform/DecodingError.h"
+#include "browsersweep/documents/DecodingError.h"
 
 namespace browsersweep {
 namespace {

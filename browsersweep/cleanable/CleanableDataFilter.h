@@ -6,7 +6,7 @@
 #include <string>
 
 #include "browsersweep/Export.h"
-#include "browsersweep/platform/Date.h"
+#include "browsersweep/base/Date.h"
 
 namespace browsersweep {
 

@@ -1,6 +1,6 @@
 #include "browsersweep/cleanable/CleanableDataSize.h"
 
-#include "browsersweep/platform/FatalError.h"
+#include "browsersweep/base/FatalError.h"
 
 namespace browsersweep {
 

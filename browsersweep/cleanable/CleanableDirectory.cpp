@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-#include "browsersweep/platform/FatalError.h"
+#include "browsersweep/base/FatalError.h"
 
 namespace browsersweep {
 namespace {

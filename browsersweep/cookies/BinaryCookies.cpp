@@ -7,10 +7,10 @@
 #include <span>
 #include <stdexcept>
 
+#include "browsersweep/base/FatalError.h"
 #include "browsersweep/binarycoding/BinaryDecodingContainer.h"
 #include "browsersweep/binarycoding/BinaryDecodingError.h"
 #include "browsersweep/binarycoding/BinaryEncodingContainer.h"
-#include "browsersweep/platform/FatalError.h"
 
 namespace browsersweep {
 namespace {

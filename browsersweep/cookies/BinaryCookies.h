@@ -11,12 +11,12 @@
 #include <vector>
 
 #include "browsersweep/Export.h"
+#include "browsersweep/base/Date.h"
+#include "browsersweep/base/URL.h"
 #include "browsersweep/binarycoding/BinaryDecoder.h"
 #include "browsersweep/binarycoding/BinaryEncoder.h"
 #include "browsersweep/cookies/OptionalText.h"
-#include "browsersweep/platform/Date.h"
-#include "browsersweep/platform/PropertyList.h"
-#include "browsersweep/platform/URL.h"
+#include "browsersweep/documents/propertylist/PropertyList.h"
 
 namespace browsersweep {
 

@@ -11,7 +11,7 @@
 #include "browsersweep/binarycoding/BinaryDataEncoder.h"
 #include "browsersweep/binarycoding/BinaryEncodingError.h"
 #include "browsersweep/cookies/BinaryCookies.h"
-#include "browsersweep/platform/Text.h"
+#include "browsersweep/platform/internal/Text.h"
 
 namespace browsersweep {
 namespace {

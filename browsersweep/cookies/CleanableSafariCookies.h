@@ -8,9 +8,9 @@
 
 #include "browsersweep/Export.h"
 #include "browsersweep/cleanable/CleanableData.h"
+#include "browsersweep/home/CurrentUserDirectoryProvider.h"
 #include "browsersweep/platform/FileManager.h"
 #include "browsersweep/platform/SystemServices.h"
-#include "browsersweep/profiles/CurrentUserDirectoryProvider.h"
 
 namespace browsersweep {
 

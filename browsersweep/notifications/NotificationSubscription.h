@@ -3,8 +3,8 @@
 #include <filesystem>
 
 #include "browsersweep/Export.h"
-#include "browsersweep/catalogue/Browser.h"
-#include "browsersweep/platform/URL.h"
+#include "browsersweep/base/Browser.h"
+#include "browsersweep/base/URL.h"
 
 namespace browsersweep {
 

@@ -1,6 +1,6 @@
 #include <utility>
 
-#include "browsersweep/platform/posix/PosixFileManager.h"
+#include "browsersweep/platform/internal/posix/PosixFileManager.h"
 
 namespace browsersweep {
 

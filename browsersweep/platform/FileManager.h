@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "browsersweep/Export.h"
-#include "browsersweep/platform/Bytes.h"
-#include "browsersweep/platform/Date.h"
+#include "browsersweep/base/Bytes.h"
+#include "browsersweep/base/Date.h"
 
 namespace browsersweep {
 

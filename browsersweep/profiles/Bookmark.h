@@ -4,7 +4,7 @@
 #include <string>
 
 #include "browsersweep/Export.h"
-#include "browsersweep/platform/URL.h"
+#include "browsersweep/base/URL.h"
 
 namespace browsersweep {
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "browsersweep/Export.h"
-#include "browsersweep/catalogue/Browser.h"
+#include "browsersweep/base/Browser.h"
 #include "browsersweep/cleanable/CleanableDataDictionary.h"
 #include "browsersweep/notifications/NotificationSubscription.h"
 #include "browsersweep/profiles/Bookmark.h"

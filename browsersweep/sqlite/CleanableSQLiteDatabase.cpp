@@ -2,9 +2,9 @@
 
 #include <utility>
 
-#include "browsersweep/platform/FatalError.h"
+#include "browsersweep/base/FatalError.h"
 #include "browsersweep/sqlite/SQLiteConnection.h"
-#include "browsersweep/sqlite/TemporaryDatabaseCopy.h"
+#include "browsersweep/sqlite/internal/TemporaryDatabaseCopy.h"
 
 namespace browsersweep {
 namespace {

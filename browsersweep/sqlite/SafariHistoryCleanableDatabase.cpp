@@ -6,9 +6,9 @@
 #include <system_error>
 #include <utility>
 
-#include "browsersweep/platform/DecimalText.h"
+#include "browsersweep/documents/internal/DecimalText.h"
 #include "browsersweep/sqlite/CleanableSQLiteDatabase.h"
-#include "browsersweep/sqlite/TemporaryDatabaseCopy.h"
+#include "browsersweep/sqlite/internal/TemporaryDatabaseCopy.h"
 
 namespace browsersweep {
 namespace {

@@ -6,7 +6,7 @@
 #include "browsersweep/binarycoding/BinaryDecodingError.h"
 #include "browsersweep/binarycoding/BinaryEncodingError.h"
 #include "browsersweep/cookies/BinaryCookies.h"
-#include "browsersweep/platform/DecodingError.h"
+#include "browsersweep/documents/DecodingError.h"
 
 #include "fuzz/targets/Rule.h"
 #include "fuzz/targets/Targets.h"

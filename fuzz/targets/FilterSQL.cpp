@@ -2,7 +2,7 @@
 #include <string>
 #include <vector>
 
-#include "browsersweep/platform/DecimalText.h"
+#include "browsersweep/documents/internal/DecimalText.h"
 #include "browsersweep/sqlite/SQLiteConnection.h"
 #include "browsersweep/sqlite/SQLiteStatementComponents.h"
 

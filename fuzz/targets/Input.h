@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "browsersweep/platform/Bytes.h"
+#include "browsersweep/base/Bytes.h"
 
 namespace browsersweep::fuzz {
 

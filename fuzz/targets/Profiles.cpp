@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <string>
 
-#include "browsersweep/platform/DecodingError.h"
+#include "browsersweep/documents/DecodingError.h"
 #include "browsersweep/profiles/chromium/ChromiumBookmarks.h"
 #include "browsersweep/profiles/chromium/ChromiumPreferences.h"
 #include "browsersweep/profiles/chromium/LocalState.h"

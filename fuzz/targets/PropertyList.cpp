@@ -1,7 +1,7 @@
-#include "browsersweep/platform/PropertyList.h"
+#include "browsersweep/documents/propertylist/PropertyList.h"
 
-#include "browsersweep/platform/DecodingError.h"
-#include "browsersweep/profiles/safari/SafariPermissions.h"
+#include "browsersweep/documents/DecodingError.h"
+#include "browsersweep/profiles/safari/internal/SafariPermissions.h"
 
 #include "fuzz/targets/Rule.h"
 #include "fuzz/targets/Targets.h"

@@ -3,7 +3,7 @@
 #include <span>
 #include <string_view>
 
-#include "browsersweep/platform/Bytes.h"
+#include "browsersweep/base/Bytes.h"
 
 namespace browsersweep::fuzz {
 

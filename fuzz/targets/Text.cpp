@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "browsersweep/platform/DecimalText.h"
-#include "browsersweep/platform/URL.h"
+#include "browsersweep/base/URL.h"
+#include "browsersweep/documents/internal/DecimalText.h"
 
 #include "fuzz/targets/Input.h"
 #include "fuzz/targets/Rule.h"

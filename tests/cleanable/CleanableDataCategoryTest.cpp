@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "browsersweep/cleanable/CleanableDataCategory.h"
-#include "browsersweep/platform/DecodingError.h"
+#include "browsersweep/documents/DecodingError.h"
 
 namespace browsersweep {
 namespace {

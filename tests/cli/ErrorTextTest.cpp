@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "browsersweep/binarycoding/BinaryDecodingError.h"
-#include "browsersweep/platform/DecodingError.h"
+#include "browsersweep/documents/DecodingError.h"
 #include "browsersweep/sqlite/SQLiteError.h"
 
 #include "cli/ErrorText.h"

@@ -5,7 +5,7 @@
 #include <fstream>
 
 #include "browsersweep/catalogue/BrowserCleaners.h"
-#include "browsersweep/platform/DecodingError.h"
+#include "browsersweep/documents/DecodingError.h"
 
 namespace bs = browsersweep;
 

@@ -16,7 +16,7 @@
 #include "browsersweep/binarycoding/BinaryDecodingError.h"
 #include "browsersweep/binarycoding/BinaryEncodingError.h"
 #include "browsersweep/cookies/BinaryCookies.h"
-#include "browsersweep/platform/DecodingError.h"
+#include "browsersweep/documents/DecodingError.h"
 
 #include "tests/support/BinaryCookieFileBuilder.h"
 #include "tests/support/Python.h"

@@ -12,7 +12,7 @@
 #include <rapidcheck/gtest.h>
 
 #include "browsersweep/cleanable/CleanableDirectory.h"
-#include "browsersweep/platform/DecimalText.h"
+#include "browsersweep/documents/internal/DecimalText.h"
 #include "browsersweep/profiles/firefox/FirefoxProfile.h"
 #include "browsersweep/sqlite/CleanableSQLiteDatabase.h"
 #include "browsersweep/sqlite/SafariHistoryCleanableDatabase.h"

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "browsersweep/platform/Calendar.h"
+#include "browsersweep/platform/internal/Calendar.h"
 
 namespace browsersweep {
 namespace {

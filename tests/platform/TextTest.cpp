@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "browsersweep/platform/Text.h"
+#include "browsersweep/platform/internal/Text.h"
 
 namespace browsersweep {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "browsersweep/platform/UniqueString.h"
+#include "browsersweep/platform/internal/UniqueString.h"
 
 namespace browsersweep {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "browsersweep/profiles/AppendingPath.h"
+#include "browsersweep/profiles/internal/AppendingPath.h"
 
 namespace browsersweep {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "browsersweep/profiles/MicrosecondText.h"
+#include "browsersweep/profiles/internal/MicrosecondText.h"
 
 namespace browsersweep {
 namespace {

@@ -24,16 +24,20 @@ CASES = {
         {"cookies/A.h": '#include "browsersweep/sqlite/B.h"', "sqlite/B.h": ""},
         ["browsersweep/cookies/A.h:1: cookies/ may not include browsersweep/sqlite/B.h"],
     ),
-    "the browser's identity is a leaf": (
-        {"profiles/A.h": '#include "browsersweep/catalogue/Browser.h"', "catalogue/Browser.h": ""},
-        [],
-    ),
-    "a leaf that includes something": (
-        {"catalogue/Browser.h": '#include "browsersweep/platform/B.h"', "platform/B.h": ""},
+    "an internal header in a public one": (
+        {"platform/A.h": '#include "browsersweep/base/internal/B.h"', "base/internal/B.h": ""},
         [
-            "browsersweep/catalogue/Browser.h:1: browsersweep/platform/B.h in a header that "
-            "everybody includes"
+            "browsersweep/platform/A.h:1: browsersweep/base/internal/B.h is internal, and this "
+            "header is public"
         ],
+    ),
+    "an internal header in a source and in an internal header": (
+        {
+            "platform/A.cpp": '#include "browsersweep/base/internal/B.h"',
+            "platform/internal/C.h": '#include "browsersweep/base/internal/B.h"',
+            "base/internal/B.h": "",
+        },
+        [],
     ),
     "a third party's header in a public header": (
         {"platform/A.h": "#include <expat.h>"},
@@ -45,12 +49,12 @@ CASES = {
     ),
     "a third party's header elsewhere": (
         {"profiles/A.cpp": "#include <vector>\n#include <expat.h>"},
-        ["browsersweep/profiles/A.cpp:2: <expat.h> belongs in platform/"],
+        ["browsersweep/profiles/A.cpp:2: <expat.h> does not belong in profiles/"],
     ),
     "SQLite's header in its own sources": ({"sqlite/A.cpp": "#include <sqlite3.h>"}, []),
     "SQLite's header in a header": (
         {"sqlite/A.h": "#include <sqlite3.h>"},
-        ["browsersweep/sqlite/A.h:1: <sqlite3.h> belongs in platform/"],
+        ["browsersweep/sqlite/A.h:1: <sqlite3.h> in a public header"],
     ),
     "conditional compilation on the ground floor": ({"platform/A.cpp": "#ifdef __APPLE__"}, []),
     "conditional compilation elsewhere": (
@@ -63,7 +67,7 @@ CASES = {
     ),
     "a header of C elsewhere": (
         {"cleanable/A.h": "#include <stdbool.h>"},
-        ["browsersweep/cleanable/A.h:1: <stdbool.h> belongs in platform/"],
+        ["browsersweep/cleanable/A.h:1: <stdbool.h> in a public header"],
     ),
     "the library uses the interface for C": (
         {"catalogue/A.h": '#include "browsersweep/c/browsersweep.h"', "c/browsersweep.h": ""},

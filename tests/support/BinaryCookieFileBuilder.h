@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "browsersweep/platform/Bytes.h"
+#include "browsersweep/base/Bytes.h"
 
 namespace browsersweep::tests {
 

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "browsersweep/platform/Bytes.h"
+#include "browsersweep/base/Bytes.h"
 
 namespace browsersweep::tests {
 

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "browsersweep/platform/Bytes.h"
-#include "browsersweep/platform/PropertyList.h"
+#include "browsersweep/base/Bytes.h"
+#include "browsersweep/documents/propertylist/PropertyList.h"
 
 namespace browsersweep::tests {
 

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "browsersweep/catalogue/Browser.h"
+#include "browsersweep/base/Browser.h"
 #include "browsersweep/catalogue/BrowserCleaner.h"
 #include "browsersweep/platform/FileManager.h"
 #include "browsersweep/platform/SystemServices.h"

@@ -8,7 +8,7 @@
 #include "browsersweep/notifications/ChromeSubscription.h"
 #include "browsersweep/profiles/chromium/ChromiumBookmarks.h"
 #include "browsersweep/profiles/chromium/ChromiumPreferences.h"
-#include "browsersweep/profiles/chromium/ChromiumTime.h"
+#include "browsersweep/profiles/chromium/internal/ChromiumTime.h"
 #include "browsersweep/sqlite/CleanableSQLiteDatabase.h"
 
 namespace browsersweep {

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "browsersweep/Export.h"
+#include "browsersweep/home/CurrentUserDirectoryProvider.h"
 #include "browsersweep/profiles/BrowserProfile.h"
-#include "browsersweep/profiles/CurrentUserDirectoryProvider.h"
 
 namespace browsersweep {
 

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "browsersweep/platform/Json.h"
+#include "browsersweep/documents/internal/Json.h"
 
 namespace browsersweep {
 namespace {

@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "browsersweep/Export.h"
-#include "browsersweep/platform/Bytes.h"
+#include "browsersweep/base/Bytes.h"
 #include "browsersweep/profiles/Bookmark.h"
 
 namespace browsersweep {

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-#include "browsersweep/platform/Json.h"
+#include "browsersweep/documents/internal/Json.h"
 
 namespace browsersweep {
 namespace {

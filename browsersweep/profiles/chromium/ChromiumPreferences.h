@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "browsersweep/Export.h"
-#include "browsersweep/platform/Bytes.h"
-#include "browsersweep/platform/URL.h"
+#include "browsersweep/base/Bytes.h"
+#include "browsersweep/base/URL.h"
 
 namespace browsersweep {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "browsersweep/platform/Json.h"
+#include "browsersweep/documents/internal/Json.h"
 
 namespace browsersweep {
 namespace {

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "browsersweep/Export.h"
-#include "browsersweep/platform/Bytes.h"
+#include "browsersweep/base/Bytes.h"
 
 namespace browsersweep {
 

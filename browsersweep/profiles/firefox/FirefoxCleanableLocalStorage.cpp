@@ -3,7 +3,7 @@
 #include <utility>
 #include <vector>
 
-#include "browsersweep/platform/Text.h"
+#include "browsersweep/platform/internal/Text.h"
 
 namespace browsersweep {
 namespace {

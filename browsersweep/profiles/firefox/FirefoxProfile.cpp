@@ -6,12 +6,12 @@
 
 #include "browsersweep/cleanable/CleanableDirectory.h"
 #include "browsersweep/notifications/FirefoxSubscription.h"
-#include "browsersweep/profiles/AppendingPath.h"
 #include "browsersweep/profiles/firefox/FirefoxCleanableLocalStorage.h"
-#include "browsersweep/profiles/firefox/FirefoxTime.h"
+#include "browsersweep/profiles/firefox/internal/FirefoxTime.h"
+#include "browsersweep/profiles/internal/AppendingPath.h"
 #include "browsersweep/sqlite/CleanableSQLiteDatabase.h"
 #include "browsersweep/sqlite/SQLiteConnection.h"
-#include "browsersweep/sqlite/TemporaryDatabaseCopy.h"
+#include "browsersweep/sqlite/internal/TemporaryDatabaseCopy.h"
 
 namespace browsersweep {
 namespace {

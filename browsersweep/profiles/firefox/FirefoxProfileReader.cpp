@@ -3,11 +3,11 @@
 #include <string_view>
 #include <utility>
 
-#include "browsersweep/platform/DecodingError.h"
-#include "browsersweep/platform/UTF16.h"
-#include "browsersweep/profiles/AppendingPath.h"
+#include "browsersweep/documents/DecodingError.h"
+#include "browsersweep/documents/internal/UTF16.h"
 #include "browsersweep/profiles/firefox/FirefoxProfile.h"
 #include "browsersweep/profiles/firefox/IniFile.h"
+#include "browsersweep/profiles/internal/AppendingPath.h"
 
 namespace browsersweep {
 namespace {

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "browsersweep/Export.h"
+#include "browsersweep/home/CurrentUserDirectoryProvider.h"
 #include "browsersweep/profiles/BrowserProfileReader.h"
-#include "browsersweep/profiles/CurrentUserDirectoryProvider.h"
 
 namespace browsersweep {
 

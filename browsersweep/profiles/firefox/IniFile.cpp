@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "browsersweep/platform/Text.h"
+#include "browsersweep/platform/internal/Text.h"
 
 namespace browsersweep {
 namespace {

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string_view>
 
-#include "browsersweep/platform/DecodingError.h"
+#include "browsersweep/documents/DecodingError.h"
 
 namespace browsersweep {
 namespace {

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "browsersweep/Export.h"
-#include "browsersweep/platform/Bytes.h"
-#include "browsersweep/platform/PropertyList.h"
+#include "browsersweep/base/Bytes.h"
+#include "browsersweep/documents/propertylist/PropertyList.h"
 #include "browsersweep/profiles/Bookmark.h"
 
 namespace browsersweep {

@@ -5,10 +5,10 @@
 
 #include "browsersweep/cleanable/CleanableDirectory.h"
 #include "browsersweep/cookies/CleanableSafariCookies.h"
+#include "browsersweep/documents/DecodingError.h"
 #include "browsersweep/notifications/SafariSubscription.h"
-#include "browsersweep/platform/DecodingError.h"
 #include "browsersweep/profiles/safari/SafariBookmarks.h"
-#include "browsersweep/profiles/safari/SafariPermissions.h"
+#include "browsersweep/profiles/safari/internal/SafariPermissions.h"
 #include "browsersweep/sqlite/SafariHistoryCleanableDatabase.h"
 
 namespace browsersweep {

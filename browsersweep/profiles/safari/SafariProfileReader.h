@@ -4,9 +4,9 @@
 #include <vector>
 
 #include "browsersweep/Export.h"
+#include "browsersweep/home/CurrentUserDirectoryProvider.h"
 #include "browsersweep/platform/SystemServices.h"
 #include "browsersweep/profiles/BrowserProfileReader.h"
-#include "browsersweep/profiles/CurrentUserDirectoryProvider.h"
 
 namespace browsersweep {
 

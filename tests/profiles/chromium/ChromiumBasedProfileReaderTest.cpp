@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "browsersweep/platform/DecodingError.h"
+#include "browsersweep/documents/DecodingError.h"
 #include "browsersweep/profiles/chromium/ChromiumBasedProfile.h"
 #include "browsersweep/profiles/chromium/ChromiumBasedProfileReader.h"
 #include "browsersweep/profiles/chromium/OperaProfileReader.h"

@@ -5,8 +5,8 @@
 #include <gtest/gtest.h>
 
 #include "browsersweep/cleanable/CleanableDirectory.h"
+#include "browsersweep/documents/DecodingError.h"
 #include "browsersweep/notifications/ChromeSubscription.h"
-#include "browsersweep/platform/DecodingError.h"
 #include "browsersweep/profiles/chromium/ChromiumBasedProfile.h"
 #include "browsersweep/sqlite/CleanableSQLiteDatabase.h"
 

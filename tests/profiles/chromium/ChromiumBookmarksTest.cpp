@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "browsersweep/platform/DecodingError.h"
+#include "browsersweep/documents/DecodingError.h"
 #include "browsersweep/profiles/chromium/ChromiumBookmarks.h"
 
 #include "tests/support/Bytes.h"

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "browsersweep/platform/DecodingError.h"
+#include "browsersweep/documents/DecodingError.h"
 #include "browsersweep/profiles/chromium/ChromiumPreferences.h"
 
 #include "tests/support/Bytes.h"

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "browsersweep/platform/Calendar.h"
-#include "browsersweep/profiles/chromium/ChromiumTime.h"
+#include "browsersweep/platform/internal/Calendar.h"
+#include "browsersweep/profiles/chromium/internal/ChromiumTime.h"
 
 namespace browsersweep {
 namespace {

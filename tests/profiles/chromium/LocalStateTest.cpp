@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "browsersweep/platform/DecodingError.h"
+#include "browsersweep/documents/DecodingError.h"
 #include "browsersweep/profiles/chromium/LocalState.h"
 
 #include "tests/support/Bytes.h"

@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "browsersweep/platform/DecodingError.h"
+#include "browsersweep/documents/DecodingError.h"
 #include "browsersweep/profiles/firefox/FirefoxProfile.h"
 #include "browsersweep/profiles/firefox/FirefoxProfileReader.h"
 

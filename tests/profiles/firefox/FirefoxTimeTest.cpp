@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "browsersweep/profiles/firefox/FirefoxTime.h"
+#include "browsersweep/profiles/firefox/internal/FirefoxTime.h"
 
 namespace browsersweep {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "browsersweep/platform/DecodingError.h"
+#include "browsersweep/documents/DecodingError.h"
 #include "browsersweep/profiles/safari/SafariBookmarks.h"
 
 #include "tests/support/Bytes.h"

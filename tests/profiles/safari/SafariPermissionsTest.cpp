@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "browsersweep/profiles/safari/SafariPermissions.h"
+#include "browsersweep/profiles/safari/internal/SafariPermissions.h"
 
 #include "tests/support/PropertyLists.h"
 

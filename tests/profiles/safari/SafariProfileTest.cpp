@@ -10,9 +10,9 @@
 
 #include "browsersweep/cleanable/CleanableDirectory.h"
 #include "browsersweep/cookies/CleanableSafariCookies.h"
+#include "browsersweep/documents/DecodingError.h"
+#include "browsersweep/documents/propertylist/PropertyList.h"
 #include "browsersweep/notifications/SafariSubscription.h"
-#include "browsersweep/platform/DecodingError.h"
-#include "browsersweep/platform/PropertyList.h"
 #include "browsersweep/profiles/safari/SafariProfile.h"
 #include "browsersweep/sqlite/SafariHistoryCleanableDatabase.h"
 

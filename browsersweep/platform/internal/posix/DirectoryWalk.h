@@ -1,0 +1,79 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <sys/types.h>
+
+#include "browsersweep/platform/FileManager.h"
+#include "browsersweep/platform/internal/posix/DirectoryListing.h"
+#include "browsersweep/platform/internal/posix/EntryStatus.h"
+#include "browsersweep/platform/internal/posix/FileDescriptor.h"
+
+namespace browsersweep::posix {
+
+/**
+ * The deep walk, on descriptors. Each directory is opened from its parent's descriptor without
+ * following links, and entries are examined and deleted relative to it: a folder that is swapped
+ * for a link in mid-walk is not entered, and no path is resolved per file. The files of a directory
+ * come first, then its subdirectories one by one; depth costs heap, not stack, and however deep the
+ * tree is, no more than a fixed number of directories are open at once.
+ */
+class DirectoryWalk : public DirectoryEnumerator {
+public:
+    /** Nothing where the directory may not be opened or is gone. Throws `filesystem_error`. */
+    static std::unique_ptr<DirectoryWalk> start(const std::filesystem::path& root);
+
+    DirectoryWalk(std::filesystem::path root, FileDescriptor descriptor);
+
+    bool next() override;
+    std::string_view name() const noexcept override { return entry_->name; }
+    std::optional<bool> isDirectory() override;
+    std::optional<std::uint64_t> fileSize() override;
+    std::optional<Date> creationDate() noexcept override;
+    void remove() override;
+
+private:
+    /** Names that wait, one after the other, each ended by a zero byte. */
+    struct PendingNames {
+        std::string text;
+        std::size_t position = 0;
+
+        void add(std::string_view name);
+        const char* take() noexcept;
+    };
+
+    /** A directory on the way from the root to the one that is being listed. */
+    struct Level {
+        FileDescriptor descriptor;  ///< closed while too many directories are open below it
+        dev_t device = 0;
+        ino_t inode = 0;
+        std::string name;
+        PendingNames subdirectories;
+    };
+
+    void enter(FileDescriptor descriptor, std::string name);
+    bool nextListed();
+    bool enterNextSubdirectory();
+    void leave();
+    void closeFarAncestor() noexcept;
+    void reopenParent(const Level& child, Level& parent) const;
+    void learnKind();
+    std::optional<EntryStatus> status(StatusFields fields);
+    std::filesystem::path path(std::string_view entryName = {}) const;
+
+    std::filesystem::path root_;
+    std::vector<Level> levels_;
+    DirectoryListing listing_;
+    std::optional<ListedEntry> entry_;
+    std::optional<EntryStatus> status_;
+    StatusFields statusFields_ = StatusFields::kindAndSize;
+    bool isListing_ = false;
+};
+
+}  // namespace browsersweep::posix

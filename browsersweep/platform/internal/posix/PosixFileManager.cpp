@@ -1,0 +1,129 @@
+#include "browsersweep/platform/internal/posix/PosixFileManager.h"
+
+#include <cerrno>
+#include <system_error>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "browsersweep/platform/internal/posix/DirectoryWalk.h"
+#include "browsersweep/platform/internal/posix/FileCopy.h"
+#include "browsersweep/platform/internal/posix/FileReplacement.h"
+#include "browsersweep/platform/internal/posix/SystemCalls.h"
+#include "browsersweep/platform/internal/posix/UserDirectories.h"
+
+namespace browsersweep::posix {
+namespace {
+
+/** Opens a regular file for reading. Nothing else is waited for, so a pipe cannot block. */
+FileDescriptor openRegularFile(const std::filesystem::path& path, struct stat& status) {
+    FileDescriptor file = openFile(path, O_RDONLY | O_NONBLOCK);
+    if (::fstat(file.number(), &status) != 0) {
+        throwSystemError("cannot examine", path);
+    }
+    if (!S_ISREG(status.st_mode)) {
+        throwSystemError("not a regular file", path, S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
+    }
+    return file;
+}
+
+}  // namespace
+
+FileExistence PosixFileManager::fileExists(const std::filesystem::path& path) const noexcept {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0) {
+        return {};
+    }
+    return {true, S_ISDIR(status.st_mode)};
+}
+
+FileAttributes PosixFileManager::attributes(const std::filesystem::path& path) const {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0) {
+        throwSystemError("cannot examine", path);
+    }
+    return {static_cast<std::uint64_t>(status.st_size)};
+}
+
+Bytes PosixFileManager::contents(const std::filesystem::path& path) const {
+    struct stat status {};
+    const FileDescriptor file = openRegularFile(path, status);
+    if (status.st_size > static_cast<off_t>(maximumContentsSize)) {
+        throwSystemError("file is too large to be read", path, EFBIG);
+    }
+    // One byte more than expected, so that a file which did not grow ends at the first short read.
+    Bytes bytes(static_cast<std::size_t>(status.st_size) + 1);
+    std::size_t used = 0;
+    while (const std::size_t count = readSome(file, std::span(bytes).subspan(used), path)) {
+        used += count;
+        if (used > maximumContentsSize) {
+            throwSystemError("file is too large to be read", path, EFBIG);
+        }
+        if (used == bytes.size()) {
+            bytes.resize(2 * used);
+        }
+    }
+    bytes.resize(used);
+    return bytes;
+}
+
+Bytes PosixFileManager::firstBytes(const std::filesystem::path& path, std::size_t count) const {
+    struct stat status {};
+    const FileDescriptor file = openRegularFile(path, status);
+    Bytes bytes(count);
+    std::size_t used = 0;
+    while (const std::size_t more = readSome(file, std::span(bytes).subspan(used), path)) {
+        used += more;
+    }
+    bytes.resize(used);
+    return bytes;
+}
+
+void PosixFileManager::replace(const std::filesystem::path& path, BytesView contents) const {
+    replaceFile(path, contents);
+}
+
+void PosixFileManager::copy(const std::filesystem::path& from,
+                            const std::filesystem::path& to) const {
+    struct stat status {};
+    copyFile(openRegularFile(from, status), from, to);
+}
+
+void PosixFileManager::remove(const std::filesystem::path& path) const {
+    if (std::filesystem::remove_all(path) == 0) {
+        throwSystemError("cannot delete", path, ENOENT);
+    }
+}
+
+void PosixFileManager::createDirectory(const std::filesystem::path& path) const {
+    if (path.has_parent_path()) {
+        std::filesystem::create_directories(path.parent_path());
+    }
+    if (::mkdir(path.c_str(), S_IRWXU) != 0) {
+        throwSystemError("cannot create directory", path);
+    }
+}
+
+std::filesystem::path PosixFileManager::temporaryDirectory() const {
+    return systemTemporaryDirectory();
+}
+
+std::filesystem::path PosixFileManager::homeDirectory() const {
+    return home_ ? *home_ : currentHomeDirectory();
+}
+
+std::vector<std::filesystem::path> PosixFileManager::directories(
+    SearchPathDirectory directory) const {
+    if (home_) {
+        return {};
+    }
+    return systemDirectories(directory);
+}
+
+std::unique_ptr<DirectoryEnumerator> PosixFileManager::enumerator(
+    const std::filesystem::path& directory) const {
+    return DirectoryWalk::start(directory);
+}
+
+}  // namespace browsersweep::posix

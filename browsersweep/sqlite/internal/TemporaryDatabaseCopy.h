@@ -1,0 +1,37 @@
+#pragma once
+
+#include <filesystem>
+#include <memory>
+
+#include "browsersweep/platform/FileManager.h"
+
+namespace browsersweep {
+
+/**
+ * A private copy of a database file, so that one held open by a browser can be read and is never
+ * touched. It lies under its own file name in a new folder for the user alone below the temporary
+ * directory; the folder with all that SQLite may add to it is removed when the copy goes away, and
+ * a failure of that is ignored.
+ */
+class TemporaryDatabaseCopy {
+public:
+    /**
+     * Makes the copy. Throws `filesystem_error` where the folder or the copy cannot be made; of a
+     * copy that failed the folder stays, empty.
+     */
+    TemporaryDatabaseCopy(const std::filesystem::path& database,
+                          std::shared_ptr<const FileManager> fileManager);
+    TemporaryDatabaseCopy(const TemporaryDatabaseCopy&) = delete;
+    TemporaryDatabaseCopy& operator=(const TemporaryDatabaseCopy&) = delete;
+    ~TemporaryDatabaseCopy();
+
+    /** Where the copy lies. */
+    const std::filesystem::path& path() const noexcept { return path_; }
+
+private:
+    std::shared_ptr<const FileManager> fileManager_;
+    std::filesystem::path folder_;
+    std::filesystem::path path_;
+};
+
+}  // namespace browsersweep

@@ -1,0 +1,57 @@
+#include <gtest/gtest.h>
+
+#include "browsersweep/base/Browser.h"
+
+namespace browsersweep {
+namespace {
+
+TEST(Browser, thirteenCasesInTheirOrder) {
+    ASSERT_EQ(allBrowsers.size(), 13U);
+    EXPECT_EQ(allBrowsers.front(), Browser::quenbySecureBrowser);
+    EXPECT_EQ(allBrowsers.back(), Browser::yandexBrowser);
+    for (std::size_t ordinal = 0; ordinal < allBrowsers.size(); ++ordinal) {
+        EXPECT_EQ(static_cast<std::size_t>(allBrowsers[ordinal]), ordinal);
+    }
+}
+
+TEST(Browser, namesOfEveryCase) {
+    struct Row {
+        Browser browser;
+        std::string_view raw;
+        std::string_view display;
+    };
+    // clang-format off
+    const Row rows[] = {  // NOLINT(cppcoreguidelines-avoid-c-arrays,modernize-avoid-c-arrays)
+        {Browser::quenbySecureBrowser,   "quenbySecureBrowser",   "Quenby Secure Browser"},
+        {Browser::tarrowSecureBrowser,   "tarrowSecureBrowser",   "Tarrow Secure Browser"},
+        {Browser::brave,                 "brave",                 "Brave Browser"},
+        {Browser::chromium,              "chromium",              "Chromium"},
+        {Browser::firefox,               "firefox",               "Firefox"},
+        {Browser::googleChrome,          "googleChrome",          "Google Chrome"},
+        {Browser::microsoftEdge,         "microsoftEdge",         "Microsoft Edge"},
+        {Browser::orvo,                  "orvo",                  "Orvo"},
+        {Browser::brellisPrivateBrowser, "brellisPrivateBrowser", "Brellis Private Browser"},
+        {Browser::opera,                 "opera",                 "Opera"},
+        {Browser::safari,                "safari",                "Safari"},
+        {Browser::vivaldi,               "vivaldi",               "Vivaldi"},
+        {Browser::yandexBrowser,         "yandexBrowser",         "Yandex Browser"},
+    };
+    // clang-format on
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.raw);
+        EXPECT_EQ(rawValue(row.browser), row.raw);
+        EXPECT_EQ(displayName(row.browser), row.display);
+        EXPECT_EQ(browserFromRawValue(row.raw), row.browser);
+    }
+}
+
+TEST(Browser, rawValuesAreCaseSensitiveAndUnknownOnesAbsent) {
+    EXPECT_EQ(browserFromRawValue("orvo"), Browser::orvo);
+    for (const std::string_view unknown : {"Orvo", "", "chrome", "orvo "}) {
+        SCOPED_TRACE(unknown);
+        EXPECT_EQ(browserFromRawValue(unknown), std::nullopt);
+    }
+}
+
+}  // namespace
+}  // namespace browsersweep
