@@ -14,8 +14,18 @@ const std::shared_ptr<const FileManager>& FileManager::defaultManager() {
     return manager;
 }
 
-std::shared_ptr<const FileManager> FileManager::forHome(std::filesystem::path home) {
-    return std::make_shared<posix::PosixFileManager>(std::move(home));
+std::shared_ptr<const FileManager> FileManager::controlledBy(
+    std::shared_ptr<OperationControl> control) {
+    return std::make_shared<posix::PosixFileManager>(std::nullopt, std::move(control));
+}
+
+std::shared_ptr<const FileManager> FileManager::forHome(std::filesystem::path home,
+                                                        std::shared_ptr<OperationControl> control) {
+    return std::make_shared<posix::PosixFileManager>(std::move(home), std::move(control));
+}
+
+std::shared_ptr<OperationControl> FileManager::control() const noexcept {
+    return nullptr;
 }
 
 }  // namespace browsersweep

@@ -11,6 +11,7 @@
 #include "browsersweep/Export.h"
 #include "browsersweep/base/Bytes.h"
 #include "browsersweep/base/Date.h"
+#include "browsersweep/base/OperationControl.h"
 
 namespace browsersweep {
 
@@ -97,8 +98,22 @@ public:
     /** The process-wide default: the real file system and the current user's directories. */
     static const std::shared_ptr<const FileManager>& defaultManager();
 
-    /** The real file system, with the user's directories below another home folder. */
-    static std::shared_ptr<const FileManager> forHome(std::filesystem::path home);
+    /** The same, with operations that can be stopped. */
+    static std::shared_ptr<const FileManager> controlledBy(
+        std::shared_ptr<OperationControl> control);
+
+    /**
+     * The real file system, with the user's directories below another home folder, and with
+     * operations that can be stopped where there is a control.
+     */
+    static std::shared_ptr<const FileManager> forHome(
+        std::filesystem::path home, std::shared_ptr<OperationControl> control = nullptr);
+
+    /**
+     * What operations through this file manager ask whether to go on; null where nothing is to be
+     * asked. Whoever works in steps through this file manager asks it between them.
+     */
+    virtual std::shared_ptr<OperationControl> control() const noexcept;
 
     /** Whether something is at the path. Never fails. */
     virtual FileExistence fileExists(const std::filesystem::path& path) const noexcept = 0;

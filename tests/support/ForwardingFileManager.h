@@ -13,6 +13,9 @@ public:
     explicit ForwardingFileManager(std::shared_ptr<const FileManager> target)
         : target_(std::move(target)) {}
 
+    std::shared_ptr<OperationControl> control() const noexcept override {
+        return target_->control();
+    }
     FileExistence fileExists(const std::filesystem::path& path) const noexcept override {
         return target_->fileExists(path);
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <utility>
 
@@ -12,8 +13,11 @@ namespace browsersweep::posix {
 class PosixFileManager : public FileManager {
 public:
     /** With a home folder, the user's directories are those below it, else the system's. */
-    explicit PosixFileManager(std::optional<std::filesystem::path> home) : home_(std::move(home)) {}
+    explicit PosixFileManager(std::optional<std::filesystem::path> home,
+                              std::shared_ptr<OperationControl> control = nullptr)
+        : home_(std::move(home)), control_(std::move(control)) {}
 
+    std::shared_ptr<OperationControl> control() const noexcept override { return control_; }
     FileExistence fileExists(const std::filesystem::path& path) const noexcept override;
     FileAttributes attributes(const std::filesystem::path& path) const override;
     Bytes contents(const std::filesystem::path& path) const override;
@@ -30,6 +34,7 @@ public:
 
 private:
     std::optional<std::filesystem::path> home_;
+    std::shared_ptr<OperationControl> control_;
 };
 
 }  // namespace browsersweep::posix

@@ -1,0 +1,34 @@
+#include "browsersweep/base/OperationControl.h"
+
+namespace browsersweep {
+
+const char* OperationCancelled::what() const noexcept {
+    return "the operation was cancelled";
+}
+
+void OperationControl::count(const OperationProgress& done) noexcept {
+    progress_.files += done.files;
+    progress_.bytes += done.bytes;
+    progress_.rows += done.rows;
+}
+
+bool OperationControl::shouldStop() noexcept {
+    if (isStopped_ || !shouldStop_) {
+        return isStopped_;
+    }
+    // A host whose question fails has lost control of the operation: stopping is the safe answer.
+    try {
+        isStopped_ = shouldStop_(progress_);
+    } catch (...) {
+        isStopped_ = true;
+    }
+    return isStopped_;
+}
+
+void OperationControl::continueOrThrow() {
+    if (shouldStop()) {
+        throw OperationCancelled(progress_);
+    }
+}
+
+}  // namespace browsersweep

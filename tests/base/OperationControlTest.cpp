@@ -1,0 +1,62 @@
+#include <stdexcept>
+
+#include <gtest/gtest.h>
+
+#include "browsersweep/base/OperationControl.h"
+
+namespace browsersweep {
+namespace {
+
+TEST(OperationControl, withoutAQuestionNeverStops) {
+    OperationControl control;
+    EXPECT_FALSE(control.shouldStop());
+    EXPECT_NO_THROW(control.continueOrThrow());
+}
+
+TEST(OperationControl, addsUpWhatWasDone) {
+    OperationControl control;
+    control.count({1, 20, 0});
+    control.count({2, 0, 7});
+    EXPECT_EQ(control.progress(), (OperationProgress{3, 20, 7}));
+}
+
+TEST(OperationControl, theQuestionIsToldWhatWasDone) {
+    OperationProgress told;
+    OperationControl control([&told](const OperationProgress& progress) {
+        told = progress;
+        return false;
+    });
+    control.count({1, 2, 3});
+    EXPECT_FALSE(control.shouldStop());
+    EXPECT_EQ(told, (OperationProgress{1, 2, 3}));
+}
+
+TEST(OperationControl, oneStopIsKept) {
+    bool stop = true;
+    OperationControl control([&stop](const OperationProgress&) { return stop; });
+    EXPECT_TRUE(control.shouldStop());
+    stop = false;
+    EXPECT_TRUE(control.shouldStop());
+}
+
+TEST(OperationControl, cancellingTellsWhatHadBeenDone) {
+    OperationControl control([](const OperationProgress& progress) { return progress.files > 0; });
+    control.continueOrThrow();
+    control.count({4, 5, 6});
+    try {
+        control.continueOrThrow();
+        FAIL() << "it went on";
+    } catch (const OperationCancelled& cancelled) {
+        EXPECT_EQ(cancelled.progress(), (OperationProgress{4, 5, 6}));
+        EXPECT_STREQ(cancelled.what(), "the operation was cancelled");
+    }
+}
+
+TEST(OperationControl, aQuestionThatFailsStops) {
+    OperationControl control(
+        [](const OperationProgress&) -> bool { throw std::runtime_error("no answer"); });
+    EXPECT_TRUE(control.shouldStop());
+}
+
+}  // namespace
+}  // namespace browsersweep
