@@ -12,9 +12,10 @@ constexpr std::array endingSignals{SIGINT, SIGTERM, SIGHUP};
 Interruption::Interruption() noexcept {
     ::signal(SIGPIPE,
              SIG_IGN);  // NOLINT(cppcoreguidelines-pro-type-cstyle-cast): the system's macro
-    ::sigemptyset(&held_);
+    // On macOS these and sigismember are macros, which cannot be qualified.
+    sigemptyset(&held_);
     for (const int number : endingSignals) {
-        ::sigaddset(&held_, number);
+        sigaddset(&held_, number);
     }
     ::sigprocmask(SIG_BLOCK, &held_, &before_);
 }
@@ -27,7 +28,7 @@ bool Interruption::hasCome() const noexcept {
     sigset_t pending{};
     ::sigpending(&pending);
     for (const int number : endingSignals) {
-        if (::sigismember(&pending, number) == 1) {
+        if (sigismember(&pending, number) == 1) {
             return true;
         }
     }

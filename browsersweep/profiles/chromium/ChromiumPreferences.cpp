@@ -23,10 +23,9 @@ Notification decodeNotification(std::string_view sitePattern, JsonValue value) {
 
 std::vector<Notification> decodeEntries(JsonValue map) {
     std::vector<Notification> entries;
-    for (const auto& [sitePattern, value] : map.members()) {
-        entries.push_back(decodingBelow(sitePattern, [&sitePattern = sitePattern, &value = value] {
-            return decodeNotification(sitePattern, value);
-        }));
+    for (const auto& member : map.members()) {
+        entries.push_back(decodingBelow(
+            member.first, [&] { return decodeNotification(member.first, member.second); }));
     }
     return entries;
 }

@@ -17,9 +17,9 @@ LocalState::InfoCache decodeInfoCache(std::string_view folder, JsonValue value) 
 
 std::vector<LocalState::InfoCache> decodeInfoCache(JsonValue map) {
     std::vector<LocalState::InfoCache> entries;
-    for (const auto& [folder, value] : map.members()) {
+    for (const auto& member : map.members()) {
         entries.push_back(decodingBelow(
-            folder, [&folder = folder, &value = value] { return decodeInfoCache(folder, value); }));
+            member.first, [&] { return decodeInfoCache(member.first, member.second); }));
     }
     return entries;
 }
