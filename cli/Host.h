@@ -1,10 +1,9 @@
 #pragma once
 
 #include <filesystem>
-#include <memory>
 #include <optional>
 
-#include "browsersweep/platform/FileManager.h"
+#include "browsersweep/home/Home.h"
 
 #include "cli/Gather.h"
 #include "cli/RunningBrowsers.h"
@@ -27,8 +26,7 @@ public:
     bool exists() const;
 
 private:
-    bool isNamedHome_;
-    std::shared_ptr<const FileManager> fileManager_;
+    Home home_;
     bool isOwnHome_;
 };
 

@@ -13,13 +13,13 @@ int main(int count, char** arguments) {
         return 2;
     }
     int status = 0;
-    const auto files = bs::FileManager::forHome(arguments[1]);
+    const auto home = bs::Home::at(arguments[1]);
     for (const bs::Browser browser : bs::allBrowsers) {
         try {
             const auto primary = [](const bs::BrowserProfile& profile) {
                 return profile.isPrimary();
             };
-            for (const auto& bookmark : bs::cleaner(browser, files)->bookmarks(primary)) {
+            for (const auto& bookmark : bs::cleaner(browser, home)->bookmarks(primary)) {
                 std::cout << bs::displayName(browser) << ": "
                           << bookmark.name.value_or("(untitled)") << " <"
                           << bookmark.url.absoluteString() << ">\n";

@@ -26,11 +26,11 @@ int main(int count, char** arguments) {
         return 2;
     }
     int status = 0;
-    const auto files = bs::FileManager::forHome(arguments[1]);
+    const auto home = bs::Home::at(arguments[1]);
     for (const bs::Browser browser :
          {bs::Browser::firefox, bs::Browser::googleChrome, bs::Browser::safari}) {
         try {
-            list(*bs::cleaner(browser, files));
+            list(*bs::cleaner(browser, home));
         } catch (const std::exception& error) {
             std::cerr << bs::displayName(browser) << ": " << error.what() << '\n';
             status = 1;

@@ -79,8 +79,7 @@ int main(int count, char** arguments) {
     const std::filesystem::path log = std::filesystem::path(arguments[1]) / "downloads.log";
     std::ofstream(log) << "https://www.example.com/a.zip\nhttps://files.example.net/b.zip\n";
 
-    const auto chrome =
-        bs::cleaner(bs::Browser::googleChrome, bs::FileManager::forHome(arguments[1]));
+    const auto chrome = bs::cleaner(bs::Browser::googleChrome, bs::Home::at(arguments[1]));
     auto data = chrome->cleanableData(
         [](const bs::BrowserProfile& profile) { return profile.isPrimary(); });
     data.merge(bs::CleanableDataMap({{bs::CleanableDataCategory::history,

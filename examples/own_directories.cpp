@@ -41,9 +41,9 @@ int main(int count, char** arguments) {
     std::filesystem::copy(home / "Library/Application Support", backup / "support",
                           std::filesystem::copy_options::recursive);
 
-    const bs::ChromiumBasedProfileReader reader("Google/Chrome", bs::FileManager::defaultManager(),
-                                                bs::Browser::googleChrome,
-                                                std::make_shared<BackupDirectories>(backup));
+    const bs::Home place(bs::FileManager::defaultManager(),
+                         std::make_shared<BackupDirectories>(backup));
+    const bs::ChromiumBasedProfileReader reader("Google/Chrome", place, bs::Browser::googleChrome);
     for (const auto& profile : reader.profiles()) {
         std::cout << profile->name().value_or("(no name)") << ": "
                   << profile->cleanableData().size().itemCount.value << " items\n";

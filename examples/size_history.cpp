@@ -7,7 +7,7 @@
 using namespace browsersweep;
 
 int main(int, char** arguments) {
-    const auto chrome = cleaner(Browser::googleChrome, FileManager::forHome(arguments[1]));
+    const auto chrome = cleaner(Browser::googleChrome, Home::at(arguments[1]));
     const auto data = chrome->cleanableData([](const BrowserProfile&) { return true; });
     if (const auto* const history = data.find(CleanableDataCategory::history)) {
         const CleanableDataSize size = history->size();

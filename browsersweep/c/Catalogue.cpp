@@ -11,7 +11,7 @@ namespace {
 
 /** The cleaner of a browser that only tells its names: it reads nothing. */
 std::unique_ptr<const bs::BrowserCleaner> namesOf(bs::Browser browser) {
-    return bs::cleaner(browser, bs::FileManager::forHome("/"));
+    return bs::cleaner(browser, bs::Home::at("/"));
 }
 
 void append(browsersweep_notifications& notifications, const bs::BrowserProfile& profile) {
@@ -96,13 +96,12 @@ bool browsersweep_category_from_raw_value(const char* text, browsersweep_categor
 }
 
 browsersweep_home* browsersweep_home_current(browsersweep_error** error) {
-    return guarded(error,
-                   [] { return handedOver(browsersweep_home{bs::FileManager::defaultManager()}); });
+    return guarded(error, [] { return handedOver(browsersweep_home{bs::Home::current()}); });
 }
 
 browsersweep_home* browsersweep_home_at(const char* path, browsersweep_error** error) {
     return guarded(error, [&] {
-        return handedOver(browsersweep_home{bs::FileManager::forHome(&required(path, "path"))});
+        return handedOver(browsersweep_home{bs::Home::at(&required(path, "path"))});
     });
 }
 

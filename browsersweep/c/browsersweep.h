@@ -117,10 +117,14 @@ BROWSERSWEEP_EXPORT bool browsersweep_category_from_raw_value(const char* text,
 /** The home folder whose Library folder is examined. */
 typedef struct browsersweep_home browsersweep_home;
 
-/** The home of the current user. */
+/** The home of the current user. Cleaning Safari's cookies empties the user's shared storage too.
+ */
 BROWSERSWEEP_EXPORT browsersweep_home* browsersweep_home_current(browsersweep_error** error);
 
-/** Another home folder. It need not exist: then no browser has any profile. */
+/**
+ * Another home folder. It need not exist: then no browser has any profile. Nothing of the current
+ * user's is touched, neither the shared cookie storage nor the system's cookie daemons.
+ */
 BROWSERSWEEP_EXPORT browsersweep_home* browsersweep_home_at(const char* path,
                                                             browsersweep_error** error);
 

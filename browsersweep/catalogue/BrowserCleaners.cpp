@@ -41,28 +41,25 @@ const CatalogueRow& rowOf(Browser browser) noexcept {
     return catalogue[static_cast<std::size_t>(browser)];
 }
 
-std::shared_ptr<const BrowserProfileReader> makeReader(
-    Browser browser, std::shared_ptr<const FileManager> fileManager, SystemServices services) {
+std::shared_ptr<const BrowserProfileReader> makeReader(Browser browser, Home home) {
     const CatalogueRow& row = rowOf(browser);
     switch (row.family) {
         case Family::chromium:
             return std::make_shared<ChromiumBasedProfileReader>(row.applicationSupportRelativePath,
-                                                                std::move(fileManager), browser);
+                                                                std::move(home), browser);
         case Family::firefox:
-            return std::make_shared<FirefoxProfileReader>(std::move(fileManager));
+            return std::make_shared<FirefoxProfileReader>(std::move(home));
         case Family::safari:
             break;
     }
-    return std::make_shared<SafariProfileReader>(std::move(fileManager), std::move(services));
+    return std::make_shared<SafariProfileReader>(std::move(home));
 }
 
-using Factory = std::unique_ptr<const BrowserCleaner> (*)(std::shared_ptr<const FileManager>,
-                                                          SystemServices);
+using Factory = std::unique_ptr<const BrowserCleaner> (*)(Home);
 
 template <Browser browser>
-std::unique_ptr<const BrowserCleaner> make(std::shared_ptr<const FileManager> fileManager,
-                                           SystemServices services) {
-    return std::make_unique<CleanerOf<browser>>(std::move(fileManager), std::move(services));
+std::unique_ptr<const BrowserCleaner> make(Home home) {
+    return std::make_unique<CleanerOf<browser>>(std::move(home));
 }
 
 template <std::size_t... ordinals>
@@ -73,10 +70,8 @@ constexpr std::array<Factory, sizeof...(ordinals)> factories(
 
 }  // namespace
 
-CatalogueCleaner::CatalogueCleaner(Browser browser, std::shared_ptr<const FileManager> fileManager,
-                                   SystemServices services)
-    : browser_(browser),
-      profileReader_(makeReader(browser, std::move(fileManager), std::move(services))) {}
+CatalogueCleaner::CatalogueCleaner(Browser browser, Home home)
+    : browser_(browser), profileReader_(makeReader(browser, std::move(home))) {}
 
 std::string_view CatalogueCleaner::name() const noexcept {
     return displayName(browser_);
@@ -86,20 +81,13 @@ std::string_view CatalogueCleaner::bundleIdentifier() const noexcept {
     return rowOf(browser_).bundleIdentifier;
 }
 
-std::unique_ptr<const BrowserCleaner> cleaner(Browser browser,
-                                              std::shared_ptr<const FileManager> fileManager) {
-    return cleaner(browser, std::move(fileManager), SystemServices::current());
-}
-
-std::unique_ptr<const BrowserCleaner> cleaner(Browser browser,
-                                              std::shared_ptr<const FileManager> fileManager,
-                                              SystemServices services) {
+std::unique_ptr<const BrowserCleaner> cleaner(Browser browser, Home home) {
     static constexpr auto all = factories(std::make_index_sequence<allBrowsers.size()>());
-    return all[static_cast<std::size_t>(browser)](std::move(fileManager), std::move(services));
+    return all[static_cast<std::size_t>(browser)](std::move(home));
 }
 
 std::unique_ptr<const BrowserCleaner> cleaner(Browser browser) {
-    return cleaner(browser, FileManager::defaultManager());
+    return cleaner(browser, Home::current());
 }
 
 }  // namespace browsersweep

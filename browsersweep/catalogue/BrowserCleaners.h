@@ -7,8 +7,7 @@
 #include "browsersweep/Export.h"
 #include "browsersweep/base/Browser.h"
 #include "browsersweep/catalogue/BrowserCleaner.h"
-#include "browsersweep/platform/FileManager.h"
-#include "browsersweep/platform/SystemServices.h"
+#include "browsersweep/home/Home.h"
 
 /**
  * The whole library. `cleaner` is where to begin: it gives what one browser offers, from which come
@@ -25,8 +24,7 @@ public:
 
 protected:
     /** The browser's row of the catalogue, with a reader of its family. */
-    CatalogueCleaner(Browser browser, std::shared_ptr<const FileManager> fileManager,
-                     SystemServices services);
+    CatalogueCleaner(Browser browser, Home home);
 
 private:
     Browser browser_;
@@ -37,10 +35,8 @@ private:
 template <Browser browser>
 class CleanerOf : public CatalogueCleaner {
 public:
-    /** The file manager serves for the files and for the user's directories. */
-    explicit CleanerOf(std::shared_ptr<const FileManager> fileManager,
-                       SystemServices services = SystemServices::current())
-        : CatalogueCleaner(browser, std::move(fileManager), std::move(services)) {}
+    /** In this home; a file manager alone serves for the files and for the user's directories. */
+    explicit CleanerOf(Home home) : CatalogueCleaner(browser, std::move(home)) {}
 };
 
 // clang-format off
@@ -62,18 +58,10 @@ using YandexBrowserCleaner         = CleanerOf<Browser::yandexBrowser>;
 /** @} */
 // clang-format on
 
-/** A new cleaner of the browser's own type. */
-BROWSERSWEEP_EXPORT std::unique_ptr<const BrowserCleaner> cleaner(
-    Browser browser, std::shared_ptr<const FileManager> fileManager);
+/** A new cleaner of the browser's own type, for the data in this home. */
+BROWSERSWEEP_EXPORT std::unique_ptr<const BrowserCleaner> cleaner(Browser browser, Home home);
 
-/**
- * The same with other services of the system, which Safari's data needs beside its files. A host
- * that acts on another home than the current user's puts in services that touch nothing of theirs.
- */
-BROWSERSWEEP_EXPORT std::unique_ptr<const BrowserCleaner> cleaner(
-    Browser browser, std::shared_ptr<const FileManager> fileManager, SystemServices services);
-
-/** The same with the process-wide default file manager: the current user's own data. */
+/** The same for the current user's own data, through the process-wide default file manager. */
 BROWSERSWEEP_EXPORT std::unique_ptr<const BrowserCleaner> cleaner(Browser browser);
 
 }  // namespace browsersweep

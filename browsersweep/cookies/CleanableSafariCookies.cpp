@@ -104,25 +104,8 @@ std::string fileURLText(const std::filesystem::path& path) {
 
 }  // namespace
 
-CleanableSafariCookies::CleanableSafariCookies(
-    const std::shared_ptr<const FileManager>& fileManager)
-    : CleanableSafariCookies(fileManager, SystemServices::current()) {}
-
-CleanableSafariCookies::CleanableSafariCookies(
-    const std::shared_ptr<const FileManager>& fileManager, const SystemServices& services)
-    : CleanableSafariCookies(fileManager,
-                             std::make_shared<const FileManagerDirectoryProvider>(fileManager),
-                             services) {}
-
-CleanableSafariCookies::CleanableSafariCookies(
-    std::shared_ptr<const FileManager> fileManager,
-    std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider,
-    const SystemServices& services)
-    : fileManager_(std::move(fileManager)),
-      directoryProvider_(std::move(directoryProvider)),
-      cookieStorage_(services.sharedCookieStorage("Cookies")),
-      processLauncher_(services.processLauncher),
-      systemLog_(services.systemLog) {}
+CleanableSafariCookies::CleanableSafariCookies(Home home)
+    : home_(std::move(home)), cookieStorage_(home_.services().sharedCookieStorage("Cookies")) {}
 
 CleanableDataSize CleanableSafariCookies::size(CleanableDataFilters filters) const {
     CleanableDataSize total;
@@ -145,12 +128,12 @@ void CleanableSafariCookies::clean(CleanableDataFilters filters) const {
 }
 
 std::vector<std::filesystem::path> CleanableSafariCookies::cookieFiles() const {
-    const std::filesystem::path library = directoryProvider_->libraryDirectory();
+    const std::filesystem::path library = directoryProvider()->libraryDirectory();
     std::vector<std::filesystem::path> files{
         library / "Cookies/Cookies.binarycookies",
         library / "Containers/com.apple.Safari/Data/Library/Cookies/Cookies.binarycookies"};
     std::erase_if(files, [&](const std::filesystem::path& file) {
-        return !fileManager_->fileExists(file).isFile();
+        return !fileManager()->fileExists(file).isFile();
     });
     return files;
 }
@@ -158,7 +141,7 @@ std::vector<std::filesystem::path> CleanableSafariCookies::cookieFiles() const {
 CleanableDataSize CleanableSafariCookies::sizeOf(const std::filesystem::path& file,
                                                  CleanableDataFilters filters) const {
     try {
-        DecodedFile decoded = decodedFile(*fileManager_, file);
+        DecodedFile decoded = decodedFile(*fileManager(), file);
         if (filters.empty()) {
             return {static_cast<std::int64_t>(decoded.cookies.cookieCount()), fileSize(file)};
         }
@@ -171,7 +154,7 @@ CleanableDataSize CleanableSafariCookies::sizeOf(const std::filesystem::path& fi
 
 Measurement CleanableSafariCookies::fileSize(const std::filesystem::path& file) const {
     try {
-        const std::optional<std::uint64_t> size = fileManager_->attributes(file).size;
+        const std::optional<std::uint64_t> size = fileManager()->attributes(file).size;
         if (size && std::in_range<std::int64_t>(*size)) {
             return static_cast<std::int64_t>(*size);
         }
@@ -184,23 +167,23 @@ Measurement CleanableSafariCookies::fileSize(const std::filesystem::path& file) 
 void CleanableSafariCookies::stopDaemons() const {
     for (const std::string_view daemon : cookieDaemons) {
         const std::array<std::string, 2> arguments{"-c", "killall -KILL " + std::string(daemon)};
-        processLauncher_->runAndWait("/bin/sh", arguments);
+        home_.services().processLauncher->runAndWait("/bin/sh", arguments);
     }
 }
 
 void CleanableSafariCookies::cleanFile(const std::filesystem::path& file,
                                        CleanableDataFilters filters) const {
     if (filters.empty()) {
-        fileManager_->remove(file);
+        fileManager()->remove(file);
         return;
     }
     Bytes contents;
     {
-        BinaryCookies cookies = decodedFile(*fileManager_, file).cookies;
+        BinaryCookies cookies = decodedFile(*fileManager(), file).cookies;
         removeSelected(cookies, filters);
         contents = BinaryDataEncoder().encode(cookies);
     }
-    fileManager_->replace(file, contents);
+    fileManager()->replace(file, contents);
 }
 
 void CleanableSafariCookies::cleanStorage(CleanableDataFilters filters) const {
@@ -215,7 +198,7 @@ void CleanableSafariCookies::log(std::string_view message, const std::filesystem
                                  std::string_view error) const {
     std::string text(message);
     text.append(fileURLText(file)).append(": ").append(error);
-    systemLog_->debug(text);
+    home_.services().systemLog->debug(text);
 }
 
 }  // namespace browsersweep

@@ -8,9 +8,7 @@
 
 #include "browsersweep/Export.h"
 #include "browsersweep/cleanable/CleanableData.h"
-#include "browsersweep/home/CurrentUserDirectoryProvider.h"
-#include "browsersweep/platform/FileManager.h"
-#include "browsersweep/platform/SystemServices.h"
+#include "browsersweep/home/Home.h"
 
 namespace browsersweep {
 
@@ -25,17 +23,21 @@ namespace browsersweep {
  */
 class BROWSERSWEEP_EXPORT CleanableSafariCookies final : public CleanableData {
 public:
-    /** Takes the cookie storage, the processes and the log of the running system. */
-    explicit CleanableSafariCookies(const std::shared_ptr<const FileManager>& fileManager);
+    /** The cookies of this home. The storage is its services' shared one, named "Cookies". */
+    explicit CleanableSafariCookies(Home home);
 
-    /** Takes them from a set of replaceable parts. */
-    CleanableSafariCookies(const std::shared_ptr<const FileManager>& fileManager,
-                           const SystemServices& services);
-
-    /** The same with other user directories. */
-    CleanableSafariCookies(std::shared_ptr<const FileManager> fileManager,
-                           std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider,
-                           const SystemServices& services);
+    /** What reaches the cookie files. */
+    const std::shared_ptr<const FileManager>& fileManager() const noexcept {
+        return home_.fileManager();
+    }
+    /** Where the Library folder with the cookie files lies. */
+    const std::shared_ptr<const CurrentUserDirectoryProvider>& directoryProvider() const noexcept {
+        return home_.directoryProvider();
+    }
+    /** The shared storage whose cookies go with those of the files. */
+    const std::shared_ptr<HTTPCookieStorage>& cookieStorage() const noexcept {
+        return cookieStorage_;
+    }
 
     using CleanableData::clean;
     using CleanableData::size;
@@ -61,11 +63,8 @@ private:
     void log(std::string_view message, const std::filesystem::path& file,
              std::string_view error) const;
 
-    std::shared_ptr<const FileManager> fileManager_;
-    std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider_;
+    Home home_;
     std::shared_ptr<HTTPCookieStorage> cookieStorage_;
-    std::shared_ptr<const ProcessLauncher> processLauncher_;
-    std::shared_ptr<const SystemLog> systemLog_;
 };
 
 }  // namespace browsersweep

@@ -28,4 +28,8 @@ std::shared_ptr<OperationControl> FileManager::control() const noexcept {
     return nullptr;
 }
 
+bool FileManager::servesCurrentUser() const noexcept {
+    return false;
+}
+
 }  // namespace browsersweep

@@ -115,6 +115,12 @@ public:
      */
     virtual std::shared_ptr<OperationControl> control() const noexcept;
 
+    /**
+     * Whether the files are the current user's own, to whom the services of the running system
+     * belong as well. A file manager that does not say so serves another home.
+     */
+    virtual bool servesCurrentUser() const noexcept;
+
     /** Whether something is at the path. Never fails. */
     virtual FileExistence fileExists(const std::filesystem::path& path) const noexcept = 0;
 

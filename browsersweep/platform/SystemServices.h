@@ -14,7 +14,7 @@ namespace browsersweep {
 
 /**
  * What Safari's data needs of the running system beside its files. A plain set of replaceable
- * parts: tests, or a host that wants no other program to be run, put their own in. None may be
+ * parts: tests, or a host with wishes of its own, put others in. None may be
  * empty.
  */
 struct BROWSERSWEEP_EXPORT SystemServices {
@@ -29,8 +29,14 @@ struct BROWSERSWEEP_EXPORT SystemServices {
     /** Is told why a cookie file was skipped. */
     std::shared_ptr<const SystemLog> systemLog;
 
-    /** Those of the running system. */
+    /** Those of the running system: they act on the user who is logged in. */
     static SystemServices current();
+
+    /**
+     * Those that touch nothing of any user: no program is run, and the cookie storages are empty
+     * ones of their own. The version and the log are the running system's.
+     */
+    static SystemServices isolated();
 };
 
 }  // namespace browsersweep

@@ -1,9 +1,12 @@
+#include <algorithm>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "browsersweep/catalogue/BrowserCleaners.h"
+#include "browsersweep/platform/HTTPCookieStorage.h"
 #include "browsersweep/profiles/chromium/ChromiumBasedProfileReader.h"
 
 #include "tests/support/GuardedFileManager.h"
@@ -76,6 +79,42 @@ TEST(BrowserCleaners, aGivenFileManagerServesForFilesAndDirectories) {
     const auto vivaldi = cleaner(Browser::vivaldi, tests::GuardedFileManager::forFixture(home));
     const auto data = vivaldi->cleanableData([](const BrowserProfile&) { return true; });
     EXPECT_EQ(data.size(), (CleanableDataSize{1, 5}));
+}
+
+/** One cookie in the storage that the user's programs share, for as long as the test runs. */
+class SharedCookie {
+public:
+    SharedCookie() { storage_->setCookie(cookie_); }
+    SharedCookie(const SharedCookie&) = delete;
+    SharedCookie& operator=(const SharedCookie&) = delete;
+    ~SharedCookie() { storage_->deleteCookie(cookie_); }
+
+    bool isThere() const {
+        const auto cookies = storage_->cookies();
+        return std::find(cookies.begin(), cookies.end(), cookie_) != cookies.end();
+    }
+
+private:
+    HTTPCookie cookie_{"live.example", "kept", "/"};
+    std::shared_ptr<HTTPCookieStorage> storage_ = HTTPCookieStorage::shared("Cookies");
+};
+
+bool everyProfile(const BrowserProfile& /*profile*/) {
+    return true;
+}
+
+TEST(BrowserCleaners, cleaningAnotherHomeLeavesTheLiveUsersCookiesAlone) {
+    const SharedCookie cookie;
+    const tests::TemporaryFolder home;
+    const auto fileManager = FileManager::forHome(home.path());
+    SafariCleaner(fileManager).cleanableData(everyProfile).clean();
+    EXPECT_TRUE(cookie.isThere()) << "through the cleaner's own type";
+    cleaner(Browser::safari, fileManager)->cleanableData(everyProfile).clean();
+    EXPECT_TRUE(cookie.isThere()) << "through the catalogue";
+    cleaner(Browser::safari, tests::GuardedFileManager::forFixture(home))
+        ->cleanableData(everyProfile)
+        .clean();
+    EXPECT_TRUE(cookie.isThere()) << "through a file manager of the host's own";
 }
 
 }  // namespace

@@ -14,7 +14,7 @@ namespace {
 const auto everyProfile = [](const bs::BrowserProfile&) { return true; };
 
 bs::CleanableDataSize cleanChrome(const std::filesystem::path& home) {
-    const auto chrome = bs::cleaner(bs::Browser::googleChrome, bs::FileManager::forHome(home));
+    const auto chrome = bs::cleaner(bs::Browser::googleChrome, bs::Home::at(home));
     return chrome->cleanableData(everyProfile).cleanAndReturnSize({});
 }
 

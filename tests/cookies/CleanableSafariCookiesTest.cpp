@@ -112,7 +112,10 @@ protected:
         services_.systemLog = std::make_shared<const RecordingLog>(log_);
     }
 
-    CleanableSafariCookies item() const { return {fileManager_, services_}; }
+    CleanableSafariCookies item() const { return itemOver(fileManager_); }
+    CleanableSafariCookies itemOver(std::shared_ptr<const FileManager> fileManager) const {
+        return CleanableSafariCookies(Home(std::move(fileManager)).withServices(services_));
+    }
 
     void fillStorage() {
         for (const char* domain : {"www.EXAMPLE.org", "other.net"}) {

@@ -16,6 +16,7 @@ public:
     std::shared_ptr<OperationControl> control() const noexcept override {
         return target_->control();
     }
+    bool servesCurrentUser() const noexcept override { return target_->servesCurrentUser(); }
     FileExistence fileExists(const std::filesystem::path& path) const noexcept override {
         return target_->fileExists(path);
     }

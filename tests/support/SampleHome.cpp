@@ -70,23 +70,10 @@ std::string chromiumTable(const ChromiumTable& row) {
            "(2, 'https://two.test/', 13350000000000000), (3, 'three.example', 0);";
 }
 
-/** A log and a launcher for tests, which must reach nothing outside. */
+/** A log for tests, which must reach nothing outside. */
 class SilentLog : public SystemLog {
 public:
     void debug(std::string_view /*message*/) const noexcept override {}
-};
-
-class IdleLauncher : public ProcessLauncher {
-public:
-    void runAndWait(const fs::path& /*executable*/,
-                    std::span<const std::string> /*arguments*/) const noexcept override {}
-};
-
-class EmptyStorage : public HTTPCookieStorage {
-public:
-    std::vector<HTTPCookie> cookies() const override { return {}; }
-    void setCookie(const HTTPCookie& /*cookie*/) override {}
-    void deleteCookie(const HTTPCookie& /*cookie*/) override {}
 };
 
 void write(const fs::path& file, std::string_view contents) {
@@ -292,16 +279,15 @@ std::shared_ptr<const FileManager> SampleHome::fileManager() const {
 }
 
 SystemServices SampleHome::services() {
-    return {[] {
-                return OperatingSystemVersion{12, 0, 0};
-            },
-            [](std::string_view) { return std::make_shared<EmptyStorage>(); },
-            std::make_shared<IdleLauncher>(), std::make_shared<SilentLog>()};
+    auto services = SystemServices::isolated();
+    services.operatingSystemVersion = [] { return OperatingSystemVersion{12, 0, 0}; };
+    services.systemLog = std::make_shared<SilentLog>();
+    return services;
 }
 
 std::unique_ptr<const BrowserCleaner> SampleHome::cleaner(
     Browser browser, std::shared_ptr<const FileManager> fileManager) {
-    return browsersweep::cleaner(browser, std::move(fileManager), services());
+    return browsersweep::cleaner(browser, Home(std::move(fileManager)).withServices(services()));
 }
 
 Files SampleHome::files() const {

@@ -46,11 +46,11 @@ browsersweep_error* errorOfCurrentException() {
 
 std::unique_ptr<const BrowserCleaner> cleanerOf(const browsersweep_home* home,
                                                 browsersweep_browser browser) {
-    const auto& fileManager = required(home, "home").fileManager;
+    const auto& place = required(home, "home").home;
     if (browser >= allBrowsers.size()) {
         throw std::invalid_argument("there is no browser of this number");
     }
-    return cleaner(allBrowsers[browser], fileManager);
+    return cleaner(allBrowsers[browser], place);
 }
 
 const BrowserProfile& profileAt(const browsersweep_profiles* profiles, std::size_t index) {

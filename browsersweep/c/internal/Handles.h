@@ -9,7 +9,7 @@
 
 #include "browsersweep/c/browsersweep.h"
 #include "browsersweep/catalogue/BrowserCleaner.h"
-#include "browsersweep/platform/FileManager.h"
+#include "browsersweep/home/Home.h"
 
 // What stands behind the opaque structures of the C interface. Their names are that interface's.
 // NOLINTBEGIN(readability-identifier-naming)
@@ -20,7 +20,7 @@ struct browsersweep_error {
 };
 
 struct browsersweep_home {
-    std::shared_ptr<const browsersweep::FileManager> fileManager;
+    browsersweep::Home home;
 };
 
 struct browsersweep_profiles {

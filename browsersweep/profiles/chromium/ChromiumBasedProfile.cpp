@@ -90,18 +90,15 @@ CleanableDataFilter sessionFilesOfTabs() {
 
 }  // namespace
 
-ChromiumBasedProfile::ChromiumBasedProfile(
-    std::optional<std::string> name, Browser browser, bool isPrimary,
-    std::filesystem::path relativePath, std::shared_ptr<const FileManager> fileManager,
-    std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider)
+ChromiumBasedProfile::ChromiumBasedProfile(std::optional<std::string> name, Browser browser,
+                                           bool isPrimary, std::filesystem::path relativePath,
+                                           const Home& home)
     : name_(std::move(name)),
       browser_(browser),
       isPrimary_(isPrimary),
       relativePath_(std::move(relativePath)),
-      fileManager_(std::move(fileManager)),
-      directoryProvider_(directoryProvider
-                             ? std::move(directoryProvider)
-                             : std::make_shared<FileManagerDirectoryProvider>(fileManager_)) {}
+      fileManager_(home.fileManager()),
+      directoryProvider_(home.directoryProvider()) {}
 
 std::filesystem::path ChromiumBasedProfile::profileFolder() const {
     return directoryProvider_->applicationSupportDirectory() / relativePath_;

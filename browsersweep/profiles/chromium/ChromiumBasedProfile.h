@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "browsersweep/Export.h"
-#include "browsersweep/home/CurrentUserDirectoryProvider.h"
+#include "browsersweep/home/Home.h"
 #include "browsersweep/profiles/BrowserProfile.h"
 
 namespace browsersweep {
@@ -20,13 +20,10 @@ class BROWSERSWEEP_EXPORT ChromiumBasedProfile : public BrowserProfile {
 public:
     /**
      * The relative path leads from the user's Application Support directory to the profile folder,
-     * and from the Caches directory to its cache. Without a provider the file manager's own
-     * directories are used.
+     * and from the Caches directory to its cache.
      */
-    ChromiumBasedProfile(
-        std::optional<std::string> name, Browser browser, bool isPrimary,
-        std::filesystem::path relativePath, std::shared_ptr<const FileManager> fileManager,
-        std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider = {});
+    ChromiumBasedProfile(std::optional<std::string> name, Browser browser, bool isPrimary,
+                         std::filesystem::path relativePath, const Home& home);
 
     std::optional<std::string> name() const override { return name_; }
     Browser sourceBrowser() const noexcept override { return browser_; }

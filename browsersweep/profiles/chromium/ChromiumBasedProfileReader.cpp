@@ -8,28 +8,23 @@
 namespace browsersweep {
 
 ChromiumBasedProfileReader::ChromiumBasedProfileReader(
-    std::filesystem::path applicationSupportRelativePath,
-    std::shared_ptr<const FileManager> fileManager, Browser browser,
-    std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider)
+    std::filesystem::path applicationSupportRelativePath, Home home, Browser browser)
     : applicationSupportRelativePath_(std::move(applicationSupportRelativePath)),
-      fileManager_(std::move(fileManager)),
-      directoryProvider_(directoryProvider
-                             ? std::move(directoryProvider)
-                             : std::make_shared<FileManagerDirectoryProvider>(fileManager_)),
+      home_(std::move(home)),
       browser_(browser) {}
 
 std::vector<std::shared_ptr<const BrowserProfile>> ChromiumBasedProfileReader::profiles() const {
-    const std::filesystem::path file = directoryProvider_->applicationSupportDirectory() /
+    const std::filesystem::path file = directoryProvider()->applicationSupportDirectory() /
                                        applicationSupportRelativePath_ / "Local State";
-    if (!fileManager_->fileExists(file).isFile()) {
+    if (!fileManager()->fileExists(file).isFile()) {
         return {};
     }
-    const LocalState state = LocalState::decode(fileManager_->contents(file));
+    const LocalState state = LocalState::decode(fileManager()->contents(file));
     std::vector<std::shared_ptr<const BrowserProfile>> profiles;
     for (const LocalState::InfoCache& entry : state.infoCache) {
         profiles.push_back(std::make_shared<ChromiumBasedProfile>(
             entry.name, browser_, state.isPrimary(entry),
-            applicationSupportRelativePath_ / entry.folder, fileManager_, directoryProvider_));
+            applicationSupportRelativePath_ / entry.folder, home_));
     }
     return profiles;
 }

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "browsersweep/Export.h"
-#include "browsersweep/home/CurrentUserDirectoryProvider.h"
+#include "browsersweep/home/Home.h"
 #include "browsersweep/profiles/BrowserProfileReader.h"
 
 namespace browsersweep {
@@ -13,18 +13,22 @@ namespace browsersweep {
 /** Lists the profiles that a Chromium-based browser records in its file "Local State". */
 class BROWSERSWEEP_EXPORT ChromiumBasedProfileReader : public BrowserProfileReader {
 public:
-    /**
-     * The path leads from the user's Application Support directory to the browser's data folder.
-     * Without a provider the file manager's own directories are used.
+    /** The path leads from the user's Application Support directory to the browser's data folder.
      */
-    ChromiumBasedProfileReader(
-        std::filesystem::path applicationSupportRelativePath,
-        std::shared_ptr<const FileManager> fileManager, Browser browser,
-        std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider = {});
+    ChromiumBasedProfileReader(std::filesystem::path applicationSupportRelativePath, Home home,
+                               Browser browser);
 
     /** The path below Application Support that it was made with. */
     const std::filesystem::path& applicationSupportRelativePath() const noexcept {
         return applicationSupportRelativePath_;
+    }
+    /** What reaches its files. */
+    const std::shared_ptr<const FileManager>& fileManager() const noexcept {
+        return home_.fileManager();
+    }
+    /** Where its user's data lies. */
+    const std::shared_ptr<const CurrentUserDirectoryProvider>& directoryProvider() const noexcept {
+        return home_.directoryProvider();
     }
     /** The browser that its profiles belong to. */
     Browser browser() const noexcept { return browser_; }
@@ -38,8 +42,7 @@ public:
 
 private:
     std::filesystem::path applicationSupportRelativePath_;
-    std::shared_ptr<const FileManager> fileManager_;
-    std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider_;
+    Home home_;
     Browser browser_;
 };
 

@@ -1,10 +1,11 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "browsersweep/Export.h"
-#include "browsersweep/home/CurrentUserDirectoryProvider.h"
+#include "browsersweep/home/Home.h"
 #include "browsersweep/profiles/BrowserProfileReader.h"
 
 namespace browsersweep {
@@ -15,17 +16,14 @@ namespace browsersweep {
  */
 class BROWSERSWEEP_EXPORT OperaProfileReader : public BrowserProfileReader {
 public:
-    /** Without a provider the file manager's own directories are used. */
-    explicit OperaProfileReader(
-        std::shared_ptr<const FileManager> fileManager,
-        std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider = {});
+    /** Reads in this home. */
+    explicit OperaProfileReader(Home home) : home_(std::move(home)) {}
 
     /** Always one nameless primary `ChromiumBasedProfile`. Reads no file and never fails. */
     std::vector<std::shared_ptr<const BrowserProfile>> profiles() const override;
 
 private:
-    std::shared_ptr<const FileManager> fileManager_;
-    std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider_;
+    Home home_;
 };
 
 }  // namespace browsersweep

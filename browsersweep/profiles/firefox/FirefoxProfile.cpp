@@ -105,18 +105,14 @@ std::vector<Row> rowsOfCopy(const std::filesystem::path& database, const std::st
 
 }  // namespace
 
-FirefoxProfile::FirefoxProfile(
-    std::optional<std::string> name, bool isPrimary, bool isRelative, std::filesystem::path path,
-    std::shared_ptr<const FileManager> fileManager,
-    std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider)
+FirefoxProfile::FirefoxProfile(std::optional<std::string> name, bool isPrimary, bool isRelative,
+                               std::filesystem::path path, const Home& home)
     : name_(std::move(name)),
       isPrimary_(isPrimary),
       isRelative_(isRelative),
       path_(std::move(path)),
-      fileManager_(std::move(fileManager)),
-      directoryProvider_(directoryProvider
-                             ? std::move(directoryProvider)
-                             : std::make_shared<FileManagerDirectoryProvider>(fileManager_)) {}
+      fileManager_(home.fileManager()),
+      directoryProvider_(home.directoryProvider()) {}
 
 std::filesystem::path FirefoxProfile::directoryBelowApplicationSupport() const {
     return appendingPath(directoryProvider_->applicationSupportDirectory(), path_);

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "browsersweep/Export.h"
-#include "browsersweep/home/CurrentUserDirectoryProvider.h"
+#include "browsersweep/home/Home.h"
 #include "browsersweep/profiles/BrowserProfile.h"
 
 namespace browsersweep {
@@ -20,12 +20,10 @@ class BROWSERSWEEP_EXPORT FirefoxProfile : public BrowserProfile {
 public:
     /**
      * A relative path leads from the user's Application Support directory to the profile, and from
-     * the Caches directory to its cache; with an absolute path both are the same folder. Without a
-     * provider the file manager's own directories are used.
+     * the Caches directory to its cache; with an absolute path both are the same folder.
      */
     FirefoxProfile(std::optional<std::string> name, bool isPrimary, bool isRelative,
-                   std::filesystem::path path, std::shared_ptr<const FileManager> fileManager,
-                   std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider = {});
+                   std::filesystem::path path, const Home& home);
 
     std::optional<std::string> name() const override { return name_; }
     Browser sourceBrowser() const noexcept override { return Browser::firefox; }

@@ -38,21 +38,13 @@ bool isSet(const IniFile::Properties& properties, const std::string& key) {
 
 }  // namespace
 
-FirefoxProfileReader::FirefoxProfileReader(
-    std::shared_ptr<const FileManager> fileManager,
-    std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider)
-    : fileManager_(std::move(fileManager)),
-      directoryProvider_(directoryProvider
-                             ? std::move(directoryProvider)
-                             : std::make_shared<FileManagerDirectoryProvider>(fileManager_)) {}
-
 std::vector<std::shared_ptr<const BrowserProfile>> FirefoxProfileReader::profiles() const {
     const std::filesystem::path file =
-        directoryProvider_->applicationSupportDirectory() / firefoxFolder / "profiles.ini";
-    if (!fileManager_->fileExists(file).isFile()) {
+        directoryProvider()->applicationSupportDirectory() / firefoxFolder / "profiles.ini";
+    if (!fileManager()->fileExists(file).isFile()) {
         return {};
     }
-    const IniFile iniFile = decode(fileManager_->contents(file.lexically_normal()));
+    const IniFile iniFile = decode(fileManager()->contents(file.lexically_normal()));
     std::vector<std::shared_ptr<const BrowserProfile>> profiles;
     for (const auto& [section, properties] : iniFile.sections()) {
         if (section.compare(0, profilePrefix.size(), profilePrefix) != 0) {
@@ -75,8 +67,7 @@ std::shared_ptr<const BrowserProfile> FirefoxProfileReader::makeProfile(
     const bool isRelative = isSet(properties, "IsRelative");
     return std::make_shared<FirefoxProfile>(
         std::move(name), isSet(properties, "Default"), isRelative,
-        isRelative ? appendingPath(firefoxFolder, *path) : std::filesystem::path(*path),
-        fileManager_, directoryProvider_);
+        isRelative ? appendingPath(firefoxFolder, *path) : std::filesystem::path(*path), home_);
 }
 
 }  // namespace browsersweep

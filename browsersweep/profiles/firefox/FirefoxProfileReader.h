@@ -3,10 +3,11 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "browsersweep/Export.h"
-#include "browsersweep/home/CurrentUserDirectoryProvider.h"
+#include "browsersweep/home/Home.h"
 #include "browsersweep/profiles/BrowserProfileReader.h"
 
 namespace browsersweep {
@@ -17,10 +18,17 @@ namespace browsersweep {
  */
 class BROWSERSWEEP_EXPORT FirefoxProfileReader : public BrowserProfileReader {
 public:
-    /** Without a provider the file manager's own directories are used. */
-    explicit FirefoxProfileReader(
-        std::shared_ptr<const FileManager> fileManager,
-        std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider = {});
+    /** Reads in this home. */
+    explicit FirefoxProfileReader(Home home) : home_(std::move(home)) {}
+
+    /** What reaches its files. */
+    const std::shared_ptr<const FileManager>& fileManager() const noexcept {
+        return home_.fileManager();
+    }
+    /** Where its user's data lies. */
+    const std::shared_ptr<const CurrentUserDirectoryProvider>& directoryProvider() const noexcept {
+        return home_.directoryProvider();
+    }
 
     /**
      * The sections named "Profile..." that have a "Name" and a "Path", in the order of the
@@ -33,8 +41,7 @@ private:
     std::shared_ptr<const BrowserProfile> makeProfile(
         const std::map<std::string, std::string>& properties) const;
 
-    std::shared_ptr<const FileManager> fileManager_;
-    std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider_;
+    Home home_;
 };
 
 }  // namespace browsersweep

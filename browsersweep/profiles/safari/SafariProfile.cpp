@@ -33,17 +33,8 @@ std::vector<URL> sitesAllowedIn(const std::filesystem::path& file, const FileMan
 
 }  // namespace
 
-SafariProfile::SafariProfile(std::shared_ptr<const FileManager> fileManager,
-                             SystemServices services,
-                             std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider)
-    : fileManager_(std::move(fileManager)),
-      services_(std::move(services)),
-      directoryProvider_(directoryProvider
-                             ? std::move(directoryProvider)
-                             : std::make_shared<FileManagerDirectoryProvider>(fileManager_)) {}
-
 std::filesystem::path SafariProfile::safariFolder() const {
-    return directoryProvider_->libraryDirectory() / "Safari";
+    return home_.directoryProvider()->libraryDirectory() / "Safari";
 }
 
 CleanableDataList SafariProfile::directories(std::span<const std::filesystem::path> paths,
@@ -51,25 +42,24 @@ CleanableDataList SafariProfile::directories(std::span<const std::filesystem::pa
     Items items;
     for (const std::filesystem::path& path : paths) {
         items.push_back(std::make_shared<CleanableDirectory>(
-            path, requiresClosedBrowser, std::vector<CleanableDataFilter>{}, fileManager_));
+            path, requiresClosedBrowser, std::vector<CleanableDataFilter>{}, home_.fileManager()));
     }
     return CleanableDataList(std::move(items));
 }
 
 CleanableDataMap SafariProfile::cleanableData() const {
-    const std::filesystem::path library = directoryProvider_->libraryDirectory();
+    const std::filesystem::path library = home_.directoryProvider()->libraryDirectory();
     const std::filesystem::path containerCaches =
         library / "Containers/com.apple.Safari/Data/Library/Caches";
-    const bool guarded = services_.operatingSystemVersion() >= firstWithGuardedCaches;
+    const bool guarded = home_.services().operatingSystemVersion() >= firstWithGuardedCaches;
     const std::array caches{containerCaches / "com.apple.Safari/", containerCaches / "WebKit/",
                             library / "Caches/com.apple.Safari/"};
     const std::array flash{library / "Preferences/Macromedia/"};
     const std::array storage{safariFolder() / "LocalStorage/"};
     const Items history{std::make_shared<SafariHistoryCleanableDatabase>(
-        safariFolder() / "History.db", fileManager_)};
+        safariFolder() / "History.db", home_.fileManager())};
 
-    const Items cookies{
-        std::make_shared<CleanableSafariCookies>(fileManager_, directoryProvider_, services_)};
+    const Items cookies{std::make_shared<CleanableSafariCookies>(home_)};
 
     CleanableDataMap::Lists lists;
     lists.emplace(Category::cache, directories(caches, guarded));
@@ -82,18 +72,18 @@ CleanableDataMap SafariProfile::cleanableData() const {
 
 std::vector<Bookmark> SafariProfile::bookmarks() const {
     // Not tested for existence: without this file Safari's bookmarks are not known to be none.
-    const Bytes contents = fileManager_->contents(safariFolder() / "Bookmarks.plist");
+    const Bytes contents = home_.fileManager()->contents(safariFolder() / "Bookmarks.plist");
     return SafariBookmarks::decode(contents).bookmarks();
 }
 
 std::vector<std::shared_ptr<const NotificationSubscription>>
 SafariProfile::notificationSubscriptions() const {
     const std::filesystem::path file = safariFolder() / "RemoteNotifications/Permissions.plist";
-    if (!fileManager_->fileExists(file).isFile()) {
+    if (!home_.fileManager()->fileExists(file).isFile()) {
         return {};
     }
     std::vector<std::shared_ptr<const NotificationSubscription>> subscriptions;
-    for (URL& site : sitesAllowedIn(file, *fileManager_)) {
+    for (URL& site : sitesAllowedIn(file, *home_.fileManager())) {
         subscriptions.push_back(
             std::make_shared<SafariSubscription>(std::move(site), Browser::safari, file));
     }

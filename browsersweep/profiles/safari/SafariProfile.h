@@ -5,11 +5,11 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "browsersweep/Export.h"
-#include "browsersweep/home/CurrentUserDirectoryProvider.h"
-#include "browsersweep/platform/SystemServices.h"
+#include "browsersweep/home/Home.h"
 #include "browsersweep/profiles/BrowserProfile.h"
 
 namespace browsersweep {
@@ -17,11 +17,8 @@ namespace browsersweep {
 /** The one set of data that Safari keeps per user. It never writes a file itself. */
 class BROWSERSWEEP_EXPORT SafariProfile : public BrowserProfile {
 public:
-    /** Without a provider the file manager's own directories are used. */
-    explicit SafariProfile(
-        std::shared_ptr<const FileManager> fileManager,
-        SystemServices services = SystemServices::current(),
-        std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider = {});
+    /** The profile in this home. */
+    explicit SafariProfile(Home home) : home_(std::move(home)) {}
 
     /** Always absent. */
     std::optional<std::string> name() const override { return std::nullopt; }
@@ -52,9 +49,7 @@ private:
     CleanableDataList directories(std::span<const std::filesystem::path> paths,
                                   bool requiresClosedBrowser) const;
 
-    std::shared_ptr<const FileManager> fileManager_;
-    SystemServices services_;
-    std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider_;
+    Home home_;
 };
 
 }  // namespace browsersweep

@@ -1,11 +1,11 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "browsersweep/Export.h"
-#include "browsersweep/home/CurrentUserDirectoryProvider.h"
-#include "browsersweep/platform/SystemServices.h"
+#include "browsersweep/home/Home.h"
 #include "browsersweep/profiles/BrowserProfileReader.h"
 
 namespace browsersweep {
@@ -13,19 +13,23 @@ namespace browsersweep {
 /** Lists Safari's profiles: always exactly one. */
 class BROWSERSWEEP_EXPORT SafariProfileReader : public BrowserProfileReader {
 public:
-    /** Without a provider the file manager's own directories are used. */
-    explicit SafariProfileReader(
-        std::shared_ptr<const FileManager> fileManager,
-        SystemServices services = SystemServices::current(),
-        std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider = {});
+    /** Reads in this home. */
+    explicit SafariProfileReader(Home home) : home_(std::move(home)) {}
+
+    /** What reaches its files. */
+    const std::shared_ptr<const FileManager>& fileManager() const noexcept {
+        return home_.fileManager();
+    }
+    /** Where its user's data lies. */
+    const std::shared_ptr<const CurrentUserDirectoryProvider>& directoryProvider() const noexcept {
+        return home_.directoryProvider();
+    }
 
     /** One `SafariProfile`, whether or not Safari has ever been run. Reads no file. */
     std::vector<std::shared_ptr<const BrowserProfile>> profiles() const override;
 
 private:
-    std::shared_ptr<const FileManager> fileManager_;
-    SystemServices services_;
-    std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider_;
+    Home home_;
 };
 
 }  // namespace browsersweep

@@ -182,7 +182,7 @@ private:
 TEST_F(FirefoxProfileReaderTest, profilesLieWhereTheDirectoryProviderSays) {
     home_.write("support/Firefox/profiles.ini", "[Profile0]\nName=a\nIsRelative=1\nPath=p\n");
     const auto profiles =
-        FirefoxProfileReader(fileManager(), std::make_shared<OtherDirectories>(home_.path()))
+        FirefoxProfileReader({fileManager(), std::make_shared<OtherDirectories>(home_.path())})
             .profiles();
     ASSERT_EQ(profiles.size(), 1U);
     home_.write("caches/Firefox/p/cache2/entry", "12345");

@@ -26,7 +26,8 @@ SystemServices noServices() {
 TEST(SafariProfileReader, thereIsOneProfileWhetherOrNotSafariWasEverRun) {
     const tests::TemporaryFolder folder;
     const auto fileManager = tests::GuardedFileManager::forFixture(folder);
-    const auto profiles = SafariProfileReader(fileManager, noServices()).profiles();
+    const auto profiles =
+        SafariProfileReader(Home(fileManager).withServices(noServices())).profiles();
     ASSERT_EQ(1U, profiles.size());
     EXPECT_NE(nullptr, dynamic_cast<const SafariProfile*>(profiles.front().get()));
     EXPECT_EQ(std::vector<std::string>{}, folder.snapshot());
@@ -37,7 +38,8 @@ TEST(SafariProfileReader, itReadsNoFileAndNeverFails) {
     const auto fileManager = std::make_shared<tests::FaultyFileManager>(
         tests::GuardedFileManager::forFixture(folder),
         tests::Fault{1, std::errc::io_error, tests::Fault::Duration::fromThenOn});
-    EXPECT_EQ(1U, SafariProfileReader(fileManager, noServices()).profiles().size());
+    EXPECT_EQ(1U,
+              SafariProfileReader(Home(fileManager).withServices(noServices())).profiles().size());
     EXPECT_EQ(0U, fileManager->operationCount());
 }
 

@@ -70,7 +70,10 @@ protected:
         };
         return services;
     }
-    SafariProfile profile() { return SafariProfile(fileManager_, services(catalina)); }
+    SafariProfile profile() { return profileOver(fileManager_, catalina); }
+    SafariProfile profileOver(const Home& home, OperatingSystemVersion version) {
+        return SafariProfile(home.withServices(services(version)));
+    }
 
     std::filesystem::path library() const {
         return FileManagerDirectoryProvider(fileManager_).libraryDirectory();
@@ -168,7 +171,7 @@ TEST_F(SafariProfileTest, theCacheNeedsSafariClosedFromCatalinaOn) {
     for (const auto& [version, closed] : {std::pair(mojave, false), std::pair(catalina, true),
                                           std::pair(OperatingSystemVersion{26, 0, 0}, true)}) {
         SCOPED_TRACE(version.minor);
-        const CleanableDataMap map = SafariProfile(fileManager_, services(version)).cleanableData();
+        const CleanableDataMap map = profileOver(fileManager_, version).cleanableData();
         EXPECT_EQ(cacheRows(library(), closed), directories(map, Category::cache));
         EXPECT_TRUE(map.find(Category::localStorage)->requiresClosedBrowserToClean());
         EXPECT_FALSE(map.find(Category::flashCookies)->requiresClosedBrowserToClean());
@@ -176,7 +179,7 @@ TEST_F(SafariProfileTest, theCacheNeedsSafariClosedFromCatalinaOn) {
 }
 
 TEST_F(SafariProfileTest, theVersionIsAskedEachTime) {
-    const SafariProfile profile(fileManager_, services(mojave));
+    const SafariProfile profile = profileOver(fileManager_, mojave);
     EXPECT_FALSE(profile.cleanableData().find(Category::cache)->requiresClosedBrowserToClean());
     *version_ = catalina;
     EXPECT_TRUE(profile.cleanableData().find(Category::cache)->requiresClosedBrowserToClean());
@@ -184,14 +187,14 @@ TEST_F(SafariProfileTest, theVersionIsAskedEachTime) {
 
 TEST_F(SafariProfileTest, listingItsDataTouchesNoFile) {
     const auto noFiles = std::make_shared<NoFiles>(fileManager_);
-    EXPECT_EQ(5U, SafariProfile(noFiles, services(catalina)).cleanableData().lists().size());
+    EXPECT_EQ(5U, profileOver(noFiles, catalina).cleanableData().lists().size());
 }
 
 TEST_F(SafariProfileTest, theDirectoriesCanBeReplacedOnTheirOwn) {
     const TemporaryFolder other;
     const auto provider =
         std::make_shared<FileManagerDirectoryProvider>(GuardedFileManager::forFixture(other));
-    const SafariProfile profile(fileManager_, services(catalina), provider);
+    const SafariProfile profile = profileOver(Home(fileManager_, provider), catalina);
     EXPECT_EQ(cacheRows(provider->libraryDirectory(), true),
               directories(profile.cleanableData(), Category::cache));
 }
@@ -248,7 +251,7 @@ TEST_F(SafariProfileTest, permissionsThatCannotBeReadAreNone) {
         EXPECT_EQ(none, subscriptions(profile()));
     }
     const auto unreadable = std::make_shared<UnreadableFiles>(fileManager_);
-    EXPECT_EQ(none, subscriptions(SafariProfile(unreadable, services(catalina))));
+    EXPECT_EQ(none, subscriptions(profileOver(unreadable, catalina)));
 }
 
 TEST_F(SafariProfileTest, aDirectoryInThePlaceOfThePermissionsIsNone) {

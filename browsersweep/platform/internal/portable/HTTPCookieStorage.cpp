@@ -4,34 +4,9 @@
 #include <map>
 #include <mutex>
 
+#include "browsersweep/platform/internal/InMemoryCookieStorage.h"
+
 namespace browsersweep {
-namespace {
-
-// Hosts may use items on several threads, and all of them share a storage.
-class InProcessCookieStorage final : public HTTPCookieStorage {
-public:
-    std::vector<HTTPCookie> cookies() const override {
-        const std::lock_guard lock(mutex_);
-        return cookies_;
-    }
-
-    void setCookie(const HTTPCookie& cookie) override {
-        const std::lock_guard lock(mutex_);
-        std::erase(cookies_, cookie);
-        cookies_.push_back(cookie);
-    }
-
-    void deleteCookie(const HTTPCookie& cookie) override {
-        const std::lock_guard lock(mutex_);
-        std::erase(cookies_, cookie);
-    }
-
-private:
-    mutable std::mutex mutex_;
-    std::vector<HTTPCookie> cookies_;
-};
-
-}  // namespace
 
 std::shared_ptr<HTTPCookieStorage> HTTPCookieStorage::shared(
     std::string_view groupContainerIdentifier) {
@@ -41,7 +16,7 @@ std::shared_ptr<HTTPCookieStorage> HTTPCookieStorage::shared(
     const std::lock_guard lock(mutex);
     std::shared_ptr<HTTPCookieStorage>& storage = storages[std::string(groupContainerIdentifier)];
     if (!storage) {
-        storage = std::make_shared<InProcessCookieStorage>();
+        storage = std::make_shared<InMemoryCookieStorage>();
     }
     return storage;
 }

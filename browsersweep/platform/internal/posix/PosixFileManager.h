@@ -18,6 +18,7 @@ public:
         : home_(std::move(home)), control_(std::move(control)) {}
 
     std::shared_ptr<OperationControl> control() const noexcept override { return control_; }
+    bool servesCurrentUser() const noexcept override { return !home_; }
     FileExistence fileExists(const std::filesystem::path& path) const noexcept override;
     FileAttributes attributes(const std::filesystem::path& path) const override;
     Bytes contents(const std::filesystem::path& path) const override;
