@@ -1,22 +1,20 @@
-#include <algorithm>
 #include <any>
-#include <cstddef>
 #include <cstdint>
-#include <memory>
-#include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <rapidcheck.h>
-#include <rapidcheck/gtest.h>
 
-#include "browsersweep/binarycoding/AnyBufferedDataSource.h"
 #include "browsersweep/binarycoding/BinaryDataDecoder.h"
 #include "browsersweep/binarycoding/BinaryDataEncoder.h"
 
+#include "tests/support/StreamedData.h"
+
 namespace browsersweep {
 namespace {
+
+using tests::streamed;
 
 using List = std::vector<std::uint8_t>;
 
@@ -44,54 +42,6 @@ struct Nested {
     }
     std::vector<Shifted> numbers;
 };
-
-// The bytes through a source that cannot show them.
-std::unique_ptr<BufferedData> streamed(const List& data) {
-    auto taken = std::make_shared<std::size_t>(0);
-    return std::make_unique<BufferedData>(std::make_unique<AnyBufferedDataSource>(
-        [taken, data](std::size_t length) {
-            const auto first = data.begin() + static_cast<std::ptrdiff_t>(*taken);
-            const std::size_t count = std::min(length, data.size() - *taken);
-            *taken += count;
-            return std::optional(List(first, first + static_cast<std::ptrdiff_t>(count)));
-        },
-        [taken, data] { return *taken == data.size(); }));
-}
-
-List slice(const List& data, std::size_t from, std::size_t length) {
-    const std::size_t end = std::min(data.size(), from + length);
-    return {data.begin() + static_cast<std::ptrdiff_t>(from),
-            data.begin() + static_cast<std::ptrdiff_t>(end)};
-}
-
-// Where the bytes end that a container may read.
-std::size_t endOf(const BinaryDecodingContainer& container, const List& data,
-                  std::size_t position) {
-    const std::size_t rest = data.size() - position;
-    return position + std::min<std::size_t>(rest, container.remainingLength().value_or(rest));
-}
-
-// Opens containers within each other to any depth. Each looks ahead, reads what a step tells it to
-// as far as it may, and leaves the rest to the one around it.
-void readNested(BinaryDecodingContainer& container, const List& data, std::size_t& position,
-                List& steps) {
-    while (!steps.empty()) {
-        const std::size_t step = steps.back();
-        steps.pop_back();
-        const std::size_t room = endOf(container, data, position) - position;
-        const std::size_t length = std::min(step % 8, room);
-        RC_ASSERT(container.peek(length + 1) == slice(data, position, std::min(length + 1, room)));
-        RC_ASSERT(container.decode(length) == slice(data, position, length));
-        position += length;
-        if (step >= 200) {
-            return;
-        }
-        if (step >= 100) {
-            auto child = container.nestedContainer(step % 16);
-            readNested(child, data, position, steps);
-        }
-    }
-}
 
 }  // namespace
 
@@ -123,20 +73,6 @@ TEST(BinaryDataEncoder, handsItsUserInfoToEveryValue) {
     const BinaryDataEncoder encoder(BinaryUserInfo{{"shift", 10}});
     EXPECT_EQ(encoder.encode(std::vector{Shifted(1), Shifted(2)}), (List{11, 0, 12, 0}));
     EXPECT_TRUE(BinaryDataEncoder().userInfo().empty());
-}
-
-RC_GTEST_PROP(BinaryDataDecoderProperty, nestedContainersReadEveryByteOnceAndInOrder,
-              (const List& data, const List& steps)) {
-    const BinaryUserInfo userInfo;
-    const auto inMemory = BinaryDataDecoder::bufferedData(data);
-    const auto stream = streamed(data);
-    for (BufferedData* const buffered : {inMemory.get(), stream.get()}) {
-        BinaryDecodingContainer root(*buffered, userInfo);
-        std::size_t position = 0;
-        List stepsLeft = steps;
-        readNested(root, data, position, stepsLeft);
-        RC_ASSERT(root.decodeRemainder() == slice(data, position, data.size()));
-    }
 }
 
 }  // namespace browsersweep
