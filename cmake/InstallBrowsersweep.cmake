@@ -13,8 +13,6 @@ foreach(header IN LISTS browsersweep_public_headers)
   get_filename_component(folder ${header} DIRECTORY)
   install(FILES ${PROJECT_SOURCE_DIR}/${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/${folder})
 endforeach()
-install(FILES ${PROJECT_BINARY_DIR}/generated/browsersweep/Export.h
-        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/browsersweep)
 
 target_include_directories(browsersweep PUBLIC $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 install(TARGETS browsersweep EXPORT browsersweepTargets)

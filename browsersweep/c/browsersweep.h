@@ -33,7 +33,7 @@
 #include <stddef.h>
 #include <stdint.h>
 
-#include "browsersweep/Export.h"
+#include "../Export.h"
 
 #ifdef __cplusplus
 extern "C" {

@@ -65,6 +65,14 @@ CASES = {
         {"c/browsersweep.h": "#include <stdbool.h>\n#ifdef __cplusplus\n#endif"},
         [],
     ),
+    "the header that C reads names its neighbour by its place": (
+        {"c/browsersweep.h": '#include "../Export.h"', "Export.h": "#ifdef X\n#endif"},
+        [],
+    ),
+    "a header named by its place elsewhere": (
+        {"c/A.cpp": '#include "../Export.h"', "Export.h": ""},
+        ['browsersweep/c/A.cpp:1: "../Export.h" is no file; write the path from the root'],
+    ),
     "a header of C elsewhere": (
         {"cleanable/A.h": "#include <stdbool.h>"},
         ["browsersweep/cleanable/A.h:1: <stdbool.h> in a public header"],
