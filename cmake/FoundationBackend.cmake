@@ -1,13 +1,12 @@
 # What the Foundation backend is compiled and linked with: the system's framework on macOS, GNUstep
 # elsewhere, where it is built for the tests alone. Included before the library, from the top.
 
-add_library(browsersweep_foundation INTERFACE)
-
 if(APPLE)
   enable_language(OBJCXX)
-  target_link_libraries(browsersweep_foundation INTERFACE "-framework Foundation")
   return()
 endif()
+
+add_library(browsersweep_foundation INTERFACE)
 
 # g++ cannot compile the exceptions of this runtime; clang can, and its objects link with g++'s.
 find_program(BROWSERSWEEP_OBJCXX NAMES clang++ REQUIRED)
