@@ -16,6 +16,7 @@ debian_test="clang clang-format clang-tidy lld libclang-rt-14-dev libc++-dev lib
 # Real browsers: without them the tests that drive them are skipped, and reported so.
 debian_optional="chromium firefox-esr"
 
-# SQLite, expat and Foundation come with the system; so does the compiler, with Xcode's tools.
+# SQLite, expat and Foundation come with the system; so does the compiler, with Xcode's tools. There is
+# no formula of rapidcheck: the tests that need it are skipped.
 macos_build="cmake ninja ccache nlohmann-json cli11 fmt"
-macos_test="googletest google-benchmark llvm shellcheck gcovr doxygen pkgconf"
+macos_test="googletest google-benchmark llvm shellcheck actionlint gcovr doxygen pkgconf"

@@ -1,0 +1,42 @@
+// swift-tools-version:5.7
+// The library for Swift's package manager: a module over the interface for C, compiled from the
+// sources here. SQLite and expat come with macOS; nlohmann-json, of which only headers are used, comes
+// from Homebrew, as scripts/setup build installs it. CMakeLists.txt is what everything else is built by.
+
+import PackageDescription
+
+#if os(macOS)
+let otherSystems = ["platform/linux", "platform/portable"]
+let systemLibraries: [LinkerSetting] = [.linkedFramework("Foundation")]
+#else
+let otherSystems = ["platform/darwin", "platform/foundation"]
+let systemLibraries: [LinkerSetting] = [.linkedLibrary("icuuc"), .linkedLibrary("icui18n")]
+#endif
+
+let package = Package(
+    name: "browsersweep",
+    platforms: [.macOS(.v12)],
+    products: [.library(name: "browsersweep", targets: ["browsersweep"])],
+    targets: [
+        .systemLibrary(
+            name: "nlohmann_json",
+            path: "packaging/swift/nlohmann_json",
+            pkgConfig: "nlohmann_json",
+            providers: [.brew(["nlohmann-json"]), .apt(["nlohmann-json3-dev"])]
+        ),
+        .target(
+            name: "browsersweep",
+            dependencies: ["nlohmann_json"],
+            path: "browsersweep",
+            exclude: ["CMakeLists.txt"] + otherSystems,
+            publicHeadersPath: "c",
+            cxxSettings: [
+                .headerSearchPath(".."),
+                .define("BROWSERSWEEP_STATIC_DEFINE"),
+                .define("BROWSERSWEEP_VERSION", to: "\"0.1.0\""),
+            ],
+            linkerSettings: [.linkedLibrary("sqlite3"), .linkedLibrary("expat")] + systemLibraries
+        ),
+    ],
+    cxxLanguageStandard: .cxx20
+)

@@ -1,0 +1,96 @@
+"""What other package managers read says the same as CMake's files."""
+
+import re
+import shutil
+import subprocess
+import sys
+
+sys.dont_write_bytecode = True
+
+from support import ROOT, ScriptTest, run_all
+
+SWIFT = (ROOT / "Package.swift").read_text("utf-8")
+FORMULA = ROOT / "packaging" / "homebrew" / "browsersweep.rb"
+LIBRARY = ROOT / "browsersweep"
+
+
+def version():
+    return re.search(r"^  VERSION (\S+)$", (ROOT / "CMakeLists.txt").read_text("utf-8"), re.M)[1]
+
+
+def folders_of_cmake():
+    """The folders whose sources CMake compiles, on macOS and elsewhere."""
+    text = (LIBRARY / "CMakeLists.txt").read_text("utf-8")
+    common = re.search(r"set\(browsersweep_folders ([^)]*)\)", text)[1].split()
+    common = [folder for folder in common if "${" not in folder]
+    return {
+        "macOS": {*common, "platform/foundation", "platform/darwin"},
+        "elsewhere": {*common, "platform/portable", "platform/linux"},
+    }
+
+
+def folders_of_swift():
+    """The folders whose sources Swift's package manager compiles: all but those left out."""
+    lists = re.findall(r"^let otherSystems = \[(.*)\]$", SWIFT, re.M)
+    left_out = dict(zip(("macOS", "elsewhere"), (set(re.findall(r'"([^"]+)"', row)) for row in lists)))
+    sources = [path for suffix in ("cpp", "mm", "c") for path in LIBRARY.rglob(f"*.{suffix}")]
+    folders = {path.parent.relative_to(LIBRARY).as_posix() for path in sources}
+    return {system: folders - without for system, without in left_out.items()}
+
+
+class SwiftPackage(ScriptTest):
+    def test_it_compiles_the_folders_that_cmake_compiles(self):
+        self.assertEqual(folders_of_swift(), folders_of_cmake())
+
+    def test_what_it_leaves_out_is_there(self):
+        for name in re.findall(r'"(platform/\w+)"', SWIFT) + ["CMakeLists.txt", "c/module.modulemap"]:
+            self.assertTrue((LIBRARY / name).exists(), name)
+
+    def test_its_version_is_the_projects(self):
+        self.assertEqual(re.findall(r'\.define\("BROWSERSWEEP_VERSION", to: "\\"(.*)\\""\)', SWIFT), [version()])
+
+    def test_the_module_needs_no_header_outside_its_reach(self):
+        # Who imports the module searches its own folder alone.
+        if shutil.which("clang") is None:
+            self.skipTest("clang is not installed")
+        source = self.folder / "module.m"
+        source.write_text("@import browsersweep;\nconst char *version(void) "
+                          "{ return browsersweep_version(); }\n", encoding="utf-8")
+        for headers in (LIBRARY / "c", self.xcframework_headers()):
+            with self.subTest(headers=headers):
+                command = ["clang", "-x", "objective-c", "-fmodules", "-fsyntax-only", "-Wall", "-Werror"]
+                command += [f"-fmodules-cache-path={self.folder}/modules", "-I", headers, source]
+                finished = subprocess.run(command, stderr=subprocess.PIPE, text=True, check=False)
+                self.assertEqual((finished.returncode, finished.stderr), (0, ""))
+
+    def xcframework_headers(self):
+        """The folder of headers as scripts/release lays it out."""
+        folder = self.folder / "headers"
+        for name in ("Export.h", "c/browsersweep.h"):
+            (folder / "browsersweep" / name).parent.mkdir(parents=True, exist_ok=True)
+            shutil.copy(LIBRARY / name, folder / "browsersweep" / name)
+        shutil.copy(ROOT / "packaging" / "xcframework" / "module.modulemap", folder / "browsersweep")
+        return folder
+
+
+class HomebrewFormula(ScriptTest):
+    def test_it_is_ruby(self):
+        if shutil.which("ruby") is None:
+            self.skipTest("ruby is not installed")
+        finished = subprocess.run(["ruby", "-c", FORMULA], stdout=subprocess.PIPE, check=False)
+        self.assertEqual(finished.returncode, 0)
+
+    def test_it_asks_for_what_building_needs(self):
+        text = FORMULA.read_text("utf-8")
+        wanted = re.search(r'^macos_build="([^"]*)"$', (ROOT / "scripts/lib/packages.sh").read_text(), re.M)[1]
+        asked = set(re.findall(r'depends_on "([^"]+)" => :build', text))
+        self.assertEqual(asked, set(wanted.split()) - {"ccache"})
+
+    def test_its_options_are_the_projects(self):
+        options = (ROOT / "CMakeLists.txt").read_text("utf-8")
+        for name in re.findall(r'"-D(BROWSERSWEEP_\w+)=', FORMULA.read_text("utf-8")):
+            self.assertIn(f"option({name} ", options)
+
+
+if __name__ == "__main__":
+    run_all()
