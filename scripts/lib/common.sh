@@ -83,19 +83,14 @@ configure() {
     if have ccache; then
         launcher=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
     fi
-    # Where everything is built, files are compiled together. Without precompiled headers the compiler's
-    # cache serves the second of these two with nearly all objects of the first. What fails is told by its
-    # line; its variables, for a debugger, are left to the everyday build.
-    local options=(-DCMAKE_UNITY_BUILD=ON)
-    case $preset in debug | foundation)
-        options=("${options[@]}" -DBROWSERSWEEP_FAST_TESTS=OFF -DCMAKE_CXX_FLAGS_DEBUG=-g1)
-        ;;
-    esac
+    # What fails is told by its line; its variables, for a debugger, are left to the everyday build.
+    local options=()
+    case $preset in debug | foundation) options=(-DCMAKE_CXX_FLAGS_DEBUG=-g1) ;; esac
     # It links in a fraction of the time of the system's linker.
     if ! is_macos && have ld.lld; then
-        options=("${options[@]}" -DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=lld)
+        options=(${options[@]+"${options[@]}"} -DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=lld)
     fi
-    (cd "$root" && cmake --preset "$preset" "${options[@]}" \
+    (cd "$root" && cmake --preset "$preset" ${options[@]+"${options[@]}"} \
         ${launcher[@]+"${launcher[@]}"} "$@")
 }
 
