@@ -203,7 +203,7 @@ std::string table(const SizesReport& report) {
 }
 
 /** The browsers that keep nothing that was asked for. */
-std::string emptyBrowsersParagraph(const SizesReport& report) {
+std::string emptyBrowsers(const SizesReport& report) {
     const auto names = namesOfEmptyBrowsers(report);
     return names.empty() ? std::string()
                          : fmt::format("<p class=\"quiet\">No data found: {}.</p>\n",
@@ -242,8 +242,8 @@ std::string htmlText(const SizesReport& report, const PageFacts& facts) {
     return fmt::format(
         "<!DOCTYPE html>\n<html lang=\"en\">\n{}<body>\n<main>\n{}<h2>By browser</h2>\n{}{}{}{}"
         "</main>\n</body>\n</html>\n",
-        head(), summary(report, facts), overview(report), emptyBrowsersParagraph(report),
-        cards(report), table(report));
+        head(), summary(report, facts), overview(report), emptyBrowsers(report), cards(report),
+        table(report));
 }
 
 }  // namespace browsersweep::cli

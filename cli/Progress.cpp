@@ -10,7 +10,7 @@
 namespace browsersweep::cli {
 namespace {
 
-constexpr std::size_t progressWidth = 16;
+constexpr std::size_t barWidth = 16;
 constexpr std::string_view startOfLine = "\r";
 constexpr std::string_view eraseToEndOfLine = "\x1b[K";
 
@@ -18,9 +18,8 @@ constexpr std::string_view eraseToEndOfLine = "\x1b[K";
 
 std::string progressLine(std::string_view what, WorkDone done, std::size_t columns) {
     const std::size_t full =
-        done.all == 0 ? progressWidth
-                      : std::min(progressWidth, done.finished * progressWidth / done.all);
-    return fmt::format("[{:#<{}}{:-<{}}] {}", "", full, "", progressWidth - full, what)
+        done.all == 0 ? barWidth : std::min(barWidth, done.finished * barWidth / done.all);
+    return fmt::format("[{:#<{}}{:-<{}}] {}", "", full, "", barWidth - full, what)
         .substr(0, columns);
 }
 

@@ -126,7 +126,7 @@ private:
 };
 
 /** The browsers that have no profile that was asked for. */
-std::string emptyBrowsersLine(const SizesReport& report) {
+std::string emptyBrowsers(const SizesReport& report) {
     const auto names = namesOfEmptyBrowsers(report);
     return names.empty() ? "" : fmt::format("No data found: {}", fmt::join(names, ", "));
 }
@@ -141,7 +141,7 @@ std::string remark(const std::string& text, const Appearance& appearance) {
 }
 
 std::string peopleTextOf(const SizesReport& report, const Appearance& appearance) {
-    return SizesTable(report, appearance).text() + remark(emptyBrowsersLine(report), appearance) +
+    return SizesTable(report, appearance).text() + remark(emptyBrowsers(report), appearance) +
            remark(legend(report.total), appearance);
 }
 

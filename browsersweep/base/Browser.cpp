@@ -12,7 +12,7 @@ struct BrowserNames {
 };
 
 // clang-format off
-constexpr std::array<BrowserNames, allBrowsers.size()> browserNames{{
+constexpr std::array<BrowserNames, allBrowsers.size()> names{{
     {"quenbySecureBrowser",   "Quenby Secure Browser"},
     {"tarrowSecureBrowser",   "Tarrow Secure Browser"},
     {"brave",                 "Brave Browser"},
@@ -30,7 +30,7 @@ constexpr std::array<BrowserNames, allBrowsers.size()> browserNames{{
 // clang-format on
 
 const BrowserNames& namesOf(Browser browser) noexcept {
-    return browserNames[static_cast<std::size_t>(browser)];
+    return names[static_cast<std::size_t>(browser)];
 }
 
 }  // namespace

@@ -65,7 +65,7 @@ std::size_t sequenceLength(std::string_view text) noexcept {
     return std::all_of(rest.begin(), rest.end(), isContinuation) ? row->length : 0;
 }
 
-bool isValidUTF8(std::string_view text) noexcept {
+bool isUTF8(std::string_view text) noexcept {
     while (!text.empty()) {
         const std::size_t length = sequenceLength(text);
         if (length == 0) {
@@ -123,14 +123,14 @@ std::optional<std::string> decodedText(std::span<const std::uint8_t> bytes,
     if (encoding == StringEncoding::isoLatin1) {
         return textOfLatin1(text);
     }
-    return textIf(encoding == StringEncoding::ascii ? isASCII(text) : isValidUTF8(text), text);
+    return textIf(encoding == StringEncoding::ascii ? isASCII(text) : isUTF8(text), text);
 }
 
 std::optional<std::string> encodedText(std::string_view text, StringEncoding encoding) {
     if (encoding == StringEncoding::isoLatin1) {
         return latin1OfText(text);
     }
-    return textIf(encoding == StringEncoding::ascii ? isASCII(text) : isValidUTF8(text), text);
+    return textIf(encoding == StringEncoding::ascii ? isASCII(text) : isUTF8(text), text);
 }
 
 }  // namespace browsersweep

@@ -23,7 +23,7 @@ constexpr std::uint64_t fileFooter = 0x4B00000005201707U;
 constexpr std::uint32_t pageHeader = 0x00010000U;
 constexpr std::uint32_t portFollows = 1;
 constexpr std::size_t recordHeadLength = 56;
-constexpr std::uint8_t textTerminator = 0;
+constexpr std::uint8_t terminator = 0;
 
 // The strings of a record in the order in which their offsets are stored.
 constexpr std::size_t textCount = 6;
@@ -189,7 +189,7 @@ Cookie::Cookie(const BinaryDecoder& from) {
     for (const std::uint32_t offset : sorted(offsets)) {
         if (offset != 0) {
             setText(*this, fieldAt(offsets, offset),
-                    container.decodeString(StringEncoding::ascii, textTerminator));
+                    container.decodeString(StringEncoding::ascii, terminator));
         }
     }
 }
@@ -212,7 +212,7 @@ void Cookie::encode(const BinaryEncoder& to) const {
             continue;
         }
         if (const auto text = textAt(*this, fieldAt(offsets, offset))) {
-            container.encodeString(*text, StringEncoding::ascii, textTerminator);
+            container.encodeString(*text, StringEncoding::ascii, terminator);
         }
     }
 }

@@ -13,8 +13,8 @@
 namespace browsersweep {
 namespace {
 
-constexpr std::string_view visitsTable = "history_visits";
-constexpr std::string_view itemsTable = "history_items";
+constexpr std::string_view visits = "history_visits";
+constexpr std::string_view items = "history_items";
 
 constexpr std::string_view orphanStatement =
     "DELETE\n"
@@ -37,7 +37,7 @@ constexpr std::string_view join =
     "    FROM history_visits LEFT JOIN history_items\n"
     "        ON history_items.id == history_visits.history_item\n"
     "    ";
-constexpr std::string_view queryTail = "\n);";
+constexpr std::string_view tail = "\n);";
 
 std::string joined(std::string_view head, std::string_view condition) {
     std::string text(head);
@@ -46,7 +46,7 @@ std::string joined(std::string_view head, std::string_view condition) {
         text += "WHERE ";
         text += condition;
     }
-    text += queryTail;
+    text += tail;
     return text;
 }
 
@@ -55,11 +55,11 @@ SQLiteStatementComponents safariColumns() {
     SQLiteStatementComponents::ColumnsForFiltering columns{
         "history_items.url",
         SQLiteStatementComponents::EncodableColumn<Date>{"history_visits.visit_time", encode}};
-    return {std::string(visitsTable), std::move(columns), {}};
+    return {std::string(visits), std::move(columns), {}};
 }
 
 bool qualifies(const SQLiteConnection& connection) {
-    return connection.hasTable(itemsTable) && connection.hasTable(visitsTable);
+    return connection.hasTable(items) && connection.hasTable(visits);
 }
 
 // Where SQLite looks for what belongs to a database: it follows links first.

@@ -12,7 +12,7 @@ namespace browsersweep {
 namespace {
 
 constexpr std::size_t maximumDepth = 512;
-constexpr std::size_t maximumDocumentLength = std::size_t{2} << 30;
+constexpr std::size_t maximumLength = std::size_t{2} << 30;
 
 constexpr std::array<std::string_view, 7> kindNames{"null",   "Boolean", "integer", "number",
                                                     "string", "array",   "object"};
@@ -130,7 +130,7 @@ private:
 };
 
 JsonDocument JsonDocument::parse(BytesView bytes) {
-    if (bytes.size() > maximumDocumentLength) {
+    if (bytes.size() > maximumLength) {
         throwCorrupted("it is longer than 2 GiB");
     }
     // The parser takes a zero byte for the end and would not look at what follows.

@@ -7,7 +7,7 @@
 namespace browsersweep {
 namespace {
 
-LocalState::InfoCache decodeInfoCache(std::string_view folder, JsonValue value) {
+LocalState::InfoCache decodeEntry(std::string_view folder, JsonValue value) {
     constexpr std::string_view consentKey = "is_consented_primary_account";
     const JsonValue consent = value.required(consentKey);
     const JsonValue name = value.required("name");
@@ -18,8 +18,8 @@ LocalState::InfoCache decodeInfoCache(std::string_view folder, JsonValue value) 
 std::vector<LocalState::InfoCache> decodeInfoCache(JsonValue map) {
     std::vector<LocalState::InfoCache> entries;
     for (const auto& member : map.members()) {
-        entries.push_back(decodingBelow(
-            member.first, [&] { return decodeInfoCache(member.first, member.second); }));
+        entries.push_back(
+            decodingBelow(member.first, [&] { return decodeEntry(member.first, member.second); }));
     }
     return entries;
 }

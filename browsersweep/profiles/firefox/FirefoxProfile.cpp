@@ -21,7 +21,7 @@ using Columns = SQLiteStatementComponents::ColumnsForFiltering;
 using Item = CleanableDataList::Item;
 
 /** One table of a profile's databases. One with neither column is not narrowed by filters. */
-struct FirefoxTable {
+struct TableRow {
     std::string_view file;
     std::string_view table;
     std::string_view patternColumn;
@@ -30,7 +30,7 @@ struct FirefoxTable {
 };
 
 // clang-format off
-constexpr std::array<FirefoxTable, 7> firefoxTables{{
+constexpr std::array<TableRow, 7> tableRows{{
     // file                 table                pattern      date               condition
     {"places.sqlite",       "moz_historyvisits", "",          "visit_date",      ""},
     {"places.sqlite",       "moz_inputhistory",  "",          "",                ""},
@@ -53,7 +53,7 @@ constexpr const char* allowedSitesSQL =
     "FROM moz_perms\n"
     "WHERE type == 'desktop-notification' AND permission == 1;";
 
-std::optional<Columns> columnsOf(const FirefoxTable& row) {
+std::optional<Columns> columnsForFiltering(const TableRow& row) {
     if (row.patternColumn.empty() && row.dateColumn.empty()) {
         return std::nullopt;
     }
@@ -70,13 +70,14 @@ std::optional<Columns> columnsOf(const FirefoxTable& row) {
 
 std::vector<SQLiteStatementComponents> tablesOf(const std::filesystem::path& fileName) {
     std::vector<SQLiteStatementComponents> tables;
-    for (const FirefoxTable& row : firefoxTables) {
+    for (const TableRow& row : tableRows) {
         if (fileName == row.file) {
             std::vector<std::string> clauses;
             if (!row.whereClause.empty()) {
                 clauses.emplace_back(row.whereClause);
             }
-            tables.emplace_back(std::string(row.table), columnsOf(row), std::move(clauses));
+            tables.emplace_back(std::string(row.table), columnsForFiltering(row),
+                                std::move(clauses));
         }
     }
     return tables;

@@ -14,15 +14,15 @@ namespace {
 
 constexpr std::string_view firefoxFolder = "Firefox";
 constexpr std::string_view profilePrefix = "Profile";
-constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 IniFile decode(const Bytes& contents) {
     std::string_view text(reinterpret_cast<const char*>(contents.data()), contents.size());
     if (!isUTF8(text)) {
         throw DecodingError(DecodingError::Kind::dataCorrupted, "profiles.ini is not UTF-8 text");
     }
-    if (text.substr(0, utf8Mark.size()) == utf8Mark) {
-        text.remove_prefix(utf8Mark.size());
+    if (text.substr(0, byteOrderMark.size()) == byteOrderMark) {
+        text.remove_prefix(byteOrderMark.size());
     }
     return IniFile(text);
 }

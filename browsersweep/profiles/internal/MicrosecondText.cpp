@@ -8,9 +8,9 @@ namespace browsersweep {
 
 std::string microsecondText(double seconds) {
     constexpr double microsecondsPerSecond = 1e6;
-    constexpr double firstBeyond = 9223372036854775808.0;  // 2^63
+    constexpr double twoTo63 = 9223372036854775808.0;
     const double microseconds = seconds * microsecondsPerSecond;
-    const bool fits = microseconds >= -firstBeyond && microseconds < firstBeyond;  // false for NaN
+    const bool fits = microseconds >= -twoTo63 && microseconds < twoTo63;  // false for NaN
     if (!fits) {
         fatalError("a date does not fit in 64 bits of microseconds");
     }

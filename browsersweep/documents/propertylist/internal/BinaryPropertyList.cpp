@@ -17,7 +17,7 @@
 namespace browsersweep {
 namespace {
 
-constexpr std::string_view bplistMagic = "bplist0";
+constexpr std::string_view magic = "bplist0";
 constexpr std::size_t headerSize = 8;
 constexpr std::size_t trailerSize = 32;
 
@@ -70,9 +70,9 @@ struct Expansion {
     std::uint64_t bytes = 0;
 };
 
-class BinaryReader {
+class Reader {
 public:
-    explicit BinaryReader(BytesView bytes)
+    explicit Reader(BytesView bytes)
         : bytes_(bytes),
           trailer_(readTrailer(bytes)),
           unreadBytes_(trailer_.offsetTable - headerSize),
@@ -121,7 +121,7 @@ private:
     std::vector<Object> objects_;
 };
 
-const BinaryReader::Object& BinaryReader::object(std::uint64_t index, std::size_t depth) {
+const Reader::Object& Reader::object(std::uint64_t index, std::size_t depth) {
     if (index >= trailer_.objectCount) {
         throw DecodingError::dataCorrupted(
             "a binary property list refers to an object that it does not have");
@@ -146,7 +146,7 @@ const BinaryReader::Object& BinaryReader::object(std::uint64_t index, std::size_
     return found;
 }
 
-PropertyList BinaryReader::parse(std::uint64_t offset, std::size_t depth, Expansion& expansion) {
+PropertyList Reader::parse(std::uint64_t offset, std::size_t depth, Expansion& expansion) {
     position_ = offset;
     const std::uint8_t marker = take(1)[0];
     const unsigned detail = marker & 0x0FU;
@@ -177,7 +177,7 @@ PropertyList BinaryReader::parse(std::uint64_t offset, std::size_t depth, Expans
     }
 }
 
-BytesView BinaryReader::take(std::uint64_t count) {
+BytesView Reader::take(std::uint64_t count) {
     if (count > trailer_.offsetTable - position_) {
         throw DecodingError::dataCorrupted("an object of a binary property list is cut off");
     }
@@ -191,7 +191,7 @@ BytesView BinaryReader::take(std::uint64_t count) {
     return taken;
 }
 
-std::uint64_t BinaryReader::takeCount(unsigned detail) {
+std::uint64_t Reader::takeCount(unsigned detail) {
     if (detail != 0xF) {
         return detail;
     }
@@ -202,7 +202,7 @@ std::uint64_t BinaryReader::takeCount(unsigned detail) {
     return bigEndian(take(std::uint64_t{1} << (marker & 0x0FU)));
 }
 
-std::vector<std::uint64_t> BinaryReader::takeReferences(std::uint64_t count) {
+std::vector<std::uint64_t> Reader::takeReferences(std::uint64_t count) {
     // Divided rather than multiplied: the product could wrap around.
     if (count > (trailer_.offsetTable - position_) / trailer_.referenceSize) {
         throw DecodingError::dataCorrupted("a container of a binary property list is cut off");
@@ -216,7 +216,7 @@ std::vector<std::uint64_t> BinaryReader::takeReferences(std::uint64_t count) {
     return references;
 }
 
-void BinaryReader::add(Expansion& whole, const Expansion& part) const {
+void Reader::add(Expansion& whole, const Expansion& part) const {
     whole.depth = std::max(whole.depth, part.depth + 1);
     whole.values += part.values;
     whole.bytes += part.bytes;
@@ -227,7 +227,7 @@ void BinaryReader::add(Expansion& whole, const Expansion& part) const {
     }
 }
 
-std::string BinaryReader::key(std::uint64_t index, std::size_t depth) {
+std::string Reader::key(std::uint64_t index, std::size_t depth) {
     const std::string* text = object(index, depth).value->asString();
     if (text == nullptr) {
         throw DecodingError::dataCorrupted("a key of a binary property list is no text");
@@ -240,8 +240,7 @@ std::string BinaryReader::key(std::uint64_t index, std::size_t depth) {
     return *text;
 }
 
-PropertyList BinaryReader::parseArray(std::uint64_t count, std::size_t depth,
-                                      Expansion& expansion) {
+PropertyList Reader::parseArray(std::uint64_t count, std::size_t depth, Expansion& expansion) {
     expansion.depth = 1;
     requireReadableDepth(depth + 1);
     PropertyList::Array values;
@@ -255,8 +254,7 @@ PropertyList BinaryReader::parseArray(std::uint64_t count, std::size_t depth,
     return PropertyList::array(std::move(values));
 }
 
-PropertyList BinaryReader::parseDictionary(std::uint64_t count, std::size_t depth,
-                                           Expansion& expansion) {
+PropertyList Reader::parseDictionary(std::uint64_t count, std::size_t depth, Expansion& expansion) {
     expansion.depth = 1;
     requireReadableDepth(depth + 1);
     PropertyList::Dictionary entries;
@@ -273,7 +271,7 @@ PropertyList BinaryReader::parseDictionary(std::uint64_t count, std::size_t dept
     return PropertyList::dictionary(std::move(entries));
 }
 
-PropertyList BinaryReader::parseSimple(unsigned detail) const {
+PropertyList Reader::parseSimple(unsigned detail) const {
     if (detail != 0x8 && detail != 0x9) {
         throw DecodingError::dataCorrupted(
             "a binary property list holds an object of an unknown kind");
@@ -281,7 +279,7 @@ PropertyList BinaryReader::parseSimple(unsigned detail) const {
     return PropertyList::boolean(detail == 0x9);
 }
 
-PropertyList BinaryReader::parseInteger(unsigned detail) {
+PropertyList Reader::parseInteger(unsigned detail) {
     if (detail > 4) {
         throw DecodingError::dataCorrupted(
             "an integer of a binary property list has an unknown length");
@@ -304,7 +302,7 @@ PropertyList BinaryReader::parseInteger(unsigned detail) {
     return PropertyList::unsignedInteger(low);
 }
 
-PropertyList BinaryReader::parseReal(unsigned detail) {
+PropertyList Reader::parseReal(unsigned detail) {
     if (detail == 2) {
         const auto bits = static_cast<std::uint32_t>(bigEndian(take(4)));
         return PropertyList::real(static_cast<double>(std::bit_cast<float>(bits)));
@@ -316,7 +314,7 @@ PropertyList BinaryReader::parseReal(unsigned detail) {
     return PropertyList::real(std::bit_cast<double>(bigEndian(take(8))));
 }
 
-PropertyList BinaryReader::parseDate(unsigned detail) {
+PropertyList Reader::parseDate(unsigned detail) {
     if (detail != 3) {
         throw DecodingError::dataCorrupted(
             "a date of a binary property list has an unknown length");
@@ -324,7 +322,7 @@ PropertyList BinaryReader::parseDate(unsigned detail) {
     return PropertyList::date(dateFromReferenceSeconds(std::bit_cast<double>(bigEndian(take(8)))));
 }
 
-PropertyList BinaryReader::parseUID(unsigned detail) {
+PropertyList Reader::parseUID(unsigned detail) {
     if (detail > 7) {
         throw DecodingError::dataCorrupted(
             "a reference of a binary property list needs more than 64 bits");
@@ -332,13 +330,13 @@ PropertyList BinaryReader::parseUID(unsigned detail) {
     return PropertyList::uid(bigEndian(take(detail + 1)));
 }
 
-PropertyList BinaryReader::parseData(std::uint64_t count, Expansion& expansion) {
+PropertyList Reader::parseData(std::uint64_t count, Expansion& expansion) {
     const BytesView taken = take(count);
     expansion.bytes = taken.size();
     return PropertyList::data(Bytes(taken.begin(), taken.end()));
 }
 
-PropertyList BinaryReader::parseASCII(std::uint64_t count, Expansion& expansion) {
+PropertyList Reader::parseASCII(std::uint64_t count, Expansion& expansion) {
     const BytesView taken = take(count);
     expansion.bytes = taken.size();
     if (std::any_of(taken.begin(), taken.end(), [](std::uint8_t byte) { return byte > 0x7F; })) {
@@ -347,7 +345,7 @@ PropertyList BinaryReader::parseASCII(std::uint64_t count, Expansion& expansion)
     return PropertyList::string(std::string(taken.begin(), taken.end()));
 }
 
-PropertyList BinaryReader::parseUTF16(std::uint64_t count, Expansion& expansion) {
+PropertyList Reader::parseUTF16(std::uint64_t count, Expansion& expansion) {
     if (count > bytes_.size() / 2) {
         throw DecodingError::dataCorrupted("an object of a binary property list is cut off");
     }
@@ -362,15 +360,14 @@ PropertyList BinaryReader::parseUTF16(std::uint64_t count, Expansion& expansion)
 }  // namespace
 
 bool isBinaryPropertyList(BytesView bytes) noexcept {
-    return bytes.size() >= headerSize &&
-           std::equal(bplistMagic.begin(), bplistMagic.end(), bytes.begin());
+    return bytes.size() >= headerSize && std::equal(magic.begin(), magic.end(), bytes.begin());
 }
 
 PropertyList parseBinaryPropertyList(BytesView bytes) {
     if (!isBinaryPropertyList(bytes)) {
         throw DecodingError::dataCorrupted("the bytes are no binary property list");
     }
-    return BinaryReader(bytes).read();
+    return Reader(bytes).read();
 }
 
 }  // namespace browsersweep

@@ -14,7 +14,7 @@ namespace browsersweep {
 namespace {
 
 constexpr std::string_view whiteSpace = " \t\r\n";
-constexpr std::string_view decimalDigits = "0123456789";
+constexpr std::string_view digits = "0123456789";
 
 std::string_view trimmed(std::string_view text) noexcept {
     const std::size_t first = text.find_first_not_of(whiteSpace);
@@ -60,7 +60,7 @@ std::optional<std::uint64_t> magnitude(std::string_view text, unsigned base) noe
 }
 
 std::size_t takeDigits(std::string_view& text) noexcept {
-    const std::size_t count = std::min(text.find_first_not_of(decimalDigits), text.size());
+    const std::size_t count = std::min(text.find_first_not_of(digits), text.size());
     text.remove_prefix(count);
     return count;
 }
@@ -157,7 +157,7 @@ std::optional<PropertyList> dateFromText(std::string_view text) {
     text = trimmed(text);
     constexpr std::string_view pattern = "dddd-dd-ddTdd:dd:ddZ";
     const auto fits = [](char expected, char character) {
-        return expected == 'd' ? decimalDigits.find(character) != std::string_view::npos
+        return expected == 'd' ? digits.find(character) != std::string_view::npos
                                : character == expected;
     };
     if (!std::equal(pattern.begin(), pattern.end(), text.begin(), text.end(), fits)) {

@@ -15,7 +15,7 @@
 namespace browsersweep {
 namespace {
 
-constexpr std::string_view separators = " \t\r\n\v\f";
+constexpr std::string_view whiteSpace = " \t\r\n\v\f";
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 // The second half of the character set in which octal escapes are written; the first is ASCII.
@@ -96,9 +96,9 @@ private:
     std::uint32_t high_ = 0;
 };
 
-class TextReader {
+class Reader {
 public:
-    explicit TextReader(std::string_view text) noexcept : text_(text) {}
+    explicit Reader(std::string_view text) noexcept : text_(text) {}
 
     PropertyList read();
 
@@ -123,7 +123,7 @@ private:
     std::size_t position_ = 0;
 };
 
-PropertyList TextReader::read() {
+PropertyList Reader::read() {
     skip();
     if (atEnd()) {
         return PropertyList::dictionary({});
@@ -146,15 +146,15 @@ PropertyList TextReader::read() {
     return PropertyList::dictionary(std::move(found));
 }
 
-bool TextReader::takeIf(char character) noexcept {
+bool Reader::takeIf(char character) noexcept {
     const bool isNext = !atEnd() && text_[position_] == character;
     position_ += isNext ? 1 : 0;
     return isNext;
 }
 
-void TextReader::skip() {
+void Reader::skip() {
     while (true) {
-        position_ = std::min(text_.find_first_not_of(separators, position_), text_.size());
+        position_ = std::min(text_.find_first_not_of(whiteSpace, position_), text_.size());
         const std::string_view next = text_.substr(position_, 2);
         if (next != "//" && next != "/*") {
             return;
@@ -163,7 +163,7 @@ void TextReader::skip() {
     }
 }
 
-void TextReader::skipComment() {
+void Reader::skipComment() {
     if (text_.substr(position_, 2) == "//") {
         position_ = std::min(text_.find_first_of("\r\n", position_), text_.size());
         return;
@@ -175,7 +175,7 @@ void TextReader::skipComment() {
     position_ = end + 2;
 }
 
-std::string TextReader::word() {
+std::string Reader::word() {
     const std::size_t start = position_;
     while (!atEnd() && isWordCharacter(peek())) {
         ++position_;
@@ -187,7 +187,7 @@ std::string TextReader::word() {
     return std::string(text_.substr(start, position_ - start));
 }
 
-std::string TextReader::quoted(char quote) {
+std::string Reader::quoted(char quote) {
     EscapedText result;
     while (!atEnd()) {
         const char character = text_[position_++];
@@ -203,7 +203,7 @@ std::string TextReader::quoted(char quote) {
     throw DecodingError::dataCorrupted("a text in quotes does not end");
 }
 
-void TextReader::escape(EscapedText& text) {
+void Reader::escape(EscapedText& text) {
     constexpr std::string_view letters = "abfnrtv";
     constexpr std::string_view meanings = "\a\b\f\n\r\t\v";
     const char character = peek();
@@ -224,7 +224,7 @@ void TextReader::escape(EscapedText& text) {
     }
 }
 
-std::uint32_t TextReader::number(unsigned base, std::size_t maximumLength) {
+std::uint32_t Reader::number(unsigned base, std::size_t maximumLength) {
     std::uint32_t value = 0;
     for (std::size_t length = 0; length < maximumLength; ++length) {
         const std::optional<unsigned> digit = hexadecimalDigit(peek());
@@ -237,19 +237,19 @@ std::uint32_t TextReader::number(unsigned base, std::size_t maximumLength) {
     return value;
 }
 
-std::string TextReader::text() {
+std::string Reader::text() {
     if (takeIf('"')) {
         return quoted('"');
     }
     return takeIf('\'') ? quoted('\'') : word();
 }
 
-Bytes TextReader::data() {
+Bytes Reader::data() {
     Bytes bytes;
     std::optional<unsigned> high;
     while (!takeIf('>')) {
         const char character = peek();
-        if (separators.find(character) != std::string_view::npos && !atEnd()) {
+        if (whiteSpace.find(character) != std::string_view::npos && !atEnd()) {
             ++position_;
             continue;
         }
@@ -272,7 +272,7 @@ Bytes TextReader::data() {
     return bytes;
 }
 
-PropertyList TextReader::value(std::size_t depth) {
+PropertyList Reader::value(std::size_t depth) {
     if (takeIf('<')) {
         return PropertyList::data(data());
     }
@@ -285,7 +285,7 @@ PropertyList TextReader::value(std::size_t depth) {
     return takeIf('(') ? array(depth + 1) : dictionary(depth + 1);
 }
 
-PropertyList TextReader::array(std::size_t depth) {
+PropertyList Reader::array(std::size_t depth) {
     PropertyList::Array values;
     skip();
     while (!takeIf(')')) {
@@ -300,7 +300,7 @@ PropertyList TextReader::array(std::size_t depth) {
     return PropertyList::array(std::move(values));
 }
 
-PropertyList TextReader::dictionary(std::size_t depth) {
+PropertyList Reader::dictionary(std::size_t depth) {
     ++position_;
     PropertyList::Dictionary found = entries(depth);
     if (!takeIf('}')) {
@@ -310,7 +310,7 @@ PropertyList TextReader::dictionary(std::size_t depth) {
 }
 
 // The entries up to a closing brace or to the end of the text.
-PropertyList::Dictionary TextReader::entries(std::size_t depth) {
+PropertyList::Dictionary Reader::entries(std::size_t depth) {
     PropertyList::Dictionary found;
     skip();
     while (!atEnd() && peek() != '}') {
@@ -373,7 +373,7 @@ BytesView withoutLeadingWhiteSpace(BytesView bytes) noexcept {
 
 PropertyList parseTextPropertyList(BytesView bytes) {
     const std::string text = decoded(bytes);
-    return TextReader(text).read();
+    return Reader(text).read();
 }
 
 }  // namespace browsersweep

@@ -24,7 +24,7 @@ namespace {
 struct ParserDeleter {
     void operator()(XML_Parser parser) const noexcept { XML_ParserFree(parser); }
 };
-using ExpatParser = std::unique_ptr<std::remove_pointer_t<XML_Parser>, ParserDeleter>;
+using Parser = std::unique_ptr<std::remove_pointer_t<XML_Parser>, ParserDeleter>;
 
 enum class Element { plist, array, dictionary, key, string, integer, real, date, data, yes, no };
 
@@ -271,7 +271,7 @@ bool isXMLPropertyList(BytesView bytes) noexcept {
 PropertyList parseXMLPropertyList(BytesView bytes) {
     // The parser does not accept white space in front of the XML declaration.
     const BytesView document = withoutLeadingWhiteSpace(bytes);
-    const ExpatParser parser(XML_ParserCreate(nullptr));
+    const Parser parser(XML_ParserCreate(nullptr));
     if (!parser) {
         throw std::bad_alloc();
     }
