@@ -1,5 +1,6 @@
 """What other package managers read says the same as CMake's files."""
 
+import json
 import re
 import shutil
 import subprocess
@@ -36,6 +37,34 @@ def folders_of_swift():
     sources = [path for suffix in ("cpp", "mm", "c") for path in LIBRARY.rglob(f"*.{suffix}")]
     folders = {path.parent.relative_to(LIBRARY).as_posix() for path in sources}
     return {system: folders - without for system, without in left_out.items()}
+
+
+def settings_of(preset):
+    """The variables of a preset, with those that it inherits."""
+    rows = json.loads((ROOT / "CMakePresets.json").read_text("utf-8"))["configurePresets"]
+    row = next(row for row in rows if row["name"] == preset)
+    inherited = settings_of(row["inherits"]) if "inherits" in row else {}
+    return {**inherited, **row.get("cacheVariables", {})}
+
+
+class Presets(ScriptTest):
+    def test_what_users_build_needs_no_test_library_and_stops_at_no_warning(self):
+        for preset in ("release", "demo", "macos-universal"):
+            with self.subTest(preset):
+                settings = settings_of(preset)
+                self.assertEqual(settings["BROWSERSWEEP_BUILD_TESTS"], "OFF")
+                self.assertNotIn("BROWSERSWEEP_WARNINGS_AS_ERRORS", settings)
+
+    def test_a_release_takes_the_header_form_of_fmt(self):
+        # The compiled one of Homebrew is a library of one processor that other Macs lack.
+        for preset in ("release", "macos-universal"):
+            self.assertNotIn("BROWSERSWEEP_FMT", settings_of(preset))
+        self.assertIn("set(BROWSERSWEEP_FMT fmt::fmt-header-only\n",
+                      (ROOT / "cli" / "CMakeLists.txt").read_text("utf-8"))
+
+    def test_warnings_are_errors_where_developers_build(self):
+        for preset in ("debug", "clang", "asan", "foundation", "shared", "libcxx", "bench", "tidy"):
+            self.assertEqual(settings_of(preset)["BROWSERSWEEP_WARNINGS_AS_ERRORS"], "ON", preset)
 
 
 class SwiftPackage(ScriptTest):
