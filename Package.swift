@@ -6,10 +6,10 @@
 import PackageDescription
 
 #if os(macOS)
-let otherSystems = ["platform/linux", "platform/portable"]
+let otherSystems = ["platform/internal/linux", "platform/internal/portable"]
 let systemLibraries: [LinkerSetting] = [.linkedFramework("Foundation")]
 #else
-let otherSystems = ["platform/darwin", "platform/foundation"]
+let otherSystems = ["platform/internal/darwin", "platform/internal/foundation"]
 let systemLibraries: [LinkerSetting] = [.linkedLibrary("icuuc"), .linkedLibrary("icui18n")]
 #endif
 

@@ -19,24 +19,20 @@ def version():
     return re.search(r"^  VERSION (\S+)$", (ROOT / "CMakeLists.txt").read_text("utf-8"), re.M)[1]
 
 
-def folders_of_cmake():
-    """The folders whose sources CMake compiles, on macOS and elsewhere."""
+def folders_that_cmake_leaves_out():
+    """The folders of other systems and backends, on macOS and elsewhere: CMake compiles all others."""
     text = (LIBRARY / "CMakeLists.txt").read_text("utf-8")
-    common = re.search(r"set\(browsersweep_folders ([^)]*)\)", text)[1].split()
-    common = [folder for folder in common if "${" not in folder]
-    return {
-        "macOS": {*common, "platform/foundation", "platform/darwin"},
-        "elsewhere": {*common, "platform/portable", "platform/linux"},
-    }
+    systems = set(re.search(r"set\(browsersweep_systems ([^)]*)\)", text)[1].split())
+    place = re.search(r'EXCLUDE REGEX "/(.*)/\(\$\{browsersweep_systems\}\)/"', text)[1]
+    macos = {"darwin", "foundation"}
+    left_out = {"macOS": systems - macos, "elsewhere": macos}
+    return {system: {f"{place}/{name}" for name in names} for system, names in left_out.items()}
 
 
-def folders_of_swift():
-    """The folders whose sources Swift's package manager compiles: all but those left out."""
+def folders_that_swift_leaves_out():
     lists = re.findall(r"^let otherSystems = \[(.*)\]$", SWIFT, re.M)
-    left_out = dict(zip(("macOS", "elsewhere"), (set(re.findall(r'"([^"]+)"', row)) for row in lists)))
-    sources = [path for suffix in ("cpp", "mm", "c") for path in LIBRARY.rglob(f"*.{suffix}")]
-    folders = {path.parent.relative_to(LIBRARY).as_posix() for path in sources}
-    return {system: folders - without for system, without in left_out.items()}
+    folders = [set(re.findall(r'"([^"]+)"', row)) for row in lists]
+    return dict(zip(("macOS", "elsewhere"), folders))
 
 
 def settings_of(preset):
@@ -69,10 +65,10 @@ class Presets(ScriptTest):
 
 class SwiftPackage(ScriptTest):
     def test_it_compiles_the_folders_that_cmake_compiles(self):
-        self.assertEqual(folders_of_swift(), folders_of_cmake())
+        self.assertEqual(folders_that_swift_leaves_out(), folders_that_cmake_leaves_out())
 
     def test_what_it_leaves_out_is_there(self):
-        for name in re.findall(r'"(platform/\w+)"', SWIFT) + ["CMakeLists.txt", "c/module.modulemap"]:
+        for name in re.findall(r'"(platform/[\w/]+)"', SWIFT) + ["CMakeLists.txt", "c/module.modulemap"]:
             self.assertTrue((LIBRARY / name).exists(), name)
 
     def test_its_version_is_the_projects(self):
