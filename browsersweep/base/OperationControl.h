@@ -24,8 +24,10 @@ struct OperationProgress {
  */
 class BROWSERSWEEP_EXPORT OperationCancelled : public std::exception {
 public:
+    /** With what had been done by then. */
     explicit OperationCancelled(const OperationProgress& progress) noexcept : progress_(progress) {}
 
+    /** One sentence for people. */
     const char* what() const noexcept override;
 
     /** What had been done when the operation stopped. What was deleted by then stays deleted. */
