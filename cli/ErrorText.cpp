@@ -17,21 +17,15 @@ namespace {
 
 constexpr std::string_view noPermission = "no permission";
 
-// SQLite's errors carry its message and no code, so its own fixed messages tell them apart.
-constexpr std::array sqliteKinds{
-    std::pair{std::string_view("locked"), std::string_view("locked by a running browser")},
-    std::pair{std::string_view("unable to open"), noPermission},
-    // What SQLite says once a database that could not be opened is closed again.
-    std::pair{std::string_view("bad parameter or other API misuse"), noPermission},
-    std::pair{std::string_view("readonly"), noPermission},
-    std::pair{std::string_view("authorization denied"), noPermission},
-    std::pair{std::string_view("access permission denied"), noPermission},
-    std::pair{std::string_view("malformed"), std::string_view("not understood")},
-    std::pair{std::string_view("not a database"), std::string_view("not understood")},
-    std::pair{std::string_view("no such column"), std::string_view("not understood")},
-    std::pair{std::string_view("no such table"), std::string_view("not understood")},
-    std::pair{std::string_view("unsupported file format"), std::string_view("not understood")},
-};
+// clang-format off
+constexpr std::array<std::pair<SQLiteError::Kind, std::string_view>, 5> sqliteKinds{{
+    {SQLiteError::Kind::locked,     "locked by a running browser"},
+    {SQLiteError::Kind::cannotOpen, noPermission},
+    {SQLiteError::Kind::denied,     noPermission},
+    {SQLiteError::Kind::damaged,    "not understood"},
+    {SQLiteError::Kind::statement,  "not understood"},
+}};
+// clang-format on
 
 std::string_view kindOf(const std::error_code& code) noexcept {
     if (code == std::errc::permission_denied || code == std::errc::operation_not_permitted ||
@@ -47,10 +41,10 @@ std::string_view kindOf(const std::error_code& code) noexcept {
     return {};
 }
 
-std::string_view kindOfSQLiteMessage(std::string_view message) noexcept {
-    for (const auto& [part, kind] : sqliteKinds) {
-        if (message.find(part) != std::string_view::npos) {
-            return kind;
+std::string_view kindOf(const SQLiteError& error) noexcept {
+    for (const auto& [kind, text] : sqliteKinds) {
+        if (kind == error.kind()) {
+            return text;
         }
     }
     return {};
@@ -61,7 +55,7 @@ std::string_view kindOf(const std::exception& error) noexcept {
         return kindOf(file->code());
     }
     if (const auto* const sqlite = dynamic_cast<const SQLiteError*>(&error)) {
-        return kindOfSQLiteMessage(sqlite->what());
+        return kindOf(*sqlite);
     }
     const bool isDecoding = dynamic_cast<const DecodingError*>(&error) != nullptr ||
                             dynamic_cast<const BinaryDecodingError*>(&error) != nullptr;

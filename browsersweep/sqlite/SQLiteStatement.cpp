@@ -11,7 +11,8 @@ void SQLiteStatement::Finalizer::operator()(sqlite3_stmt* statement) const noexc
 }
 
 SQLiteStatement::Step SQLiteStatement::step() noexcept {
-    switch (sqlite3_step(statement_.get())) {
+    resultCode_ = sqlite3_step(statement_.get());
+    switch (resultCode_) {
         case SQLITE_ROW:
             return Step::row;
         case SQLITE_ERROR:

@@ -18,7 +18,7 @@ public:
     enum class Step {
         row,    ///< there is a row to read
         error,  ///< SQLite's plain error, code 1
-        noRow,  ///< the end, or a database that is locked or busy
+        noRow,  ///< the end, or a database that is locked, damaged, full...
     };
 
     /** Takes the statement over. */
@@ -29,6 +29,9 @@ public:
      * is one that gives no row.
      */
     Step step() noexcept;
+
+    /** SQLite's code of the last step, which tells the end from what only counts as "no row". */
+    int resultCode() const noexcept { return resultCode_; }
 
     /** A column of the present row as a 32-bit integer. */
     std::int32_t integer(int column) const noexcept;
@@ -42,6 +45,7 @@ private:
     };
 
     std::unique_ptr<sqlite3_stmt, Finalizer> statement_;
+    int resultCode_ = 0;
 };
 
 }  // namespace browsersweep

@@ -1,11 +1,15 @@
+#include <cstddef>
+#include <filesystem>
 #include <optional>
 #include <stdexcept>
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 #include "browsersweep/sqlite/SQLiteConnection.h"
 
 #include "tests/support/Database.h"
+#include "tests/support/PageDamage.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace browsersweep {
@@ -13,16 +17,21 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/** The message of the SQLite error that an operation throws. */
+/** The SQLite error that an operation throws. */
 template <typename Operation>
-std::optional<std::string> messageOf(Operation operation) {
+SQLiteError errorOf(Operation operation) {
     try {
         operation();
     } catch (const SQLiteError& error) {
-        return error.errorDescription();
+        return error;
     }
     ADD_FAILURE() << "no error";
-    return std::nullopt;
+    return SQLiteError(std::nullopt);
+}
+
+template <typename Operation>
+std::optional<std::string> messageOf(Operation operation) {
+    return errorOf(operation).errorDescription();
 }
 
 using Pair = std::pair<std::optional<std::string>, std::string>;
@@ -52,10 +61,36 @@ TEST_F(SQLiteConnectionTest, openingAMissingFileCreatesAnEmptyDatabase) {
     EXPECT_FALSE(connection.hasTable("marks"));
 }
 
-TEST_F(SQLiteConnectionTest, openingWhereNothingCanBeIsAnErrorReadAfterClosing) {
-    // Closed first, SQLite answers for any handle that it no longer vouches for.
-    EXPECT_EQ(messageOf([&] { SQLiteConnection(folder / "missing/data.sqlite"); }),
-              "bad parameter or other API misuse");
+TEST_F(SQLiteConnectionTest, openingWhereNothingCanBeIsAnErrorWithTheTextOfAClosedHandle) {
+    const auto error = errorOf([&] { SQLiteConnection(folder / "missing/data.sqlite"); });
+    EXPECT_EQ(error.errorDescription(), "bad parameter or other API misuse");
+    EXPECT_EQ(error.resultCode(), SQLITE_CANTOPEN);
+    EXPECT_EQ(error.kind(), SQLiteError::Kind::cannotOpen);
+}
+
+TEST_F(SQLiteConnectionTest, errorsCarryTheCodeOfTheCallThatFailed) {
+    const SQLiteConnection connection(file);
+    EXPECT_EQ(errorOf([&] { connection.evaluate("SELEC 1;", CountEvaluator{}); }).kind(),
+              SQLiteError::Kind::statement);
+    EXPECT_EQ(errorOf([&] {
+                  connection.evaluate("SELECT abs(-9223372036854775808);", CountEvaluator{});
+              }).resultCode(),
+              SQLITE_ERROR);
+    const tests::Database browser(file);
+    browser.execute("BEGIN EXCLUSIVE;");
+    EXPECT_EQ(errorOf([&] { SQLiteConnection(file).hasTable("marks"); }).kind(),
+              SQLiteError::Kind::locked);
+    const SQLiteConnection text(folder.write("text", "this is no database, not at all"));
+    EXPECT_EQ(errorOf([&] { text.hasTable("marks"); }).kind(), SQLiteError::Kind::damaged);
+}
+
+TEST(SQLiteErrorKind, isToldByThePrimaryCode) {
+    EXPECT_EQ(SQLiteError::kindOf(SQLITE_IOERR_READ), SQLiteError::Kind::inputOutput);
+    EXPECT_EQ(SQLiteError::kindOf(SQLITE_LOCKED), SQLiteError::Kind::locked);
+    EXPECT_EQ(SQLiteError::kindOf(SQLITE_READONLY_ROLLBACK), SQLiteError::Kind::denied);
+    EXPECT_EQ(SQLiteError::kindOf(SQLITE_FULL), SQLiteError::Kind::full);
+    EXPECT_EQ(SQLiteError::kindOf(SQLITE_NOMEM), SQLiteError::Kind::other);
+    EXPECT_EQ(SQLiteError("unknown").kind(), SQLiteError::Kind::other);
 }
 
 TEST_F(SQLiteConnectionTest, aDatabaseIsClosedWithItsLastConnection) {
@@ -94,11 +129,65 @@ TEST_F(SQLiteConnectionTest, existenceIsACountOfExactlyOne) {
     EXPECT_FALSE(connection.evaluate("SELECT 2;", TableExistenceEvaluator{}));
 }
 
+/** Counts how often it is called. */
+void countCall(sqlite3_context* context, int /*count*/, sqlite3_value** /*values*/) {
+    ++*static_cast<int*>(sqlite3_user_data(context));
+    sqlite3_result_int(context, 1);
+}
+
 TEST_F(SQLiteConnectionTest, executeRunsAStatementToItsEnd) {
     const SQLiteConnection connection(file);
-    connection.evaluate("DELETE FROM marks WHERE name IS NOT NULL RETURNING name;",
-                        ExecuteEvaluator{});
-    EXPECT_EQ(tests::Database(file).number("SELECT COUNT(*) FROM marks"), 1);
+    int calls = 0;
+    sqlite3_create_function(connection.dbPointer(), "called", 0, SQLITE_UTF8, &calls, countCall,
+                            nullptr, nullptr);
+    connection.evaluate("SELECT called() FROM marks;", ExecuteEvaluator{});
+    EXPECT_EQ(calls, 3);  // once for each row: whoever stops at the first one calls it once
+}
+
+TEST_F(SQLiteConnectionTest, aConstraintThatRefusesIsNoRowAndNoError) {
+    tests::Database(file).execute("CREATE TABLE child (name REFERENCES marks (name), x UNIQUE);"
+                                  "INSERT INTO child VALUES (1, 1);");
+    const SQLiteConnection connection(file);
+    const std::string violating = "INSERT INTO child VALUES (2, 1) RETURNING 1;";
+    EXPECT_EQ(connection.evaluate(violating, CountEvaluator{}), 0);
+    EXPECT_FALSE(connection.evaluate(violating, TableExistenceEvaluator{}));
+    EXPECT_NO_THROW(connection.evaluate(violating, ExecuteEvaluator{}));
+    EXPECT_EQ(connection.silentResultCode(), SQLITE_CONSTRAINT);
+    EXPECT_EQ(connection.changedRowCount(), 0);
+}
+
+TEST_F(SQLiteConnectionTest, aDatabaseThatMayNotGrowIsNoRowAndNoError) {
+    const SQLiteConnection connection(file);
+    connection.evaluate("PRAGMA max_page_count = 1;", ExecuteEvaluator{});
+    const std::string growing = "INSERT INTO marks VALUES (hex(zeroblob(100000)), 1) RETURNING 1;";
+    EXPECT_EQ(connection.evaluate(growing, CountEvaluator{}), 0);
+    EXPECT_FALSE(connection.evaluate(growing, TableExistenceEvaluator{}));
+    EXPECT_NO_THROW(connection.evaluate(growing, ExecuteEvaluator{}));
+    EXPECT_EQ(connection.silentResultCode(), SQLITE_FULL);
+}
+
+TEST_F(SQLiteConnectionTest, aDamagedPageIsNoRowAndNoError) {
+    std::string bytes = tests::readFile(file);
+    const std::size_t page = tests::pageSizeOf(bytes);
+    bytes.replace(page, page, std::string(page, '\xff'));
+    folder.write("data.sqlite", bytes);
+    const SQLiteConnection connection(file);
+    const std::string reading = "SELECT COUNT(*) FROM marks;";
+    EXPECT_EQ(connection.evaluate(reading, CountEvaluator{}), 0);
+    EXPECT_FALSE(connection.evaluate(reading, TableExistenceEvaluator{}));
+    EXPECT_NO_THROW(connection.evaluate("DELETE FROM marks;", ExecuteEvaluator{}));
+    EXPECT_EQ(connection.silentResultCode(), SQLITE_CORRUPT);
+}
+
+TEST_F(SQLiteConnectionTest, whatTheSystemCannotReadIsNoRowAndNoError) {
+    const SQLiteConnection connection(file);
+    ASSERT_TRUE(connection.hasTable("marks"));
+    // What may not be opened beside the database fails the statement that needs it.
+    fs::create_directory(fs::path(file) += "-journal");
+    EXPECT_NO_THROW(connection.evaluate("DELETE FROM marks;", ExecuteEvaluator{}));
+    EXPECT_EQ(SQLiteError::kindOf(connection.silentResultCode()), SQLiteError::Kind::cannotOpen);
+    fs::remove(fs::path(file) += "-journal");
+    EXPECT_EQ(tests::Database(file).number("SELECT COUNT(*) FROM marks"), 3);
 }
 
 TEST_F(SQLiteConnectionTest, textRowsAreConvertedInTheirOrderAndMayBeSkipped) {
