@@ -41,10 +41,15 @@ CleanableDataSize CleanableSQLiteDatabase::size(CleanableDataFilters filters) co
 
 std::int64_t CleanableSQLiteDatabase::countOnCopy(CleanableDataFilters filters) const {
     const TemporaryDatabaseCopy copy(file_, fileManager_);
-    const SQLiteConnection connection(copy.path());
+    const auto control = fileManager_->control();
+    const SQLiteConnection connection(copy.path(), control);
     Measurement total;
     for (const SQLiteStatementComponents& table : components_) {
-        total = total + rowCountInTable(connection, table, filters);
+        const Measurement rows = rowCountInTable(connection, table, filters);
+        total = total + rows;
+        if (control) {
+            control->count({0, 0, static_cast<std::uint64_t>(rows.value)});
+        }
     }
     return total.value;
 }
@@ -53,12 +58,20 @@ void CleanableSQLiteDatabase::clean(CleanableDataFilters filters) const {
     if (!hasWork()) {
         return;
     }
-    const SQLiteConnection connection(file_);
+    const SQLiteConnection connection(file_, fileManager_->control());
     for (const SQLiteStatementComponents& table : components_) {
         if (connection.hasTable(table.tableName)) {
             connection.evaluate(table.sql("DELETE", filters), ExecuteEvaluator{});
         }
     }
+}
+
+DatabaseInspection CleanableSQLiteDatabase::inspect(CleanableDataFilters filters) const {
+    std::vector<TableQuestion> questions;
+    for (const SQLiteStatementComponents& table : components_) {
+        questions.push_back({table.tableName, table.sql("SELECT COUNT(*)", filters)});
+    }
+    return inspectDatabase(file_, questions, fileManager_);
 }
 
 CleanableDataSize databaseSize(std::int64_t rowCount, const std::filesystem::path& file,

@@ -8,6 +8,7 @@
 #include "browsersweep/Export.h"
 #include "browsersweep/cleanable/CleanableData.h"
 #include "browsersweep/platform/FileManager.h"
+#include "browsersweep/sqlite/DatabaseInspection.h"
 #include "browsersweep/sqlite/SQLiteStatementComponents.h"
 
 namespace browsersweep {
@@ -17,8 +18,12 @@ namespace browsersweep {
  * compacted. A file that is missing or is a directory, and a table that is missing, hold nothing:
  * that is no error. Neither is a database that is locked at the moment of counting or deleting: it
  * counts as empty, and the deletion is silently not done.
+ *
+ * The file manager's control is asked while statements run, and told of the rows that were counted
+ * or deleted. A statement that is stopped is taken back; those before it hold.
  */
-class BROWSERSWEEP_EXPORT CleanableSQLiteDatabase : public CleanableData {
+class BROWSERSWEEP_EXPORT CleanableSQLiteDatabase : public CleanableData,
+                                                    public InspectableDatabase {
 public:
     /** The components are handled in their order; a table may occur more than once. */
     CleanableSQLiteDatabase(std::filesystem::path file,
@@ -39,12 +44,19 @@ public:
     using CleanableData::size;
     /**
      * The number of selected rows, exact, counted on a temporary copy; where it is not 0, the size
-     * of the whole file, approximate. Throws `filesystem_error` and `SQLiteError`.
+     * of the whole file, approximate. Throws `filesystem_error`, also where the temporary folder
+     * has no room for a copy, `SQLiteError` and `OperationCancelled`.
      */
     CleanableDataSize size(CleanableDataFilters filters) const override;
 
-    /** Deletes the selected rows in place, table after table. Throws `SQLiteError`. */
+    /**
+     * Deletes the selected rows in place, table after table, without any room in the temporary
+     * folder. Throws `SQLiteError` and `OperationCancelled`.
+     */
     void clean(CleanableDataFilters filters) const override;
+
+    /** What can truly be said of the file, and of the selected rows of each table. */
+    DatabaseInspection inspect(CleanableDataFilters filters) const override;
 
 private:
     bool hasWork() const noexcept;

@@ -22,9 +22,9 @@ std::optional<std::string> textOf(const char* message) {
  */
 [[noreturn]] void closeAndThrowMessage(sqlite3* failed, int resultCode) {
     sqlite3_close(failed);
-    throw SQLiteError(textOf(failed != nullptr ? sqlite3_errstr(SQLITE_MISUSE)
-                                               : sqlite3_errmsg(nullptr)),
-                      resultCode);
+    throw SQLiteError(
+        textOf(failed != nullptr ? sqlite3_errstr(SQLITE_MISUSE) : sqlite3_errmsg(nullptr)),
+        resultCode);
 }
 
 // What a schema could make run, and what it could change of itself.
@@ -65,8 +65,7 @@ void countRow(sqlite3_context* context, int /*count*/, sqlite3_value** /*values*
 
 void giveCount(sqlite3_context* context) {
     const void* const rows = sqlite3_aggregate_context(context, 0);
-    sqlite3_result_int64(context,
-                         rows == nullptr ? 0 : *static_cast<const sqlite3_int64*>(rows));
+    sqlite3_result_int64(context, rows == nullptr ? 0 : *static_cast<const sqlite3_int64*>(rows));
 }
 
 /**
@@ -94,6 +93,10 @@ struct SQLiteConnection::Database {
         if (code == SQLITE_OK && control) {
             code = stopBy(*control, handle);
         }
+        if (code == SQLITE_INTERRUPT && control) {  // opening reads the file's first bytes
+            sqlite3_close(handle);
+            control->continueOrThrow();
+        }
         if (code != SQLITE_OK) {
             closeAndThrowMessage(handle, code);
         }
@@ -106,6 +109,7 @@ struct SQLiteConnection::Database {
     ConfinedFiles files;
     sqlite3* handle = nullptr;
     int silentResultCode = SQLITE_OK;
+    std::int64_t countedRows = 0;
 };
 
 SQLiteConnection::SQLiteConnection(const std::filesystem::path& path, DatabaseAccess access,
@@ -126,8 +130,7 @@ SQLiteStatement SQLiteConnection::prepare(const std::string& sql) const {
         database_->control->continueOrThrow();
     }
     sqlite3_stmt* statement = nullptr;
-    const int code =
-        sqlite3_prepare_v2(database_->handle, sql.c_str(), -1, &statement, nullptr);
+    const int code = sqlite3_prepare_v2(database_->handle, sql.c_str(), -1, &statement, nullptr);
     if (code != SQLITE_OK) {
         throwCurrentError(code);
     }
@@ -141,6 +144,11 @@ void SQLiteConnection::noteEnd(const SQLiteStatement& statement) const {
     }
     if (code != SQLITE_ROW && code != SQLITE_DONE && code != SQLITE_ERROR && code != SQLITE_OK) {
         database_->silentResultCode = code;
+    }
+    if (database_->control) {
+        const std::int64_t changed = changedRowCount();
+        const std::int64_t before = std::exchange(database_->countedRows, changed);
+        database_->control->count({0, 0, static_cast<std::uint64_t>(changed - before)});
     }
 }
 

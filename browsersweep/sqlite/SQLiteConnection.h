@@ -41,7 +41,7 @@ class BROWSERSWEEP_EXPORT SQLiteConnection {
 public:
     /**
      * Opens a file, which SQLite creates if it is missing. Throws `SQLiteError`. The control, if
-     * there is one, is asked while statements run.
+     * there is one, is asked while statements run, and told of the rows that they change.
      */
     explicit SQLiteConnection(const std::filesystem::path& path,
                               std::shared_ptr<OperationControl> control = nullptr);

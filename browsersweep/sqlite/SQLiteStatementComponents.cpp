@@ -65,7 +65,7 @@ std::optional<std::string> encoded(const DateColumn& column, const std::optional
     }
     try {
         return column.encode(*bound);
-    } catch (const std::exception&) {
+    } catch (...) {
         return std::nullopt;  // a bound that the column has no text for does not restrict it
     }
 }

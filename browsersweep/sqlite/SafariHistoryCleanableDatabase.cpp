@@ -3,12 +3,11 @@
 #include <array>
 #include <cstdint>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 #include "browsersweep/documents/internal/DecimalText.h"
 #include "browsersweep/sqlite/CleanableSQLiteDatabase.h"
-#include "browsersweep/sqlite/internal/TemporaryDatabaseCopy.h"
+#include "browsersweep/sqlite/internal/DatabaseSnapshot.h"
 
 namespace browsersweep {
 namespace {
@@ -62,40 +61,10 @@ bool qualifies(const SQLiteConnection& connection) {
     return connection.hasTable(items) && connection.hasTable(visits);
 }
 
-// Where SQLite looks for what belongs to a database: it follows links first.
-std::filesystem::path withSuffix(const std::filesystem::path& file, std::string_view suffix) {
-    std::error_code error;
-    const std::filesystem::path target = std::filesystem::canonical(file, error);
-    return std::filesystem::path(error ? file : target) += suffix;
-}
-
-constexpr std::array<std::string_view, 2> companionSuffixes = {"-wal", "-journal"};
-
-// Two bytes of the header say whether the file is in the mode of write-ahead logs.
-bool isInLogMode(const std::filesystem::path& file, const FileManager& fileManager) {
-    constexpr std::size_t place = 18;
-    constexpr std::uint8_t logMode = 2;
-    const Bytes header = fileManager.firstBytes(file, place + 2);
-    return header.size() == place + 2 && (header[place] == logMode || header[place + 1] == logMode);
-}
-
-bool wouldReadingWrite(const std::filesystem::path& file, const FileManager& fileManager) {
-    for (const std::string_view suffix : companionSuffixes) {
-        if (fileManager.fileExists(withSuffix(file, suffix)).exists) {
-            return true;
-        }
-    }
-    return isInLogMode(file, fileManager);
-}
-
-void copyCompanions(const std::filesystem::path& file, const std::filesystem::path& copy,
-                    const FileManager& fileManager) {
-    for (const std::string_view suffix : companionSuffixes) {
-        const std::filesystem::path companion = withSuffix(file, suffix);
-        if (fileManager.fileExists(companion).isFile()) {
-            fileManager.copy(companion, std::filesystem::path(copy) += suffix);
-        }
-    }
+CleanableDataSize markedApproximate(CleanableDataSize size) noexcept {
+    size.itemCount.isApproximate = true;
+    size.byteCount.isApproximate = true;
+    return size;
 }
 
 }  // namespace
@@ -116,23 +85,22 @@ CleanableDataSize SafariHistoryCleanableDatabase::size(CleanableDataFilters filt
     if (!fileManager_->fileExists(file_).isFile()) {
         return CleanableDataSize::zero;
     }
-    const std::optional<std::int32_t> visitCount = count(filters);
-    return visitCount ? databaseSize(*visitCount, file_, *fileManager_) : CleanableDataSize::zero;
-}
-
-std::optional<std::int32_t> SafariHistoryCleanableDatabase::count(
-    CleanableDataFilters filters) const {
-    if (!wouldReadingWrite(file_, *fileManager_)) {
-        return countIn(file_, filters);
+    std::optional<std::int32_t> visitCount;
+    const bool isOneState =
+        DatabaseSnapshot(file_, fileManager_).read([&](const SQLiteConnection& connection) {
+            visitCount = countIn(connection, filters);
+        });
+    const auto control = fileManager_->control();
+    if (control && visitCount) {
+        control->count({0, 0, static_cast<std::uint64_t>(*visitCount)});
     }
-    const TemporaryDatabaseCopy copy(file_, fileManager_);
-    copyCompanions(file_, copy.path(), *fileManager_);
-    return countIn(copy.path(), filters);
+    const CleanableDataSize size =
+        visitCount ? databaseSize(*visitCount, file_, *fileManager_) : CleanableDataSize::zero;
+    return isOneState ? size : markedApproximate(size);
 }
 
 std::optional<std::int32_t> SafariHistoryCleanableDatabase::countIn(
-    const std::filesystem::path& database, CleanableDataFilters filters) const {
-    const SQLiteConnection connection(database);
+    const SQLiteConnection& connection, CleanableDataFilters filters) const {
     if (!qualifies(connection)) {
         return std::nullopt;
     }
@@ -143,11 +111,19 @@ void SafariHistoryCleanableDatabase::clean(CleanableDataFilters filters) const {
     if (!fileManager_->fileExists(file_).isFile()) {
         return;
     }
-    const SQLiteConnection connection(file_);
+    const SQLiteConnection connection(file_, fileManager_->control());
     if (qualifies(connection)) {
         connection.evaluate(deleteStatement(filters), ExecuteEvaluator{});
-        connection.evaluate(std::string(orphanStatement), ExecuteEvaluator{});
+        connection.evaluate(addressStatement(), ExecuteEvaluator{});
     }
+}
+
+DatabaseInspection SafariHistoryCleanableDatabase::inspect(CleanableDataFilters filters) const {
+    const std::array questions{
+        TableQuestion{std::string(items), ""},
+        TableQuestion{std::string(visits), countStatement(filters)},
+    };
+    return inspectDatabase(file_, questions, fileManager_);
 }
 
 std::string SafariHistoryCleanableDatabase::countStatement(CleanableDataFilters filters) const {
@@ -162,6 +138,10 @@ std::string SafariHistoryCleanableDatabase::deleteStatement(CleanableDataFilters
         return "DELETE FROM history_visits;";
     }
     return joined(deleteHead, components_.filterCondition(filters));
+}
+
+std::string SafariHistoryCleanableDatabase::addressStatement() {
+    return std::string(orphanStatement);
 }
 
 }  // namespace browsersweep

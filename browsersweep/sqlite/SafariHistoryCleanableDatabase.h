@@ -9,6 +9,7 @@
 #include "browsersweep/Export.h"
 #include "browsersweep/cleanable/CleanableData.h"
 #include "browsersweep/platform/FileManager.h"
+#include "browsersweep/sqlite/DatabaseInspection.h"
 #include "browsersweep/sqlite/SQLiteConnection.h"
 #include "browsersweep/sqlite/SQLiteStatementComponents.h"
 
@@ -22,14 +23,17 @@ namespace browsersweep {
  * another program writes, a deletion is silently not done; a database that it has locked against
  * reading too is an error.
  *
- * Sizing reads the file in place, not a copy. A database with a write-ahead log or a journal left
- * by a crash is the exception: reading it in place would write to it (the log would be moved into
- * the file, the journal played back), and sizing must not change what it measures. So it is copied
- * together with its log or journal to a private temporary folder and read there. What is counted is
- * the same; files that Safari is just writing to may not fit together when copied, which counts as
- * damaged.
+ * Sizing changes nothing, neither the file nor what lies beside it. The file is read in place, also
+ * while a running browser keeps a log with its index beside it. Where reading in place would write
+ * (a log without an index, a journal left by a crash), the file and what belongs to it are copied
+ * to a private temporary folder, and the copy counts once it is shown to be of one moment. A file
+ * that keeps changing meanwhile gives a size that is marked approximate.
+ *
+ * The file manager's control is asked while statements run, and told of rows: visits that were
+ * counted, and visits and addresses that were deleted.
  */
-class BROWSERSWEEP_EXPORT SafariHistoryCleanableDatabase : public CleanableData {
+class BROWSERSWEEP_EXPORT SafariHistoryCleanableDatabase : public CleanableData,
+                                                           public InspectableDatabase {
 public:
     /** Filters by the columns of Safari's own tables. */
     SafariHistoryCleanableDatabase(std::filesystem::path file,
@@ -50,16 +54,20 @@ public:
     using CleanableData::clean;
     using CleanableData::size;
     /**
-     * The number of selected visits, exact; where it is not 0, the size of the whole file,
-     * approximate. Throws `SQLiteError` and `filesystem_error`.
+     * The number of selected visits, exact unless the file kept changing; where it is not 0, the
+     * size of the whole file, approximate. Throws `SQLiteError`, `filesystem_error` and
+     * `OperationCancelled`.
      */
     CleanableDataSize size(CleanableDataFilters filters) const override;
 
     /**
      * Deletes the selected visits in place, then all addresses without visits. Throws
-     * `SQLiteError`; visits that were deleted before it stay deleted.
+     * `SQLiteError` and `OperationCancelled`; visits that were deleted before it stay deleted.
      */
     void clean(CleanableDataFilters filters) const override;
+
+    /** What can truly be said of the file, of the addresses' table and of the selected visits. */
+    DatabaseInspection inspect(CleanableDataFilters filters) const override;
 
     /** The statement that counts the selected visits. */
     std::string countStatement(CleanableDataFilters filters) const;
@@ -67,9 +75,11 @@ public:
     /** The statement that deletes the selected visits. */
     std::string deleteStatement(CleanableDataFilters filters) const;
 
+    /** The statement that then deletes the addresses that no visit refers to. */
+    static std::string addressStatement();
+
 private:
-    std::optional<std::int32_t> count(CleanableDataFilters filters) const;
-    std::optional<std::int32_t> countIn(const std::filesystem::path& database,
+    std::optional<std::int32_t> countIn(const SQLiteConnection& connection,
                                         CleanableDataFilters filters) const;
 
     std::filesystem::path file_;

@@ -1,4 +1,5 @@
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -344,7 +345,42 @@ private:
     bool isMounted_ = false;
 };
 
-TEST_F(SQLiteFaults, aFullDiskFailsTheCopyWithItsErrorAndLeavesOnlyItsEmptyFolder) {
+TEST_F(SQLiteFaults, aFullDiskIsNoReasonNotToClean) {
+    const SmallFileSystem disk(temporary_);
+    const SmallFileSystem own(std::getenv("TMPDIR"));
+    if (!disk.isMounted() || !own.isMounted()) {
+        GTEST_SKIP() << "no file system can be mounted here";
+    }
+    disk.fill();
+    own.fill();
+    // So many visits that SQLite has to put their numbers aside.
+    Database(file_).execute(
+        "WITH n(i) AS (SELECT 1000 UNION ALL SELECT i + 1 FROM n WHERE i < 400000)"
+        " INSERT INTO history_visits SELECT i, 1, i FROM n;");
+    safari().clean(
+        std::vector<CleanableDataFilter>{{CleanableDataFilter::Rule::exclude, {"none"}}});
+    table().clean();
+    EXPECT_EQ(Database(file_).number("SELECT COUNT(*) FROM history_visits"), 0);
+    EXPECT_EQ(Database(file_).number("SELECT COUNT(*) FROM history_items"), 0);
+}
+
+TEST_F(SQLiteFaults, aCopyThatHasNoRoomIsRefusedBeforeItIsBegun) {
+    const SmallFileSystem disk(temporary_);
+    if (!disk.isMounted()) {
+        GTEST_SKIP() << "no file system can be mounted here";
+    }
+    Database(file_).execute("INSERT INTO precious VALUES (hex(zeroblob(200000)))");
+    try {
+        table().size();
+        FAIL() << "a copy fitted on a small disk";
+    } catch (const fs::filesystem_error& error) {
+        EXPECT_EQ(error.code(), std::errc::no_space_on_device);
+        EXPECT_NE(std::string(error.what()).find("no room for a copy"), std::string::npos);
+    }
+    EXPECT_EQ(tests::filesBelow(temporary_), tests::Files());
+}
+
+TEST_F(SQLiteFaults, aFullDiskFailsTheCopyWithItsErrorAndLeavesNothingButAnEmptyFolder) {
     const SmallFileSystem disk(temporary_);
     if (!disk.isMounted()) {
         GTEST_SKIP() << "no file system can be mounted here";

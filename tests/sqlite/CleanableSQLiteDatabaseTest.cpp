@@ -1,3 +1,6 @@
+#include <cstdint>
+#include <limits>
+#include <optional>
 #include <stdexcept>
 
 #include <gtest/gtest.h>
@@ -60,6 +63,55 @@ TEST_F(CleanableSQLiteDatabaseTest, sizeIsTheRowsAndTheWholeFile) {
 
 TEST_F(CleanableSQLiteDatabaseTest, oneMatchingRowGivesTheWholeFilesSizeApproximately) {
     EXPECT_EQ(item({urls()}).size(Filters{{Rule::include, {"b.test"}}}), rows(1));
+}
+
+/** Tells other attributes than the file's own, or fails to. */
+class AttributesFileManager : public tests::ForwardingFileManager {
+public:
+    AttributesFileManager(std::shared_ptr<const FileManager> target,
+                          std::optional<FileAttributes> told)
+        : ForwardingFileManager(std::move(target)), told_(told) {}
+    FileAttributes attributes(const fs::path& path) const override {
+        if (!told_) {
+            throw fs::filesystem_error("cannot", path, std::make_error_code(std::errc::io_error));
+        }
+        return *told_;
+    }
+
+private:
+    std::optional<FileAttributes> told_;
+};
+
+TEST_F(CleanableSQLiteDatabaseTest, attributesThatCannotBeReadAreAnErrorAlsoForNoRow) {
+    const auto failing = std::make_shared<AttributesFileManager>(fileManager, std::nullopt);
+    const CleanableSQLiteDatabase database(file, {urls()}, failing);
+    EXPECT_THROW(database.size(), fs::filesystem_error);
+    EXPECT_THROW(database.size(Filters{{Rule::include, {"c.test"}}}), fs::filesystem_error);
+}
+
+TEST_F(CleanableSQLiteDatabaseTest, aMissingSizeIsZeroAndApproximate) {
+    const auto untold = std::make_shared<AttributesFileManager>(fileManager, FileAttributes{});
+    EXPECT_EQ(CleanableSQLiteDatabase(file, {urls()}, untold).size(),
+              (CleanableDataSize{3, {0, true}}));
+}
+
+TEST_F(CleanableSQLiteDatabaseTest, aSizeOf63BitsIsTheLargestThatThereIs) {
+    constexpr auto largest = std::numeric_limits<std::int64_t>::max();
+    FileAttributes enormous{static_cast<std::uint64_t>(largest)};
+    const auto told = std::make_shared<AttributesFileManager>(fileManager, enormous);
+    EXPECT_EQ(CleanableSQLiteDatabase(file, {urls()}, told).size(),
+              (CleanableDataSize{3, {largest, true}}));
+    enormous.size = *enormous.size + 1;
+    const auto more = std::make_shared<AttributesFileManager>(fileManager, enormous);
+    const CleanableSQLiteDatabase database(file, {urls()}, more);
+    EXPECT_DEATH(database.size(), "63 bits");
+    EXPECT_EQ(database.size(Filters{{Rule::include, {"c.test"}}}), CleanableDataSize::zero);
+}
+
+TEST_F(CleanableSQLiteDatabaseTest, aCountThatFailsIsAnErrorAndLeavesNoCopy) {
+    const Components broken("downloads", std::nullopt, {"no_such_column = 1"});
+    EXPECT_THROW(item({urls(), broken}).size(), SQLiteError);
+    EXPECT_TRUE(fs::is_empty(folder / "tmp"));
 }
 
 TEST_F(CleanableSQLiteDatabaseTest, noMatchingRowIsExactlyNothing) {

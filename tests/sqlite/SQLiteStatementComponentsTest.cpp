@@ -148,6 +148,12 @@ TEST(SQLiteStatementComponents, boundsThatCannotBeEncodedCountAsAbsent) {
               "DELETE FROM t WHERE ((d <= 2));");
 }
 
+TEST(SQLiteStatementComponents, anEncoderMayFailWithAnything) {
+    const Components visits(
+        "t", Columns{std::nullopt, {{"d", [](const Date&) -> std::string { throw 42; }}}}, {});
+    EXPECT_EQ(visits.sql("DELETE", Filters{dates(inside, 1, 2)}), "DELETE FROM t;");
+}
+
 TEST(SQLiteStatementComponents, thePatternColumnIsKnownByName) {
     EXPECT_EQ(table("u", {}).columnName(), "u");
     EXPECT_EQ(table({}, "d").columnName(), std::nullopt);

@@ -172,6 +172,16 @@ TEST_F(SafariHistoryCleanableDatabaseTest, anEmptyConditionLeavesItsIndentationA
         item_.countStatement(filters));
 }
 
+TEST_F(SafariHistoryCleanableDatabaseTest, theStatementForAddressesIsAFixedText) {
+    EXPECT_EQ(
+        "DELETE\n"
+        "FROM history_items\n"
+        "WHERE id NOT IN (\n"
+        "    SELECT history_item FROM history_visits\n"
+        ");",
+        SafariHistoryCleanableDatabase::addressStatement());
+}
+
 struct FigureCase {
     const char* name;
     Filters filters;

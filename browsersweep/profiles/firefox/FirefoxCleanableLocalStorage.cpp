@@ -45,4 +45,10 @@ void FirefoxCleanableLocalStorage::clean(CleanableDataFilters filters) const {
     cleanableSQLiteDatabase_->clean(reversed(filters));
 }
 
+DatabaseInspection FirefoxCleanableLocalStorage::inspect(CleanableDataFilters filters) const {
+    const auto* const database =
+        dynamic_cast<const InspectableDatabase*>(cleanableSQLiteDatabase_.get());
+    return database == nullptr ? DatabaseInspection() : database->inspect(reversed(filters));
+}
+
 }  // namespace browsersweep

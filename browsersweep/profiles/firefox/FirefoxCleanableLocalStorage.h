@@ -4,6 +4,7 @@
 
 #include "browsersweep/Export.h"
 #include "browsersweep/cleanable/CleanableData.h"
+#include "browsersweep/sqlite/DatabaseInspection.h"
 
 namespace browsersweep {
 
@@ -12,7 +13,8 @@ namespace browsersweep {
  * ("moc.elpmaxe"), so the item reverses the patterns of every filter, user-perceived character by
  * character, and leaves the rest to the item that it wraps.
  */
-class BROWSERSWEEP_EXPORT FirefoxCleanableLocalStorage : public CleanableData {
+class BROWSERSWEEP_EXPORT FirefoxCleanableLocalStorage : public CleanableData,
+                                                         public InspectableDatabase {
 public:
     /** Wraps the item of the table, which may not be null. */
     explicit FirefoxCleanableLocalStorage(
@@ -32,6 +34,9 @@ public:
     CleanableDataSize size(CleanableDataFilters filters) const override;
     /** Throws what the wrapped item throws. */
     void clean(CleanableDataFilters filters) const override;
+
+    /** Of the wrapped item's database; a finding of nothing where it is no database. */
+    DatabaseInspection inspect(CleanableDataFilters filters) const override;
 
 private:
     std::shared_ptr<const CleanableData> cleanableSQLiteDatabase_;

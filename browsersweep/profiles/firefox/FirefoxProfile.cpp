@@ -101,7 +101,8 @@ std::vector<Row> rowsOfCopy(const std::filesystem::path& database, const std::st
                             typename TextRowsEvaluator<Row>::Conversion convert,
                             const std::shared_ptr<const FileManager>& fileManager) {
     const TemporaryDatabaseCopy copy(database, fileManager);
-    return SQLiteConnection(copy.path()).evaluate(sql, TextRowsEvaluator<Row>(std::move(convert)));
+    return SQLiteConnection(copy.path(), fileManager->control())
+        .evaluate(sql, TextRowsEvaluator<Row>(std::move(convert)));
 }
 
 }  // namespace

@@ -10,15 +10,15 @@
 #include <utility>
 
 #include <sqlite3.h>
-#include <sys/stat.h>
+
+#include "browsersweep/platform/internal/posix/FileFacts.h"
 
 namespace browsersweep {
 namespace {
 
 // The system's file follows in the same memory.
-constexpr std::size_t ownSize =
-    (sizeof(ConfinedFile) + alignof(std::max_align_t) - 1) / alignof(std::max_align_t) *
-    alignof(std::max_align_t);
+constexpr std::size_t ownSize = (sizeof(ConfinedFile) + alignof(std::max_align_t) - 1) /
+                                alignof(std::max_align_t) * alignof(std::max_align_t);
 
 sqlite3_file* systemFile(sqlite3_file* file) noexcept {
     return ConfinedFile::of(file).system();
@@ -191,9 +191,8 @@ int ConfinedFile::close() noexcept {
 }
 
 bool ConfinedFile::mayOpenIndex() const noexcept {
-    struct stat status {};
-    return ::lstat(bounds_->index.c_str(), &status) != 0 ||
-           (S_ISREG(status.st_mode) && status.st_nlink == 1);
+    const posix::FileFacts index = posix::factsOf(bounds_->index.c_str());
+    return !index.exists || index.isRegularWithOneName();
 }
 
 }  // namespace browsersweep

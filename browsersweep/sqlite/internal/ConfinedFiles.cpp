@@ -6,14 +6,13 @@
 #include <cstring>
 #include <exception>
 #include <new>
-#include <optional>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
 #include <sqlite3.h>
-#include <sys/stat.h>
 
+#include "browsersweep/platform/internal/posix/FileFacts.h"
 #include "browsersweep/sqlite/internal/ConfinedFile.h"
 
 namespace browsersweep {
@@ -23,11 +22,6 @@ constexpr std::string_view indexSuffix = "-shm";
 constexpr std::array<std::string_view, 2> companionSuffixes = {"-journal", "-wal"};
 
 constexpr int writeFlags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
-
-std::optional<struct stat> statusOf(const char* path) noexcept {
-    struct stat status {};
-    return ::lstat(path, &status) == 0 ? std::optional(status) : std::nullopt;
-}
 
 sqlite3_vfs* systemFiles() {
     sqlite3_vfs* const system = sqlite3_vfs_find(nullptr);
@@ -132,9 +126,8 @@ private:
         if (!isDatabase(name) && !isCompanion(name)) {
             return false;
         }
-        const auto status = statusOf(name);
-        return !status ||
-               (S_ISREG(status->st_mode) && (isDatabase(name) || status->st_nlink == 1));
+        const posix::FileFacts facts = posix::factsOf(name);
+        return !facts.exists || (isDatabase(name) ? facts.isRegular : facts.isRegularWithOneName());
     }
 
     /** The name as the system is to have it: with the wish not to write to the log's index. */
@@ -144,9 +137,9 @@ private:
         }
         if (readOnlyName_ == nullptr) {
             std::array<const char*, 2> parameter{"readonly_shm", "1"};
-            readOnlyName_ = sqlite3_create_filename(name, (database_ + "-journal").c_str(),
-                                                    (database_ + "-wal").c_str(), 1,
-                                                    parameter.data());
+            readOnlyName_ =
+                sqlite3_create_filename(name, (database_ + "-journal").c_str(),
+                                        (database_ + "-wal").c_str(), 1, parameter.data());
         }
         return readOnlyName_;
     }
@@ -167,14 +160,15 @@ private:
             code = SQLITE_CANTOPEN;
         }
         if (code == SQLITE_OK) {
-            file.confine({onlyReads, (flags & SQLITE_OPEN_MAIN_DB) != 0 ? index_ : std::string(),
-                          control_});
+            // A journal is read to take things back, which nothing may stop.
+            const bool isJournal = (flags & SQLITE_OPEN_MAIN_JOURNAL) != 0;
+            file.confine({onlyReads, index_, isJournal ? nullptr : control_});
         }
         return code;
     }
 
     static int openFile(sqlite3_vfs* vfs, const char* name, sqlite3_file* raw, int flags,
-                    int* flagsGiven) {
+                        int* flagsGiven) {
         ConfinedFile& file = ConfinedFile::prepare(raw);
         const bool isNameless = name == nullptr || (flags & SQLITE_OPEN_SUPER_JOURNAL) != 0;
         try {
@@ -205,8 +199,8 @@ private:
             return hooks.system_->xAccess(hooks.system_, name, question, yes);
         }
         // As the system has it, an empty file is none.
-        const auto status = statusOf(name);
-        *yes = status && (!S_ISREG(status->st_mode) || status->st_size > 0) ? 1 : 0;
+        const posix::FileFacts facts = posix::factsOf(name);
+        *yes = facts.exists && (!facts.isRegular || facts.size > 0) ? 1 : 0;
         return SQLITE_OK;
     }
 

@@ -1,8 +1,10 @@
 #include "browsersweep/sqlite/internal/TemporaryDatabaseCopy.h"
 
+#include <system_error>
 #include <utility>
 
 #include "browsersweep/platform/internal/UniqueString.h"
+#include "browsersweep/platform/internal/posix/FileFacts.h"
 
 namespace browsersweep {
 namespace {
@@ -23,6 +25,11 @@ TemporaryDatabaseCopy::TemporaryDatabaseCopy(const std::filesystem::path& databa
     : fileManager_(std::move(fileManager)),
       folder_(fileManager_->temporaryDirectory() / ("browsersweep-" + uniqueString())),
       path_(folder_ / database.filename()) {
+    if (posix::hasNoRoomForCopy(folder_.parent_path(), database)) {
+        throw std::filesystem::filesystem_error(
+            "the folder for temporary files has no room for a copy", database,
+            folder_.parent_path(), std::make_error_code(std::errc::no_space_on_device));
+    }
     fileManager_->createDirectory(folder_);
     try {
         fileManager_->copy(database, path_);

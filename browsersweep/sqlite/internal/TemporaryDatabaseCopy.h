@@ -17,7 +17,8 @@ class TemporaryDatabaseCopy {
 public:
     /**
      * Makes the copy. Throws `filesystem_error` where the folder or the copy cannot be made; of a
-     * copy that failed the folder stays, empty.
+     * copy that failed the folder stays, empty. Where there is clearly no room for it, nothing is
+     * begun.
      */
     TemporaryDatabaseCopy(const std::filesystem::path& database,
                           std::shared_ptr<const FileManager> fileManager);

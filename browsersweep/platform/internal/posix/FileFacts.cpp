@@ -1,0 +1,121 @@
+#include "browsersweep/platform/internal/posix/FileFacts.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstddef>
+#include <span>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
+
+#include "browsersweep/base/Bytes.h"
+#include "browsersweep/platform/internal/posix/FileDescriptor.h"
+#include "browsersweep/platform/internal/posix/SystemCalls.h"
+
+namespace browsersweep::posix {
+namespace {
+
+// Nothing waits for a named pipe, and no link is followed.
+constexpr int carefully = O_NOFOLLOW | O_NONBLOCK | O_NOCTTY;
+
+std::error_code lastError() noexcept {
+    return {errno, std::generic_category()};
+}
+
+/** Reads until the bytes are full or the file ends. */
+std::size_t fill(const FileDescriptor& file, Bytes& bytes, const std::filesystem::path& path) {
+    std::size_t used = 0;
+    while (const std::size_t more = readSome(file, std::span(bytes).subspan(used), path)) {
+        used += more;
+    }
+    return used;
+}
+
+}  // namespace
+
+FileFacts factsOf(const char* path) noexcept {
+    struct stat status {};
+    if (::lstat(path, &status) != 0) {
+        return {};
+    }
+    FileFacts facts;
+    facts.exists = true;
+    facts.isRegular = S_ISREG(status.st_mode);
+    facts.names = static_cast<std::uint64_t>(status.st_nlink);
+    facts.device = static_cast<std::uint64_t>(status.st_dev);
+    facts.number = static_cast<std::uint64_t>(status.st_ino);
+    facts.size = status.st_size;
+    facts.modified = status.st_mtime;
+    facts.changed = status.st_ctime;
+    return facts;
+}
+
+bool haveEqualContents(const std::filesystem::path& one, const std::filesystem::path& other) {
+    constexpr std::size_t pieceSize = std::size_t{256} * 1024;
+    const FileDescriptor first = openFile(one, O_RDONLY | carefully);
+    const FileDescriptor second = openFile(other, O_RDONLY | carefully);
+    Bytes ofFirst(pieceSize);
+    Bytes ofSecond(pieceSize);
+    while (true) {
+        const std::size_t count = fill(first, ofFirst, one);
+        if (fill(second, ofSecond, other) != count ||
+            !std::equal(ofFirst.begin(), ofFirst.begin() + static_cast<std::ptrdiff_t>(count),
+                        ofSecond.begin())) {
+            return false;
+        }
+        if (count < pieceSize) {
+            return true;
+        }
+    }
+}
+
+std::error_code errorOfOpening(const std::filesystem::path& path, bool forWriting) noexcept {
+    const int access = forWriting ? O_RDWR : O_RDONLY;
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg)
+    const int number = ::open(path.c_str(), access | carefully | O_CLOEXEC);
+    if (number < 0) {
+        return lastError();
+    }
+    ::close(number);
+    return {};
+}
+
+bool hasNoRoomForCopy(const std::filesystem::path& folder,
+                      const std::filesystem::path& file) noexcept {
+    constexpr std::uint64_t blockSize = 512;
+    struct stat source {};
+    struct stat target {};
+    struct statvfs disk {};
+    if (::stat(file.c_str(), &source) != 0 || ::stat(folder.c_str(), &target) != 0 ||
+        source.st_dev == target.st_dev || ::statvfs(folder.c_str(), &disk) != 0) {
+        return false;
+    }
+    const auto room = std::uint64_t{disk.f_bavail} * disk.f_frsize;
+    return static_cast<std::uint64_t>(source.st_blocks) * blockSize > room;
+}
+
+std::error_code errorOfWritingInto(const std::filesystem::path& folder) noexcept {
+    return ::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0 ? std::error_code()
+                                                                               : lastError();
+}
+
+std::optional<long> lockHolder(const std::filesystem::path& path, const LockRange& range) noexcept {
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg)
+    const int number = ::open(path.c_str(), O_RDONLY | carefully | O_CLOEXEC);
+    if (number < 0) {
+        return std::nullopt;
+    }
+    struct flock lock {};
+    lock.l_type = range.onlyAgainstReaders ? F_RDLCK : F_WRLCK;
+    lock.l_whence = SEEK_SET;
+    lock.l_start = range.start;
+    lock.l_len = range.length;
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg)
+    const bool isHeld = ::fcntl(number, F_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
+    ::close(number);
+    return isHeld ? std::optional<long>(lock.l_pid) : std::nullopt;
+}
+
+}  // namespace browsersweep::posix

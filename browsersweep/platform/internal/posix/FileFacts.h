@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <system_error>
+
+namespace browsersweep::posix {
+
+/** What the system records of a path itself; a link at its end is not followed. */
+struct FileFacts {
+    bool exists = false;
+    bool isRegular = false;
+    std::uint64_t names = 0;
+    std::uint64_t device = 0;
+    std::uint64_t number = 0;
+    std::int64_t size = 0;
+    std::int64_t modified = 0;  ///< in whole seconds: a hint, and no proof that nothing changed
+    std::int64_t changed = 0;
+
+    /** A file whose contents have no second name. */
+    bool isRegularWithOneName() const noexcept { return isRegular && names == 1; }
+    friend bool operator==(const FileFacts&, const FileFacts&) = default;
+};
+
+/** Never fails: what cannot be examined does not exist. */
+FileFacts factsOf(const char* path) noexcept;
+inline FileFacts factsOf(const std::filesystem::path& path) noexcept {
+    return factsOf(path.c_str());
+}
+
+/** Whether two regular files hold the same bytes. Throws `filesystem_error`. */
+bool haveEqualContents(const std::filesystem::path& one, const std::filesystem::path& other);
+
+/** What the system says to opening a regular file; no error where it opens. Writes nothing. */
+std::error_code errorOfOpening(const std::filesystem::path& path, bool forWriting) noexcept;
+
+/**
+ * Whether a folder's disk is another one than a file's, so that a copy cannot share its blocks, and
+ * has no room for the blocks that the file occupies. False where the system does not tell.
+ */
+bool hasNoRoomForCopy(const std::filesystem::path& folder,
+                      const std::filesystem::path& file) noexcept;
+
+/** What the system says to making a file in a folder; no error where that is allowed. */
+std::error_code errorOfWritingInto(const std::filesystem::path& folder) noexcept;
+
+/** Some bytes of a file, and the locks to ask about: all, or those alone that keep readers out. */
+struct LockRange {
+    std::int64_t start = 0;
+    std::int64_t length = 0;
+    bool onlyAgainstReaders = false;
+};
+
+/** The process that holds a lock on such bytes; absent where none does. Asking takes no lock. */
+std::optional<long> lockHolder(const std::filesystem::path& path, const LockRange& range) noexcept;
+
+}  // namespace browsersweep::posix

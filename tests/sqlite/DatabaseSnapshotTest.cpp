@@ -1,0 +1,197 @@
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "browsersweep/sqlite/SafariHistoryCleanableDatabase.h"
+#include "browsersweep/sqlite/internal/DatabaseSnapshot.h"
+
+#include "tests/support/ChildProcess.h"
+#include "tests/support/Database.h"
+#include "tests/support/ForwardingFileManager.h"
+#include "tests/support/GuardedFileManager.h"
+#include "tests/support/SampleHome.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace browsersweep {
+namespace {
+
+namespace fs = std::filesystem;
+
+using tests::ChildProcess;
+using tests::Database;
+
+constexpr std::int64_t visitCount = 300;
+
+/** A history whose every transaction leaves as many visits as it found. */
+class DatabaseSnapshots : public testing::Test {
+protected:
+    void make(const std::string& journalMode) const {
+        const Database database(file_);
+        database.execute("PRAGMA page_size = 1024; PRAGMA journal_mode = " + journalMode +
+                         "; BEGIN;"
+                         "CREATE TABLE history_items (id INTEGER PRIMARY KEY, url TEXT);"
+                         "CREATE TABLE history_visits (id INTEGER PRIMARY KEY AUTOINCREMENT,"
+                         " history_item INTEGER, visit_time REAL, title TEXT);");
+        database.execute("WITH n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " +
+                         std::to_string(visitCount) +
+                         ") INSERT INTO history_visits SELECT i, i, i, hex(randomblob(100)) FROM n;"
+                         "COMMIT;");
+    }
+
+    /** Replaces a part of the visits again and again until it is killed. */
+    void write(const ChildProcess::Ready& ready) const {
+        const Database database(file_);
+        database.execute(
+            "PRAGMA cache_size = 2; PRAGMA synchronous = OFF;"
+            "PRAGMA wal_autocheckpoint = 20;");
+        std::thread([database] {
+            for (;;) {
+                try {
+                    database.execute(
+                        "BEGIN IMMEDIATE;"
+                        "DELETE FROM history_visits WHERE id IN"
+                        " (SELECT id FROM history_visits ORDER BY id LIMIT 50);"
+                        "INSERT INTO history_visits (history_item, visit_time, title)"
+                        " SELECT 1, 1, hex(randomblob(100)) FROM history_visits LIMIT 50;"
+                        "COMMIT;");
+                } catch (const std::exception&) {
+                    continue;  // a reader was there first
+                }
+            }
+        }).detach();
+        ready();
+    }
+
+    SafariHistoryCleanableDatabase item() const { return {file_, manager_}; }
+    fs::path beside(const char* suffix) const { return fs::path(file_) += suffix; }
+
+    tests::TemporaryFolder home_{tests::folderInMemory()};
+    fs::path file_ = home_.makeFolder("data") / "History.db";
+    std::shared_ptr<const FileManager> manager_ = tests::GuardedFileManager::forFixture(home_);
+};
+
+TEST_F(DatabaseSnapshots, areNeverAWrongExactNumberWhileAnotherProcessWrites) {
+    for (const char* mode : {"WAL", "DELETE", "TRUNCATE", "PERSIST"}) {
+        SCOPED_TRACE(mode);
+        fs::remove(file_);
+        make(mode);
+        const ChildProcess browser([&](const ChildProcess::Ready& ready) { write(ready); });
+        int exact = 0;
+        for (int sample = 0; sample < 150; ++sample) {
+            try {
+                const auto size = item().size();
+                if (!size.itemCount.isApproximate) {
+                    EXPECT_EQ(size.itemCount.value, visitCount);
+                    ++exact;
+                }
+            } catch (const SQLiteError& error) {
+                EXPECT_EQ(error.kind(), SQLiteError::Kind::locked) << error.what();
+            }
+        }
+        EXPECT_GT(exact, 0);
+    }
+}
+
+TEST_F(DatabaseSnapshots, ofALivingLogAreTakenInPlaceWithoutAnyChange) {
+    make("WAL");
+    const ChildProcess browser([&](const ChildProcess::Ready& ready) {
+        const Database held(file_);
+        held.execute("INSERT INTO history_visits (history_item) VALUES (1)");
+        ready();
+    });
+    const auto before = tests::filesBelow(home_.path());
+    ASSERT_TRUE(before.contains("data/History.db-shm"));
+    EXPECT_EQ(item().size().itemCount, CleanableDataSize::Measurement(visitCount + 1));
+    EXPECT_EQ(tests::differences(before, tests::filesBelow(home_.path())),
+              std::vector<std::string>());
+}
+
+TEST_F(DatabaseSnapshots, ofALogWithItsIndexLeftByACrashChangeNothing) {
+    make("WAL");
+    {
+        const ChildProcess browser([&](const ChildProcess::Ready& ready) {
+            const Database held(file_);
+            held.execute("INSERT INTO history_visits (history_item) VALUES (1)");
+            ready();
+        });
+    }
+    const auto before = tests::filesBelow(home_.path());
+    ASSERT_TRUE(before.contains("data/History.db-shm"));
+    EXPECT_EQ(item().size().itemCount, CleanableDataSize::Measurement(visitCount + 1));
+    EXPECT_EQ(tests::differences(before, tests::filesBelow(home_.path())),
+              std::vector<std::string>());
+}
+
+/** Has the database change during every copy. */
+class RestlessFileManager : public tests::ForwardingFileManager {
+public:
+    RestlessFileManager(std::shared_ptr<const FileManager> target, int changes)
+        : ForwardingFileManager(std::move(target)), changes_(changes) {}
+
+    void copy(const fs::path& from, const fs::path& to) const override {
+        ForwardingFileManager::copy(from, to);
+        ++*copies_;
+        if (from.extension() == ".db" && *copies_ <= changes_) {
+            Database(from).execute("INSERT INTO history_visits (history_item) VALUES (1)");
+        }
+    }
+    int copies() const noexcept { return *copies_; }
+
+private:
+    int changes_;
+    std::shared_ptr<int> copies_ = std::make_shared<int>(0);
+};
+
+TEST_F(DatabaseSnapshots, areTriedAgainWhereTheFileChangedMeanwhile) {
+    make("WAL");
+    const auto restless = std::make_shared<RestlessFileManager>(manager_, 2);
+    const auto size = SafariHistoryCleanableDatabase(file_, restless).size();
+    EXPECT_EQ(size.itemCount, CleanableDataSize::Measurement(visitCount + 2));
+    EXPECT_EQ(restless->copies(), 3);
+}
+
+TEST_F(DatabaseSnapshots, areApproximateWhereTheFileNeverRests) {
+    make("WAL");
+    const auto restless = std::make_shared<RestlessFileManager>(manager_, 1000);
+    const auto size = SafariHistoryCleanableDatabase(file_, restless).size();
+    EXPECT_TRUE(size.itemCount.isApproximate);
+    EXPECT_GE(size.itemCount.value, visitCount);
+    EXPECT_EQ(restless->copies(), 5);
+    EXPECT_EQ(tests::filesBelow(home_ / "tmp"), tests::Files());
+}
+
+TEST_F(DatabaseSnapshots, readNothingInPlaceThatWouldHaveToBeChanged) {
+    make("DELETE");
+    {
+        const ChildProcess browser([&](const ChildProcess::Ready& ready) {
+            const Database held(file_);
+            held.execute(
+                "PRAGMA cache_size = 1; PRAGMA synchronous = OFF; BEGIN;"
+                "DELETE FROM history_visits");
+            ready();
+        });
+    }
+    ASSERT_TRUE(fs::exists(beside("-journal")));
+    const auto before = tests::filesBelow(home_ / "data");
+    const auto connection = SQLiteConnection::readingOnly(file_);
+    EXPECT_THROW(connection.hasTable("history_visits"), SQLiteError);
+    EXPECT_EQ(tests::filesBelow(home_ / "data"), before);
+    EXPECT_EQ(item().size().itemCount, CleanableDataSize::Measurement(visitCount));
+    EXPECT_EQ(tests::filesBelow(home_ / "data"), before);
+}
+
+TEST_F(DatabaseSnapshots, neitherMakeNorDeleteWhatLiesBesideAnEmptyFile) {
+    home_.write("data/History.db", "");
+    home_.write("data/History.db-wal", "x");
+    const auto before = tests::filesBelow(home_ / "data");
+    EXPECT_EQ(item().size(), CleanableDataSize::zero);
+    EXPECT_EQ(tests::filesBelow(home_ / "data"), before);
+    EXPECT_THROW(SQLiteConnection::readingOnly(home_ / "data/missing"), SQLiteError);
+    EXPECT_EQ(tests::filesBelow(home_ / "data"), before);
+}
+
+}  // namespace
+}  // namespace browsersweep
