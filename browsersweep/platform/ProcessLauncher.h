@@ -21,8 +21,9 @@ public:
     static std::shared_ptr<const ProcessLauncher> system();
 
     /**
-     * Runs a program with arguments and waits until it ends. Its output is the caller's own. How it
-     * ended is not told, nor whether it could be started at all.
+     * Runs a program with arguments and waits until it ends. It reads nothing and what it prints
+     * goes nowhere; it blocks no signal, and finds only the system's own programs by their names.
+     * How it ended is not told, nor whether it could be started at all.
      */
     virtual void runAndWait(const std::filesystem::path& executable,
                             std::span<const std::string> arguments) const noexcept = 0;
