@@ -56,16 +56,32 @@ bool isMark(const Units& text, std::size_t position) {
     return (U_GET_GC_MASK(character) & U_GC_M_MASK) != 0;
 }
 
-/** The extended grapheme cluster around an index; GNUstep's own knows combining marks alone. */
-NSRange clusterAt(NSString* string, SEL /*selector*/, NSUInteger index) {
+/** The characters that macOS leaves alone where the rules of grapheme clusters join them. */
+bool standsAlone(const Units& units, NSUInteger boundary) {
+    const char16_t after = units[boundary];
+    const char16_t before = units[boundary - 1];
+    return after == 0x200C || after == 0x0E33 || after == 0x0EB3 ||
+           (0x0600 <= before && before <= 0x0605) || before == 0x06DD || before == 0x070F;
+}
+
+/**
+ * The composed sequence around an index as macOS finds it: its extended grapheme cluster, but for
+ * the characters that it leaves alone. GNUstep's own knows combining marks alone.
+ */
+NSRange sequenceAt(NSString* string, SEL /*selector*/, NSUInteger index) {
     const Units units = unitsOf(string);
     UErrorCode status = U_ZERO_ERROR;
     UBreakIterator* iterator = ubrk_open(UBRK_CHARACTER, "", units.data(),
                                          static_cast<std::int32_t>(units.size()), &status);
-    const std::int32_t end = ubrk_following(iterator, static_cast<std::int32_t>(index));
-    const std::int32_t start = ubrk_previous(iterator);
+    auto end = static_cast<NSUInteger>(ubrk_following(iterator, static_cast<std::int32_t>(index)));
+    auto start = static_cast<NSUInteger>(ubrk_previous(iterator));
     ubrk_close(iterator);
-    return NSMakeRange(static_cast<NSUInteger>(start), static_cast<NSUInteger>(end - start));
+    for (NSUInteger boundary = start + 1; boundary < end; ++boundary) {
+        if (standsAlone(units, boundary)) {
+            (boundary <= index ? start : end) = boundary;
+        }
+    }
+    return NSMakeRange(start, end - start);
 }
 
 /** The zone that the environment names now; GNUstep's own is the one from the process's start. */
@@ -88,7 +104,7 @@ void replaceMethod(Class cls, SEL selector, IMP implementation) {
     for (const char* name : {"NSString", "GSString", "GSUnicodeString"}) {
         replaceMethod(static_cast<Class>(objc_getClass(name)),
                       @selector(rangeOfComposedCharacterSequenceAtIndex:),
-                      reinterpret_cast<IMP>(clusterAt));
+                      reinterpret_cast<IMP>(sequenceAt));
     }
     replaceMethod(object_getClass([NSTimeZone class]), @selector(systemTimeZone),
                   reinterpret_cast<IMP>(zoneOfEnvironment));

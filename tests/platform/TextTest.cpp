@@ -65,6 +65,18 @@ TEST(Text, userPerceivedCharactersAreReversedWhole) {
         {"\u2764\uFE0Fb", "b\u2764\uFE0F"},                // a variation selector
         {"\u1112\u1161\u11ABa", "a\u1112\u1161\u11AB"},    // Hangul jamo of one syllable
         {"a\r\nb", "b\r\na"},
+        {"a\n\rb", "b\r\na"},                             // here they are two
+        // What macOS itself does not take for one character.
+        {"a\u0E01\u0E33b", "b\u0E01\u0E33a"},             // Thai with its vowel sign AM
+        {"a\u0E81\u0EB3b", "b\u0E81\u0EB3a"},             // Lao
+        {"ab\u200Cc", "cb\u200Ca"},                       // the zero width non-joiner
+        {"ab\u0301\u200C\u0301c", "cb\u0301\u200C\u0301a"},
+        {"a\n\u200Cb", "b\u200C\na"},                     // nothing joins a control character
+        {"a\u0600\u0661b", "b\u0600\u0661a"},             // an Arabic number sign and its number
+        {"a\u0600\u0601\u0661b", "b\u0600\u0601\u0661a"},
+        {"a\u0600\n", "\n\u0600a"},
+        {"\u0E33", "\u0E33"},
+        {"\u0600", "\u0600"},
     };
     // clang-format on
     for (const Row& row : rows) {

@@ -1,6 +1,6 @@
 #include "browsersweep/platform/internal/Calendar.h"
 
-#import <Foundation/Foundation.h>
+#include "browsersweep/platform/internal/foundation/Ownership.h"
 
 namespace browsersweep {
 
@@ -8,10 +8,10 @@ Date localMidnightOf1601() {
     @autoreleasepool {
         // The system's zone is kept by the process; a change of it since then counts.
         [NSTimeZone resetSystemTimeZone];
-        NSCalendar* calendar = [[[NSCalendar alloc]
-            initWithCalendarIdentifier:NSCalendarIdentifierGregorian] autorelease];
+        NSCalendar* calendar = autoreleased(
+            [[NSCalendar alloc] initWithCalendarIdentifier:NSCalendarIdentifierGregorian]);
         [calendar setTimeZone:[NSTimeZone systemTimeZone]];
-        NSDateComponents* components = [[[NSDateComponents alloc] init] autorelease];
+        NSDateComponents* components = autoreleased([[NSDateComponents alloc] init]);
         [components setYear:1601];
         [components setMonth:1];
         [components setDay:1];

@@ -1,11 +1,13 @@
 #include "browsersweep/platform/internal/foundation/FoundationText.h"
 
+#include "browsersweep/platform/internal/foundation/Ownership.h"
+
 namespace browsersweep {
 
 NSString* foundationString(std::string_view text) {
-    NSString* string = [[[NSString alloc] initWithBytes:text.data()
-                                                 length:text.size()
-                                               encoding:NSUTF8StringEncoding] autorelease];
+    NSString* string = autoreleased([[NSString alloc] initWithBytes:text.data()
+                                                             length:text.size()
+                                                           encoding:NSUTF8StringEncoding]);
     return string != nil ? string : @"";
 }
 

@@ -1,6 +1,11 @@
 #include "browsersweep/platform/HTTPCookieStorage.h"
 
+#include <map>
+#include <mutex>
+#include <tuple>
+
 #include "browsersweep/platform/internal/foundation/FoundationText.h"
+#include "browsersweep/platform/internal/foundation/Ownership.h"
 
 namespace browsersweep {
 namespace {
@@ -9,21 +14,25 @@ HTTPCookie identityOf(NSHTTPCookie* cookie) {
     return {utf8([cookie domain]), utf8([cookie name]), utf8([cookie path])};
 }
 
-/** The system's storage of a group container. */
+using Key = std::tuple<std::string, std::string, std::string>;
+
+Key keyOf(const HTTPCookie& cookie) {
+    return {cookie.domain, cookie.name, cookie.path};
+}
+
+/**
+ * The system's storage of a group container. It deletes its own cookie objects, so those of the
+ * last listing are kept: to list all of them for each one that is deleted takes seconds for a
+ * thousand.
+ */
 class FoundationCookieStorage : public HTTPCookieStorage {
 public:
-    explicit FoundationCookieStorage(NSHTTPCookieStorage* storage) : storage_([storage retain]) {}
-    FoundationCookieStorage(const FoundationCookieStorage&) = delete;
-    FoundationCookieStorage& operator=(const FoundationCookieStorage&) = delete;
-    ~FoundationCookieStorage() override { [storage_ release]; }
+    explicit FoundationCookieStorage(NSHTTPCookieStorage* storage) : storage_(storage) {}
 
     std::vector<HTTPCookie> cookies() const override {
+        const std::lock_guard lock(mutex_);
         @autoreleasepool {
-            std::vector<HTTPCookie> result;
-            for (NSHTTPCookie* cookie in [storage_ cookies]) {
-                result.push_back(identityOf(cookie));
-            }
-            return result;
+            return list();
         }
     }
 
@@ -35,23 +44,45 @@ public:
                                              foundationString(cookie.name), NSHTTPCookieName,
                                              foundationString(cookie.path), NSHTTPCookiePath, @"1",
                                              NSHTTPCookieValue, nil];
-            [storage_ setCookie:[NSHTTPCookie cookieWithProperties:properties]];
+            [storage_.get() setCookie:[NSHTTPCookie cookieWithProperties:properties]];
         }
     }
 
     void deleteCookie(const HTTPCookie& cookie) override {
+        const std::lock_guard lock(mutex_);
         @autoreleasepool {
-            NSArray* present = [[[storage_ cookies] copy] autorelease];
-            for (NSHTTPCookie* candidate in present) {
-                if (identityOf(candidate) == cookie) {
-                    [storage_ deleteCookie:candidate];
-                }
+            if (!deleteListed(keyOf(cookie))) {
+                list();
+                deleteListed(keyOf(cookie));
             }
         }
     }
 
 private:
-    NSHTTPCookieStorage* storage_;
+    std::vector<HTTPCookie> list() const {
+        std::vector<HTTPCookie> result;
+        listed_.clear();
+        for (NSHTTPCookie* cookie in [storage_.get() cookies]) {
+            result.push_back(identityOf(cookie));
+            listed_.emplace(keyOf(result.back()), cookie);
+        }
+        return result;
+    }
+
+    /** Whether the last listing had such a cookie. */
+    bool deleteListed(const Key& key) {
+        const auto [first, last] = listed_.equal_range(key);
+        const bool isListed = first != last;
+        for (auto found = first; found != last; ++found) {
+            [storage_.get() deleteCookie:found->second.get()];
+        }
+        listed_.erase(first, last);
+        return isListed;
+    }
+
+    Retained<NSHTTPCookieStorage*> storage_;
+    mutable std::mutex mutex_;
+    mutable std::multimap<Key, Retained<NSHTTPCookie*>> listed_;  ///< and not yet deleted
 };
 
 }  // namespace
