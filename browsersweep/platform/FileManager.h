@@ -46,7 +46,8 @@ enum class SearchPathDirectory {
  * entry of its own and is never followed.
  *
  * The questions are about the entry that `next()` moved to last. One that has vanished since it was
- * listed has no kind, no size and no date: it counts as never listed.
+ * listed has no size and no date, and no kind that the listing did not tell: it counts as never
+ * listed. A system whose listing tells sizes and dates is believed until something is deleted.
  */
 class BROWSERSWEEP_EXPORT DirectoryEnumerator {
 public:

@@ -15,6 +15,7 @@ int main(int argc, char** argv) {
     const auto home = sandbox.makeFolder("home");
     const auto temporary = sandbox.makeFolder("tmp");
     ::setenv("HOME", home.c_str(), 1);
+    ::setenv("CFFIXED_USER_HOME", home.c_str(), 1);  // what counts on macOS
     ::setenv("TMPDIR", temporary.c_str(), 1);
     return RUN_ALL_TESTS();
 }

@@ -279,6 +279,7 @@ TEST_F(RefusedSystemCalls, theSystemHasNoDirectoriesOfItsOwnForBrowsers) {
 TEST_F(RefusedSystemCalls, theHomeOfAUserWithoutAnAccountIsAnError) {
     const std::string home = std::getenv("HOME");
     ::unsetenv("HOME");
+    ::unsetenv("CFFIXED_USER_HOME");
     tests::inOwnThread([&] {
         constexpr unsigned nobodysNumber = 1'999'999'999;
         if (tests::becomeUser(nobodysNumber)) {
@@ -288,6 +289,7 @@ TEST_F(RefusedSystemCalls, theHomeOfAUserWithoutAnAccountIsAnError) {
         }
     });
     ::setenv("HOME", home.c_str(), 1);
+    ::setenv("CFFIXED_USER_HOME", home.c_str(), 1);
 }
 
 TEST_F(RefusedSystemCalls, aProgramThatCannotBeStartedIsPassedOverInSilence) {

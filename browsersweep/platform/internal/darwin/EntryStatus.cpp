@@ -3,6 +3,8 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include "browsersweep/platform/internal/darwin/BirthDate.h"
+
 namespace browsersweep::posix {
 
 std::optional<EntryStatus> entryStatus(int directory, const char* name,
@@ -11,11 +13,8 @@ std::optional<EntryStatus> entryStatus(int directory, const char* name,
     if (::fstatat(directory, name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
         return std::nullopt;
     }
-    const timespec& birth = status.st_birthtimespec;
-    return EntryStatus{
-        S_ISDIR(status.st_mode), static_cast<std::uint64_t>(status.st_size),
-        dateFrom1970Seconds(static_cast<double>(birth.tv_sec)) +
-            std::chrono::duration<double>(static_cast<double>(birth.tv_nsec) * 1e-9)};
+    return EntryStatus{S_ISDIR(status.st_mode), static_cast<std::uint64_t>(status.st_size),
+                       birthDate(status.st_birthtimespec)};
 }
 
 }  // namespace browsersweep::posix

@@ -1,8 +1,11 @@
 #include "browsersweep/platform/internal/posix/FileCopy.h"
 
+#include <cstdint>
+
 #include <fcntl.h>
 #include <sys/clonefile.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "browsersweep/platform/internal/posix/SystemCalls.h"
 
@@ -10,21 +13,41 @@ namespace browsersweep::posix {
 namespace {
 
 /**
- * Shares the blocks where the file system can. A clone has the mode of its source, which the folder
- * of a private copy keeps from others until the mode is set.
+ * A clone has its source's mode and flags, of which "locked" would let nobody change or delete it.
+ * It therefore loses the flags first. False where that fails, as for a source that only others may
+ * read, whose clone its own owner cannot open.
  */
-bool clone(const FileDescriptor& source, const std::filesystem::path& to) {
-    if (::fclonefileat(source.number(), AT_FDCWD, to.c_str(), CLONE_NOOWNERCOPY) != 0) {
+bool makePrivate(const std::filesystem::path& path) noexcept {
+    const FileDescriptor file(
+        restarting([&] { return ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC); }));
+    struct stat status {};
+    if (!file || ::fstat(file.number(), &status) != 0) {
         return false;
     }
-    if (::chmod(to.c_str(), S_IRUSR | S_IWUSR) != 0) {
-        throwSystemError("cannot make private", to);
+    return (status.st_flags == 0 || ::fchflags(file.number(), 0) == 0) &&
+           ::fchmod(file.number(), S_IRUSR | S_IWUSR) == 0;
+}
+
+/**
+ * Shares the blocks where the file system can. The flag is about the target: without it a link that
+ * leads nowhere would be followed and the clone made where it points.
+ */
+bool clone(const FileDescriptor& source, const std::filesystem::path& to) noexcept {
+    constexpr std::uint32_t flags = CLONE_NOFOLLOW | CLONE_NOOWNERCOPY;
+    if (::fclonefileat(source.number(), AT_FDCWD, to.c_str(), flags) != 0) {
+        return false;
     }
-    return true;
+    if (makePrivate(to)) {
+        return true;
+    }
+    ::lchflags(to.c_str(), 0);
+    ::unlink(to.c_str());
+    return false;
 }
 
 }  // namespace
 
+/** Whatever stands in a clone's way, the plain copy either does without or says why it cannot. */
 void copyFile(const FileDescriptor& source, const std::filesystem::path& from,
               const std::filesystem::path& to) {
     if (!clone(source, to)) {

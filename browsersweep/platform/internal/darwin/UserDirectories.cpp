@@ -22,6 +22,26 @@ std::filesystem::path withHome(std::string_view path) {
 
 }  // namespace
 
+/**
+ * The cookie storage, the privacy settings and the daemons are the account's, so the files must be
+ * too: `HOME` alone would pair another folder with them. The first variable is the platform's own,
+ * for that very purpose, and is set in a sandbox; it means nothing in a program with other rights
+ * than its user's.
+ */
+std::filesystem::path currentHomeDirectory() {
+    if (const auto home = homeInEnvironment("CFFIXED_USER_HOME"); home && ::issetugid() == 0) {
+        return *home;
+    }
+    int error = 0;
+    if (const auto home = homeInUserDatabase(error)) {
+        return *home;
+    }
+    if (const auto home = homeInEnvironment("HOME")) {
+        return *home;
+    }
+    throwNoHome(error);
+}
+
 std::filesystem::path systemTemporaryDirectory() {
     const char* const named = std::getenv("TMPDIR");
     if (named != nullptr && *named != '\0') {

@@ -61,9 +61,13 @@ std::error_code DirectoryListing::next(std::optional<ListedEntry>& entry) {
         own.position += found->d_reclen;
         const char* const name = static_cast<const char*>(found->d_name);
         if (!isSelfOrParent(name)) {
-            entry = ListedEntry{name, isDirectory(found->d_type)};
+            entry = ListedEntry{name, isDirectory(found->d_type), std::nullopt};
         }
     }
+    return {};
+}
+
+std::error_code DirectoryListing::prepareForDeletion() {
     return {};
 }
 

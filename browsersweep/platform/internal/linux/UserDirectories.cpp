@@ -4,6 +4,17 @@
 
 namespace browsersweep::posix {
 
+std::filesystem::path currentHomeDirectory() {
+    int error = 0;
+    if (const auto home = homeInEnvironment("HOME")) {
+        return *home;
+    }
+    if (const auto home = homeInUserDatabase(error)) {
+        return *home;
+    }
+    throwNoHome(error);
+}
+
 std::filesystem::path systemTemporaryDirectory() {
     const char* const named = std::getenv("TMPDIR");
     return named != nullptr && *named != '\0' ? named : "/tmp";

@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include "browsersweep/platform/internal/posix/SystemCalls.h"
+#include "browsersweep/platform/internal/posix/WithoutDownloads.h"
 
 namespace browsersweep::posix {
 namespace {
@@ -18,8 +19,11 @@ constexpr std::size_t maximumOpenDirectories = 32;
 
 constexpr int openFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
 
-/** Errors that say something of the directory itself: there is nothing to see for this user. */
-constexpr std::array unseenDirectoryErrors{EACCES, EPERM, ENOENT, ENOTDIR, ELOOP};
+/**
+ * Errors that say something of the directory itself: there is nothing to see for this user. The
+ * last one stands for a folder whose contents lie in the cloud.
+ */
+constexpr std::array unseenDirectoryErrors{EACCES, EPERM, ENOENT, ENOTDIR, ELOOP, EDEADLK};
 
 bool meansUnseen(int error) noexcept {
     return std::find(unseenDirectoryErrors.begin(), unseenDirectoryErrors.end(), error) !=
@@ -27,6 +31,7 @@ bool meansUnseen(int error) noexcept {
 }
 
 FileDescriptor openDirectory(int parent, const char* name, int extraFlags) noexcept {
+    const WithoutDownloads whileOpening;
     return FileDescriptor(
         restarting([&] { return ::openat(parent, name, openFlags | extraFlags); }));
 }
@@ -81,6 +86,10 @@ bool DirectoryWalk::nextListed() {
         status_.reset();
         if (const auto error = listing_.next(entry_)) {
             throwSystemError("cannot list directory", path(), error.value());
+        }
+        if (entry_ && entry_->status) {
+            status_ = entry_->status;
+            statusFields_ = StatusFields::all;
         }
         if (entry_ && !entry_->isDirectory) {
             learnKind();
@@ -182,6 +191,9 @@ std::optional<Date> DirectoryWalk::creationDate() noexcept {
 }
 
 void DirectoryWalk::remove() {
+    if (const auto error = listing_.prepareForDeletion()) {
+        throwSystemError("cannot list directory", path(), error.value());
+    }
     if (::unlinkat(levels_.back().descriptor.number(), entry_->name, 0) != 0) {
         throwSystemError("cannot delete", path(name()));
     }

@@ -22,6 +22,9 @@ public:
     explicit operator bool() const noexcept { return number_ >= 0; }
     int number() const noexcept { return number_; }
 
+    /** Leaves it open for another owner. */
+    int release() noexcept { return std::exchange(number_, none); }
+
     /** Closes it early. */
     void close() noexcept;
 

@@ -1,5 +1,6 @@
 #include "browsersweep/platform/internal/posix/SystemCalls.h"
 
+#include <algorithm>
 #include <string>
 #include <system_error>
 
@@ -7,6 +8,12 @@
 #include <unistd.h>
 
 namespace browsersweep::posix {
+namespace {
+
+/** Some systems refuse to read or write more than INT_MAX bytes at once. */
+constexpr std::size_t mostBytesAtOnce = std::size_t{1} << 30;
+
+}  // namespace
 
 void throwSystemError(std::string_view doing, const std::filesystem::path& path) {
     throwSystemError(doing, path, errno);
@@ -27,8 +34,9 @@ FileDescriptor openFile(const std::filesystem::path& path, int flags, unsigned m
 
 void writeAll(const FileDescriptor& file, BytesView bytes, const std::filesystem::path& path) {
     while (!bytes.empty()) {
+        const std::size_t count = std::min(bytes.size(), mostBytesAtOnce);
         const auto written =
-            restarting([&] { return ::write(file.number(), bytes.data(), bytes.size()); });
+            restarting([&] { return ::write(file.number(), bytes.data(), count); });
         if (written < 0) {
             throwSystemError("cannot write", path);
         }
@@ -38,7 +46,8 @@ void writeAll(const FileDescriptor& file, BytesView bytes, const std::filesystem
 
 std::size_t readSome(const FileDescriptor& file, std::span<std::uint8_t> into,
                      const std::filesystem::path& path) {
-    const auto count = restarting([&] { return ::read(file.number(), into.data(), into.size()); });
+    const std::size_t wanted = std::min(into.size(), mostBytesAtOnce);
+    const auto count = restarting([&] { return ::read(file.number(), into.data(), wanted); });
     if (count < 0) {
         throwSystemError("cannot read", path);
     }

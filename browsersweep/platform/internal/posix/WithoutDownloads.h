@@ -1,0 +1,20 @@
+#pragma once
+
+namespace browsersweep::posix {
+
+/**
+ * As long as it lives, folders whose contents lie in the cloud alone are not fetched when this
+ * thread opens or lists them: the system says EDEADLK. One implementation per system.
+ */
+class WithoutDownloads {
+public:
+    WithoutDownloads() noexcept;
+    WithoutDownloads(const WithoutDownloads&) = delete;
+    WithoutDownloads& operator=(const WithoutDownloads&) = delete;
+    ~WithoutDownloads();
+
+private:
+    [[maybe_unused]] int before_ = 0;
+};
+
+}  // namespace browsersweep::posix
