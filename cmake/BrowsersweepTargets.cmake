@@ -34,6 +34,17 @@ function(browsersweep_use_build_options target)
                                              OBJCXX_VISIBILITY_PRESET hidden)
 endfunction()
 
+# browsersweep_emulate_darwin(target source...): with BROWSERSWEEP_EMULATE_DARWIN, shows those sources
+# that are written for macOS the calls of macOS, and lets the emulation answer them.
+function(browsersweep_emulate_darwin target)
+  if(BROWSERSWEEP_EMULATE_DARWIN)
+    list(FILTER ARGN INCLUDE REGEX "/darwin/(emulation/)?[^/]+\\.cpp$")
+    set_source_files_properties(
+      ${ARGN} PROPERTIES COMPILE_OPTIONS "-isystem;${PROJECT_SOURCE_DIR}/tests/darwin/include")
+    target_link_libraries(${target} PUBLIC darwin_emulation)
+  endif()
+endfunction()
+
 # browsersweep_precompile(target header...): with BROWSERSWEEP_PRECOMPILE, reads these headers once for
 # the whole target. A build without it proves that every file includes what it needs.
 function(browsersweep_precompile target)

@@ -4,7 +4,7 @@ struct os_log_s;
 typedef os_log_s* os_log_t;
 
 extern "C" os_log_s _os_log_default;
-extern "C" void browsersweepDeclaredLog(os_log_t log, const char* format, ...);
+extern "C" void browsersweepEmulatedLog(os_log_t log, const char* format, ...);
 
 #define OS_LOG_DEFAULT (&_os_log_default)
-#define os_log_debug(log, ...) browsersweepDeclaredLog((log), __VA_ARGS__)
+#define os_log_debug(log, ...) browsersweepEmulatedLog((log), __VA_ARGS__)
