@@ -256,8 +256,10 @@ Report gather(const Options& options, const CleanerFactory& cleanerOf, Observer&
             return gatherBookmarks(options, cleanerOf, observer);
         case Command::notifications:
             return gatherNotifications(options, cleanerOf, observer);
+        case Command::doctor:
+            break;  // it gathers no data
     }
-    throw std::logic_error("a command of an unknown kind");
+    throw std::logic_error("a command that gathers nothing");
 }
 
 }  // namespace browsersweep::cli

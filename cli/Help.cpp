@@ -29,6 +29,7 @@ commands
   clean           delete the selected data and report what was removed
   bookmarks       list bookmarks
   notifications   list the sites that may send push notifications
+  doctor          say which browsers' data can be reached, and what to do where it cannot
 
 selection (all repeatable; nothing given selects everything)
   --browser RAW         a browser, such as googleChrome; 'browsersweep browsers' lists them

@@ -25,6 +25,7 @@ constexpr std::array commands{
     std::pair{std::string_view("clean"), Command::clean},
     std::pair{std::string_view("bookmarks"), Command::bookmarks},
     std::pair{std::string_view("notifications"), Command::notifications},
+    std::pair{std::string_view("doctor"), Command::doctor},
 };
 
 enum class Scope { everywhere, sizeAndClean, size, clean };

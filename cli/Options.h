@@ -13,7 +13,7 @@
 
 namespace browsersweep::cli {
 
-enum class Command { browsers, profiles, size, clean, bookmarks, notifications };
+enum class Command { browsers, profiles, size, clean, bookmarks, notifications, doctor };
 
 /** What the command is about. Nothing given selects everything. */
 struct Selection {

@@ -14,6 +14,7 @@
 
 #include "cli/Appearance.h"
 #include "cli/Console.h"
+#include "cli/Doctor.h"
 #include "cli/ErrorText.h"
 #include "cli/Gather.h"
 #include "cli/HTMLReport.h"
@@ -189,6 +190,19 @@ void requireSomebodyToAsk(const Options& options, const Console& console) {
     }
 }
 
+/** Asks which folders can be read; nothing of what they hold is. */
+int runDoctor(const Options& options, const Console& console) {
+    const Interruption pipeErrorsAreFailures;
+    const auto fileManager =
+        options.home ? FileManager::forHome(*options.home) : FileManager::defaultManager();
+    const auto diagnosis =
+        diagnose(options.selection.selectedBrowsers(), FileManagerDirectoryProvider(fileManager),
+                 Host(options.home).cleanerFactory());
+    const auto appearance = appearanceOf(console.outputIsTerminal(), environmentVariable);
+    console.writeOutput(options.json ? jsonText(diagnosis) : peopleText(diagnosis, appearance));
+    return diagnosis.isAnythingDenied() ? somethingFailed : allDone;
+}
+
 int dispatch(const std::vector<std::string>& arguments, const Console& console) {
     const CommandLine commandLine = parseCommandLine(arguments);
     if (const auto* const information = std::get_if<Information>(&commandLine)) {
@@ -197,6 +211,9 @@ int dispatch(const std::vector<std::string>& arguments, const Console& console) 
         return allDone;
     }
     const auto& options = std::get<Options>(commandLine);
+    if (options.command == Command::doctor) {
+        return runDoctor(options, console);
+    }
     requireSomebodyToAsk(options, console);
     return Run(options).execute();
 }

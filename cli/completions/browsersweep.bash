@@ -14,7 +14,7 @@ _browsersweep_command() {
         case $word in
         --home | --browser | --profile | --category | --html) is_value=yes ;;
         --include | --exclude | --inside | --outside | --filter) is_value=yes ;;
-        browsers | profiles | size | clean | bookmarks | notifications)
+        browsers | profiles | size | clean | bookmarks | notifications | doctor)
             printf '%s\n' "$word"
             return
             ;;
@@ -54,7 +54,7 @@ _browsersweep() {
     local browsers="quenbySecureBrowser tarrowSecureBrowser brave chromium firefox googleChrome
         microsoftEdge orvo brellisPrivateBrowser opera safari vivaldi yandexBrowser"
     local categories="cache history httpCookies flashCookies formData localStorage"
-    local commands="browsers profiles size clean bookmarks notifications"
+    local commands="browsers profiles size clean bookmarks notifications doctor"
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} command
     COMPREPLY=()
     if [ "$current" = "=" ]; then

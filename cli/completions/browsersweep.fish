@@ -1,16 +1,16 @@
 # Completion of browsersweep for fish.
 # The words here are checked against the program's own parser by the tests.
 
-set -l commands browsers profiles size clean bookmarks notifications
+set -l commands browsers profiles size clean bookmarks notifications doctor
 set -l browsers quenbySecureBrowser tarrowSecureBrowser brave chromium firefox googleChrome \
     microsoftEdge orvo brellisPrivateBrowser opera safari vivaldi yandexBrowser
 set -l categories cache history httpCookies flashCookies formData localStorage
 
 # Before the command is typed, the options of all commands are offered.
 set -l no_command "not __fish_seen_subcommand_from $commands"
-set -l measuring "not __fish_seen_subcommand_from browsers profiles bookmarks notifications"
-set -l sizing "not __fish_seen_subcommand_from browsers profiles clean bookmarks notifications"
-set -l cleaning "not __fish_seen_subcommand_from browsers profiles size bookmarks notifications"
+set -l measuring "not __fish_seen_subcommand_from browsers profiles bookmarks notifications doctor"
+set -l sizing "not __fish_seen_subcommand_from browsers profiles clean bookmarks notifications doctor"
+set -l cleaning "not __fish_seen_subcommand_from browsers profiles size bookmarks notifications doctor"
 
 complete -c browsersweep -f
 complete -c browsersweep -n $no_command -a browsers -d 'List the thirteen browsers'
@@ -19,6 +19,7 @@ complete -c browsersweep -n $no_command -a size -d 'Measure the selected data'
 complete -c browsersweep -n $no_command -a clean -d 'Delete the selected data'
 complete -c browsersweep -n $no_command -a bookmarks -d 'List bookmarks'
 complete -c browsersweep -n $no_command -a notifications -d 'List the sites that may send notifications'
+complete -c browsersweep -n $no_command -a doctor -d 'Say which data can be reached'
 
 complete -c browsersweep -l home -x -a '(__fish_complete_directories)' -d 'Act on the Library folder under another folder'
 complete -c browsersweep -l json -d 'Machine output on standard output'

@@ -80,7 +80,7 @@ TEST(Options, wrongCommandLinesSayWhatIsWrongAndWhatIsRight) {
     const std::vector<Row> rows = {
         {{},
          "no command is given; it must be one of browsers, profiles, size, clean, bookmarks, "
-         "notifications"},
+         "notifications, doctor"},
         {{"sizes"}, "'sizes' is no command; did you mean size?"},
         {{"size", "x"},
          "'x' is one word too many after the command size; give browsers with --browser and "

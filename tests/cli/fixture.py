@@ -25,7 +25,7 @@ BROWSERS = ["quenbySecureBrowser", "tarrowSecureBrowser", "brave", "chromium", "
             "googleChrome", "microsoftEdge", "orvo", "brellisPrivateBrowser", "opera", "safari",
             "vivaldi", "yandexBrowser"]
 
-COMMANDS = ["browsers", "profiles", "size", "clean", "bookmarks", "notifications"]
+COMMANDS = ["browsers", "profiles", "size", "clean", "bookmarks", "notifications", "doctor"]
 
 CATEGORIES = ["cache", "history", "httpCookies", "flashCookies", "formData", "localStorage"]
 

@@ -40,7 +40,7 @@ class Usage(HostProgramTest):
                                         says=(f"{option} needs a value",))
 
     def test_options_of_other_commands(self):
-        for command in ("browsers", "profiles", "bookmarks", "notifications"):
+        for command in ("browsers", "profiles", "bookmarks", "notifications", "doctor"):
             for option in ("--category=cache", "--include=a", "--exclude=a", "--inside=..",
                            "--outside=..", "--filter={}", "--ignore-errors"):
                 with self.subTest(command=command, option=option):
