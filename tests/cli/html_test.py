@@ -155,9 +155,9 @@ class Writing(PageTest):
     def test_a_wrong_place_is_said_in_a_sentence_before_anything_is_measured(self):
         self.refused(self.root / "missing" / "page.html", "No such file or directory")
         self.refused(self.root, "Is a directory")
-        self.refused("/dev/full", "it is no regular file")
+        self.refused("/dev/null", "it is no regular file")
         self.refused(self.history / "page.html", "Not a directory")
-        self.assertTrue(stat.S_ISCHR(os.stat("/dev/full").st_mode))
+        self.assertTrue(stat.S_ISCHR(os.stat("/dev/null").st_mode))
 
     def test_the_page_is_alone_in_its_folder_and_replaces_the_one_before(self):
         folder = self.root / "pages"

@@ -4,6 +4,8 @@ The browsers run with a throw-away HOME, so that nothing but Library/ is written
 test.
 """
 
+from __future__ import annotations
+
 import contextlib
 import json
 import os

@@ -1,6 +1,8 @@
 """The tests. Each takes a `Bench`, raises `AssertionError` when a rule is broken, and is listed in
 `CASES`; a test runs once per browser on its own copy of that browser's home."""
 
+from __future__ import annotations
+
 import datetime
 from collections.abc import Callable, Iterable
 from pathlib import Path

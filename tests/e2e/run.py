@@ -8,6 +8,8 @@ last, `N passed, N failed, N skipped`. The exit status is 1 if a test failed. Th
 browser that is not installed are skipped.
 """
 
+from __future__ import annotations
+
 import argparse
 import shutil
 import sys
@@ -103,13 +105,15 @@ def parse_arguments() -> argparse.Namespace:
 
 def main() -> int:
     options, total = parse_arguments(), Counter()
-    with tempfile.TemporaryDirectory(prefix="browsersweep-e2e-",
-                                     ignore_cleanup_errors=True) as scratch:
+    scratch = tempfile.mkdtemp(prefix="browsersweep-e2e-")
+    try:
         # The browsers know nothing of each other, so their tests run side by side.
         with ThreadPoolExecutor() as pool:
             for counted in pool.map(lambda family: run_family(
                     family, options, Path(scratch).resolve()), options.browsers):
                 total += counted
+    finally:
+        shutil.rmtree(scratch, ignore_errors=True)  # a browser may still be writing there
     say(f"{total['passed']} passed, {total['failed']} failed, {total['skipped']} skipped")
     return 1 if total["failed"] else 0
 

@@ -134,6 +134,9 @@ TEST(Text, containmentIsCaseInsensitiveAndCanonical) {
 
 /** Runs the rows in a process of its own: the locale is settled when a process first asks. */
 void expectUnderLocale(const char* locale, const std::vector<ContainmentRow>& rows) {
+#ifdef __APPLE__
+    GTEST_SKIP() << "the locale is that of the user's settings, whatever LANG says: " << locale;
+#endif
     SCOPED_TRACE(locale);
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     for (const char* name : {"LANG", "LC_ALL", "LC_MESSAGES", "LANGUAGE", "LANGUAGES"}) {

@@ -5,11 +5,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <deque>
 #include <memory>
 #include <set>
+#include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include <dirent.h>
@@ -104,14 +103,45 @@ bool isSelfOrParent(std::string_view name) noexcept {
     return name == "." || name == "..";
 }
 
-/** Leaves out what the piece before has too: files that appear meanwhile push others back. */
-void leaveOutRepeated(Piece& piece, const Piece& before) {
-    std::set<std::string_view> known;
-    for (const ListedEntry& entry : before.entries) {
-        known.insert(entry.name);
+/** Entries that wait, packed: of each its kind, its name and a zero byte. A folder may be large. */
+class EntriesAhead {
+public:
+    void add(const ListedEntry& entry) {
+        text_ += entry.isDirectory ? (*entry.isDirectory ? directory : other) : unknown;
+        text_.append(entry.name) += '\0';
     }
-    std::erase_if(piece.entries,
-                  [&known](const ListedEntry& entry) { return known.count(entry.name) != 0; });
+
+    std::optional<ListedEntry> take() noexcept {
+        if (position_ == text_.size()) {
+            return std::nullopt;
+        }
+        const char kind = text_[position_];
+        const char* const name = &text_[position_ + 1];
+        position_ += 1 + std::strlen(name) + 1;
+        const auto isDirectory = kind == unknown ? std::nullopt : std::optional(kind == directory);
+        return ListedEntry{name, isDirectory, std::nullopt};
+    }
+
+    void clear() noexcept {
+        text_.clear();
+        position_ = 0;
+    }
+
+private:
+    static constexpr char directory = 'd';
+    static constexpr char other = 'o';
+    static constexpr char unknown = 'u';
+
+    std::string text_;
+    std::size_t position_ = 0;
+};
+
+std::set<std::string> namesOf(const Piece& piece) {
+    std::set<std::string> names;
+    for (const ListedEntry& entry : piece.entries) {
+        names.insert(entry.name);
+    }
+    return names;
 }
 
 struct StreamCloser {
@@ -138,7 +168,7 @@ struct DirectoryListing::Implementation {
     bool tellsStatus = true;
     std::unique_ptr<DIR, StreamCloser> stream;  ///< of the plain way alone
     Piece present;
-    std::deque<Piece> ahead;
+    EntriesAhead ahead;
 
     void start(int newDirectory) noexcept {
         directory = newDirectory;
@@ -223,19 +253,18 @@ void DirectoryListing::start(int directory) noexcept {
 std::error_code DirectoryListing::next(std::optional<ListedEntry>& entry) {
     Implementation& own = *implementation_;
     entry.reset();
-    if (own.present.isUsedUp() && !own.ahead.empty()) {
-        own.present = std::move(own.ahead.front());
-        own.ahead.pop_front();
-    } else if (own.present.isUsedUp() && !own.isAtEnd) {
+    if (own.present.isUsedUp() && !own.isAtEnd) {
         if (const std::error_code error = own.read(own.present)) {
             return error;
         }
     }
-    if (!own.present.isUsedUp()) {
-        entry = own.present.entries[own.present.position++];
-        if (!own.tellsStatus) {
-            entry->status.reset();
-        }
+    if (own.present.isUsedUp()) {
+        entry = own.ahead.take();
+        return {};
+    }
+    entry = own.present.entries[own.present.position++];
+    if (!own.tellsStatus) {
+        entry->status.reset();
     }
     return {};
 }
@@ -243,14 +272,19 @@ std::error_code DirectoryListing::next(std::optional<ListedEntry>& entry) {
 std::error_code DirectoryListing::prepareForDeletion() {
     Implementation& own = *implementation_;
     own.tellsStatus = false;
-    while (!own.isAtEnd) {
-        Piece piece;
+    Piece piece;
+    // Files that appear meanwhile push others back: those may come a second time.
+    for (std::set<std::string> known; !own.isAtEnd; known = namesOf(piece)) {
+        if (known.empty()) {
+            known = namesOf(own.present);
+        }
         if (const std::error_code error = own.read(piece)) {
             return error;
         }
-        leaveOutRepeated(piece, own.ahead.empty() ? own.present : own.ahead.back());
-        if (!piece.isUsedUp()) {
-            own.ahead.push_back(std::move(piece));
+        for (const ListedEntry& entry : piece.entries) {
+            if (known.count(entry.name) == 0) {
+                own.ahead.add(entry);
+            }
         }
     }
     return {};
