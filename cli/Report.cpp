@@ -1,7 +1,5 @@
 #include "cli/Report.h"
 
-#include <array>
-#include <cstddef>
 #include <string_view>
 #include <utility>
 
@@ -51,10 +49,6 @@ struct Collect {
     }
 };
 
-constexpr std::array<std::string_view, allCleanableDataCategories.size()> categoryNames{
-    "Cache", "History", "Cookies", "Flash cookies", "Form data", "Local storage",
-};
-
 }  // namespace
 
 std::vector<std::string_view> namesOfEmptyBrowsers(const SizesReport& report) {
@@ -71,10 +65,6 @@ std::vector<Failure> failures(const Report& report) {
     Failures found;
     std::visit(Collect{found}, report);
     return found;
-}
-
-std::string_view displayName(CleanableDataCategory category) noexcept {
-    return categoryNames[static_cast<std::size_t>(category)];
 }
 
 std::string displayName(const ProfileRow& profile) {

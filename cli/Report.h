@@ -11,6 +11,7 @@
 #include "browsersweep/cleanable/CleanableDataCategory.h"
 #include "browsersweep/cleanable/CleanableDataSize.h"
 #include "browsersweep/profiles/Bookmark.h"
+#include "browsersweep/profiles/BrowserProfile.h"
 
 namespace browsersweep::cli {
 
@@ -48,6 +49,7 @@ struct CategorySize {
 struct ProfileSizes {
     ProfileRow profile;
     std::vector<CategorySize> categories;
+    const BrowserProfile* source = nullptr;  ///< tells profiles of one name apart
 };
 struct BrowserSizes {
     Browser browser = allBrowsers.front();
@@ -106,9 +108,6 @@ std::vector<Failure> failures(const Report& report);
 
 /** The browsers that were measured without an error and keep nothing, by name. */
 std::vector<std::string_view> namesOfEmptyBrowsers(const SizesReport& report);
-
-/** The name of a category for people. */
-std::string_view displayName(CleanableDataCategory category) noexcept;
 
 /** The name of a profile for people. */
 std::string displayName(const ProfileRow& profile);

@@ -48,6 +48,9 @@ BROWSERSWEEP_EXPORT std::string_view rawValue(Browser browser) noexcept;
 /** The name for people, such as "Google Chrome". */
 BROWSERSWEEP_EXPORT std::string_view displayName(Browser browser) noexcept;
 
+/** The bundle identifier of its application on macOS, such as "com.google.Chrome". */
+BROWSERSWEEP_EXPORT std::string_view bundleIdentifier(Browser browser) noexcept;
+
 /** The browser whose raw value is exactly this text, letter case included; absent for any other. */
 BROWSERSWEEP_EXPORT std::optional<Browser> browserFromRawValue(std::string_view text) noexcept;
 

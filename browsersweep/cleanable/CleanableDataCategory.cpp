@@ -8,22 +8,42 @@
 namespace browsersweep {
 namespace {
 
-constexpr std::array<std::string_view, allCleanableDataCategories.size()> rawValues{
-    "cache", "history", "httpCookies", "flashCookies", "formData", "localStorage"};
+struct CategoryRow {
+    std::string_view rawValue;
+    std::string_view displayName;
+};
+
+// clang-format off
+constexpr std::array<CategoryRow, allCleanableDataCategories.size()> categoryTable{{
+    {"cache",        "Cache"},
+    {"history",      "History"},
+    {"httpCookies",  "Cookies"},
+    {"flashCookies", "Flash cookies"},
+    {"formData",     "Form data"},
+    {"localStorage", "Local storage"},
+}};
+// clang-format on
+
+const CategoryRow& rowOf(CleanableDataCategory category) noexcept {
+    return categoryTable[static_cast<std::size_t>(category)];
+}
 
 }  // namespace
 
 std::string_view rawValue(CleanableDataCategory category) noexcept {
-    return rawValues[static_cast<std::size_t>(category)];
+    return rowOf(category).rawValue;
+}
+
+std::string_view displayName(CleanableDataCategory category) noexcept {
+    return rowOf(category).displayName;
 }
 
 std::optional<CleanableDataCategory> cleanableDataCategoryFromRawValue(
     std::string_view text) noexcept {
-    const auto* const found = std::find(rawValues.begin(), rawValues.end(), text);
-    if (found == rawValues.end()) {
-        return std::nullopt;
-    }
-    return allCleanableDataCategories[static_cast<std::size_t>(found - rawValues.begin())];
+    const auto* const found =
+        std::find_if(allCleanableDataCategories.begin(), allCleanableDataCategories.end(),
+                     [text](CleanableDataCategory category) { return rawValue(category) == text; });
+    return found == allCleanableDataCategories.end() ? std::nullopt : std::optional(*found);
 }
 
 CleanableDataCategory decodeCleanableDataCategory(std::string_view text) {

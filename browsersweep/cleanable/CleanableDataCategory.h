@@ -28,6 +28,9 @@ inline constexpr std::array allCleanableDataCategories{
 /** The name of the case as text, such as "httpCookies". */
 BROWSERSWEEP_EXPORT std::string_view rawValue(CleanableDataCategory category) noexcept;
 
+/** The name for people, such as "Cookies". */
+BROWSERSWEEP_EXPORT std::string_view displayName(CleanableDataCategory category) noexcept;
+
 /** The category whose raw value is exactly this text; absent for any other. */
 BROWSERSWEEP_EXPORT std::optional<CleanableDataCategory> cleanableDataCategoryFromRawValue(
     std::string_view text) noexcept;

@@ -19,28 +19,30 @@ TEST(Browser, namesOfEveryCase) {
         Browser browser;
         std::string_view raw;
         std::string_view display;
+        std::string_view bundle;
     };
     // clang-format off
     const Row rows[] = {  // NOLINT(cppcoreguidelines-avoid-c-arrays,modernize-avoid-c-arrays)
-        {Browser::quenbySecureBrowser,   "quenbySecureBrowser",   "Quenby Secure Browser"},
-        {Browser::tarrowSecureBrowser,   "tarrowSecureBrowser",   "Tarrow Secure Browser"},
-        {Browser::brave,                 "brave",                 "Brave Browser"},
-        {Browser::chromium,              "chromium",              "Chromium"},
-        {Browser::firefox,               "firefox",               "Firefox"},
-        {Browser::googleChrome,          "googleChrome",          "Google Chrome"},
-        {Browser::microsoftEdge,         "microsoftEdge",         "Microsoft Edge"},
-        {Browser::orvo,                  "orvo",                  "Orvo"},
-        {Browser::brellisPrivateBrowser, "brellisPrivateBrowser", "Brellis Private Browser"},
-        {Browser::opera,                 "opera",                 "Opera"},
-        {Browser::safari,                "safari",                "Safari"},
-        {Browser::vivaldi,               "vivaldi",               "Vivaldi"},
-        {Browser::yandexBrowser,         "yandexBrowser",         "Yandex Browser"},
+        {Browser::quenbySecureBrowser,   "quenbySecureBrowser",   "Quenby Secure Browser",  "com.quenby.browser"},
+        {Browser::tarrowSecureBrowser,   "tarrowSecureBrowser",   "Tarrow Secure Browser",  "com.tarrow.browser"},
+        {Browser::brave,                 "brave",                 "Brave Browser",          "com.brave.Browser"},
+        {Browser::chromium,              "chromium",              "Chromium",               "org.chromium.Chromium"},
+        {Browser::firefox,               "firefox",               "Firefox",                "org.mozilla.Firefox"},
+        {Browser::googleChrome,          "googleChrome",          "Google Chrome",          "com.google.Chrome"},
+        {Browser::microsoftEdge,         "microsoftEdge",         "Microsoft Edge",         "com.microsoft.edgemac"},
+        {Browser::orvo,                  "orvo",                  "Orvo",                   "com.orvo.browser"},
+        {Browser::brellisPrivateBrowser, "brellisPrivateBrowser", "Brellis Private Browser","com.brellis.browser"},
+        {Browser::opera,                 "opera",                 "Opera",                  "com.operasoftware.Opera"},
+        {Browser::safari,                "safari",                "Safari",                 "com.apple.Safari"},
+        {Browser::vivaldi,               "vivaldi",               "Vivaldi",                "com.vivaldi.Vivaldi"},
+        {Browser::yandexBrowser,         "yandexBrowser",         "Yandex Browser",         "ru.yandex.desktop.yandex-browser"},
     };
     // clang-format on
     for (const Row& row : rows) {
         SCOPED_TRACE(row.raw);
         EXPECT_EQ(rawValue(row.browser), row.raw);
         EXPECT_EQ(displayName(row.browser), row.display);
+        EXPECT_EQ(bundleIdentifier(row.browser), row.bundle);
         EXPECT_EQ(browserFromRawValue(row.raw), row.browser);
     }
 }

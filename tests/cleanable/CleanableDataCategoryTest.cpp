@@ -25,6 +25,14 @@ TEST(CleanableDataCategory, everyRawValueEncodedAndDecodedGivesTheSameCase) {
     }
 }
 
+TEST(CleanableDataCategory, namesForPeopleInTheSameOrder) {
+    const std::array<std::string_view, 6> expected{"Cache",         "History",   "Cookies",
+                                                   "Flash cookies", "Form data", "Local storage"};
+    for (std::size_t ordinal = 0; ordinal < expected.size(); ++ordinal) {
+        EXPECT_EQ(displayName(allCleanableDataCategories[ordinal]), expected[ordinal]);
+    }
+}
+
 TEST(CleanableDataCategory, unknownRawValueIsAbsent) {
     EXPECT_EQ(cleanableDataCategoryFromRawValue("cookies"), std::nullopt);
     EXPECT_EQ(cleanableDataCategoryFromRawValue("Cache"), std::nullopt);

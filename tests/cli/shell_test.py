@@ -62,11 +62,6 @@ class Manual(ShellTest):
         commands = [entry for entry in entries if re.fullmatch("[a-z]+", entry)]
         self.assertEqual(commands, COMMANDS)
 
-    def test_it_names_every_browser_and_category(self):
-        bold = re.findall(r"^\.BR? (\w+)", MANUAL.read_text(), re.M)
-        for word in BROWSERS + CATEGORIES:
-            self.assertIn(word, bold)
-
     def test_its_examples_are_those_of_the_help(self):
         lines = self.run_program("--help").text.splitlines()
         examples = [line.strip() for line in lines[:lines.index("usage")]
