@@ -14,6 +14,8 @@
 #include <fmt/ranges.h>
 #include <nlohmann/json.hpp>
 
+#include "browsersweep/hosting/PatternFault.h"
+
 #include "cli/Dates.h"
 #include "cli/Text.h"
 #include "cli/UsageError.h"
@@ -34,34 +36,22 @@ constexpr std::array dateRules{
     std::pair{std::string_view("outsideRange"), Dates::Rule::outsideRange},
 };
 
-bool isForbidden(char32_t c) noexcept {
-    return c == U'\'' || c == U'%' || c == U'_' || isControlCharacter(c);
-}
-
-bool holdsForbiddenCharacter(std::string_view pattern) noexcept {
-    for (std::size_t i = 0; i < pattern.size();) {
-        const auto character = characterAt(pattern, i);
-        if (isForbidden(character.codePoint)) {
-            return true;
-        }
-        i += character.length;
-    }
-    return false;
-}
-
 void requirePattern(std::string_view pattern) {
-    if (pattern.empty()) {
-        throw UsageError("a pattern is empty; give a part of a host name, such as example.com");
+    const auto fault = patternFault(pattern);
+    if (!fault) {
+        return;
     }
-    if (!isWellFormed(pattern)) {
-        throw UsageError(fmt::format("the pattern '{}' is not valid UTF-8; write it in UTF-8",
-                                     printable(pattern)));
-    }
-    if (holdsForbiddenCharacter(pattern)) {
-        throw UsageError(
-            fmt::format("the pattern '{}' holds a quote, %, _ or a control character; give a plain "
-                        "part of a host name, such as example.com",
-                        printable(pattern)));
+    switch (*fault) {
+        case PatternFault::empty:
+            throw UsageError("a pattern is empty; give a part of a host name, such as example.com");
+        case PatternFault::encoding:
+            throw UsageError(fmt::format("the pattern '{}' is not valid UTF-8; write it in UTF-8",
+                                         printable(pattern)));
+        case PatternFault::reserved:
+            throw UsageError(fmt::format(
+                "the pattern '{}' holds a quote, %, _ or a control character; give a plain "
+                "part of a host name, such as example.com",
+                printable(pattern)));
     }
 }
 

@@ -1,11 +1,18 @@
 #include "cli/Gather.h"
 
+#include <algorithm>
 #include <exception>
+#include <filesystem>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <utility>
 
-#include "cli/DatabaseNotes.h"
+#include <fmt/format.h>
+
+#include "browsersweep/hosting/DatabaseState.h"
+#include "browsersweep/hosting/ItemSweep.h"
+
 #include "cli/ErrorText.h"
 
 namespace browsersweep::cli {
@@ -20,6 +27,8 @@ std::optional<std::string> attempt(const Observer& observer, const Work& work) {
     try {
         work();
         return std::nullopt;
+    } catch (const OperationCancelled&) {
+        return std::string(stoppedText);
     } catch (const std::exception& error) {
         return errorText(error);
     }
@@ -118,15 +127,6 @@ NotificationsReport gatherNotifications(const Options& options, const CleanerFac
         })};
 }
 
-CleanableDataSize measured(const CleanableData& data, Measure measure, const Options& options) {
-    if (measure == Measure::removed) {
-        return options.ignoreErrors ? data.cleanAndReturnSizeIgnoringErrors(options.filters)
-                                    : data.cleanAndReturnSize(options.filters);
-    }
-    return options.ignoreErrors ? data.sizeIgnoringErrors(options.filters)
-                                : data.size(options.filters);
-}
-
 /** Measures, and maybe cleans, the selected categories of one browser. */
 class BrowserMeasurer {
 public:
@@ -134,84 +134,123 @@ public:
         : options_(options), measure_(measure), observer_(observer) {}
 
     void fill(BrowserSizes& row, const BrowserCleaner& cleaner) const {
-        CleanableDataMap data;
-        std::vector<ProfileData> profiles;
-        row.error = attempt(observer_, [&] {
-            data = cleaner.cleanableData(predicateOf(options_));
-            if (options_.html) {
-                profiles = profileData(cleaner);
-            }
-        });
+        std::vector<SweepItem> items;
+        row.error = attempt(observer_, [&] { items = sweepItems(cleaner, predicateOf(options_)); });
         if (row.error) {
             return;
         }
         row.size = CleanableDataSize::zero;
-        for (const auto& [category, list] : data.lists()) {
-            if (options_.selection.includes(category)) {
-                add(category, list, row);
+        for (const auto category : allCleanableDataCategories) {
+            const auto own = itemsOf(category, items);
+            if (!own.empty() && options_.selection.includes(category)) {
+                add(category, own, row);
             }
         }
-        addProfiles(profiles, row);
     }
 
 private:
-    struct ProfileData {
-        ProfileRow profile;
-        CleanableDataMap data;
-    };
+    using Items = std::vector<SweepItem>;
 
-    std::vector<ProfileData> profileData(const BrowserCleaner& cleaner) const {
-        std::vector<ProfileData> all;
-        for (const auto& profile : selectedProfiles(options_, cleaner)) {
-            all.push_back({rowOf(*profile), profile->cleanableData()});
-        }
-        return all;
+    static Items itemsOf(CleanableDataCategory category, const Items& items) {
+        Items own;
+        std::copy_if(items.begin(), items.end(), std::back_inserter(own),
+                     [category](const SweepItem& item) { return item.category == category; });
+        return own;
     }
 
-    /** A browser's only profile has the browser's sizes, so that nothing is measured twice. */
-    void addProfiles(const std::vector<ProfileData>& profiles, BrowserSizes& row) const {
-        for (const auto& each : profiles) {
-            row.profiles.push_back(
-                {each.profile, profiles.size() == 1 ? row.categories : sizesOf(each.data)});
-        }
-    }
-
-    std::vector<CategorySize> sizesOf(const CleanableDataMap& data) const {
-        std::vector<CategorySize> parts;
-        for (const auto& [category, list] : data.lists()) {
-            if (options_.selection.includes(category)) {
-                parts.push_back(sizeOf(category, list));
-            }
-        }
-        return parts;
-    }
-
-    CategorySize sizeOf(CleanableDataCategory category, const CleanableDataList& list) const {
-        CategorySize part{};
-        part.category = category;
-        part.requiresClosedBrowserToClean = list.requiresClosedBrowserToClean();
-        part.error = attempt(observer_, [&] { part.size = measured(list, measure_, options_); });
-        return part;
-    }
-
-    void add(CleanableDataCategory category, const CleanableDataList& list,
-             BrowserSizes& row) const {
+    void add(CleanableDataCategory category, const Items& items, BrowserSizes& row) const {
         observer_.begin(category);
-        auto part = sizeOf(category, list);
-        tellOfDatabases(category, list, row.browser);
+        auto part = options_.html ? sizeByProfile(category, items, row) : sizeOf(category, items);
+        tellOfDatabases(category, items, row.browser);
         row.size = *row.size + part.size.value_or(CleanableDataSize::zero);
         row.requiresClosedBrowserToClean |= part.requiresClosedBrowserToClean;
         row.categories.push_back(std::move(part));
     }
 
-    /** Says where a browser's hold on a database makes the figures less than they seem. */
-    void tellOfDatabases(CleanableDataCategory category, const CleanableDataList& list,
-                         Browser browser) const {
-        for (const auto& remark :
-             remarksOnDatabases(list, options_.filters, measure_ == Measure::removed)) {
-            observer_.note(std::string(displayName(browser)) + ", " +
-                           std::string(displayName(category)) + ": " + remark);
+    CategorySize sizeOf(CleanableDataCategory category, const Items& items) const {
+        CategorySize part{};
+        part.category = category;
+        part.requiresClosedBrowserToClean = std::any_of(
+            items.begin(), items.end(),
+            [](const SweepItem& item) { return item.data->requiresClosedBrowserToClean(); });
+        part.error = attempt(observer_, [&] { sweep(items, part.size); });
+        return part;
+    }
+
+    void sweep(const Items& items, std::optional<CleanableDataSize>& size) const {
+        SweepOptions how;
+        how.filters = options_.filters;
+        how.ignoresErrors = options_.ignoreErrors;
+        ItemSweep sweep(items, std::move(how),
+                        [this](const SweepItem& /*next*/, std::size_t /*done*/,
+                               std::size_t /*all*/) { return !observer_.isInterrupted(); });
+        const auto result =
+            measure_ == Measure::removed ? sweep.cleanAndMeasure() : sweep.measure();
+        // What a clean had deleted when it was stopped is gone, so it is told beside the error.
+        if (!result.error || (measure_ == Measure::removed && observer_.isInterrupted())) {
+            size = result.sum();
         }
+        if (result.error) {
+            std::rethrow_exception(result.error);
+        }
+    }
+
+    /** The same profile by profile: a page shows the figures of one also where another fails. */
+    CategorySize sizeByProfile(CleanableDataCategory category, const Items& items,
+                               BrowserSizes& row) const {
+        CategorySize all{};
+        all.category = category;
+        all.size = CleanableDataSize::zero;
+        for (auto begin = items.begin(); begin != items.end();) {
+            const auto end = std::find_if(begin, items.end(), [&](const SweepItem& item) {
+                return item.profile != begin->profile;
+            });
+            const auto part = sizeOf(category, Items(begin, end));
+            all.requiresClosedBrowserToClean |= part.requiresClosedBrowserToClean;
+            all.error = all.error ? all.error : part.error;
+            all.size = *all.size + part.size.value_or(CleanableDataSize::zero);
+            profileRow(*begin->profile, row).categories.push_back(part);
+            begin = end;
+        }
+        if (all.error) {
+            all.size.reset();
+        }
+        return all;
+    }
+
+    static ProfileSizes& profileRow(const BrowserProfile& profile, BrowserSizes& row) {
+        const auto found =
+            std::find_if(row.profiles.begin(), row.profiles.end(),
+                         [&](const ProfileSizes& each) { return each.source == &profile; });
+        return found != row.profiles.end()
+                   ? *found
+                   : row.profiles.emplace_back(ProfileSizes{rowOf(profile), {}, &profile});
+    }
+
+    /** Says where a browser's hold on a database makes the figures less than they seem. */
+    void tellOfDatabases(CleanableDataCategory category, const Items& items,
+                         Browser browser) const {
+        const auto tell = [&](const std::string& remark) {
+            observer_.note(
+                fmt::format("{}, {}: {}", displayName(browser), displayName(category), remark));
+        };
+        for (const SweepItem& item : items) {
+            for (const auto& database : databasesWithUncountedChanges(*item.data)) {
+                tell(fmt::format("the browser's latest changes to {} are not counted",
+                                 database.filename().string()));
+            }
+            for (const auto& database : databasesWithRowsLeft(*item.data)) {
+                tell(fmt::format("rows are left in {}; the browser seems to hold the database",
+                                 database.filename().string()));
+            }
+        }
+    }
+
+    std::vector<std::filesystem::path> databasesWithRowsLeft(const CleanableData& item) const {
+        auto databases = databasesOf(item);
+        const bool isEmptied = databases.empty() || measure_ != Measure::removed ||
+                               item.sizeIgnoringErrors(options_.filters).itemCount.value == 0;
+        return isEmptied ? std::vector<std::filesystem::path>{} : databases;
     }
 
     const Options& options_;

@@ -42,6 +42,10 @@ public:
 /** What stands as the error of everything that was not begun because the user interrupted. */
 inline constexpr std::string_view interruptedText = "interrupted before it was begun";
 
+/** What stands as the error of what was under way then. Of a clean it tells what is gone by then.
+ */
+inline constexpr std::string_view stoppedText = "interrupted before it was finished";
+
 /**
  * Carries out a command and reports what it did, and what failed: one browser's failure never hides
  * the others. Cleaning deletes without asking.

@@ -4,6 +4,7 @@
 #include <array>
 #include <chrono>
 #include <exception>
+#include <memory>
 #include <optional>
 #include <string_view>
 #include <system_error>
@@ -12,13 +13,16 @@
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 
+#include "browsersweep/catalogue/BrowserCleaners.h"
+#include "browsersweep/home/Home.h"
+#include "browsersweep/hosting/RunningBrowsers.h"
+
 #include "cli/Appearance.h"
 #include "cli/Console.h"
 #include "cli/Doctor.h"
 #include "cli/ErrorText.h"
 #include "cli/Gather.h"
 #include "cli/HTMLReport.h"
-#include "cli/Host.h"
 #include "cli/Interruption.h"
 #include "cli/JSONReport.h"
 #include "cli/NewFile.h"
@@ -42,6 +46,11 @@ constexpr std::string_view fullDiskAccess =
     "macOS guards Safari's data: the terminal or application that runs this program needs Full "
     "Disk Access, in the privacy settings.";
 
+std::string reasonOf(const RunningBrowser& found) {
+    return found.program ? fmt::format("a program named '{}' is running", *found.program)
+                         : "its data folder is locked";
+}
+
 bool isGuarded(const Failure& failure) noexcept {
     return failure.browser == Browser::safari && saysNoPermission(failure.error);
 }
@@ -49,11 +58,13 @@ bool isGuarded(const Failure& failure) noexcept {
 /** One run of one command. */
 class Run {
 public:
-    explicit Run(Options options) : options_(std::move(options)), host_(options_.home) {}
+    explicit Run(Options options)
+        : options_(std::move(options)),
+          home_(options_.home ? Home::at(*options_.home, control()) : Home::current(control())) {}
 
     int execute() {
-        if (options_.home && !host_.exists()) {
-            console_.note(options_.home->string() + " is no folder that is there");
+        if (options_.home && !isHomeThere()) {
+            console_.note(options_.home->string() + " is not an existing folder");
         }
         if (isDeletion() && (!mayDelete() || !isConfirmed())) {
             return somethingFailed;
@@ -99,7 +110,7 @@ private:
         const auto verb = options_.dryRun ? verbs[static_cast<std::size_t>(Command::size)]
                                           : verbs[static_cast<std::size_t>(options_.command)];
         Progress progress(verb, console_, interruption_);
-        return gather(options_, host_.cleanerFactory(), progress);
+        return gather(options_, cleanerFactory(), progress);
     }
 
     /** Whether what is selected of the browser can be cleaned only while it is closed. */
@@ -123,15 +134,15 @@ private:
             return true;
         }
         bool isFree = true;
-        const auto running = host_.runningBrowsers();
-        const auto cleanerOf = host_.cleanerFactory();
+        const RunningBrowsers running(home_);
+        const auto cleanerOf = cleanerFactory();
         for (const Browser browser : options_.selection.selectedBrowsers()) {
             const auto cleaner = cleanerOf(browser);
-            const auto reason = running.reason(browser, *cleaner);
-            if (reason && mustBeClosed(*cleaner)) {
+            const auto found = running.find(browser);
+            if (found && mustBeClosed(*cleaner)) {
                 console_.note(fmt::format(
                     "{} seems to be running ({}); nothing was deleted. Quit it, or add --force.",
-                    displayName(browser), *reason));
+                    displayName(browser), reasonOf(*found)));
                 isFree = false;
             }
         }
@@ -144,7 +155,7 @@ private:
         }
         {
             Progress progress("Measuring", console_, interruption_);
-            const auto planned = preview(options_, host_.cleanerFactory(), progress);
+            const auto planned = preview(options_, cleanerFactory(), progress);
             progress.wipe();
             console_.writeError(
                 peopleText(planned, appearanceOf(console_.errorIsTerminal(), environmentVariable)));
@@ -175,10 +186,25 @@ private:
         return failed.empty() ? allDone : somethingFailed;
     }
 
+    /** Stops what is under way in the home once a signal has come. */
+    std::shared_ptr<OperationControl> control() const {
+        return std::make_shared<OperationControl>(
+            [this](const OperationProgress&) { return interruption_.hasCome(); });
+    }
+
+    CleanerFactory cleanerFactory() const {
+        return [this](Browser browser) { return cleaner(browser, home_); };
+    }
+
+    bool isHomeThere() const {
+        const auto& files = *home_.fileManager();
+        return files.fileExists(files.homeDirectory()).isDirectory;
+    }
+
     Options options_;
-    Host host_;
     Console console_;
     Interruption interruption_;
+    Home home_;
 };
 
 void requireSomebodyToAsk(const Options& options, const Console& console) {

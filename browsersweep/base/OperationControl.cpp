@@ -6,6 +6,10 @@ const char* OperationCancelled::what() const noexcept {
     return "the operation was cancelled";
 }
 
+void OperationControl::restart(ShouldStop shouldStop) {
+    *this = OperationControl(std::move(shouldStop));
+}
+
 void OperationControl::count(const OperationProgress& done) noexcept {
     progress_.files += done.files;
     progress_.bytes += done.bytes;

@@ -56,6 +56,9 @@ public:
     /** Stops when the question is answered with true, or throws. */
     explicit OperationControl(ShouldStop shouldStop) : shouldStop_(std::move(shouldStop)) {}
 
+    /** Begins anew: nothing is done yet, nothing is stopped, and this question is asked. */
+    void restart(ShouldStop shouldStop);
+
     /** Adds to what was done. */
     void count(const OperationProgress& done) noexcept;
 

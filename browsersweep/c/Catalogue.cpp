@@ -9,11 +9,6 @@ using namespace browsersweep::c;
 
 namespace {
 
-/** The cleaner of a browser that only tells its names: it reads nothing. */
-std::unique_ptr<const bs::BrowserCleaner> namesOf(bs::Browser browser) {
-    return bs::cleaner(browser, bs::Home::at("/"));
-}
-
 void append(browsersweep_notifications& notifications, const bs::BrowserProfile& profile) {
     for (const auto& subscription : profile.notificationSubscriptions()) {
         notifications.entries.push_back(
@@ -55,11 +50,8 @@ const char* browsersweep_browser_display_name(browsersweep_browser browser) {
 }
 
 const char* browsersweep_browser_bundle_identifier(browsersweep_browser browser) {
-    return guarded(nullptr, [&]() -> const char* {
-        return browser < bs::allBrowsers.size()
-                   ? namesOf(bs::allBrowsers[browser])->bundleIdentifier().data()
-                   : nullptr;
-    });
+    return browser < bs::allBrowsers.size() ? bs::bundleIdentifier(bs::allBrowsers[browser]).data()
+                                            : nullptr;
 }
 
 bool browsersweep_browser_from_raw_value(const char* text, browsersweep_browser* browser) {
@@ -84,6 +76,13 @@ const char* browsersweep_category_raw_value(browsersweep_category category) {
                : nullptr;
 }
 
+const char* browsersweep_category_display_name(browsersweep_category category) {
+    const auto index = static_cast<std::size_t>(category);
+    return index < bs::allCleanableDataCategories.size()
+               ? bs::displayName(bs::allCleanableDataCategories[index]).data()
+               : nullptr;
+}
+
 bool browsersweep_category_from_raw_value(const char* text, browsersweep_category* category) {
     if (text == nullptr || category == nullptr) {
         return false;
@@ -96,13 +95,11 @@ bool browsersweep_category_from_raw_value(const char* text, browsersweep_categor
 }
 
 browsersweep_home* browsersweep_home_current(browsersweep_error** error) {
-    return guarded(error, [] { return handedOver(browsersweep_home{bs::Home::current()}); });
+    return guarded(error, [] { return handedOver(browsersweep_home{std::nullopt}); });
 }
 
 browsersweep_home* browsersweep_home_at(const char* path, browsersweep_error** error) {
-    return guarded(error, [&] {
-        return handedOver(browsersweep_home{bs::Home::at(&required(path, "path"))});
-    });
+    return guarded(error, [&] { return handedOver(browsersweep_home{&required(path, "path")}); });
 }
 
 void browsersweep_home_free(browsersweep_home* home) {
@@ -114,7 +111,9 @@ browsersweep_profiles* browsersweep_profiles_read(const browsersweep_home* home,
                                                   browsersweep_error** error) {
     return guarded(error, [&] {
         browsersweep_profiles profiles;
-        for (const auto& profile : cleanerOf(home, browser)->profileReader().profiles()) {
+        profiles.control = std::make_shared<bs::OperationControl>();
+        for (const auto& profile :
+             cleanerOf(home, browser, profiles.control)->profileReader().profiles()) {
             profiles.entries.push_back({profile, profile->name()});
         }
         return handedOver(std::move(profiles));
@@ -152,7 +151,7 @@ browsersweep_bookmarks* browsersweep_bookmarks_of_profile(const browsersweep_pro
                                                           size_t index,
                                                           browsersweep_error** error) {
     return guarded(error, [&] {
-        return handedOver(browsersweep_bookmarks{profileAt(profiles, index).bookmarks()});
+        return handedOver(browsersweep_bookmarks{profileAt(profiles, index)->bookmarks()});
     });
 }
 
@@ -190,7 +189,7 @@ browsersweep_notifications* browsersweep_notifications_of_profile(
     const browsersweep_profiles* profiles, size_t index, browsersweep_error** error) {
     return guarded(error, [&] {
         browsersweep_notifications notifications;
-        append(notifications, profileAt(profiles, index));
+        append(notifications, *profileAt(profiles, index));
         return handedOver(std::move(notifications));
     });
 }

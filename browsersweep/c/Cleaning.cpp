@@ -2,23 +2,20 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <exception>
+#include <iterator>
+#include <memory>
 #include <string_view>
+#include <utility>
 
 #include "browsersweep/c/internal/Handles.h"
+#include "browsersweep/hosting/ItemSweep.h"
+#include "browsersweep/hosting/PatternFault.h"
 
 namespace bs = browsersweep;
 using namespace browsersweep::c;
 
 namespace {
-
-/** Patterns stand in SQL texts as they are: what would change such a text is refused. */
-bool isPlain(std::string_view pattern) noexcept {
-    return !pattern.empty() && std::none_of(pattern.begin(), pattern.end(), [](char character) {
-        const auto byte = static_cast<unsigned char>(character);
-        return byte < 0x20 || byte == 0x7f || character == '\'' || character == '%' ||
-               character == '_';
-    });
-}
 
 bs::CleanableDataFilter::Patterns patternsOf(const browsersweep_patterns& given) {
     using Patterns = bs::CleanableDataFilter::Patterns;
@@ -28,9 +25,9 @@ bs::CleanableDataFilter::Patterns patternsOf(const browsersweep_patterns& given)
     }
     for (std::size_t i = 0; i < given.count; ++i) {
         const std::string_view pattern = &required(given.patterns[i], "a pattern");
-        if (!isPlain(pattern)) {
+        if (bs::patternFault(pattern)) {
             throw std::invalid_argument(
-                "a pattern is empty or holds ', %, _ or a control character");
+                "a pattern is empty, not UTF-8, or holds ', %, _ or a control character");
         }
         patterns.patterns.emplace(pattern);
     }
@@ -59,80 +56,77 @@ browsersweep_size plainSize(const bs::CleanableDataSize& size) noexcept {
             size.byteCount.isApproximate};
 }
 
-/** One run through the items of the chosen categories, telling its progress between two of them. */
-class Run {
+std::vector<bs::SweepItem> chosenItems(const browsersweep_data& data,
+                                       browsersweep_categories categories) {
+    std::vector<bs::SweepItem> items;
+    std::copy_if(data.items.begin(), data.items.end(), std::back_inserter(items),
+                 [categories](const bs::SweepItem& item) {
+                     return (categories & setOf(item.category)) != 0;
+                 });
+    return items;
+}
+
+/** One call's way to the progress function, which is asked between the items and within them. */
+class Progress {
 public:
-    Run(const browsersweep_data& data, browsersweep_categories categories,
-        const browsersweep_filters* filters, bool ignoresErrors)
-        : ignoresErrors_(ignoresErrors) {
-        if (filters != nullptr) {
-            filters_ = filters->list;
-        }
-        for (const auto& [category, list] : data.map.lists()) {
-            if ((categories & setOf(category)) != 0) {
-                for (const auto& item : list.items()) {
-                    pieces_.push_back({category, item});
-                }
-            }
-        }
+    Progress(const browsersweep_data& data, browsersweep_progress function, void* context)
+        : control_(data.control), function_(function), context_(context) {
+        control_->restart([this](const bs::OperationProgress&) { return !mayGoOn(); });
+    }
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+    ~Progress() { control_->restart({}); }
+
+    bool begin(const bs::SweepItem& next, std::size_t done, std::size_t total) {
+        category_ = static_cast<browsersweep_category>(next.category);
+        done_ = done;
+        total_ = total;
+        return mayGoOn();
     }
 
-    /** Says how many times the items will be gone through, and whom to tell. */
-    void tell(browsersweep_progress progress, void* context, std::size_t rounds) {
-        progress_ = progress;
-        context_ = context;
-        total_ = pieces_.size() * rounds;
-    }
+    /** Whether the function has stopped the call. */
+    bool saidStop() const noexcept { return saidStop_; }
 
-    bs::CleanableDataSize size() {
-        bs::CleanableDataSize sum;
-        for (const auto& piece : pieces_) {
-            step(piece.category);
-            sum = sum + (ignoresErrors_ ? piece.item->sizeIgnoringErrors(filters_)
-                                        : piece.item->size(filters_));
-        }
-        return sum;
-    }
-
-    void clean() {
-        for (const auto& piece : pieces_) {
-            step(piece.category);
-            if (ignoresErrors_) {
-                piece.item->cleanIgnoringErrors(filters_);
-            } else {
-                piece.item->clean(filters_);
-            }
-        }
+    bs::ItemSweep::Progress asFunction() {
+        return [this](const bs::SweepItem& next, std::size_t done, std::size_t total) {
+            return begin(next, done, total);
+        };
     }
 
 private:
-    struct Piece {
-        bs::CleanableDataCategory category;
-        bs::CleanableDataList::Item item;
-    };
-
-    void step(bs::CleanableDataCategory category) {
-        if (progress_ != nullptr &&
-            !progress_(context_, static_cast<browsersweep_category>(category), done_, total_)) {
-            throw Cancelled();
-        }
-        ++done_;
+    bool mayGoOn() {
+        saidStop_ =
+            saidStop_ || (function_ != nullptr && !function_(context_, category_, done_, total_));
+        return !saidStop_;
     }
 
-    bool ignoresErrors_;
-    std::vector<bs::CleanableDataFilter> filters_;
-    std::vector<Piece> pieces_;
-    browsersweep_progress progress_ = nullptr;
-    void* context_ = nullptr;
+    std::shared_ptr<bs::OperationControl> control_;
+    browsersweep_progress function_;
+    void* context_;
+    browsersweep_category category_ = BROWSERSWEEP_CACHE;
     std::size_t done_ = 0;
     std::size_t total_ = 0;
+    bool saidStop_ = false;
 };
 
-bool ignoresErrors(unsigned options) {
+bs::SweepOptions sweepOptions(const browsersweep_data& data, const browsersweep_filters* filters,
+                              unsigned options) {
     if ((options & ~static_cast<unsigned>(BROWSERSWEEP_IGNORE_ERRORS)) != 0) {
         throw std::invalid_argument("options has bits that mean nothing");
     }
-    return options != 0;
+    bs::SweepOptions chosen;
+    if (filters != nullptr) {
+        chosen.filters = filters->list;
+    }
+    chosen.ignoresErrors = options != 0;
+    chosen.control = data.control;
+    return chosen;
+}
+
+void rethrowIfFailed(const bs::SweepResult& result) {
+    if (result.error) {
+        std::rethrow_exception(result.error);
+    }
 }
 
 }  // namespace
@@ -164,22 +158,25 @@ browsersweep_data* browsersweep_data_of_browser(const browsersweep_home* home,
                                                 browsersweep_browser browser,
                                                 browsersweep_error** error) {
     return guarded(error, [&] {
-        return handedOver(browsersweep_data{cleanerOf(home, browser)->cleanableData(everyProfile)});
+        auto control = std::make_shared<bs::OperationControl>();
+        return handedOver(browsersweep_data{
+            bs::sweepItems(*cleanerOf(home, browser, control), everyProfile), control});
     });
 }
 
 browsersweep_data* browsersweep_data_of_profile(const browsersweep_profiles* profiles, size_t index,
                                                 browsersweep_error** error) {
     return guarded(error, [&] {
-        return handedOver(browsersweep_data{profileAt(profiles, index).cleanableData()});
+        const auto& profile = profileAt(profiles, index);
+        return handedOver(browsersweep_data{bs::sweepItems(profile), profiles->control});
     });
 }
 
 browsersweep_categories browsersweep_data_categories(const browsersweep_data* data) {
     browsersweep_categories categories = 0;
     if (data != nullptr) {
-        for (const auto& entry : data->map.lists()) {
-            categories |= setOf(entry.first);
+        for (const auto& item : data->items) {
+            categories |= setOf(item.category);
         }
     }
     return categories;
@@ -190,10 +187,9 @@ bool browsersweep_data_requires_closed_browser(const browsersweep_data* data,
     if (data == nullptr) {
         return false;
     }
-    const auto& lists = data->map.lists();
-    return std::any_of(lists.begin(), lists.end(), [&](const auto& entry) {
-        return (categories & setOf(entry.first)) != 0 &&
-               entry.second.requiresClosedBrowserToClean();
+    return std::any_of(data->items.begin(), data->items.end(), [&](const auto& item) {
+        return (categories & setOf(item.category)) != 0 &&
+               item.data->requiresClosedBrowserToClean();
     });
 }
 
@@ -206,9 +202,14 @@ bool browsersweep_data_size(const browsersweep_data* data, browsersweep_categori
                             browsersweep_progress progress, void* context, browsersweep_size* size,
                             browsersweep_error** error) {
     return guarded(error, [&] {
-        Run run(required(data, "data"), categories, filters, ignoresErrors(options));
-        run.tell(progress, context, 1);
-        required(size, "size") = plainSize(run.size());
+        const auto& chosen = required(data, "data");
+        auto& place = required(size, "size");
+        auto how = sweepOptions(chosen, filters, options);
+        Progress asked(chosen, progress, context);
+        bs::ItemSweep sweep(chosenItems(chosen, categories), std::move(how), asked.asFunction());
+        const auto result = sweep.measure();
+        rethrowIfFailed(result);
+        place = plainSize(result.sum());
         return true;
     });
 }
@@ -218,15 +219,19 @@ bool browsersweep_data_clean(const browsersweep_data* data, browsersweep_categor
                              browsersweep_progress progress, void* context,
                              browsersweep_size* removed, browsersweep_error** error) {
     return guarded(error, [&] {
-        Run run(required(data, "data"), categories, filters, ignoresErrors(options));
-        run.tell(progress, context, removed == nullptr ? 1 : 3);
+        const auto& chosen = required(data, "data");
+        auto how = sweepOptions(chosen, filters, options);
+        Progress asked(chosen, progress, context);
+        bs::ItemSweep sweep(chosenItems(chosen, categories), std::move(how), asked.asFunction());
         if (removed == nullptr) {
-            run.clean();
+            rethrowIfFailed(sweep.clean());
             return true;
         }
-        const auto before = run.size();
-        run.clean();
-        *removed = plainSize(before - run.size());
+        const auto result = sweep.cleanAndMeasure();
+        if (!result.error || asked.saidStop()) {
+            *removed = plainSize(result.sum());
+        }
+        rethrowIfFailed(result);
         return true;
     });
 }

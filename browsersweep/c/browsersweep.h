@@ -18,8 +18,9 @@
  * caller frees. On success the place is left as it was. No C++ exception leaves the library. Out of
  * memory, and a sum of sizes beyond 64 bits, end the process where no error can be made.
  *
- * **Threads.** Nothing is shared behind the handles: several threads may work at once, each on
- * handles of its own. A handle may be read by several threads, but not while one frees or fills it.
+ * **Threads.** Several threads may work at once, each on handles of its own; data of profiles of
+ * one list counts as one handle for that. Nothing else is shared behind the handles. A handle may
+ * be read by several threads, but not while one frees or fills it.
  *
  * Indexes run from 0; one that is out of range gives NULL or false. An argument that must not be
  * NULL and is gives an error of the kind `BROWSERSWEEP_ERROR_INVALID_ARGUMENT`, or NULL, 0 or false
@@ -110,6 +111,9 @@ BROWSERSWEEP_EXPORT size_t browsersweep_category_count(void);
 /** The name of a category in files and options, such as "httpCookies"; NULL for no category. */
 BROWSERSWEEP_EXPORT const char* browsersweep_category_raw_value(browsersweep_category category);
 
+/** The name of a category for people, such as "Cookies"; NULL for no category. */
+BROWSERSWEEP_EXPORT const char* browsersweep_category_display_name(browsersweep_category category);
+
 /** Finds the category of exactly this raw value; false where there is none. */
 BROWSERSWEEP_EXPORT bool browsersweep_category_from_raw_value(const char* text,
                                                               browsersweep_category* category);
@@ -177,8 +181,8 @@ BROWSERSWEEP_EXPORT browsersweep_filters* browsersweep_filters_new(browsersweep_
 
 /**
  * Adds one filter of patterns, of dates, or of both; either may be NULL. Patterns reach the
- * databases as they stand: one that is empty or holds a quote, `%`, `_` or a control character is
- * refused.
+ * databases as they stand: one that is empty, is not UTF-8, or holds a quote, `%`, `_` or a control
+ * character is refused.
  */
 BROWSERSWEEP_EXPORT bool browsersweep_filters_add(browsersweep_filters* filters,
                                                   const browsersweep_patterns* patterns,
@@ -220,8 +224,9 @@ typedef struct browsersweep_size {
 } browsersweep_size;
 
 /**
- * Called between two pieces of work: `done` of `total` pieces are finished and the next one belongs
- * to the category. Return false to stop there. It must not throw, jump out, or free what the
+ * Called before each piece of work and again and again within it: `done` of `total` pieces are
+ * finished and the one at hand belongs to the category. Return false to stop there; it is not
+ * called any more then. It must return at once, and must not throw, jump out, or free what the
  * running call uses.
  */
 typedef bool (*browsersweep_progress)(void* context, browsersweep_category category, size_t done,
@@ -247,6 +252,8 @@ BROWSERSWEEP_EXPORT bool browsersweep_data_size(const browsersweep_data* data,
  * Deletes what the filters select. The first item that fails, or a progress function that says
  * stop, ends it with an error; what was deleted before stays deleted. Where `removed` is not NULL
  * it tells what is really gone: everything is measured before and after, each in pieces of its own.
+ * After a stop it tells what is known to be gone, marked approximate; after another error it is
+ * left as it was.
  */
 BROWSERSWEEP_EXPORT bool browsersweep_data_clean(const browsersweep_data* data,
                                                  browsersweep_categories categories,

@@ -4,6 +4,10 @@ namespace browsersweep {
 
 CleanableData::~CleanableData() = default;
 
+std::vector<CleanableDataLocation> CleanableData::locations() const {
+    return {};
+}
+
 CleanableDataSize CleanableData::sizeIgnoringErrors(CleanableDataFilters filters) const noexcept {
     try {
         return size(filters);

@@ -1,10 +1,31 @@
 #pragma once
 
+#include <filesystem>
+#include <vector>
+
 #include "browsersweep/Export.h"
 #include "browsersweep/cleanable/CleanableDataFilter.h"
 #include "browsersweep/cleanable/CleanableDataSize.h"
 
 namespace browsersweep {
+
+/** A place on the disk where an item's data lies. */
+struct CleanableDataLocation {
+    /** What is there. */
+    enum class Kind {
+        folder,    ///< files below it
+        file,      ///< the file itself, or what is in it
+        database,  ///< rows of an SQLite database
+    };
+
+    Kind kind = Kind::file;      ///< what is there, or would be
+    std::filesystem::path path;  ///< whether or not anything exists there
+    /** Of a database: changes that wait in a file beside it are counted with it. */
+    bool countsPendingChanges = false;
+
+    /** Whether all fields are equal. */
+    friend bool operator==(const CleanableDataLocation&, const CleanableDataLocation&) = default;
+};
 
 /**
  * One piece of browsing data that can be measured and deleted: a cache folder, tables of a
@@ -22,6 +43,9 @@ public:
 
     /** Whether the data can be cleaned safely only while its browser is not running. */
     virtual bool requiresClosedBrowserToClean() const noexcept = 0;
+
+    /** Where the data lies; empty for an item that does not say. Reads no file. */
+    virtual std::vector<CleanableDataLocation> locations() const;
 
     /** Measures what the filters select. */
     virtual CleanableDataSize size(CleanableDataFilters filters) const = 0;

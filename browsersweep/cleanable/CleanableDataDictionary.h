@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <utility>
+#include <vector>
 
 #include "browsersweep/cleanable/CleanableData.h"
 #include "browsersweep/cleanable/CleanableDataCategory.h"
@@ -47,6 +48,16 @@ public:
         return std::any_of(lists_.begin(), lists_.end(), [](const auto& entry) {
             return entry.second.requiresClosedBrowserToClean();
         });
+    }
+
+    /** Those of every list, in the order of the keys. */
+    std::vector<CleanableDataLocation> locations() const override {
+        std::vector<CleanableDataLocation> all;
+        for (const auto& [key, list] : lists_) {
+            const auto own = list.locations();
+            all.insert(all.end(), own.begin(), own.end());
+        }
+        return all;
     }
 
     using CleanableData::clean;

@@ -14,6 +14,15 @@ bool CleanableDataList::requiresClosedBrowserToClean() const noexcept {
                        [](const Item& item) { return item->requiresClosedBrowserToClean(); });
 }
 
+std::vector<CleanableDataLocation> CleanableDataList::locations() const {
+    std::vector<CleanableDataLocation> all;
+    for (const Item& item : items_) {
+        const auto own = item->locations();
+        all.insert(all.end(), own.begin(), own.end());
+    }
+    return all;
+}
+
 CleanableDataSize CleanableDataList::size(CleanableDataFilters filters) const {
     CleanableDataSize sum;
     for (const Item& item : items_) {

@@ -34,6 +34,9 @@ public:
     /** True if any item's is; an empty list gives false. */
     bool requiresClosedBrowserToClean() const noexcept override;
 
+    /** Those of every item, in list order. */
+    std::vector<CleanableDataLocation> locations() const override;
+
     using CleanableData::clean;
     using CleanableData::cleanIgnoringErrors;
     using CleanableData::size;

@@ -37,6 +37,10 @@ public:
         return requiresClosedBrowserToClean_;
     }
 
+    std::vector<CleanableDataLocation> locations() const override {
+        return {{CleanableDataLocation::Kind::folder, directory_}};
+    }
+
     using CleanableData::clean;
     using CleanableData::size;
     /** The number of files and the sum of their sizes, both exact. Throws `filesystem_error`. */

@@ -18,6 +18,7 @@ namespace {
 
 using Measurement = CleanableDataSize::Measurement;
 
+constexpr std::string_view cookieFile = "Cookies/Cookies.binarycookies";
 constexpr std::string_view couldNotRead = "Could not read cookies at ";
 constexpr std::string_view couldNotClean = "Could not clean cookies at ";
 constexpr std::array<std::string_view, 2> cookieDaemons{"nsurlstoraged", "nsurlsessiond"};
@@ -127,14 +128,20 @@ void CleanableSafariCookies::clean(CleanableDataFilters filters) const {
     cleanStorage(filters);
 }
 
-std::vector<std::filesystem::path> CleanableSafariCookies::cookieFiles() const {
+std::vector<CleanableDataLocation> CleanableSafariCookies::locations() const {
     const std::filesystem::path library = directoryProvider()->libraryDirectory();
-    std::vector<std::filesystem::path> files{
-        library / "Cookies/Cookies.binarycookies",
-        library / "Containers/com.apple.Safari/Data/Library/Cookies/Cookies.binarycookies"};
-    std::erase_if(files, [&](const std::filesystem::path& file) {
-        return !fileManager()->fileExists(file).isFile();
-    });
+    const std::filesystem::path container = library / "Containers/com.apple.Safari/Data/Library";
+    return {{CleanableDataLocation::Kind::file, library / cookieFile},
+            {CleanableDataLocation::Kind::file, container / cookieFile}};
+}
+
+std::vector<std::filesystem::path> CleanableSafariCookies::cookieFiles() const {
+    std::vector<std::filesystem::path> files;
+    for (CleanableDataLocation& place : locations()) {
+        if (fileManager()->fileExists(place.path).isFile()) {
+            files.push_back(std::move(place.path));
+        }
+    }
     return files;
 }
 

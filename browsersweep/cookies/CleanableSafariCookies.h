@@ -44,6 +44,9 @@ public:
 
     bool requiresClosedBrowserToClean() const noexcept override { return true; }
 
+    /** The places of both cookie files, whether or not they exist. */
+    std::vector<CleanableDataLocation> locations() const override;
+
     CleanableDataSize size(CleanableDataFilters filters) const override;
 
     /**

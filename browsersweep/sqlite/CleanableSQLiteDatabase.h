@@ -40,6 +40,10 @@ public:
     /** Always true: the browser keeps the database open. */
     bool requiresClosedBrowserToClean() const noexcept override { return true; }
 
+    std::vector<CleanableDataLocation> locations() const override {
+        return {{CleanableDataLocation::Kind::database, file_}};
+    }
+
     using CleanableData::clean;
     using CleanableData::size;
     /**

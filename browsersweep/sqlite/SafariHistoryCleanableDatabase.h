@@ -51,6 +51,10 @@ public:
     /** Always true: Safari keeps the database open. */
     bool requiresClosedBrowserToClean() const noexcept override { return true; }
 
+    std::vector<CleanableDataLocation> locations() const override {
+        return {{CleanableDataLocation::Kind::database, file_, true}};
+    }
+
     using CleanableData::clean;
     using CleanableData::size;
     /**

@@ -13,6 +13,17 @@ TEST(OperationControl, withoutAQuestionNeverStops) {
     EXPECT_NO_THROW(control.continueOrThrow());
 }
 
+TEST(OperationControl, restartedItKnowsNothingOfBefore) {
+    OperationControl control([](const OperationProgress&) { return true; });
+    control.count({1, 2, 3});
+    EXPECT_TRUE(control.shouldStop());
+    control.restart([](const OperationProgress&) { return false; });
+    EXPECT_FALSE(control.shouldStop());
+    EXPECT_EQ(control.progress(), OperationProgress{});
+    control.restart({});
+    EXPECT_FALSE(control.shouldStop());
+}
+
 TEST(OperationControl, addsUpWhatWasDone) {
     OperationControl control;
     control.count({1, 20, 0});

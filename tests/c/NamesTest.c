@@ -37,10 +37,13 @@ static void categories(void) {
         browsersweep_category found = BROWSERSWEEP_CACHE;
         rule("a category has its raw value",
              same(browsersweep_category_raw_value(category), names[i]));
+        rule("it has a name for people", browsersweep_category_display_name(category) != NULL);
         rule("it is found by its raw value",
              browsersweep_category_from_raw_value(names[i], &found) && found == category);
     }
     browsersweep_category none = BROWSERSWEEP_CACHE;
+    rule("the name of cookies is plain",
+         same(browsersweep_category_display_name(BROWSERSWEEP_HTTP_COOKIES), "Cookies"));
     rule("no other text is a category", !browsersweep_category_from_raw_value("cookies", &none));
     rule("a set has the bit of its category",
          BROWSERSWEEP_SET_OF(BROWSERSWEEP_LOCAL_STORAGE) == 32);

@@ -89,8 +89,9 @@ protected:
         lists[CleanableDataCategory::cache] = CleanableDataList({cache});
         lists[CleanableDataCategory::history] = CleanableDataList({history});
         FakeReader reader;
-        reader.profiles_.assign(profileCount_,
-                                std::make_shared<FakeProfile>(CleanableDataMap(lists)));
+        for (std::size_t i = 0; i < profileCount_; ++i) {
+            reader.profiles_.push_back(std::make_shared<FakeProfile>(CleanableDataMap(lists)));
+        }
         return [reader](Browser browser) -> std::unique_ptr<const BrowserCleaner> {
             return std::make_unique<FakeCleaner>(browser == Browser::opera ? reader : FakeReader{});
         };

@@ -195,7 +195,7 @@ class Streams(HostProgramTest):
     def test_a_home_that_is_not_there_is_empty_and_noted(self):
         result = self.run_program("--home", self.root / "nowhere", "size", home=False)
         self.assertEqual(result.status, 0)
-        self.assertIn("nowhere is no folder that is there", result.error)
+        self.assertIn("nowhere is not an existing folder", result.error)
 
     def test_text_that_is_no_utf_8_does_not_break_the_document(self):
         home = os.fsencode(self.root) + b"/h\xff"

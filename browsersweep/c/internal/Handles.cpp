@@ -9,56 +9,50 @@
 #include "browsersweep/sqlite/SQLiteError.h"
 
 namespace browsersweep::c {
-namespace {
-
-template <typename Type>
-bool is(const std::exception& error) noexcept {
-    return dynamic_cast<const Type*>(&error) != nullptr;
-}
-
-browsersweep_error_kind kindOf(const std::exception& error) noexcept {
-    if (is<std::invalid_argument>(error)) {
-        return BROWSERSWEEP_ERROR_INVALID_ARGUMENT;
-    }
-    if (is<std::filesystem::filesystem_error>(error)) {
-        return BROWSERSWEEP_ERROR_FILE;
-    }
-    if (is<SQLiteError>(error)) {
-        return BROWSERSWEEP_ERROR_DATABASE;
-    }
-    if (is<DecodingError>(error) || is<BinaryDecodingError>(error)) {
-        return BROWSERSWEEP_ERROR_FORMAT;
-    }
-    return is<Cancelled>(error) ? BROWSERSWEEP_ERROR_CANCELLED : BROWSERSWEEP_ERROR_OTHER;
-}
-
-}  // namespace
 
 browsersweep_error* errorOfCurrentException() {
+    const auto make = [](browsersweep_error_kind kind, const char* text) {
+        return handedOver(browsersweep_error{kind, text});
+    };
     try {
         throw;
+    } catch (const std::invalid_argument& error) {
+        return make(BROWSERSWEEP_ERROR_INVALID_ARGUMENT, error.what());
+    } catch (const std::filesystem::filesystem_error& error) {
+        return make(BROWSERSWEEP_ERROR_FILE, error.what());
+    } catch (const SQLiteError& error) {
+        return make(BROWSERSWEEP_ERROR_DATABASE, error.what());
+    } catch (const DecodingError& error) {
+        return make(BROWSERSWEEP_ERROR_FORMAT, error.what());
+    } catch (const BinaryDecodingError& error) {
+        return make(BROWSERSWEEP_ERROR_FORMAT, error.what());
+    } catch (const OperationCancelled&) {
+        return make(BROWSERSWEEP_ERROR_CANCELLED, "cancelled by the progress function");
     } catch (const std::exception& error) {
-        return handedOver(browsersweep_error{kindOf(error), error.what()});
+        return make(BROWSERSWEEP_ERROR_OTHER, error.what());
     } catch (...) {
-        return handedOver(browsersweep_error{BROWSERSWEEP_ERROR_OTHER, "an unknown exception"});
+        return make(BROWSERSWEEP_ERROR_OTHER, "an unknown exception");
     }
 }
 
 std::unique_ptr<const BrowserCleaner> cleanerOf(const browsersweep_home* home,
-                                                browsersweep_browser browser) {
-    const auto& place = required(home, "home").home;
+                                                browsersweep_browser browser,
+                                                std::shared_ptr<OperationControl> control) {
+    const auto& folder = required(home, "home").folder;
     if (browser >= allBrowsers.size()) {
         throw std::invalid_argument("there is no browser of this number");
     }
-    return cleaner(allBrowsers[browser], place);
+    return cleaner(allBrowsers[browser], folder ? Home::at(*folder, std::move(control))
+                                                : Home::current(std::move(control)));
 }
 
-const BrowserProfile& profileAt(const browsersweep_profiles* profiles, std::size_t index) {
+const std::shared_ptr<const BrowserProfile>& profileAt(const browsersweep_profiles* profiles,
+                                                       std::size_t index) {
     const auto* const entry = entryAt(&required(profiles, "profiles").entries, index);
     if (entry == nullptr) {
         throw std::invalid_argument("there is no profile of this index");
     }
-    return *entry->profile;
+    return entry->profile;
 }
 
 }  // namespace browsersweep::c

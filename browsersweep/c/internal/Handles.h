@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -10,6 +11,7 @@
 #include "browsersweep/c/browsersweep.h"
 #include "browsersweep/catalogue/BrowserCleaner.h"
 #include "browsersweep/home/Home.h"
+#include "browsersweep/hosting/ItemSweep.h"
 
 // What stands behind the opaque structures of the C interface. Their names are that interface's.
 // NOLINTBEGIN(readability-identifier-naming)
@@ -20,7 +22,7 @@ struct browsersweep_error {
 };
 
 struct browsersweep_home {
-    browsersweep::Home home;
+    std::optional<std::filesystem::path> folder;  ///< absent: the current user's own
 };
 
 struct browsersweep_profiles {
@@ -30,6 +32,7 @@ struct browsersweep_profiles {
     };
 
     std::vector<Entry> entries;
+    std::shared_ptr<browsersweep::OperationControl> control;  ///< asked by what their data does
 };
 
 struct browsersweep_filters {
@@ -37,7 +40,8 @@ struct browsersweep_filters {
 };
 
 struct browsersweep_data {
-    browsersweep::CleanableDataMap map;
+    std::vector<browsersweep::SweepItem> items;
+    std::shared_ptr<browsersweep::OperationControl> control;  ///< asked by what the items do
 };
 
 struct browsersweep_bookmarks {
@@ -56,12 +60,6 @@ struct browsersweep_notifications {
 // NOLINTEND(readability-identifier-naming)
 
 namespace browsersweep::c {
-
-/** The progress function said stop. */
-class Cancelled : public std::runtime_error {
-public:
-    Cancelled() : std::runtime_error("cancelled by the progress function") {}
-};
 
 /** Makes an error of the exception that is being handled. */
 browsersweep_error* errorOfCurrentException();
@@ -114,9 +112,13 @@ const Entry* entryAt(const std::vector<Entry>* entries, std::size_t index) noexc
     return entries != nullptr && index < entries->size() ? &(*entries)[index] : nullptr;
 }
 
-/** The cleaner of a browser in a home. Throws `std::invalid_argument`. */
-std::unique_ptr<const BrowserCleaner> cleanerOf(const browsersweep_home* home,
-                                                browsersweep_browser browser);
+/**
+ * The cleaner of a browser in a home, whose operations ask the control where there is one. Throws
+ * `std::invalid_argument`.
+ */
+std::unique_ptr<const BrowserCleaner> cleanerOf(
+    const browsersweep_home* home, browsersweep_browser browser,
+    std::shared_ptr<OperationControl> control = nullptr);
 
 /** The filter of profiles that takes them all. */
 inline bool everyProfile(const BrowserProfile& /*profile*/) {
@@ -124,6 +126,7 @@ inline bool everyProfile(const BrowserProfile& /*profile*/) {
 }
 
 /** One profile of a list. Throws `std::invalid_argument`. */
-const BrowserProfile& profileAt(const browsersweep_profiles* profiles, std::size_t index);
+const std::shared_ptr<const BrowserProfile>& profileAt(const browsersweep_profiles* profiles,
+                                                       std::size_t index);
 
 }  // namespace browsersweep::c

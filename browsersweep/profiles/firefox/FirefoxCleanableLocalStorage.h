@@ -28,6 +28,11 @@ public:
     /** As the wrapped item has it. */
     bool requiresClosedBrowserToClean() const noexcept override;
 
+    /** As the wrapped item has them. */
+    std::vector<CleanableDataLocation> locations() const override {
+        return cleanableSQLiteDatabase_->locations();
+    }
+
     using CleanableData::clean;
     using CleanableData::size;
     /** Throws what the wrapped item throws. */

@@ -1,4 +1,4 @@
-#include "cli/Processes.h"
+#include "browsersweep/platform/internal/Processes.h"
 
 #include <array>
 #include <cstddef>
@@ -7,7 +7,7 @@
 #include <sys/types.h>
 #include <unistd.h>
 
-namespace browsersweep::cli {
+namespace browsersweep {
 namespace {
 
 std::vector<pid_t> ownProcesses() {
@@ -37,4 +37,4 @@ std::vector<std::string> namesOfRunningPrograms() {
     return names;
 }
 
-}  // namespace browsersweep::cli
+}  // namespace browsersweep

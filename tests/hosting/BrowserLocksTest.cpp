@@ -2,19 +2,19 @@
 
 #include <gtest/gtest.h>
 
-#include "cli/Locks.h"
+#include "browsersweep/hosting/internal/BrowserLocks.h"
 
-namespace browsersweep::cli {
+namespace browsersweep {
 namespace {
 
-TEST(Locks, theLockOfAChromiumBasedBrowserNamesHostAndProcess) {
+TEST(BrowserLocks, theLockOfAChromiumBasedBrowserNamesHostAndProcess) {
     const auto owner = chromiumLockOwner("my-host.local-1234");
     ASSERT_TRUE(owner);
     EXPECT_EQ(owner->host, "my-host.local");
     EXPECT_EQ(owner->process, 1234);
 }
 
-TEST(Locks, theLinkOfAFirefoxProfileNamesTheProcess) {
+TEST(BrowserLocks, theLinkOfAFirefoxProfileNamesTheProcess) {
     for (const std::string target : {"127.0.1.1:+4321", "127.0.1.1:4321", "[::1]:4321"}) {
         SCOPED_TRACE(target);
         const auto owner = firefoxLockOwner(target);
@@ -23,7 +23,7 @@ TEST(Locks, theLinkOfAFirefoxProfileNamesTheProcess) {
     }
 }
 
-TEST(Locks, anythingElseNamesNobody) {
+TEST(BrowserLocks, anythingElseNamesNobody) {
     for (const std::string target :
          {"", "host", "host-", "host-x", "host-1x", "host-0", "host--"}) {
         SCOPED_TRACE(target);
@@ -37,4 +37,4 @@ TEST(Locks, anythingElseNamesNobody) {
 }
 
 }  // namespace
-}  // namespace browsersweep::cli
+}  // namespace browsersweep

@@ -1,4 +1,4 @@
-#include "cli/Processes.h"
+#include "browsersweep/platform/internal/Processes.h"
 
 #include <algorithm>
 #include <cctype>
@@ -9,7 +9,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace browsersweep::cli {
+namespace browsersweep {
 namespace {
 
 bool isProcess(const std::filesystem::path& folder) {
@@ -39,4 +39,4 @@ std::vector<std::string> namesOfRunningPrograms() {
     return names;
 }
 
-}  // namespace browsersweep::cli
+}  // namespace browsersweep

@@ -1,17 +1,11 @@
-#include "cli/Locks.h"
+#include "browsersweep/hosting/internal/BrowserLocks.h"
 
-#include <array>
-#include <cerrno>
 #include <charconv>
-#include <cstddef>
 #include <system_error>
 
-#include <fcntl.h>
-#include <signal.h>  // NOLINT(modernize-deprecated-headers): the C++ header lacks kill()
-#include <sys/types.h>
-#include <unistd.h>
+#include "browsersweep/platform/internal/Processes.h"
 
-namespace browsersweep::cli {
+namespace browsersweep {
 namespace {
 
 std::optional<std::string> linkTarget(const std::filesystem::path& link) {
@@ -26,31 +20,6 @@ std::optional<LockOwner> owner(std::string_view host, std::string_view process) 
     const auto parsed = std::from_chars(process.data(), end, found.process);
     const bool isWhole = parsed.ec == std::errc() && parsed.ptr == end && found.process > 0;
     return isWhole ? std::optional(found) : std::nullopt;
-}
-
-std::string hostName() {
-    std::array<char, 256> name{};
-    return ::gethostname(name.data(), name.size() - 1) == 0 ? name.data() : "";
-}
-
-bool isAlive(long process) noexcept {
-    return ::kill(static_cast<pid_t>(process), 0) == 0 || errno == EPERM;
-}
-
-/** Whether another process holds a lock on the file. Asking takes no lock. */
-bool isLocked(const std::filesystem::path& file) noexcept {
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg)
-    const int descriptor = ::open(file.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
-    if (descriptor < 0) {
-        return false;
-    }
-    struct flock lock {};
-    lock.l_type = F_WRLCK;
-    lock.l_whence = SEEK_SET;
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg)
-    const bool isHeld = ::fcntl(descriptor, F_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
-    ::close(descriptor);
-    return isHeld;
 }
 
 }  // namespace
@@ -83,7 +52,7 @@ bool isHeldByChromium(const std::filesystem::path& dataFolder) {
 
 bool isHeldByFirefox(const std::filesystem::path& profileFolder) {
     const auto parentLock = profileFolder / ".parentlock";
-    if (isLocked(parentLock)) {
+    if (isLockedByAnother(parentLock)) {
         return true;
     }
     // Beside a ".parentlock" the link says nothing more: it stays behind after a crash.
@@ -96,4 +65,4 @@ bool isHeldByFirefox(const std::filesystem::path& profileFolder) {
     return holder && isAlive(holder->process);
 }
 
-}  // namespace browsersweep::cli
+}  // namespace browsersweep

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace browsersweep::cli {
+namespace browsersweep {
 
 /** Who holds the data folder of a browser, as its lock says. */
 struct LockOwner {
@@ -29,4 +29,4 @@ bool isHeldByChromium(const std::filesystem::path& dataFolder);
  */
 bool isHeldByFirefox(const std::filesystem::path& profileFolder);
 
-}  // namespace browsersweep::cli
+}  // namespace browsersweep

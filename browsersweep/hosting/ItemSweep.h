@@ -1,0 +1,142 @@
+#pragma once
+
+#include <cstddef>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "browsersweep/Export.h"
+#include "browsersweep/base/OperationControl.h"
+#include "browsersweep/catalogue/BrowserCleaner.h"
+#include "browsersweep/cleanable/CleanableDataCategory.h"
+#include "browsersweep/cleanable/CleanableDataFilter.h"
+#include "browsersweep/cleanable/CleanableDataList.h"
+#include "browsersweep/cleanable/CleanableDataSize.h"
+#include "browsersweep/profiles/BrowserProfile.h"
+
+namespace browsersweep {
+
+/** One item of a browser's data with what it belongs to. */
+struct SweepItem {
+    std::shared_ptr<const BrowserProfile> profile;  ///< whose data it is; never null
+    CleanableDataCategory category = CleanableDataCategory::cache;  ///< its kind
+    CleanableDataList::Item data;                                   ///< never null
+};
+
+/** The items of one profile, category after category. Throws what the profile throws. */
+BROWSERSWEEP_EXPORT std::vector<SweepItem> sweepItems(
+    const std::shared_ptr<const BrowserProfile>& profile);
+
+/**
+ * The items of a browser's chosen profiles in the order of `BrowserCleaner::cleanableData`:
+ * category after category, in each of them profile after profile. Throws what reading the profiles
+ * throws.
+ */
+BROWSERSWEEP_EXPORT std::vector<SweepItem> sweepItems(const BrowserCleaner& cleaner,
+                                                      const ProfilePredicate& shouldIncludeProfile);
+
+/** What became of one item. */
+enum class ItemVerdict {
+    measured,        ///< there is something, and so much
+    emptied,         ///< nothing of what was selected is left
+    partlyEmptied,   ///< something of what was selected is left
+    nothingThere,    ///< nothing was selected, or nothing is there
+    couldNotLook,    ///< measuring failed
+    couldNotDelete,  ///< deleting failed
+    held,            ///< another program holds the data
+    notUnderstood,   ///< the data is of no form that is known
+    leftOut,         ///< the item was not begun, because one before it failed
+    cancelled,       ///< the item was stopped, or not begun for that reason
+};
+
+/** What a verdict is called in reports, such as "partlyEmptied". */
+BROWSERSWEEP_EXPORT std::string_view rawValue(ItemVerdict verdict) noexcept;
+
+/** The result of one item. */
+struct ItemResult {
+    ItemVerdict verdict = ItemVerdict::leftOut;
+    /**
+     * What was measured, or what is gone: the difference between before and after. Of a clean that
+     * was stopped, what is known to be gone, marked approximate. Absent where it is not known.
+     */
+    std::optional<CleanableDataSize> size;
+    std::exception_ptr error;  ///< why it failed; null where it did not
+};
+
+/** The result of a sweep. */
+struct SweepResult {
+    std::vector<ItemResult> items;  ///< one for each item, in its order
+    std::exception_ptr error;       ///< the first of theirs; null where all is done
+
+    /** What all items together have measured or removed, as far as it is known. */
+    BROWSERSWEEP_EXPORT CleanableDataSize sum() const noexcept;
+};
+
+/** How to sweep. */
+struct SweepOptions {
+    std::vector<CleanableDataFilter> filters;  ///< none: everything is selected
+    bool ignoresErrors = false;  ///< items do what they can and are never said to have failed
+    bool keepsGoing = false;     ///< an item that fails does not end the sweep
+    /** The control of the items' home, whose counts tell what a stopped item had deleted. */
+    std::shared_ptr<OperationControl> control;
+};
+
+/**
+ * Measures or cleans items one by one, so that a host can show where it is, stop it, and tell what
+ * became of each. An error ends it at the item that failed, as it would end the items' list.
+ */
+class BROWSERSWEEP_EXPORT ItemSweep {
+public:
+    /**
+     * Told before each item which one comes next and how many steps of all are done. False stops
+     * the sweep there. A control with the same question stops it within an item too.
+     */
+    using Progress = std::function<bool(const SweepItem& next, std::size_t done, std::size_t all)>;
+
+    ItemSweep(std::vector<SweepItem> items, SweepOptions options, Progress progress = {});
+
+    /** Measures every item: one step for each. Only reads. */
+    SweepResult measure();
+
+    /** Deletes without measuring: one step for each item. Sizes are absent from the result. */
+    SweepResult clean();
+
+    /** Measures all items, cleans all, measures all again: three steps for each. */
+    SweepResult cleanAndMeasure();
+
+private:
+    /** What is known of one item while the sweep goes on. */
+    struct State {
+        std::optional<CleanableDataSize> before;
+        std::optional<CleanableDataSize> after;
+        std::optional<CleanableDataSize> stoppedAfter;  ///< what a stopped clean had deleted
+        bool isCleaned = false;
+        bool isDeletion = false;  ///< whether the failure was one of deleting
+        std::exception_ptr error;
+    };
+    using Work = void (ItemSweep::*)(State& state, const SweepItem& item);
+
+    void begin(std::size_t rounds);
+    bool goThrough(Work work);
+    void step(const SweepItem& next);
+    void measureBefore(State& state, const SweepItem& item);
+    void cleanOne(State& state, const SweepItem& item);
+    void measureAfter(State& state, const SweepItem& item);
+    CleanableDataSize sizeOf(const SweepItem& item) const;
+    static std::optional<CleanableDataSize> whatWasThere(const State& state) noexcept;
+    ItemResult resultOf(const State& state, const SweepItem& item) const;
+    SweepResult finish() const;
+
+    std::vector<SweepItem> items_;
+    SweepOptions options_;
+    Progress progress_;
+    std::vector<State> states_;
+    std::exception_ptr firstError_;
+    std::size_t done_ = 0;
+    std::size_t all_ = 0;
+};
+
+}  // namespace browsersweep
