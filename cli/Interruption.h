@@ -1,15 +1,18 @@
 #pragma once
 
+#include <array>
 #include <optional>
 
-#include <signal.h>  // NOLINT(modernize-deprecated-headers): the C++ header lacks signal sets
+#include <signal.h>  // NOLINT(modernize-deprecated-headers): the C++ header lacks sigaction
 
 namespace browsersweep::cli {
 
 /**
- * Holds back the signals that ask the program to end, for as long as it lives, so that the item
- * that is being read or cleaned is finished and its temporary copy removed. The program asks
- * between two items whether one has come. A broken pipe is a failed write, not a signal.
+ * Notes the first signal that asks the program to end, for as long as it lives, instead of ending
+ * at once: what is under way stops in order, and the report says what was done. The second one ends
+ * the program. A signal that the caller ignores, as `nohup` does, stays ignored. A broken pipe is a
+ * failed write, not a signal. There can be one of these at a time, because a process has one set of
+ * signals.
  */
 class Interruption {
 public:
@@ -29,8 +32,9 @@ public:
     void holdBack() noexcept;
 
 private:
-    sigset_t held_{};
-    sigset_t before_{};
+    static constexpr std::array endingSignals{SIGINT, SIGTERM, SIGHUP};
+
+    std::array<struct sigaction, endingSignals.size()> before_{};
 };
 
 }  // namespace browsersweep::cli
