@@ -6,28 +6,13 @@
 #include <variant>
 #include <vector>
 
-#include "browsersweep/base/Browser.h"
-#include "browsersweep/cleanable/CleanableDataCategory.h"
 #include "browsersweep/cleanable/CleanableDataFilter.h"
-#include "browsersweep/profiles/BrowserProfile.h"
+
+#include "cli/Selection.h"
 
 namespace browsersweep::cli {
 
 enum class Command { browsers, profiles, size, clean, bookmarks, notifications, doctor };
-
-/** What the command is about. Nothing given selects everything. */
-struct Selection {
-    std::vector<Browser> browsers;
-    std::vector<std::string> profileNames;
-    bool primaryOnly = false;
-    std::vector<CleanableDataCategory> categories;
-
-    bool includes(Browser browser) const;
-    bool includes(const BrowserProfile& profile) const;
-    bool includes(CleanableDataCategory category) const;
-    /** The browsers it is about, in the order of the catalogue. */
-    std::vector<Browser> selectedBrowsers() const;
-};
 
 /** A command line that is right. */
 struct Options {

@@ -1,7 +1,7 @@
+#include "cli/Selection.h"
+
 #include <algorithm>
 #include <iterator>
-
-#include "cli/Options.h"
 
 namespace browsersweep::cli {
 namespace {
