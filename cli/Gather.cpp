@@ -181,6 +181,7 @@ private:
         SweepOptions how;
         how.filters = options_.filters;
         how.ignoresErrors = options_.ignoreErrors;
+        how.control = observer_.control();
         ItemSweep sweep(items, std::move(how),
                         [this](const SweepItem& /*next*/, std::size_t /*done*/,
                                std::size_t /*all*/) { return !observer_.isInterrupted(); });

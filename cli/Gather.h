@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "browsersweep/base/Browser.h"
+#include "browsersweep/base/OperationControl.h"
 #include "browsersweep/catalogue/BrowserCleaner.h"
 #include "browsersweep/cleanable/CleanableDataCategory.h"
 
@@ -37,6 +38,9 @@ public:
 
     /** Whether the user wants to stop. What was not begun by then stays undone. */
     virtual bool isInterrupted() const = 0;
+
+    /** The control of the home that is worked on; null where there is none. */
+    virtual std::shared_ptr<OperationControl> control() const { return nullptr; }
 };
 
 /** What stands as the error of everything that was not begun because the user interrupted. */

@@ -60,7 +60,7 @@ class Run {
 public:
     explicit Run(Options options)
         : options_(std::move(options)),
-          home_(options_.home ? Home::at(*options_.home, control()) : Home::current(control())) {}
+          home_(options_.home ? Home::at(*options_.home, control_) : Home::current(control_)) {}
 
     int execute() {
         if (options_.home && !isHomeThere()) {
@@ -109,7 +109,7 @@ private:
     Report gatherWithProgress() {
         const auto verb = options_.dryRun ? verbs[static_cast<std::size_t>(Command::size)]
                                           : verbs[static_cast<std::size_t>(options_.command)];
-        Progress progress(verb, console_, interruption_);
+        Progress progress(verb, console_, control_);
         return gather(options_, cleanerFactory(), progress);
     }
 
@@ -154,7 +154,7 @@ private:
             return true;
         }
         {
-            Progress progress("Measuring", console_, interruption_);
+            Progress progress("Measuring", console_, control_);
             const auto planned = preview(options_, cleanerFactory(), progress);
             progress.wipe();
             console_.writeError(
@@ -186,12 +186,6 @@ private:
         return failed.empty() ? allDone : somethingFailed;
     }
 
-    /** Stops what is under way in the home once a signal has come. */
-    std::shared_ptr<OperationControl> control() const {
-        return std::make_shared<OperationControl>(
-            [this](const OperationProgress&) { return interruption_.hasCome(); });
-    }
-
     CleanerFactory cleanerFactory() const {
         return [this](Browser browser) { return cleaner(browser, home_); };
     }
@@ -204,6 +198,9 @@ private:
     Options options_;
     Console console_;
     Interruption interruption_;
+    /** Stops what is under way in the home once a signal has come. */
+    std::shared_ptr<OperationControl> control_ = std::make_shared<OperationControl>(
+        [this](const OperationProgress&) { return interruption_.hasCome(); });
     Home home_;
 };
 

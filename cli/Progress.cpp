@@ -1,6 +1,7 @@
 #include "cli/Progress.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -23,10 +24,11 @@ std::string progressLine(std::string_view what, WorkDone done, std::size_t colum
         .substr(0, columns);
 }
 
-Progress::Progress(std::string_view verb, const Console& console, const Interruption& interruption)
+Progress::Progress(std::string_view verb, const Console& console,
+                   std::shared_ptr<OperationControl> control)
     : verb_(verb),
       console_(console),
-      interruption_(interruption),
+      control_(std::move(control)),
       isShown_(console.errorIsTerminal() && understandsEscapeSequences(environmentVariable)) {}
 
 Progress::~Progress() {

@@ -1,12 +1,12 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 
 #include "cli/Console.h"
 #include "cli/Gather.h"
-#include "cli/Interruption.h"
 
 namespace browsersweep::cli {
 
@@ -29,7 +29,8 @@ std::string progressLine(std::string_view what, WorkDone done, std::size_t colum
 class Progress : public Observer {
 public:
     /** The verb says what is being done, such as "Measuring". */
-    Progress(std::string_view verb, const Console& console, const Interruption& interruption);
+    Progress(std::string_view verb, const Console& console,
+             std::shared_ptr<OperationControl> control);
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
     ~Progress() override;
@@ -37,7 +38,8 @@ public:
     void begin(Browser browser, std::size_t finished, std::size_t all) override;
     void begin(CleanableDataCategory category) override;
     void note(const std::string& line) override;
-    bool isInterrupted() const override { return interruption_.hasCome(); }
+    bool isInterrupted() const override { return control_->shouldStop(); }
+    std::shared_ptr<OperationControl> control() const override { return control_; }
 
     /** Takes the line away, before something else is written. */
     void wipe() const noexcept;
@@ -47,7 +49,7 @@ private:
 
     std::string verb_;
     const Console& console_;
-    const Interruption& interruption_;
+    std::shared_ptr<OperationControl> control_;
     bool isShown_;
     std::string browserName_;
     WorkDone done_;

@@ -193,8 +193,10 @@ void ItemSweep::cleanOne(State& state, const SweepItem& item) {
     try {
         item.data->clean(options_.filters);
         state.isCleaned = true;
-    } catch (const OperationCancelled& cancelled) {
-        state.stoppedAfter = difference(counted, cancelled.progress());
+    } catch (const OperationCancelled&) {
+        if (options_.control) {
+            state.stoppedAfter = difference(counted, options_.control->progress());
+        }
         throw;
     }
 }

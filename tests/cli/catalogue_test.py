@@ -1,7 +1,7 @@
 """What names browsers and categories outside the library agrees with what the library knows.
 
-The library's table of browsers is the only place that says what a browser is; the program prints it.
-Whatever else holds a list of them is compared with that here, so that a row that was forgotten
+The library's table of browsers is the only place that says what a browser is; the program prints
+it. Whatever else holds a list of them is compared with that here, so that a row that was forgotten
 somewhere fails in this one place.
 """
 
