@@ -6,8 +6,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include "browsersweep/profiles/chromium/ChromiumBasedProfileReader.h"
-
 #include "cli/ErrorText.h"
 #include "cli/Table.h"
 #include "cli/Text.h"
@@ -18,21 +16,15 @@ namespace {
 using JSON = nlohmann::ordered_json;
 
 std::vector<std::filesystem::path> pathsOf(Browser browser,
-                                           const CurrentUserDirectoryProvider& directories,
-                                           const CleanerFactory& cleanerOf) {
+                                           const CurrentUserDirectoryProvider& directories) {
     const auto library = directories.libraryDirectory();
     if (browser == Browser::safari) {
         return {library / "Safari", library / "Containers/com.apple.Safari",
                 directories.cachesDirectory() / "com.apple.Safari", library / "Cookies"};
     }
-    std::filesystem::path below = "Firefox";
-    const auto cleaner = cleanerOf(browser);
-    if (const auto* const chromium =
-            dynamic_cast<const ChromiumBasedProfileReader*>(&cleaner->profileReader())) {
-        below = chromium->applicationSupportRelativePath();
-    }
-    return {directories.applicationSupportDirectory() / below,
-            directories.cachesDirectory() / below};
+    const std::filesystem::path folder = applicationSupportFolder(browser);
+    return {directories.applicationSupportDirectory() / folder,
+            directories.cachesDirectory() / folder};
 }
 
 Place placeAt(const std::filesystem::path& path) {
@@ -114,15 +106,14 @@ bool Diagnosis::isAnythingProtected() const noexcept {
 }
 
 Diagnosis diagnose(const std::vector<Browser>& browsers,
-                   const CurrentUserDirectoryProvider& directories,
-                   const CleanerFactory& cleanerOf) {
+                   const CurrentUserDirectoryProvider& directories) {
     std::vector<Browser> order = browsers;
     std::stable_partition(order.begin(), order.end(),
                           [](Browser browser) { return browser == Browser::safari; });
     Diagnosis diagnosis;
     for (const Browser browser : order) {
         BrowserPlaces found{browser, {}};
-        for (const auto& path : pathsOf(browser, directories, cleanerOf)) {
+        for (const auto& path : pathsOf(browser, directories)) {
             found.places.push_back(placeAt(path));
         }
         diagnosis.browsers.push_back(std::move(found));

@@ -10,7 +10,6 @@
 #include "browsersweep/platform/Accessibility.h"
 
 #include "cli/Appearance.h"
-#include "cli/Gather.h"
 
 namespace browsersweep::cli {
 
@@ -43,8 +42,7 @@ struct Diagnosis {
  * read of what they hold.
  */
 Diagnosis diagnose(const std::vector<Browser>& browsers,
-                   const CurrentUserDirectoryProvider& directories,
-                   const CleanerFactory& cleanerOf);
+                   const CurrentUserDirectoryProvider& directories);
 
 /** The diagnosis for people: a table, and what is to be done. */
 std::string peopleText(const Diagnosis& diagnosis, const Appearance& appearance);

@@ -216,11 +216,9 @@ void requireSomebodyToAsk(const Options& options, const Console& console) {
 /** Asks which folders can be read; nothing of what they hold is. */
 int runDoctor(const Options& options, const Console& console) {
     const Interruption pipeErrorsAreFailures;
-    const auto fileManager =
-        options.home ? FileManager::forHome(*options.home) : FileManager::defaultManager();
+    const Home home = options.home ? Home::at(*options.home) : Home::current();
     const auto diagnosis =
-        diagnose(options.selection.selectedBrowsers(), FileManagerDirectoryProvider(fileManager),
-                 Host(options.home).cleanerFactory());
+        diagnose(options.selection.selectedBrowsers(), *home.directoryProvider());
     const auto appearance = appearanceOf(console.outputIsTerminal(), environmentVariable);
     console.writeOutput(options.json ? jsonText(diagnosis) : peopleText(diagnosis, appearance));
     return diagnosis.isAnythingDenied() ? somethingFailed : allDone;

@@ -63,6 +63,10 @@ std::string_view bundleIdentifier(Browser browser) noexcept {
     return rowOf(browser).bundleIdentifier;
 }
 
+std::string_view applicationSupportFolder(Browser browser) noexcept {
+    return rowOf(browser).applicationSupportFolder;
+}
+
 std::optional<Browser> browserFromRawValue(std::string_view text) noexcept {
     const auto* const found =
         std::find_if(allBrowsers.begin(), allBrowsers.end(),

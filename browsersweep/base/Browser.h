@@ -51,6 +51,12 @@ BROWSERSWEEP_EXPORT std::string_view displayName(Browser browser) noexcept;
 /** The bundle identifier of its application on macOS, such as "com.google.Chrome". */
 BROWSERSWEEP_EXPORT std::string_view bundleIdentifier(Browser browser) noexcept;
 
+/**
+ * Its data folder below the user's Application Support directory, such as "Google/Chrome", and that
+ * of its cache below Caches; empty for Safari, whose data lies elsewhere.
+ */
+BROWSERSWEEP_EXPORT std::string_view applicationSupportFolder(Browser browser) noexcept;
+
 /** The browser whose raw value is exactly this text, letter case included; absent for any other. */
 BROWSERSWEEP_EXPORT std::optional<Browser> browserFromRawValue(std::string_view text) noexcept;
 

@@ -6,8 +6,6 @@
 #include <nlohmann/json.hpp>
 #include <unistd.h>
 
-#include "browsersweep/catalogue/BrowserCleaners.h"
-
 #include "cli/Doctor.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -19,9 +17,7 @@ namespace fs = std::filesystem;
 class DoctorTest : public testing::Test {
 protected:
     Diagnosis diagnosisOf(const std::vector<Browser>& browsers) const {
-        return diagnose(browsers, FileManagerDirectoryProvider(manager_), [this](Browser browser) {
-            return cleaner(browser, manager_, SystemServices::current());
-        });
+        return diagnose(browsers, FileManagerDirectoryProvider(manager_));
     }
 
     tests::TemporaryFolder folder_;
