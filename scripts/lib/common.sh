@@ -42,15 +42,40 @@ use_homebrew_llvm() {
     fi
 }
 
-# A compiler cache makes the second run fast. It lies in the build folder, not in the user's home,
-# unless the caller has chosen a place.
-use_compiler_cache() {
+# python_of_tests: prints a Python that has the packages of the tests: the one that scripts/setup has put
+# into the build folder, the caller's, or the system's.
+python_of_tests() {
+    local each
+    for each in "$root/build/python/bin/python3" python3 /usr/bin/python3; do
+        if "$each" -c 'import jsonschema, pytest, xdist' 2>/dev/null; then
+            say "$each"
+            return
+        fi
+    done
+    die "there is no Python with pytest, its xdist and jsonschema; run scripts/setup"
+}
+
+# use_build_tools: what makes builds fast, in variables that CMake takes over when it configures one. The
+# compiler's cache lies in the build folder, not in the user's home, unless the caller has chosen a place.
+use_build_tools() {
     if have ccache; then
         export CCACHE_DIR="${CCACHE_DIR:-$root/build/ccache}"
         export CCACHE_BASEDIR="${CCACHE_BASEDIR:-$root}"
         export CCACHE_NOHASHDIR="${CCACHE_NOHASHDIR:-1}"
         export CCACHE_SLOPPINESS="${CCACHE_SLOPPINESS:-pch_defines,time_macros}"
+        export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache
     fi
+    # This one links in a fraction of the time of the system's linker.
+    if ! is_macos && have ld.lld; then export LDFLAGS="${LDFLAGS:--fuse-ld=lld}"; fi
+    export CMAKE_BUILD_PARALLEL_LEVEL="${CMAKE_BUILD_PARALLEL_LEVEL:-$(cpu_count)}"
+}
+
+# build PRESET [OPTION...]: configures, with these options of CMake, and builds.
+build() {
+    local preset=$1
+    shift
+    use_build_tools
+    (cd "$root" && cmake --preset "$preset" "$@" && cmake --build --preset "$preset")
 }
 
 # new_folder NAME: makes a new private folder and prints its path.
@@ -74,41 +99,6 @@ with_private_home() {
     return "$status"
 }
 
-# configure PRESET [ARGUMENT...]: prepares build/PRESET.
-configure() {
-    local preset=$1
-    shift
-    use_compiler_cache
-    local launcher=()
-    if have ccache; then
-        launcher=(-DCMAKE_C_COMPILER_LAUNCHER=ccache -DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
-    fi
-    # What fails is told by its line; its variables, for a debugger, are left to the everyday build.
-    local options=()
-    case $preset in debug | foundation) options=(-DCMAKE_CXX_FLAGS_DEBUG=-g1) ;; esac
-    # It links in a fraction of the time of the system's linker.
-    if ! is_macos && have ld.lld; then
-        options=(${options[@]+"${options[@]}"} -DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=lld)
-    fi
-    (cd "$root" && cmake --preset "$preset" ${options[@]+"${options[@]}"} \
-        ${launcher[@]+"${launcher[@]}"} "$@")
-}
-
-# build PRESET [TARGET...]: builds what configure has prepared.
-build() {
-    local preset=$1 target targets=()
-    shift
-    for target in "$@"; do
-        targets=(${targets[@]+"${targets[@]}"} --target "$target")
-    done
-    use_compiler_cache
-    # Only what the preprocessor makes of a file shows that another build has compiled it already.
-    local cache=CCACHE_DEPEND=1
-    case $preset in debug | foundation) cache=CCACHE_NODEPEND=1 ;; esac
-    env "$cache" cmake --build "$root/build/$preset" --parallel "$(cpu_count)" \
-        ${targets[@]+"${targets[@]}"}
-}
-
 # tracked PATTERN...: the files under version control, or without it those on disk, one a line.
 tracked() {
     if git -C "$root" rev-parse --is-inside-work-tree >/dev/null 2>&1; then
@@ -127,14 +117,19 @@ tracked() {
 # The C++ and Objective-C++ files of the project, one a line.
 cxx_files() { tracked '*.h' '*.cpp' '*.mm'; }
 
-# The shell scripts of the project, one a line: found by their first line, so that a new one cannot
-# be forgotten.
-shell_files() {
+# scripts_of NAME SUFFIX: the scripts of an interpreter, one a line: found by their first line too, so
+# that a new one cannot be forgotten.
+scripts_of() {
     local file first
-    tracked 'scripts/*' 'tests/*' '.ci/*' 'fuzz/*' 'benchmarks/*' | while IFS= read -r file; do
-        IFS= read -r first <"$root/$file" || true
-        case $file:$first in
-        *.sh:* | *:'#!'*sh) say "$file" ;;
-        esac
-    done
+    tracked 'scripts/*' 'tests/*' '.ci/*' 'fuzz/*' 'benchmarks/*' 'examples/*' |
+        while IFS= read -r file; do
+            IFS= read -r first <"$root/$file" || true
+            case $file:$first in
+            *."$2":* | *:'#!'*"$1") say "$file" ;;
+            esac
+        done
 }
+
+shell_files() { scripts_of sh sh; }
+
+python_files() { scripts_of python3 py; }

@@ -11,7 +11,7 @@ debian_test="clang clang-format clang-tidy lld libclang-rt-14-dev libc++-dev lib
     libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev
     libgnustep-base-dev gobjc-12 gnustep-base-runtime
     shellcheck strace procps valgrind gcovr doxygen locales-all pkg-config zlib1g-dev dpkg-dev file
-    groff-base zsh fish"
+    groff-base zsh fish python3-pytest python3-pytest-xdist python3-jsonschema"
 
 # Real browsers: without them the tests that drive them are skipped, and reported so.
 debian_optional="chromium firefox-esr"
@@ -20,3 +20,6 @@ debian_optional="chromium firefox-esr"
 # no formula of rapidcheck: the tests that need it are skipped.
 macos_build="cmake ninja ccache nlohmann-json cli11 fmt"
 macos_test="googletest google-benchmark llvm shellcheck actionlint gcovr doxygen pkgconf"
+
+# Homebrew has not all of them: they are put into the build folder, from Python's own index.
+macos_python="pytest pytest-xdist jsonschema"

@@ -2,7 +2,7 @@
 
 import json
 
-from fixture import (BROWSERS, CATEGORIES, ZERO, HostProgramTest, approximate, exact, run_all, size,
+from fixture import (BROWSERS, CATEGORIES, ZERO, HostProgramTest, approximate, exact, size,
                      write)
 
 
@@ -217,7 +217,3 @@ class Failures(HostProgramTest):
         self.assertIn("browsersweep: Chromium, History: not understood: file is not a database\n",
                       result.error)
         self.assertEqual(result.error.count("\n"), 2)
-
-
-if __name__ == "__main__":
-    run_all()

@@ -9,17 +9,13 @@ import select
 import shutil
 import sqlite3
 import subprocess
-import sys
 import tempfile
 import unittest
 
+import jsonschema
+
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-sys.path.insert(0, str(ROOT / "tests" / "support"))
-
-import json_schema  # noqa: E402
-from counted import run_all  # noqa: E402,F401: for the tests, which take all they need from here
-
-PROGRAM = os.environ["BROWSERSWEEP_PROGRAM"]
+PROGRAM = os.environ.get("BROWSERSWEEP_PROGRAM", str(ROOT / "build/debug/cli/browsersweep"))
 
 BROWSERS = ["quenbySecureBrowser", "tarrowSecureBrowser", "brave", "chromium", "firefox",
             "googleChrome", "microsoftEdge", "orvo", "brellisPrivateBrowser", "opera", "safari",
@@ -55,6 +51,18 @@ def database(path, *statements):
         for statement in statements:
             connection.execute(statement)
     connection.close()
+
+
+def schema_of(command):
+    """The schema of a command's document."""
+    text = (ROOT / "docs" / "schemas" / f"{command}.schema.json").read_text(encoding="utf-8")
+    return json.loads(text)
+
+
+def problems(document, command):
+    """What the schema of the command finds wrong with a document."""
+    found = jsonschema.Draft7Validator(schema_of(command)).iter_errors(document)
+    return [f"{error.json_path}: {error.message}" for error in found]
 
 
 def rows(path, query):
@@ -166,7 +174,7 @@ class HostProgramTest(unittest.TestCase):
         """The JSON document of a run, checked against the schema of its command."""
         found = json.loads(output.decode("utf-8"))
         name = next(a for a in arguments if a in COMMANDS)
-        self.assertEqual(json_schema.problems(found, json_schema.load(name)), [])
+        self.assertEqual(problems(found, name), [])
         return found
 
     def document(self, *arguments, status=0):

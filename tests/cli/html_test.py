@@ -11,7 +11,7 @@ import stat
 import subprocess
 import sys
 
-from fixture import PROGRAM, HostProgramTest, run_all, write
+from fixture import PROGRAM, HostProgramTest, write
 
 VOID = {"meta", "rect", "br", "link"}  # rect closes itself
 
@@ -342,7 +342,3 @@ class InABrowser(PageTest):
         if keep := os.environ.get("BROWSERSWEEP_SCREENSHOT"):
             shutil.copyfile(picture, keep)
             print(f"the screenshot is {keep}", file=sys.stderr)
-
-
-if __name__ == "__main__":
-    run_all()

@@ -10,7 +10,7 @@ import subprocess
 import sys
 import unittest
 
-from fixture import PROGRAM, HostProgramTest, database, exact, rows, run_all, write
+from fixture import PROGRAM, HostProgramTest, database, exact, rows, write
 
 CHROMIUM = "--browser=chromium"
 
@@ -421,7 +421,3 @@ class Locked(HostProgramTest):
             fcntl.lockf(held, fcntl.LOCK_EX)
             self.assertEqual(self.run_program("clean", "--yes", "--browser=firefox").status, 1)
         self.assertEqual(self.run_program("clean", "--yes", "--browser=firefox").status, 0)
-
-
-if __name__ == "__main__":
-    run_all()

@@ -2,8 +2,9 @@
 
 import copy
 
-import json_schema
-from fixture import COMMANDS, HostProgramTest, run_all
+import jsonschema
+
+from fixture import COMMANDS, HostProgramTest, problems, schema_of
 
 
 def objects_of(schema):
@@ -33,12 +34,14 @@ class Schemas(HostProgramTest):
             extra = ["--dry-run"] if command == "clean" else []
             yield command, self.document(command, "--browser=chromium", *extra)
 
-    def problems(self, command, document):
-        return json_schema.problems(document, json_schema.load(command))
+    def test_every_schema_is_one(self):
+        for command in COMMANDS:
+            with self.subTest(command=command):
+                jsonschema.Draft7Validator.check_schema(schema_of(command))
 
     def test_every_object_has_exactly_the_keys_of_the_contract(self):
         for command in COMMANDS:
-            for part in objects_of(json_schema.load(command)):
+            for part in objects_of(schema_of(command)):
                 with self.subTest(command=command, part=part):
                     self.assertIs(part["additionalProperties"], False)
                     self.assertEqual(sorted(part["required"]), sorted(part["properties"]))
@@ -56,17 +59,13 @@ class Schemas(HostProgramTest):
                         elif change == "retype":
                             place[key] = 1.5
                         with self.subTest(command=command, key=key, change=change):
-                            self.assertNotEqual(self.problems(command, broken), [])
+                            self.assertNotEqual(problems(broken, command), [])
 
     def test_only_known_browsers_and_categories_are_taken(self):
         for command, document in self.documents():
             document["browsers"][0]["browser"] = "lynx"
-            self.assertNotEqual(self.problems(command, document), [], command)
+            self.assertNotEqual(problems(document, command), [], command)
         for command in ("size", "clean"):
             document = dict(self.documents())[command]
             document["browsers"][0]["categories"][0]["category"] = "everything"
-            self.assertNotEqual(self.problems(command, document), [], command)
-
-
-if __name__ == "__main__":
-    run_all()
+            self.assertNotEqual(problems(document, command), [], command)

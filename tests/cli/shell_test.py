@@ -4,7 +4,7 @@ import re
 import shutil
 import subprocess
 
-from fixture import BROWSERS, CATEGORIES, COMMANDS, ROOT, HostProgramTest, run_all
+from fixture import BROWSERS, CATEGORIES, COMMANDS, ROOT, HostProgramTest
 
 MANUAL = ROOT / "docs" / "man" / "browsersweep.1"
 COMPLETIONS = ROOT / "cli" / "completions"
@@ -166,7 +166,3 @@ class Offers(ShellTest):
         self.assertEqual(set(re.findall(r"--[a-z][a-z-]+", self.zsh(""))), set(self.options()))
         self.assertIn(f":browser:({' '.join(BROWSERS)})\n", self.zsh("size "))
         self.assertIn(f":category:({' '.join(CATEGORIES)})\n", self.zsh("size "))
-
-
-if __name__ == "__main__":
-    run_all()

@@ -5,7 +5,7 @@ import shlex
 import subprocess
 import sys
 
-from fixture import ROOT, HostProgramTest, run_all
+from fixture import ROOT, HostProgramTest
 
 MAKER = ROOT / "scripts" / "sample" / "make_home.py"
 DOCUMENTS = ("README.md", "docs/host-program.md")
@@ -64,7 +64,3 @@ class Shown(HostProgramTest):
                 with self.subTest(f"{name}: {arguments}"):
                     result = self.run_program(*arguments, *["--dry-run"] * asks, cwd=self.root)
                     self.assertEqual((result.status, result.error), (0, ""))
-
-
-if __name__ == "__main__":
-    run_all()

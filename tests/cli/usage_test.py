@@ -2,7 +2,7 @@
 
 import os
 
-from fixture import HostProgramTest, run_all
+from fixture import HostProgramTest
 
 
 class Usage(HostProgramTest):
@@ -149,7 +149,3 @@ class Information(HostProgramTest):
         result = self.run_program("--version")
         self.assertEqual((result.status, result.error), (0, ""))
         self.assertRegex(result.text, r"\Abrowsersweep \d+\.\d+\.\d+\n\Z")
-
-
-if __name__ == "__main__":
-    run_all()

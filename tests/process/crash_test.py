@@ -11,7 +11,7 @@ import subprocess
 import time
 import unittest
 
-from homes import COOKIES, Home, ProcessTest, Selection, run_all, strace, strace_problem
+from homes import COOKIES, Home, ProcessTest, Selection, strace, strace_problem
 
 CRASHES = int(os.environ.get("BROWSERSWEEP_CRASHES", "500"))
 SERIES = 25
@@ -97,7 +97,3 @@ class CookieRewrite(ProcessTest):
     def kill_at(self, home, call, number):
         rule = f"inject={call}:signal=SIGKILL:when={number}"
         home.run(*REWRITE, prefix=strace("-o", os.devnull, "-e", f"trace={call}", "-e", rule))
-
-
-if __name__ == "__main__":
-    run_all()

@@ -10,7 +10,7 @@ import os
 import re
 import unittest
 
-from homes import Home, ProcessTest, Selection, run_all, strace, strace_problem
+from homes import Home, ProcessTest, Selection, strace, strace_problem
 
 SAMPLES = int(os.environ.get("BROWSERSWEEP_FAULTS", "2"))
 ERRORS = ("EIO", "EACCES", "ENOSPC", "EMFILE", "ENOENT")
@@ -113,7 +113,3 @@ class Faults(ProcessTest):
 
     def test_listing_profiles_survives_every_fault(self):
         self.run_command("profiles")
-
-
-if __name__ == "__main__":
-    run_all()

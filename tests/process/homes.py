@@ -15,10 +15,6 @@ import tempfile
 import unittest
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-sys.path.insert(0, str(ROOT / "tests" / "support"))
-
-from counted import run_all  # noqa: E402,F401: for the tests, which take all they need from here
-
 PROGRAM = pathlib.Path(
     os.environ.get("BROWSERSWEEP_PROGRAM", ROOT / "build" / "debug" / "cli" / "browsersweep"))
 COOKIES = pathlib.PurePath("Library", "Cookies", "Cookies.binarycookies")

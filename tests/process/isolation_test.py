@@ -13,7 +13,7 @@ import subprocess
 import tempfile
 import unittest
 
-from homes import ROOT, run_all, strace, strace_problem
+from homes import ROOT, strace, strace_problem
 
 PROGRAMS = os.environ.get("BROWSERSWEEP_TEST_PROGRAMS", str(ROOT / "build" / "debug"))
 # These repeat the calls of other tests tens of thousands of times, each of which strace would stop at.
@@ -81,7 +81,3 @@ class Isolation(unittest.TestCase):
     def test_the_guard_sees_a_program_that_does(self):
         _, used = self.paths_used_by(pathlib.Path("/bin/ls"), str(self.canary / "Library"))
         self.assertEqual(self.forbidden(used), [str(self.canary / "Library")])
-
-
-if __name__ == "__main__":
-    run_all()

@@ -9,7 +9,7 @@ import sys
 import tempfile
 import unittest
 
-from homes import PROGRAM, environment, read_tree, run_all, scratch
+from homes import PROGRAM, environment, read_tree, scratch
 
 COUNT = 1_000_000
 FOLDERS = 256
@@ -147,7 +147,3 @@ class Limits(unittest.TestCase):
         self.assertEqual(read_tree(self.home), before)
         print(f"{COUNT} files: at most {max(held) // 1024} KB more than without any")
         self.assertLessEqual(max(held), MEMORY_ALLOWED)
-
-
-if __name__ == "__main__":
-    run_all()

@@ -6,7 +6,7 @@ import re
 import signal
 import unittest
 
-from homes import Home, ProcessTest, run_all, strace, strace_problem
+from homes import Home, ProcessTest, strace, strace_problem
 
 MADE = re.compile(r'(?:mkdir|mkdirat)\(.*?"([^"]+)", (0[0-7]+)\) = 0')
 CREATED = re.compile(r'openat\(.*?"([^"]+)", [A-Z_|]*O_CREAT[A-Z_|]*, (0[0-7]+)\) = \d')
@@ -76,7 +76,3 @@ class Privacy(ProcessTest):
                 kept = home.home / "Library/Safari/History.db"
                 self.assertEqual(kept.read_bytes(),
                                  self.template.before[os.fspath(kept.relative_to(home.home))])
-
-
-if __name__ == "__main__":
-    run_all()

@@ -1,6 +1,5 @@
 """scripts/demo as its reader runs it, what it cleans, and what it leaves behind."""
 
-import importlib
 import os
 import pathlib
 import sqlite3
@@ -8,12 +7,7 @@ import subprocess
 import sys
 import tempfile
 
-sys.dont_write_bytecode = True
-
-from support import ROOT, ScriptTest, run_all
-
-sys.path.insert(0, str(ROOT / "scripts" / "sample"))
-make_home = importlib.import_module("make_home")
+from support import ROOT, ScriptTest
 
 DEMO = ROOT / "scripts" / "demo"
 PROGRAM = ROOT / "build" / "demo" / "cli" / "browsersweep"
@@ -106,7 +100,7 @@ class Demo(ScriptTest):
 
     def test_it_leaves_everything_else_as_it_was(self):
         fresh = pathlib.Path(self.place.name) / "fresh"
-        make_home.make_home(fresh)
+        subprocess.run([sys.executable, ROOT / "scripts/sample/make_home.py", fresh], check=True)
         before, after = files_below(fresh), files_below(self.sample)
         kept = ("Bookmarks", "Preferences", "Local State")
         names = [name for name in before if name.endswith(kept)]
@@ -126,7 +120,3 @@ class Demo(ScriptTest):
 
     def test_an_unknown_option_is_refused(self):
         self.assertEqual(self.demo("--everything").returncode, 2)
-
-
-if __name__ == "__main__":
-    run_all()

@@ -6,9 +6,7 @@ import struct
 import subprocess
 import sys
 
-sys.dont_write_bytecode = True
-
-from support import ROOT, ScriptTest, run_all
+from support import ROOT, ScriptTest
 
 FOLDER = ROOT / "fuzz" / "differential"
 sys.path.insert(0, str(FOLDER))
@@ -170,7 +168,3 @@ class Differential(ScriptTest):
         done = self.compare("def lie(data, found): return None", "--seed", "1")
         self.assertEqual(done.returncode, 1)
         self.assertIn("too few of one kind to compare", done.stdout)
-
-
-if __name__ == "__main__":
-    run_all()

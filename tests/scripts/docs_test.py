@@ -1,11 +1,8 @@
 """The documents: the code in them is that of the examples, and their links lead somewhere."""
 
 import re
-import sys
 
-sys.dont_write_bytecode = True
-
-from support import ROOT, ScriptTest, run_all
+from support import ROOT, ScriptTest
 
 DOCUMENTS = [ROOT / name for name in ("README.md", "CONTRIBUTING.md", "CHANGELOG.md")]
 DOCUMENTS += sorted((ROOT / "docs").glob("*.md"))
@@ -39,7 +36,3 @@ class Documents(ScriptTest):
                 if not link.startswith("https://"):
                     with self.subTest(f"{document.name}: {link}"):
                         self.assertTrue((document.parent / link).exists())
-
-
-if __name__ == "__main__":
-    run_all()

@@ -2,9 +2,7 @@
 
 import sys
 
-sys.dont_write_bytecode = True
-
-from support import ROOT, ScriptTest, run_all
+from support import ROOT, ScriptTest
 
 # Files of a tree -> the lines that the check must print, no more and no fewer.
 CASES = {
@@ -122,7 +120,3 @@ class CheckIncludes(ScriptTest):
 
     def test_a_tree_without_files_is_a_failure(self):
         self.assertEqual(self.check(self.folder).returncode, 1)
-
-
-if __name__ == "__main__":
-    run_all()

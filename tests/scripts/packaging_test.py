@@ -4,11 +4,8 @@ import json
 import re
 import shutil
 import subprocess
-import sys
 
-sys.dont_write_bytecode = True
-
-from support import ROOT, ScriptTest, run_all
+from support import ROOT, ScriptTest
 
 SWIFT = (ROOT / "Package.swift").read_text("utf-8")
 FORMULA = ROOT / "packaging" / "homebrew" / "browsersweep.rb"
@@ -115,7 +112,3 @@ class HomebrewFormula(ScriptTest):
         options = (ROOT / "CMakeLists.txt").read_text("utf-8")
         for name in re.findall(r'"-D(BROWSERSWEEP_\w+)=', FORMULA.read_text("utf-8")):
             self.assertIn(f"option({name} ", options)
-
-
-if __name__ == "__main__":
-    run_all()

@@ -3,11 +3,8 @@
 import re
 import shutil
 import subprocess
-import sys
 
-sys.dont_write_bytecode = True
-
-from support import ROOT, ScriptTest, package_list, run_all
+from support import ROOT, ScriptTest, package_list
 
 # What bash 3.2 or the BSD tools lack, as a pattern on one line of a script.
 LACKING = {
@@ -95,26 +92,6 @@ class CommonFunctions(ScriptTest):
         lines = f'. "{ROOT}/scripts/lib/common.sh"; {text}'
         return self.run_script(self.commands / "bash", "-c", lines)
 
-    def quick_folder(self, memory):
-        finished = self.common(f'. "{ROOT}/scripts/lib/memory.sh"; quick_folder "{memory}"')
-        self.assertEqual(finished.returncode, 0, finished.stderr)
-        return finished.stdout.strip()
-
-    def test_tests_make_their_files_in_memory_where_there_is_room(self):
-        self.borrow("awk")
-        memory = self.folder / "memory"
-        memory.mkdir()
-        for free, chosen in ((4 << 20, memory), (1 << 20, "/tmp")):
-            with self.subTest(free=free):
-                self.stand_in("df", f"echo head; echo shm 9 9 {free} 1% {memory}", records=False)
-                self.assertEqual(self.quick_folder(memory), str(chosen))
-                self.assertEqual(list(memory.iterdir()), [])
-
-    def test_tests_make_their_files_on_the_disk_where_no_folder_is_in_memory(self):
-        self.assertEqual(self.quick_folder(self.folder / "none"), "/tmp")  # and no df
-        self.borrow("df", "awk")
-        self.assertEqual(self.quick_folder(self.folder / "none"), "/tmp")
-
     def test_processors_are_counted_without_nproc(self):
         self.stand_in("sysctl", "echo 8")
         self.assertEqual(self.common("cpu_count").stdout, "8\n")
@@ -143,11 +120,14 @@ class CommonFunctions(ScriptTest):
         self.assertEqual(finished.stdout, "status 7\n")
         self.assertEqual(list(self.folder.glob("browsersweep-home.*")), [])
 
-    def test_the_compiler_cache_lies_in_the_build_folder(self):
+    def test_a_build_uses_the_compiler_cache_in_the_build_folder_and_every_processor(self):
         self.stand_in("ccache", records=False)
-        self.assertEqual(
-            self.common('use_compiler_cache; echo "$CCACHE_DIR"').stdout, f"{ROOT}/build/ccache\n"
-        )
+        self.stand_in("sysctl", "echo 8", records=False)
+        self.stand_in("cmake", 'echo "$CCACHE_DIR $CMAKE_CXX_COMPILER_LAUNCHER '
+                               '$CMAKE_BUILD_PARALLEL_LEVEL"')
+        line = f"{ROOT}/build/ccache ccache 8\n"
+        self.assertEqual(self.common("build debug -DA=B").stdout, line + line)
+        self.assertEqual(self.recorded("cmake"), ["--preset debug -DA=B", "--build --preset debug"])
 
 
 class DemonstrationOnMacOS(ScriptTest):
@@ -175,11 +155,7 @@ class DemonstrationOnMacOS(ScriptTest):
         self.stand_in("cmake")
         finished = self.run_script(self.project / "scripts" / "demo")
         self.assertEqual(finished.returncode, 0, finished.stdout + finished.stderr)
-        build = (self.project / "build" / "demo").resolve()
-        self.assertEqual(
-            self.recorded("cmake"),
-            ["--preset demo", f"--build {build} --parallel 8"],
-        )
+        self.assertEqual(self.recorded("cmake"), ["--preset demo", "--build --preset demo"])
         calls = [call.split(" ", 2)[2].split() for call in self.recorded("browsersweep")]
         commands = "browsers profiles size bookmarks notifications clean clean size clean size"
         self.assertEqual([call[0] for call in calls], commands.split())
@@ -201,7 +177,3 @@ class DemonstrationOnMacOS(ScriptTest):
         self.assertEqual(finished.returncode, 1)
         self.assertIn("no such generator", finished.stderr)
         self.assertEqual(self.recorded("browsersweep"), [])
-
-
-if __name__ == "__main__":
-    run_all()

@@ -2,11 +2,8 @@
 
 import re
 import shutil
-import sys
 
-sys.dont_write_bytecode = True
-
-from support import ROOT, ScriptTest, run_all
+from support import ROOT, ScriptTest
 
 SYSTEMS_OWN = "/usr/lib/libsqlite3.dylib /usr/lib/libc++.1.dylib /System/Library/Foundation"
 IDENTITY = "Developer ID Application: Somebody (TEAM)"
@@ -231,7 +228,3 @@ class OnAMac(ReleaseTest):
                 self.stand_in(tool, "exit 3")
                 self.assertEqual(self.release(*SIGNED).returncode, 3)
                 (self.commands / tool).write_text(before)
-
-
-if __name__ == "__main__":
-    run_all()

@@ -1,17 +1,12 @@
 """The sample home of the demonstration holds what Safari keeps."""
 
-import importlib
 import plistlib
 import sqlite3
 import struct
-import sys
 
-sys.dont_write_bytecode = True
+from support import ScriptTest, sample
 
-from support import ROOT, ScriptTest, run_all
-
-sys.path.insert(0, str(ROOT / "scripts" / "sample"))
-safari = importlib.import_module("safari")
+safari = sample("safari")
 
 
 def query(path, sql):
@@ -75,7 +70,3 @@ class Safari(ScriptTest):
             end = start + struct.unpack_from("<I", page, start)[0]
         self.assertEqual(end, len(page))
         return names
-
-
-if __name__ == "__main__":
-    run_all()

@@ -1,17 +1,12 @@
 """The sample home of the demonstration holds what real browsers keep."""
 
-import importlib
 import json
 import sqlite3
 import sys
 
-sys.dont_write_bytecode = True
+from support import ROOT, ScriptTest, sample
 
-from support import ROOT, ScriptTest, run_all
-
-sys.path.insert(0, str(ROOT / "scripts" / "sample"))
-chromium = importlib.import_module("chromium")
-firefox = importlib.import_module("firefox")
+chromium, firefox = sample("chromium"), sample("firefox")
 
 DATABASES = ("Cookies", "Favicons", "History", "Network Action Predictor", "Top Sites", "Web Data")
 
@@ -136,7 +131,3 @@ class MakeHome(ScriptTest):
 
     def test_without_a_folder_nothing_is_made(self):
         self.assertEqual(self.make().returncode, 2)
-
-
-if __name__ == "__main__":
-    run_all()

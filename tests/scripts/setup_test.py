@@ -1,21 +1,19 @@
 """scripts/setup on systems that are played by stand-ins: macOS, Debian and others."""
 
-import sys
+import shutil
 
-sys.dont_write_bytecode = True
-
-from support import ROOT, ScriptTest, package_list, run_all
-
-SETUP = ROOT / "scripts" / "setup"
+from support import ROOT, ScriptTest, package_list
 
 
 class SetupTest(ScriptTest):
     def setUp(self):
         super().setUp()
         self.borrow("bash", "env", "dirname", "basename", "tr", "cat")
+        self.project = self.folder.resolve() / "project"
+        shutil.copytree(ROOT / "scripts", self.project / "scripts")
 
     def setup(self, *arguments):
-        return self.run_script(SETUP, *arguments)
+        return self.run_script(self.project / "scripts" / "setup", *arguments)
 
 
 class MacOS(SetupTest):
@@ -24,6 +22,10 @@ class MacOS(SetupTest):
         self.stand_in("uname", "echo Darwin", records=False)
         self.stand_in("xcode-select", "echo /Library/Developer/CommandLineTools", records=False)
         self.brew_has([])
+        # What makes a folder with a Python of its own leaves itself there.
+        self.borrow("mkdir", "cp")
+        self.python = self.project / "build" / "python"
+        self.stand_in("python3", 'if [ "$2" = venv ]; then mkdir -p "$3/bin"; cp "$0" "$3/bin"; fi')
 
     def brew_has(self, formulae, install="exit 0"):
         lines = "\n".join(f"echo {formula}" for formula in formulae) or ":"
@@ -51,7 +53,11 @@ class MacOS(SetupTest):
 
     def test_nothing_is_done_when_all_is_there(self):
         self.brew_has(package_list("macos_build") + package_list("macos_test"))
+        self.setup()
+        (self.python / "bin" / "python3").rename(self.python / "bin" / "pytest")
+        self.calls.unlink()
         finished = self.setup()
+        self.assertEqual(self.recorded("python3"), [])
         self.assertEqual(finished.stdout, "setup: everything is installed\n")
         self.assertEqual(self.installs(), [])
 
@@ -72,6 +78,18 @@ class MacOS(SetupTest):
         finished = self.setup()
         self.assertEqual(finished.returncode, 1)
         self.assertIn("https://brew.sh", finished.stderr)
+
+    def test_what_homebrew_lacks_is_put_into_the_build_folder(self):
+        self.assertEqual(self.setup().returncode, 0)
+        packages = " ".join(package_list("macos_python"))
+        self.assertEqual(self.recorded("python3"),
+                         [f"-m venv {self.python}", f"-m pip install --quiet {packages}"])
+
+    def test_packages_of_python_that_cannot_be_installed_are_a_failure(self):
+        self.stand_in("python3", "exit 1")
+        finished = self.setup()
+        self.assertEqual(finished.returncode, 1)
+        self.assertIn("pip could not install: pytest", finished.stderr)
 
     def test_a_failing_installation_fails(self):
         self.brew_has([], install="exit 1")
@@ -178,7 +196,3 @@ class Elsewhere(SetupTest):
         finished = self.setup("everything")
         self.assertEqual(finished.returncode, 2)
         self.assertEqual(finished.stderr, "usage: scripts/setup [build | test]\n")
-
-
-if __name__ == "__main__":
-    run_all()

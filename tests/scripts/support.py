@@ -1,5 +1,6 @@
 """What the tests of the scripts share."""
 
+import importlib
 import pathlib
 import shutil
 import stat
@@ -9,9 +10,6 @@ import tempfile
 import unittest
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-sys.path.insert(0, str(ROOT / "tests" / "support"))
-
-from counted import run_all  # noqa: E402,F401: for the tests, which take all they need from here
 
 
 class ScriptTest(unittest.TestCase):
@@ -59,6 +57,14 @@ class ScriptTest(unittest.TestCase):
         """The recorded calls of a command, without its name."""
         lines = self.calls.read_text().splitlines() if self.calls.exists() else []
         return [line[len(name) + 1 :] for line in lines if line.startswith(name + " ")]
+
+
+def sample(name):
+    """A module of the sample home's. It goes by a name that no test has, and is looked for last."""
+    for folder in ("scripts", "scripts/sample"):
+        if str(ROOT / folder) not in sys.path:
+            sys.path.append(str(ROOT / folder))
+    return importlib.import_module(f"sample.{name}")
 
 
 def package_list(name):

@@ -4,11 +4,8 @@ import os
 import re
 import shutil
 import subprocess
-import sys
 
-sys.dont_write_bytecode = True
-
-from support import ROOT, ScriptTest, run_all
+from support import ROOT, ScriptTest
 
 WORKFLOWS = sorted((ROOT / ".github" / "workflows").glob("*.yml"))
 OWN_LABELS = ROOT / ".github" / "actionlint.yaml"
@@ -71,7 +68,3 @@ class Workflows(ScriptTest):
         self.assertEqual(set(runners), wanted)
         for name, runner in runners.items():
             self.assertTrue(runner.startswith(f"macos-{name.split()[1]}"), runner)
-
-
-if __name__ == "__main__":
-    run_all()
