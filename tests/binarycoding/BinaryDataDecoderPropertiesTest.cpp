@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <vector>
 
+#include <gtest/gtest.h>
 #include <rapidcheck.h>
 #include <rapidcheck/gtest.h>
 

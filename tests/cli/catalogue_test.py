@@ -8,7 +8,7 @@ somewhere fails in this one place.
 import json
 import re
 
-from fixture import BROWSERS, CATEGORIES, ROOT, HostProgramTest, run_all
+from fixture import BROWSERS, CATEGORIES, ROOT, HostProgramTest
 
 COMPLETIONS = {
     "browsersweep.bash": r'local {}="([^"]*)"',
@@ -69,7 +69,3 @@ class Catalogue(HostProgramTest):
         shown = [row["displayName"] for row in self.rows() if row["browser"] not in others]
         self.assertEqual([name.removesuffix(" Browser") if name == "Brave Browser" else name
                           for name in shown], named)
-
-
-if __name__ == "__main__":
-    run_all()

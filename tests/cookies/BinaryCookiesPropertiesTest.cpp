@@ -2,6 +2,7 @@
 #include <string>
 #include <vector>
 
+#include <gtest/gtest.h>
 #include <rapidcheck.h>
 #include <rapidcheck/gtest.h>
 
