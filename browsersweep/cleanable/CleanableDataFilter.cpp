@@ -27,6 +27,10 @@ CleanableDataFilter::CleanableDataFilter(std::optional<Patterns> patterns,
                                          std::optional<Dates> dates)
     : patternsData(std::move(patterns)), datesData(dates) {}
 
+CleanableDataFilter::CleanableDataFilter(Patterns patterns) : patternsData(std::move(patterns)) {}
+
+CleanableDataFilter::CleanableDataFilter(Dates dates) : datesData(dates) {}
+
 CleanableDataFilter::CleanableDataFilter(Rule rule, std::set<std::string> patterns)
     : patternsData(Patterns{patternsRule(rule), std::move(patterns)}) {}
 

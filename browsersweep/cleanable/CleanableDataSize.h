@@ -1,10 +1,18 @@
 #pragma once
 
+#include <concepts>
 #include <cstdint>
+#include <limits>
 
 #include "browsersweep/Export.h"
+#include "browsersweep/base/FatalError.h"
 
 namespace browsersweep {
+
+/** Integers of up to 64 bits; truth values are none. */
+template <typename Number>
+concept WholeNumber =
+    std::integral<Number> && !std::same_as<Number, bool> && sizeof(Number) <= sizeof(std::int64_t);
 
 /** How much data there is: how many items, and how many bytes they occupy. */
 struct BROWSERSWEEP_EXPORT CleanableDataSize {
@@ -14,13 +22,14 @@ struct BROWSERSWEEP_EXPORT CleanableDataSize {
         bool isApproximate = false;  ///< estimated, or incomplete after an error
 
         constexpr Measurement() noexcept = default;
-        /** A plain number is an exact measurement. */
-        constexpr Measurement(
-            std::int64_t exactValue) noexcept  // NOLINT(google-explicit-constructor)
-            : value(exactValue) {}
-        /** A number with what is known of it. */
-        constexpr Measurement(std::int64_t number, bool approximate) noexcept
-            : value(number), isApproximate(approximate) {}
+        /**
+         * A whole number is an exact measurement, unless it is said to be approximate. One that
+         * does not fit ends the process. Fractions and truth values are no measurements.
+         */
+        template <WholeNumber Number>
+        constexpr Measurement(  // NOLINT(google-explicit-constructor)
+            Number number, bool approximate = false) noexcept
+            : value(fitting(number)), isApproximate(approximate) {}
 
         /** @{ */
         /**
@@ -33,6 +42,18 @@ struct BROWSERSWEEP_EXPORT CleanableDataSize {
 
         /** Whether all fields are equal. */
         friend constexpr bool operator==(const Measurement&, const Measurement&) = default;
+
+    private:
+        template <typename Number>
+        static constexpr std::int64_t fitting(Number number) noexcept {
+            if (number > 0 && static_cast<std::uint64_t>(number) > largest) {
+                fatalError("a size does not fit in 63 bits");
+            }
+            return static_cast<std::int64_t>(number);
+        }
+
+        static constexpr auto largest =
+            static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
     };
 
     Measurement itemCount;  ///< entries, rows, files or cookies

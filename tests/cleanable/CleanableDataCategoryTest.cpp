@@ -18,6 +18,14 @@ TEST(CleanableDataCategory, rawValuesInTheOrderOfDeclaration) {
     }
 }
 
+TEST(CleanableDataCategory, everyCaseHasANameForPeople) {
+    const std::array<std::string_view, 6> expected{"Cache",         "History",   "Cookies",
+                                                   "Flash cookies", "Form data", "Local storage"};
+    for (std::size_t ordinal = 0; ordinal < expected.size(); ++ordinal) {
+        EXPECT_EQ(displayName(allCleanableDataCategories[ordinal]), expected[ordinal]);
+    }
+}
+
 TEST(CleanableDataCategory, everyRawValueEncodedAndDecodedGivesTheSameCase) {
     for (const auto category : allCleanableDataCategories) {
         EXPECT_EQ(decodeCleanableDataCategory(rawValue(category)), category);

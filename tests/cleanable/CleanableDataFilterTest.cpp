@@ -1,5 +1,9 @@
 #include <array>
+#include <forward_list>
 #include <string>
+#include <string_view>
+#include <type_traits>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -47,6 +51,53 @@ TEST(CleanableDataFilterDates, startOnlyOutsideRangeMatchesStrictlyOlder) {
     const Dates dates{Dates::Rule::outsideRange, at(10), std::nullopt};
     EXPECT_TRUE(dates.matches(at(9.999)));
     EXPECT_FALSE(dates.matches(at(10)));
+}
+
+TEST(CleanableDataFilterDates, aRangeSetsTheBoundsThatItHas) {
+    const auto rule = Dates::Rule::outsideRange;
+    EXPECT_EQ(Dates(rule, Dates::ClosedRange{at(1), at(2)}), Dates(rule, at(1), at(2)));
+    EXPECT_EQ(Dates(rule, Dates::RangeFrom{at(1)}), Dates(rule, at(1), std::nullopt));
+    EXPECT_EQ(Dates(rule, Dates::RangeThrough{at(2)}), Dates(rule, std::nullopt, at(2)));
+    EXPECT_EQ(Dates(rule, Dates::RangeThrough{at(2)}).rule, rule);
+}
+
+TEST(CleanableDataFilterPatterns, areMadeOfAnyRangeOfTexts) {
+    const auto rule = Patterns::Rule::include;
+    const std::set<std::string> expected{"a", "b"};
+    const std::vector<std::string_view> views{"b", "a", "b"};
+    const std::forward_list<std::string> texts{"a", "b", "a"};
+    const std::array<const char*, 2> literals{"a", "b"};
+    for (const Patterns& made :
+         {Patterns(rule, views), Patterns(rule, texts), Patterns(rule, literals),
+          Patterns(rule, expected), Patterns(rule, {"a", "b", "b"})}) {
+        EXPECT_EQ(made.rule, rule);
+        EXPECT_EQ(made.patterns, expected);
+    }
+    EXPECT_EQ(Patterns(rule, std::vector<std::string>{}).patterns, std::set<std::string>{});
+}
+
+TEST(CleanableDataFilterPatterns, aTextIsNoRangeOfTexts) {
+    static_assert(!std::is_constructible_v<Patterns, Patterns::Rule, const char*>);
+    static_assert(!std::is_constructible_v<Patterns, Patterns::Rule, std::string>);
+    static_assert(std::is_constructible_v<Patterns, Patterns::Rule, std::vector<std::string>>);
+}
+
+TEST(CleanableDataFilter, isMadeOfAnyRangeOfTexts) {
+    const std::vector<std::string_view> views{"b", "a", "b"};
+    EXPECT_EQ(CleanableDataFilter(CleanableDataFilter::Rule::exclude, views),
+              CleanableDataFilter(Patterns{Patterns::Rule::exclude, {"a", "b"}}));
+    EXPECT_EQ(CleanableDataFilter(CleanableDataFilter::Rule::include, views),
+              CleanableDataFilter(Patterns{Patterns::Rule::include, {"a", "b"}}));
+}
+
+TEST(CleanableDataFilter, eitherPartMayBeLeftOut) {
+    const Patterns patterns{Patterns::Rule::include, {"a"}};
+    const Dates dates{Dates::Rule::outsideRange, at(1), at(2)};
+    EXPECT_EQ(CleanableDataFilter(patterns), CleanableDataFilter(patterns, std::nullopt));
+    EXPECT_EQ(CleanableDataFilter(patterns).datesData, std::nullopt);
+    EXPECT_EQ(CleanableDataFilter(dates), CleanableDataFilter(std::nullopt, dates));
+    EXPECT_EQ(CleanableDataFilter(dates).patternsData, std::nullopt);
+    EXPECT_EQ(CleanableDataFilter(), CleanableDataFilter(std::nullopt, std::nullopt));
 }
 
 TEST(CleanableDataFilter, partsAreStoredUnchanged) {

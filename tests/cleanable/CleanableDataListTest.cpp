@@ -102,6 +102,39 @@ TEST_F(CleanableDataListTest, dictionaryFollowsTheSameRulesOverItsLists) {
     EXPECT_FALSE(dictionary(false).requiresClosedBrowserToClean());
 }
 
+TEST_F(CleanableDataListTest, anItemsOwnFormsForIgnoringErrorsAreUsed) {
+    const auto own = std::make_shared<tests::OwnIgnoringItem>("own", record);
+    const CleanableDataList list({own});
+    const CleanableDataMap map({{CleanableDataCategory::cache, list}});
+    const Lines asked{"own sized ignoring errors with 2", "own cleaned ignoring errors with 2"};
+    for (const CleanableData* const each :
+         {static_cast<const CleanableData*>(&list), static_cast<const CleanableData*>(&map)}) {
+        record->clear();
+        EXPECT_EQ(each->sizeIgnoringErrors(filters), (CleanableDataSize{7, 70}));
+        each->cleanIgnoringErrors(filters);
+        EXPECT_EQ(*record, asked);
+    }
+}
+
+TEST_F(CleanableDataListTest, cleanAndReturnSizeHandsItsFiltersToEveryItem) {
+    list(false).cleanAndReturnSize(std::span(filters).first(1));
+    EXPECT_EQ(*record,
+              (Lines{"first sized with 1", "second sized with 1", "third sized with 1",
+                     "first cleaned with 1", "second cleaned with 1", "third cleaned with 1",
+                     "first sized with 1", "second sized with 1", "third sized with 1"}));
+}
+
+TEST_F(CleanableDataListTest, dictionaryPassesItsFiltersOnInEveryForm) {
+    const CleanableDataMap map = dictionary(false);
+    map.sizeIgnoringErrors(filters);
+    map.cleanIgnoringErrors(filters);
+    map.clean(std::span(filters).first(1));
+    EXPECT_EQ(*record,
+              (Lines{"first sized with 2", "second sized with 2", "third sized with 2",
+                     "first cleaned with 2", "second cleaned with 2", "third cleaned with 2",
+                     "first cleaned with 1", "second cleaned with 1", "third cleaned with 1"}));
+}
+
 TEST_F(CleanableDataListTest, dictionaryNeedsAClosedBrowserIfAnyOfItsListsDoes) {
     auto item = std::make_shared<RecordingItem>("item", CleanableDataSize{}, record);
     item->requiringClosedBrowser();

@@ -1,5 +1,6 @@
 #include <array>
 #include <limits>
+#include <type_traits>
 
 #include <gtest/gtest.h>
 
@@ -16,6 +17,29 @@ constexpr auto smallestCount = std::numeric_limits<std::int64_t>::min();
 TEST(CleanableDataSizeMeasurement, aPlainNumberIsExact) {
     const Measurement measurement = 7;
     EXPECT_EQ(measurement, Measurement(7, false));
+}
+
+TEST(CleanableDataSizeMeasurement, isMadeOfWholeNumbersOfEveryWidth) {
+    EXPECT_EQ(Measurement(std::uint8_t{255}), Measurement(255));
+    EXPECT_EQ(Measurement(std::int16_t{-7}), Measurement(-7));
+    EXPECT_EQ(Measurement(static_cast<std::uint64_t>(largestCount)).value, largestCount);
+    EXPECT_EQ(Measurement(smallestCount, true), Measurement(smallestCount, true));
+    EXPECT_EQ(Measurement(smallestCount).value, smallestCount);
+    EXPECT_TRUE(Measurement(std::uint32_t{1}, true).isApproximate);
+}
+
+TEST(CleanableDataSizeMeasurement, isNotMadeOfFractionsAndTruthValues) {
+    static_assert(!std::is_constructible_v<Measurement, double>);
+    static_assert(!std::is_constructible_v<Measurement, float, bool>);
+    static_assert(!std::is_constructible_v<Measurement, bool>);
+    static_assert(std::is_convertible_v<int, Measurement>);
+}
+
+TEST(CleanableDataSizeMeasurementDeathTest, aNumberThatDoesNotFitEndsTheProcess) {
+    constexpr auto beyond = static_cast<std::uint64_t>(largestCount) + 1;
+    EXPECT_DEATH(Measurement{beyond}, "a size does not fit in 63 bits");
+    EXPECT_DEATH(Measurement(std::numeric_limits<std::uint64_t>::max(), true),
+                 "a size does not fit in 63 bits");
 }
 
 TEST(CleanableDataSizeMeasurement, sumsAndDifferencesKeepApproximation) {

@@ -65,4 +65,30 @@ private:
     bool requiresClosed_ = false;
 };
 
+/** The same with forms of its own for ignoring errors; what they are asked is written down too. */
+class OwnIgnoringItem : public RecordingItem {
+public:
+    OwnIgnoringItem(const std::string& name, const Record& record)
+        : RecordingItem(name, {1, 10}, record), name_(name), record_(record) {}
+
+    using RecordingItem::cleanIgnoringErrors;
+    using RecordingItem::sizeIgnoringErrors;
+    CleanableDataSize sizeIgnoringErrors(CleanableDataFilters filters) const noexcept override {
+        note("sized", filters);
+        return {7, 70};
+    }
+    void cleanIgnoringErrors(CleanableDataFilters filters) const noexcept override {
+        note("cleaned", filters);
+    }
+
+private:
+    void note(const std::string& what, CleanableDataFilters filters) const {
+        record_->push_back(name_ + " " + what + " ignoring errors with " +
+                           std::to_string(filters.size()));
+    }
+
+    std::string name_;
+    Record record_;
+};
+
 }  // namespace browsersweep::tests
