@@ -66,7 +66,7 @@ void setText(Cookie& cookie, std::size_t field, std::string text) {
     }
 }
 
-// Nothing where the field is absent.
+// Absent where the field is.
 std::optional<std::string_view> textAt(const Cookie& cookie, std::size_t field) {
     const std::array<const std::string*, commentIndex> texts{&cookie.urlString, &cookie.name,
                                                              &cookie.path, &cookie.value};
@@ -86,8 +86,8 @@ constexpr std::uint32_t byteSwapped(std::uint32_t value) noexcept {
     throw BinaryDecodingError::dataCorrupted(description);
 }
 
-// A record that lies about its size says so here: adding up must not wrap around into a page size
-// that nobody can read again.
+// A damaged record may claim any size. The sum must not wrap around: the page size that it gave
+// could not be read again.
 std::uint32_t checkedSum(std::uint32_t a, std::uint32_t b) {
     if (a > std::numeric_limits<std::uint32_t>::max() - b) {
         throw std::length_error("The sizes of the cookies of a page do not fit in 32 bits.");
@@ -140,7 +140,7 @@ std::uint32_t checksum(std::span<const std::uint8_t> page) noexcept {
 
 std::vector<std::uint32_t> decodePageSizes(BinaryDecodingContainer& container) {
     const std::uint32_t pageCount = byteSwapped(container.decode<std::uint32_t>());
-    // The count is only a claim: the list grows with the bytes that are really there.
+    // The count may be wrong: the list grows only with the bytes that are really there.
     std::vector<std::uint32_t> sizes;
     for (std::uint32_t index = 0; index < pageCount; ++index) {
         sizes.push_back(byteSwapped(container.decode<std::uint32_t>()));
@@ -148,8 +148,8 @@ std::vector<std::uint32_t> decodePageSizes(BinaryDecodingContainer& container) {
     return sizes;
 }
 
-// The count is only a claim, and a cookie in memory takes many times the four bytes that back the
-// claim up. So the room grows with the records that were really there, and ends at the count.
+// The count may be wrong, and a cookie in memory takes many times the four bytes of its offset. So
+// the room grows with the records that were really there, and ends at the count.
 void makeRoom(std::vector<Cookie>& cookies, std::size_t count) {
     constexpr std::size_t growth = 4;
     constexpr std::size_t steps = growth * growth * growth;
@@ -244,10 +244,13 @@ void Page::encode(const BinaryEncoder& to) const {
     BinaryEncodingContainer container = to.container();
     container.encode(pageHeader);
     container.encode(count32(cookies.size()));
+    // The size of the last record leads to no offset, whatever it claims.
     std::uint32_t offset = firstCookieOffset(*this);
     for (const Cookie& cookie : cookies) {
         container.encode(offset);
-        offset = checkedSum(offset, cookie.size);
+        if (&cookie != &cookies.back()) {
+            offset = checkedSum(offset, cookie.size);
+        }
     }
     container.encode(std::uint32_t{0});
     container.encode(cookies);

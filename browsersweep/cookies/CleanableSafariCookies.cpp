@@ -3,13 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <exception>
-#include <limits>
 #include <string>
 #include <utility>
 
+#include "browsersweep/base/OperationControl.h"
 #include "browsersweep/binarycoding/BinaryDataDecoder.h"
 #include "browsersweep/binarycoding/BinaryDataEncoder.h"
-#include "browsersweep/binarycoding/BinaryEncodingError.h"
 #include "browsersweep/cookies/BinaryCookies.h"
 #include "browsersweep/platform/internal/Text.h"
 
@@ -28,8 +27,7 @@ struct DecodedFile {
     std::size_t length = 0;
 };
 
-// The bytes are gone when it returns: the model and they need not be in memory while another copy
-// is written.
+// The bytes are gone when it returns, so that they do not take memory while the model is encoded.
 DecodedFile decodedFile(const FileManager& fileManager, const std::filesystem::path& file) {
     const Bytes contents = fileManager.contents(file);
     return {BinaryDataDecoder().decode<BinaryCookies>(contents), contents.size()};
@@ -75,11 +73,11 @@ bool selectsStorageCookie(CleanableDataFilters filters, const HTTPCookie& cookie
 CleanableDataSize filteredSize(DecodedFile file, CleanableDataFilters filters) {
     const std::size_t before = file.cookies.cookieCount();
     removeSelected(file.cookies, filters);
-    const auto removed = static_cast<std::int64_t>(before - file.cookies.cookieCount());
+    const std::size_t removed = before - file.cookies.cookieCount();
     try {
         const std::size_t rest = BinaryDataEncoder().encode(file.cookies).size();
         return {removed, static_cast<std::int64_t>(file.length) - static_cast<std::int64_t>(rest)};
-    } catch (const std::exception&) {  // the bytes cannot be told then, the cookies still can
+    } catch (...) {  // the number of cookies is known all the same
         return {removed, {0, true}};
     }
 }
@@ -111,7 +109,7 @@ CleanableSafariCookies::CleanableSafariCookies(Home home)
 CleanableDataSize CleanableSafariCookies::size(CleanableDataFilters filters) const {
     CleanableDataSize total;
     for (const std::filesystem::path& file : cookieFiles()) {
-        total = total + sizeOf(file, filters);
+        logFailure(couldNotRead, file, [&] { total = total + sizeOf(file, filters); });
     }
     return total;
 }
@@ -119,11 +117,7 @@ CleanableDataSize CleanableSafariCookies::size(CleanableDataFilters filters) con
 void CleanableSafariCookies::clean(CleanableDataFilters filters) const {
     stopDaemons();
     for (const std::filesystem::path& file : cookieFiles()) {
-        try {
-            cleanFile(file, filters);
-        } catch (const std::exception& error) {
-            log(couldNotClean, file, error.what());
-        }
+        logFailure(couldNotClean, file, [&] { cleanFile(file, filters); });
     }
     cleanStorage(filters);
 }
@@ -147,16 +141,11 @@ std::vector<std::filesystem::path> CleanableSafariCookies::cookieFiles() const {
 
 CleanableDataSize CleanableSafariCookies::sizeOf(const std::filesystem::path& file,
                                                  CleanableDataFilters filters) const {
-    try {
-        DecodedFile decoded = decodedFile(*fileManager(), file);
-        if (filters.empty()) {
-            return {static_cast<std::int64_t>(decoded.cookies.cookieCount()), fileSize(file)};
-        }
-        return filteredSize(std::move(decoded), filters);
-    } catch (const std::exception& error) {
-        log(couldNotRead, file, error.what());
-        return CleanableDataSize::zero;
+    DecodedFile decoded = decodedFile(*fileManager(), file);
+    if (filters.empty()) {
+        return {decoded.cookies.cookieCount(), fileSize(file)};
     }
+    return filteredSize(std::move(decoded), filters);
 }
 
 Measurement CleanableSafariCookies::fileSize(const std::filesystem::path& file) const {
@@ -166,7 +155,9 @@ Measurement CleanableSafariCookies::fileSize(const std::filesystem::path& file) 
             return static_cast<std::int64_t>(*size);
         }
         return {0, true};
-    } catch (const std::filesystem::filesystem_error&) {
+    } catch (const OperationCancelled&) {
+        throw;
+    } catch (...) {
         return {0, true};
     }
 }
@@ -195,9 +186,35 @@ void CleanableSafariCookies::cleanFile(const std::filesystem::path& file,
 
 void CleanableSafariCookies::cleanStorage(CleanableDataFilters filters) const {
     for (const HTTPCookie& cookie : cookieStorage_->cookies()) {
+        continueOrThrow();
         if (selectsStorageCookie(filters, cookie)) {
             cookieStorage_->deleteCookie(cookie);
         }
+    }
+}
+
+/**
+ * One file's failure must not keep the next file from being handled, whatever was thrown: a file
+ * manager may be a host's own. A host that wants to stop is no failure.
+ */
+template <typename Operation>
+void CleanableSafariCookies::logFailure(std::string_view message, const std::filesystem::path& file,
+                                        Operation operation) const {
+    try {
+        continueOrThrow();
+        operation();
+    } catch (const OperationCancelled&) {
+        throw;
+    } catch (const std::exception& error) {
+        log(message, file, error.what());
+    } catch (...) {
+        log(message, file, "unknown error");
+    }
+}
+
+void CleanableSafariCookies::continueOrThrow() const {
+    if (const auto control = fileManager()->control()) {
+        control->continueOrThrow();
     }
 }
 

@@ -8,6 +8,7 @@
 
 #include "browsersweep/Export.h"
 #include "browsersweep/cleanable/CleanableData.h"
+#include "browsersweep/cleanable/CleanableDataCategory.h"
 #include "browsersweep/home/Home.h"
 
 namespace browsersweep {
@@ -16,7 +17,7 @@ namespace browsersweep {
  * Safari's HTTP cookies: its cookie files, and those that the system's shared cookie storage holds.
  * A file that is missing is neither counted nor reported; one that cannot be read counts as nothing
  * and is left as it is. Neither measuring nor cleaning fails for a file: what went wrong goes to
- * the system log at debug level, or makes the size approximate.
+ * the system log at debug level, or makes the size approximate. Only being told to stop ends them.
  *
  * Only the dates of filters are compared with the cookies of files, only their patterns with those
  * of the storage. Sizes are those of the files alone.
@@ -37,6 +38,11 @@ public:
     /** The shared storage whose cookies go with those of the files. */
     const std::shared_ptr<HTTPCookieStorage>& cookieStorage() const noexcept {
         return cookieStorage_;
+    }
+
+    /** Always HTTP cookies. */
+    static constexpr CleanableDataCategory category() noexcept {
+        return CleanableDataCategory::httpCookies;
     }
 
     using CleanableData::clean;
@@ -63,8 +69,12 @@ private:
     void stopDaemons() const;
     void cleanFile(const std::filesystem::path& file, CleanableDataFilters filters) const;
     void cleanStorage(CleanableDataFilters filters) const;
+    template <typename Operation>
+    void logFailure(std::string_view message, const std::filesystem::path& file,
+                    Operation operation) const;
     void log(std::string_view message, const std::filesystem::path& file,
              std::string_view error) const;
+    void continueOrThrow() const;
 
     Home home_;
     std::shared_ptr<HTTPCookieStorage> cookieStorage_;

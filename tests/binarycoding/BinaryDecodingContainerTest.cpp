@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <functional>
@@ -79,7 +80,7 @@ std::string errorOf(const List& data, const Reading& read) {
     return "no error";
 }
 
-// A source that cannot show its bytes, and notes what it was asked for.
+// A source that cannot show its bytes, gives one at a time, and notes what it was asked for.
 class Stream {
 public:
     explicit Stream(List data) : data_(std::move(data)) {}
@@ -93,7 +94,7 @@ public:
 private:
     std::optional<List> read(std::size_t length) {
         asked_.push_back(length);
-        const std::size_t end = std::min(data_.size(), position_ + length);
+        const std::size_t end = std::min({data_.size(), position_ + length, position_ + 1});
         List piece(data_.begin() + static_cast<std::ptrdiff_t>(position_),
                    data_.begin() + static_cast<std::ptrdiff_t>(end));
         position_ = end;
@@ -333,7 +334,7 @@ TEST(BufferedData, asksItsSourceForExactlyTheShortfall) {
     EXPECT_EQ(data.peek(2), (List{1, 2}));
     EXPECT_EQ(data.read(5), (List{1, 2, 3, 4, 5}));
     EXPECT_EQ(data.readUntil(7), (BufferedData::UntilResult{{6}, true}));
-    EXPECT_EQ(stream.asked(), (std::vector<std::size_t>{2, 3, 1, 1}));
+    EXPECT_EQ(stream.asked(), (std::vector<std::size_t>{2, 1, 3, 2, 1, 1, 1}));
     EXPECT_FALSE(data.isAtEnd());
     EXPECT_EQ(data.readUntil(0), (BufferedData::UntilResult{{8}, false}));
     EXPECT_TRUE(data.isAtEnd());

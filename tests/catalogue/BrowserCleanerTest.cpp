@@ -153,6 +153,23 @@ TEST_F(BrowserCleanerTest, aPredicateThatFailsPassesItsErrorOn) {
     EXPECT_THROW(cleaner.bookmarks(failing), std::out_of_range);
 }
 
+TEST_F(BrowserCleanerTest, eachProfileIsAskedAboutAndReadBeforeTheNextOne) {
+    add("one", {Category::cache});
+    add("two", {Category::cache});
+    add("three", {Category::cache});
+    const auto butTwo = [this](const BrowserProfile& profile) {
+        record->push_back(profile.name().value() + " offered");
+        return profile.name() != "two";
+    };
+    cleaner.cleanableData(butTwo);
+    EXPECT_EQ(*record,
+              (Lines{"one offered", "one data", "two offered", "three offered", "three data"}));
+    record->clear();
+    cleaner.bookmarks(butTwo);
+    EXPECT_EQ(*record, (Lines{"one offered", "one bookmarks", "two offered", "three offered",
+                              "three bookmarks"}));
+}
+
 TEST_F(BrowserCleanerTest, bookmarksAreGatheredInOrderWithoutRemovingDuplicates) {
     add("one", {});
     add("two", {});

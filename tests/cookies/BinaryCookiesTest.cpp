@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdint>
 #include <fstream>
 #include <iterator>
@@ -66,6 +67,13 @@ Bytes smallFile() {
     return cookieFile({cookiePage({CookieRecord().data(), withPort(8080).data()}),
                        cookiePage({named("b").data()})},
                       emptyDictionary());
+}
+
+// So many bytes from a place on, fewer at the end.
+Bytes slice(const Bytes& data, std::size_t from, std::size_t length) {
+    const auto first = data.begin() + static_cast<std::ptrdiff_t>(std::min(from, data.size()));
+    const auto rest = static_cast<std::size_t>(data.end() - first);
+    return {first, first + static_cast<std::ptrdiff_t>(std::min(length, rest))};
 }
 
 // The bytes of a file with some of them replaced.
@@ -293,6 +301,116 @@ TEST(BinaryCookies, refusesToWriteSizesThatDoNotAddUp) {
     BinaryCookies cookies = decoded(smallFile());
     cookies.pages.at(0).cookies.at(0).size = 0xFFFFFFFF;
     EXPECT_THROW(encoded(cookies), std::length_error);
+}
+
+TEST(BinaryCookies, writesAPageWhoseLastRecordClaimsAnySize) {
+    BinaryCookies::Page page = decoded(smallFile()).pages.at(0);
+    const std::uint32_t written = page.cookies.at(0).size;
+    page.cookies.at(1).size = 0xFFFFFFFF;
+    const Bytes data = BinaryDataEncoder().encode(page);
+    EXPECT_EQ(slice(data, 8, 8), ByteText().little(20, 4).little(20 + written, 4).data());
+    page.cookies.at(0).size = 0xFFFFFFFF;
+    EXPECT_THROW(BinaryDataEncoder().encode(page), std::length_error);
+}
+
+TEST(BinaryCookies, computesPageSizesAndOffsetsFromTheStoredSizes) {
+    BinaryCookies cookies = decoded(smallFile());
+    const Bytes before = encoded(cookies);
+    const std::uint32_t first = cookies.pages.at(0).cookies.at(0).size + 1000;
+    const std::uint32_t second = cookies.pages.at(0).cookies.at(1).size;
+    cookies.pages.at(0).cookies.at(0).size = first;
+    const Bytes after = encoded(cookies);
+    EXPECT_EQ(after.size(), before.size());  // nothing is padded
+    EXPECT_EQ(slice(after, 8, 4), ByteText().big(12 + 8 + first + second, 4).data());
+    EXPECT_EQ(slice(after, 12, 4), slice(before, 12, 4));
+    EXPECT_EQ(slice(after, 16 + 8, 8), ByteText().little(20, 4).little(20 + first, 4).data());
+    EXPECT_EQ(slice(after, 16 + 20, 4), ByteText().little(first, 4).data());
+}
+
+TEST(BinaryCookies, writesNothingForAnAbsentCommentThatHasAnOffset) {
+    BinaryCookies::Cookie cookie = decoded(smallFile()).cookies().at(0);
+    const Bytes before = BinaryDataEncoder().encode(cookie);
+    cookie.commentOffset = 57;  // between the domain and the name
+    cookie.commentURLOffset = 5000;
+    EXPECT_EQ(BinaryDataEncoder().encode(cookie),
+              patched(before, 32, ByteText().little(57, 4).little(5000, 4).data()));
+    cookie.comment = std::string("c");
+    cookie.commentURLString = std::string();
+    const Bytes after = BinaryDataEncoder().encode(cookie);
+    EXPECT_EQ(slice(after, 56, after.size()), ByteText()
+                                                  .text(std::string_view("example.org\0c\0", 14))
+                                                  .text(std::string_view("id\0/\0"
+                                                                         "42\0\0",
+                                                                         9))
+                                                  .data());
+}
+
+TEST(BinaryCookies, writesTheFirstOfTheFieldsForEveryOffsetThatIsEqual) {
+    BinaryCookies::Cookie cookie = decoded(smallFile()).cookies().at(0);
+    cookie.nameOffset = cookie.valueOffset;
+    cookie.commentOffset = cookie.urlOffset;
+    cookie.comment = std::string("never written");
+    const Bytes data = BinaryDataEncoder().encode(cookie);
+    EXPECT_EQ(slice(data, 56, data.size()),
+              ByteText()
+                  .text(std::string_view("example.org\0example.org\0", 24))
+                  .text(std::string_view("/\0id\0id\0", 8))
+                  .data());
+}
+
+TEST(BinaryCookies, writesAnyPortMarkerButOneBackAsNone) {
+    CookieRecord record;
+    record.portMarker = 2;
+    const Bytes page = cookiePage({record.data()});
+    const BinaryCookies cookies = decoded(cookieFile({page}, emptyDictionary()));
+    EXPECT_EQ(encoded(cookies),
+              cookieFile({cookiePage({CookieRecord().data()})}, emptyDictionary()));
+}
+
+TEST(BinaryCookies, takesMissingBytesOfARecordsSizeForZeros) {
+    struct Case {
+        Bytes rest;
+        int received;
+    };
+    const std::vector<Case> cases{{{}, 0},     {{0}, 0},       {{1}, 1},
+                                  {{0, 1}, 2}, {{2, 0, 0}, 2}, {{0, 0, 1}, 3}};
+    for (const Case& each : cases) {
+        SCOPED_TRACE(testing::PrintToString(each.rest));
+        const Bytes page =
+            ByteText().little(0x10000, 4).little(1, 4).little(0, 8).raw(each.rest).data();
+        try {
+            BinaryDataDecoder().decode<BinaryCookies::Page>(page);
+            ADD_FAILURE() << "no error";
+        } catch (const BinaryDecodingError& error) {
+            EXPECT_EQ(error.context().debugDescription,
+                      "Not enough data to create a a type of std::uint32_t. Needed: 4. Received: " +
+                          std::to_string(each.received) + ".");
+        }
+    }
+}
+
+TEST(BinaryCookies, keepsPagesThatWereEmptyUntilCookiesAreRemoved) {
+    const Bytes file = cookieFile({cookiePage({}), cookiePage({named("a").data()}), cookiePage({})},
+                                  emptyDictionary());
+    BinaryCookies cookies = decoded(file);
+    EXPECT_EQ(cookies.pages.size(), 3U);
+    EXPECT_EQ(encoded(cookies), file);
+    cookies.remove([](const BinaryCookies::Cookie&) { return false; });
+    EXPECT_EQ(encoded(cookies), cookieFile({cookiePage({named("a").data()})}, emptyDictionary()));
+}
+
+TEST(BinaryCookies, asksForEveryCookieOnceFromTheLastPageToTheFirst) {
+    BinaryCookies cookies =
+        decoded(cookieFile({cookiePage({named("a").data(), named("b").data()}),
+                            cookiePage({named("c").data(), named("d").data(), named("e").data()})},
+                           emptyDictionary()));
+    std::string asked;
+    cookies.remove([&](const BinaryCookies::Cookie& cookie) {
+        asked += cookie.name;
+        return cookie.name == "c" || cookie.name == "a";
+    });
+    EXPECT_EQ(asked, "cdeab");
+    EXPECT_EQ(cookies.cookieCount(), 3U);
 }
 
 TEST(BinaryCookies, refusesToWriteATextThatIsNotASCII) {

@@ -7,7 +7,9 @@
 #include "browsersweep/cleanable/CleanableDirectory.h"
 #include "browsersweep/documents/DecodingError.h"
 #include "browsersweep/notifications/ChromeSubscription.h"
+#include "browsersweep/platform/internal/Calendar.h"
 #include "browsersweep/profiles/chromium/ChromiumBasedProfile.h"
+#include "browsersweep/profiles/chromium/internal/ChromiumTime.h"
 #include "browsersweep/sqlite/CleanableSQLiteDatabase.h"
 
 #include "tests/support/Database.h"
@@ -112,6 +114,7 @@ TEST_F(ChromiumBasedProfileTest, theDateColumnIsWrittenInChromiumsTime) {
     const Date earlier = dateFromReferenceSeconds(0);
     const Date later = dateFromReferenceSeconds(1.5);
     EXPECT_EQ(std::stoll(byDate->encode(later)) - std::stoll(byDate->encode(earlier)), 1'500'000);
+    EXPECT_EQ(byDate->encode(earlier), chromiumTimeText(earlier, localMidnightOf1601()));
 }
 
 TEST_F(ChromiumBasedProfileTest, historyIsSizedAndCleanedWithFilters) {

@@ -1,0 +1,166 @@
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "browsersweep/binarycoding/AnyBufferedDataSource.h"
+#include "browsersweep/binarycoding/BinaryDecodingContainer.h"
+#include "browsersweep/binarycoding/BinaryDecodingError.h"
+#include "browsersweep/binarycoding/BufferedData.h"
+
+namespace browsersweep {
+namespace {
+
+using List = std::vector<std::uint8_t>;
+
+/** A source that gives its bytes in pieces of at most two, and may not know its end in advance. */
+BufferedData inShortAnswers(List data, bool knowsItsEnd = true) {
+    const auto rest = std::make_shared<List>(std::move(data));
+    return BufferedData(std::make_unique<AnyBufferedDataSource>(
+        [rest](std::size_t length) {
+            const auto end = rest->begin() + static_cast<std::ptrdiff_t>(
+                                                 std::min({length, rest->size(), std::size_t{2}}));
+            List piece(rest->begin(), end);
+            rest->erase(rest->begin(), end);
+            return piece.empty() ? std::nullopt : std::optional(piece);
+        },
+        [rest, knowsItsEnd] { return knowsItsEnd && rest->empty(); }));
+}
+
+const List ten{0, 1, 2, 3, 4, 5, 6, 7, 8, 9};
+
+TEST(BufferedDataInShortAnswers, readsAndPeeksAsMuchAsItIsAskedFor) {
+    BufferedData data = inShortAnswers(ten);
+    EXPECT_EQ(data.peek(5), (List{0, 1, 2, 3, 4}));
+    EXPECT_EQ(data.read(3), (List{0, 1, 2}));
+    EXPECT_EQ(data.peek(5), (List{3, 4, 5, 6, 7}));
+    EXPECT_EQ(data.read(7), (List{3, 4, 5, 6, 7, 8, 9}));
+    EXPECT_EQ(data.read(1), List{});
+}
+
+TEST(BufferedDataInShortAnswers, findsADelimiterInWhatIsBufferedAndBeyond) {
+    BufferedData data = inShortAnswers(ten);
+    data.peek(3);
+    EXPECT_EQ(data.readUntil(1), (BufferedData::UntilResult{{0}, true}));
+    EXPECT_EQ(data.readUntil(6), (BufferedData::UntilResult{{2, 3, 4, 5}, true}));
+    EXPECT_EQ(data.readUntil(6), (BufferedData::UntilResult{{7, 8, 9}, false}));
+}
+
+TEST(BufferedDataInShortAnswers, takesTheRemainderWithWhatIsBuffered) {
+    for (const bool knowsItsEnd : {true, false}) {
+        BufferedData data = inShortAnswers(ten, knowsItsEnd);
+        data.peek(4);
+        data.read(1);
+        const auto rest = data.takeRemainder();
+        EXPECT_EQ(List(rest.begin(), rest.end()), (List{1, 2, 3, 4, 5, 6, 7, 8, 9}));
+        EXPECT_EQ(data.takeRemainder().size(), 0U);
+    }
+}
+
+TEST(BufferedDataInShortAnswers, takesARemainderThatIsLongerThanTheBuffer) {
+    const List data(5 * BufferedData::defaultCapacity + 1, 7);
+    BufferedData buffered = inShortAnswers(data);
+    const auto rest = buffered.takeRemainder();
+    EXPECT_EQ(List(rest.begin(), rest.end()), data);
+}
+
+TEST(BufferedDataInShortAnswers, isNotAtItsEndWhileAnythingIsBuffered) {
+    BufferedData data = inShortAnswers({1, 2});
+    EXPECT_EQ(data.peek(2), (List{1, 2}));
+    EXPECT_FALSE(data.isAtEnd());
+    EXPECT_EQ(data.read(1), List{1});
+    EXPECT_FALSE(data.isAtEnd());
+    EXPECT_EQ(data.read(1), List{2});
+    EXPECT_TRUE(data.isAtEnd());
+}
+
+TEST(BufferedDataInShortAnswers, keepsTheOrderOfManySmallPieces) {
+    List data;
+    for (unsigned value = 0; value < 5000; ++value) {
+        data.push_back(static_cast<std::uint8_t>(value * 31));
+    }
+    BufferedData buffered = inShortAnswers(data);
+    List read;
+    for (std::size_t step = 0; !buffered.isAtEnd(); ++step) {
+        buffered.peek(step % 7);
+        const List piece = buffered.read(step % 5 + 1);
+        read.insert(read.end(), piece.begin(), piece.end());
+    }
+    EXPECT_EQ(read, data);
+}
+
+TEST(BufferedData, showsWhatItHasBufferedAndItsSource) {
+    auto source = std::make_unique<AnyBufferedDataSource>(
+        [](std::size_t length) { return std::optional(List(length, 7)); }, [] { return false; });
+    const AnyBufferedDataSource* const address = source.get();
+    BufferedData data(std::move(source));
+    data.peek(3);
+    data.read(1);
+    EXPECT_EQ(List(data.buffer().begin(), data.buffer().end()), (List{7, 7}));
+    EXPECT_EQ(&data.reader(), address);
+}
+
+TEST(AnyBufferedDataSource, isItsTwoCallbacksAndShowsThem) {
+    const AnyBufferedDataSource source(
+        [](std::size_t length) { return std::optional(List{static_cast<std::uint8_t>(length)}); },
+        [] { return true; });
+    EXPECT_EQ(source.readCallback()(9), List{9});
+    EXPECT_TRUE(source.isAtEndCallback()());
+}
+
+TEST(BinaryDecodingContainerInShortAnswers, isAtItsEndWhereTheDataEndsBeforeTheLimit) {
+    BufferedData data = inShortAnswers({1, 2});
+    const BinaryUserInfo userInfo;
+    BinaryDecodingContainer root(data, userInfo);
+    auto page = root.nestedContainer(10);
+    auto record = page.nestedContainer(5);
+    for (BinaryDecodingContainer* const each : {&root, &page, &record}) {
+        EXPECT_FALSE(each->isAtEnd());
+    }
+    EXPECT_EQ(record.decode(2), (List{1, 2}));
+    EXPECT_EQ(record.remainingLength(), 3U);
+    EXPECT_EQ(page.remainingLength(), 8U);
+    for (BinaryDecodingContainer* const each : {&root, &page, &record}) {
+        EXPECT_TRUE(each->isAtEnd());
+    }
+    EXPECT_THROW(record.decode(1), BinaryDecodingError);
+}
+
+TEST(BinaryDecodingContainerInShortAnswers, isNotAtItsEndWhileAnythingIsPeeked) {
+    BufferedData data = inShortAnswers({1, 2});
+    const BinaryUserInfo userInfo;
+    BinaryDecodingContainer root(data, userInfo);
+    EXPECT_EQ(root.peek(4), (List{1, 2}));
+    EXPECT_FALSE(root.isAtEnd());
+    EXPECT_EQ(root.decode(2), (List{1, 2}));
+    EXPECT_TRUE(root.isAtEnd());
+}
+
+TEST(BinaryDecodingContainerInShortAnswers, decodesTheRemainderOfAStreamUpToItsLimit) {
+    BufferedData data = inShortAnswers(ten);
+    const BinaryUserInfo userInfo;
+    BinaryDecodingContainer root(data, userInfo);
+    auto page = root.nestedContainer(6);
+    EXPECT_EQ(page.peek(2), (List{0, 1}));
+    auto record = page.nestedContainer(4);
+    EXPECT_EQ(record.decode(1), List{0});
+    EXPECT_EQ(record.decodeRemainder(), (List{1, 2, 3}));
+    EXPECT_EQ(page.decodeRemainder(), (List{4, 5}));
+    EXPECT_EQ(root.decodeRemainder(), (List{6, 7, 8, 9}));
+}
+
+TEST(BinaryDecodingContainerInShortAnswers, readsAListUntilTheDataEnds) {
+    BufferedData data = inShortAnswers({1, 0, 2, 0, 3, 0});
+    const BinaryUserInfo userInfo;
+    BinaryDecodingContainer root(data, userInfo);
+    auto page = root.nestedContainer(100);
+    EXPECT_EQ(page.decode<std::vector<std::uint16_t>>(), (std::vector<std::uint16_t>{1, 2, 3}));
+}
+
+}  // namespace
+}  // namespace browsersweep
