@@ -62,6 +62,21 @@ TEST(BufferedDataInShortAnswers, takesTheRemainderWithWhatIsBuffered) {
     }
 }
 
+TEST(BufferedData, takesAnAnswerWithoutBytesForTheEnd) {
+    const auto answers = std::make_shared<int>(0);
+    BufferedData data(std::make_unique<AnyBufferedDataSource>(
+        [answers](std::size_t) {
+            const int number = ++*answers;
+            return number > 100 ? std::nullopt : std::optional(number == 1 ? List{7} : List());
+        },
+        [] { return false; }));
+    EXPECT_EQ(data.read(2), List{7});
+    EXPECT_EQ(*answers, 2);
+    EXPECT_EQ(data.readUntil(7), (BufferedData::UntilResult{{}, false}));
+    EXPECT_EQ(data.takeRemainder().size(), 0U);
+    EXPECT_EQ(*answers, 4);
+}
+
 TEST(BufferedDataInShortAnswers, takesARemainderThatIsLongerThanTheBuffer) {
     const List data(5 * BufferedData::defaultCapacity + 1, 7);
     BufferedData buffered = inShortAnswers(data);

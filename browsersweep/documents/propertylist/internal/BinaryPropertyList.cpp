@@ -13,6 +13,7 @@
 
 #include "browsersweep/documents/DecodingError.h"
 #include "browsersweep/documents/internal/UTF16.h"
+#include "browsersweep/documents/propertylist/internal/BinaryMarkers.h"
 
 namespace browsersweep {
 namespace {
@@ -148,28 +149,28 @@ const Reader::Object& Reader::object(std::uint64_t index, std::size_t depth) {
 
 PropertyList Reader::parse(std::uint64_t offset, std::size_t depth, Expansion& expansion) {
     position_ = offset;
-    const std::uint8_t marker = take(1)[0];
-    const unsigned detail = marker & 0x0FU;
-    switch (marker >> 4) {
-        case 0x0:
+    const std::uint8_t first = take(1)[0];
+    const unsigned detail = first & 0x0FU;
+    switch (first >> 4) {
+        case marker::simple:
             return parseSimple(detail);
-        case 0x1:
+        case marker::integer:
             return parseInteger(detail);
-        case 0x2:
+        case marker::real:
             return parseReal(detail);
-        case 0x3:
+        case marker::date:
             return parseDate(detail);
-        case 0x4:
+        case marker::data:
             return parseData(takeCount(detail), expansion);
-        case 0x5:
+        case marker::asciiText:
             return parseASCII(takeCount(detail), expansion);
-        case 0x6:
+        case marker::utf16Text:
             return parseUTF16(takeCount(detail), expansion);
-        case 0x8:
+        case marker::uid:
             return parseUID(detail);
-        case 0xA:
+        case marker::array:
             return parseArray(takeCount(detail), depth, expansion);
-        case 0xD:
+        case marker::dictionary:
             return parseDictionary(takeCount(detail), depth, expansion);
         default:
             throw DecodingError::dataCorrupted(
@@ -192,14 +193,15 @@ BytesView Reader::take(std::uint64_t count) {
 }
 
 std::uint64_t Reader::takeCount(unsigned detail) {
-    if (detail != 0xF) {
+    if (detail != marker::countFollows) {
         return detail;
     }
-    const std::uint8_t marker = take(1)[0];
-    if (marker < 0x10 || marker > 0x13) {
+    const std::uint8_t first = take(1)[0];
+    const unsigned exponent = first & 0x0FU;
+    if (first >> 4 != marker::integer || exponent > marker::eightBytes) {
         throw DecodingError::dataCorrupted("a count in a binary property list is no integer");
     }
-    return bigEndian(take(std::uint64_t{1} << (marker & 0x0FU)));
+    return bigEndian(take(std::uint64_t{1} << exponent));
 }
 
 std::vector<std::uint64_t> Reader::takeReferences(std::uint64_t count) {
@@ -272,19 +274,19 @@ PropertyList Reader::parseDictionary(std::uint64_t count, std::size_t depth, Exp
 }
 
 PropertyList Reader::parseSimple(unsigned detail) const {
-    if (detail != 0x8 && detail != 0x9) {
+    if (detail != marker::falseDetail && detail != marker::trueDetail) {
         throw DecodingError::dataCorrupted(
             "a binary property list holds an object of an unknown kind");
     }
-    return PropertyList::boolean(detail == 0x9);
+    return PropertyList::boolean(detail == marker::trueDetail);
 }
 
 PropertyList Reader::parseInteger(unsigned detail) {
-    if (detail > 4) {
+    if (detail > marker::sixteenBytes) {
         throw DecodingError::dataCorrupted(
             "an integer of a binary property list has an unknown length");
     }
-    if (detail < 4) {
+    if (detail < marker::sixteenBytes) {
         // Only the longest of these can be negative; shorter ones are unsigned.
         const std::uint64_t value = bigEndian(take(std::uint64_t{1} << detail));
         return PropertyList::integer(static_cast<std::int64_t>(value));
@@ -307,7 +309,7 @@ PropertyList Reader::parseReal(unsigned detail) {
         const auto bits = static_cast<std::uint32_t>(bigEndian(take(4)));
         return PropertyList::real(static_cast<double>(std::bit_cast<float>(bits)));
     }
-    if (detail != 3) {
+    if (detail != marker::eightBytes) {
         throw DecodingError::dataCorrupted(
             "a real of a binary property list has an unknown length");
     }
@@ -315,7 +317,7 @@ PropertyList Reader::parseReal(unsigned detail) {
 }
 
 PropertyList Reader::parseDate(unsigned detail) {
-    if (detail != 3) {
+    if (detail != marker::eightBytes) {
         throw DecodingError::dataCorrupted(
             "a date of a binary property list has an unknown length");
     }

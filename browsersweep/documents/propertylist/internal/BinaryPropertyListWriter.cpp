@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "browsersweep/documents/internal/UTF16.h"
+#include "browsersweep/documents/propertylist/internal/BinaryMarkers.h"
 #include "browsersweep/documents/propertylist/internal/BinaryPropertyList.h"
 
 namespace browsersweep {
@@ -32,17 +33,16 @@ std::size_t sizeOf(std::uint64_t value) noexcept {
 
 void appendUnsigned(Bytes& bytes, std::uint64_t value) {
     const std::size_t size = sizeOf(value);
-    bytes.push_back(static_cast<std::uint8_t>(0x10 + std::countr_zero(size)));
+    bytes.push_back(marker::of(marker::integer, static_cast<unsigned>(std::countr_zero(size))));
     appendBigEndian(bytes, value, size);
 }
 
 void appendMarker(Bytes& bytes, std::uint8_t kind, std::uint64_t count) {
-    constexpr std::uint64_t firstCountOfItsOwn = 15;
-    if (count < firstCountOfItsOwn) {
-        bytes.push_back(static_cast<std::uint8_t>(kind | count));
+    if (count < marker::countFollows) {
+        bytes.push_back(marker::of(kind, static_cast<unsigned>(count)));
         return;
     }
-    bytes.push_back(kind | 0x0FU);
+    bytes.push_back(marker::of(kind, marker::countFollows));
     appendUnsigned(bytes, count);
 }
 
@@ -53,12 +53,12 @@ Bytes encodedText(const std::string& text) {
         isASCII = isASCII && static_cast<unsigned char>(character) < 0x80;
     }
     if (isASCII) {
-        appendMarker(bytes, 0x50, text.size());
+        appendMarker(bytes, marker::asciiText, text.size());
         bytes.insert(bytes.end(), text.begin(), text.end());
         return bytes;
     }
     const Bytes units = utf16BigEndianFromUTF8(text);
-    appendMarker(bytes, 0x60, units.size() / 2);
+    appendMarker(bytes, marker::utf16Text, units.size() / 2);
     bytes.insert(bytes.end(), units.begin(), units.end());
     return bytes;
 }
@@ -71,28 +71,28 @@ Bytes encodedInteger(const PropertyList& value) {
         return bytes;
     }
     // Eight bytes would be read as a negative number.
-    bytes.push_back(0x14);
+    bytes.push_back(marker::of(marker::integer, marker::sixteenBytes));
     appendBigEndian(bytes, 0, 8);
     appendBigEndian(bytes, value.asUnsignedInteger().value_or(0), 8);
     return bytes;
 }
 
-Bytes encodedDouble(std::uint8_t marker, double value) {
-    Bytes bytes{marker};
+Bytes encodedDouble(std::uint8_t kind, double value) {
+    Bytes bytes{marker::of(kind, marker::eightBytes)};
     appendBigEndian(bytes, std::bit_cast<std::uint64_t>(value), 8);
     return bytes;
 }
 
 Bytes encodedUID(std::uint64_t value) {
     const std::size_t size = sizeOf(value);
-    Bytes bytes{static_cast<std::uint8_t>(0x80 + size - 1)};
+    Bytes bytes{marker::of(marker::uid, static_cast<unsigned>(size - 1))};
     appendBigEndian(bytes, value, size);
     return bytes;
 }
 
 Bytes encodedData(const Bytes& data) {
     Bytes bytes;
-    appendMarker(bytes, 0x40, data.size());
+    appendMarker(bytes, marker::data, data.size());
     bytes.insert(bytes.end(), data.begin(), data.end());
     return bytes;
 }
@@ -100,13 +100,15 @@ Bytes encodedData(const Bytes& data) {
 Bytes encodedScalar(const PropertyList& value) {
     switch (value.kind()) {
         case PropertyList::Kind::boolean:
-            return {static_cast<std::uint8_t>(value.asBoolean().value_or(false) ? 0x09 : 0x08)};
+            return {marker::of(marker::simple, value.asBoolean().value_or(false)
+                                                   ? marker::trueDetail
+                                                   : marker::falseDetail)};
         case PropertyList::Kind::integer:
             return encodedInteger(value);
         case PropertyList::Kind::real:
-            return encodedDouble(0x23, value.asReal().value_or(0));
+            return encodedDouble(marker::real, value.asReal().value_or(0));
         case PropertyList::Kind::date:
-            return encodedDouble(0x33, referenceSeconds(value.asDate().value_or(Date{})));
+            return encodedDouble(marker::date, referenceSeconds(value.asDate().value_or(Date{})));
         case PropertyList::Kind::data:
             return encodedData(*value.asData());
         case PropertyList::Kind::uid:
@@ -130,7 +132,7 @@ public:
 
 private:
     struct Object {
-        std::uint8_t marker = 0;  // of a container; its keys come first among the references
+        std::uint8_t kind = 0;  // of a container; its keys come first among the references
         std::uint64_t count = 0;
         std::vector<std::uint64_t> references;
         Bytes scalar;
@@ -189,7 +191,7 @@ std::uint64_t Writer::flatten(const PropertyList& value) {
 }
 
 std::uint64_t Writer::flattenArray(const PropertyList::Array& values) {
-    const std::uint64_t index = add({0xA0, values.size(), {}, {}});
+    const std::uint64_t index = add({marker::array, values.size(), {}, {}});
     std::vector<std::uint64_t> references;
     references.reserve(values.size());
     for (const PropertyList& value : values) {
@@ -200,7 +202,7 @@ std::uint64_t Writer::flattenArray(const PropertyList::Array& values) {
 }
 
 std::uint64_t Writer::flattenDictionary(const PropertyList::Dictionary& entries) {
-    const std::uint64_t index = add({0xD0, entries.size(), {}, {}});
+    const std::uint64_t index = add({marker::dictionary, entries.size(), {}, {}});
     std::vector<std::uint64_t> references;
     references.reserve(2 * entries.size());
     for (const PropertyList::Entry& entry : entries) {
@@ -217,11 +219,11 @@ void Writer::writeObjects() {
     const std::size_t referenceSize = sizeOf(objects_.size());
     for (const Object& object : objects_) {
         offsets_.push_back(bytes_.size());
-        if (object.marker == 0) {
+        if (object.kind == 0) {
             bytes_.insert(bytes_.end(), object.scalar.begin(), object.scalar.end());
             continue;
         }
-        appendMarker(bytes_, object.marker, object.count);
+        appendMarker(bytes_, object.kind, object.count);
         for (const std::uint64_t reference : object.references) {
             appendBigEndian(bytes_, reference, referenceSize);
         }

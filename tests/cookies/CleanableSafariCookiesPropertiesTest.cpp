@@ -490,17 +490,17 @@ CleanableDataFilter with(CleanableDataFilter filter, Patterns::Rule rule, std::s
 
 }  // namespace
 
-RC_GTEST_PROP(CleanableSafariCookiesModel, measuresAsTheRulesSay, ()) {
+RC_GTEST_PROP(CleanableSafariCookiesProperties, measuresAsTheRulesSay, ()) {
     const World world = randomWorld();
     RC_ASSERT(sizeAndEvents(world) == expectedSizeAndEvents(world));
 }
 
-RC_GTEST_PROP(CleanableSafariCookiesModel, cleansAsTheRulesSayInTheirOrder, ()) {
+RC_GTEST_PROP(CleanableSafariCookiesProperties, cleansAsTheRulesSayInTheirOrder, ()) {
     const World world = randomWorld();
     RC_ASSERT(cleaningOf(world) == expectedCleaning(world));
 }
 
-TEST(CleanableSafariCookiesModel, daemonsStopBeforeTheFirstFileAndTheStorageComesLast) {
+TEST(CleanableSafariCookiesProperties, daemonsStopBeforeTheFirstFileAndTheStorageComesLast) {
     const World world{fileOf({1}), fileOf({1}), {"a", "b"}, {}};
     EXPECT_EQ(cleaningOf(world),
               (Lines{"run /bin/sh -c killall -KILL nsurlstoraged",
@@ -508,7 +508,7 @@ TEST(CleanableSafariCookiesModel, daemonsStopBeforeTheFirstFileAndTheStorageCome
                      "remove " + secondPath.native(), "delete a", "delete b"}));
 }
 
-TEST(CleanableSafariCookiesModel, aCookieGoesWhereAnyOfSeveralFiltersSelectsIt) {
+TEST(CleanableSafariCookiesProperties, aCookieGoesWhereAnyOfSeveralFiltersSelectsIt) {
     const auto excluding = with(dates(inside, 0, 9), Patterns::Rule::exclude, "x");
     const auto including = with(dates(inside, 2, 3), Patterns::Rule::include, "x");
     const auto late = dates(inside, 5, std::nullopt);
@@ -532,14 +532,14 @@ TEST(CleanableSafariCookiesModel, aCookieGoesWhereAnyOfSeveralFiltersSelectsIt) 
     }
 }
 
-TEST(CleanableSafariCookiesModel, anExclusionThatMissesADomainLeavesItSelected) {
+TEST(CleanableSafariCookiesProperties, anExclusionThatMissesADomainLeavesItSelected) {
     const Filters filters{with({}, Patterns::Rule::exclude, "example")};
     const World world{std::nullopt, std::nullopt, {"example.org", "other.net"}, filters};
     EXPECT_EQ(cleaningOf(world).back(), "delete other.net");
     EXPECT_EQ(cleaningOf(world).size(), 3U);
 }
 
-TEST(CleanableSafariCookiesModel, aFileThatCannotBeEncodedIsApproximateAndStays) {
+TEST(CleanableSafariCookiesProperties, aFileThatCannotBeEncodedIsApproximateAndStays) {
     World world{fileOf({1, 2}), fileOf({1}), {}, {dates(inside, 1, 1)}};
     world.first->pages[0][1].hasAbsurdSize = true;
     const auto saved =
@@ -550,13 +550,13 @@ TEST(CleanableSafariCookiesModel, aFileThatCannotBeEncodedIsApproximateAndStays)
         logLine("clean", firstPath, "The sizes of the cookies of a page do not fit in 32 bits."));
 }
 
-TEST(CleanableSafariCookiesModel, aFileThatGrowsWhenItIsWrittenCountsWithNegativeBytes) {
+TEST(CleanableSafariCookiesProperties, aFileThatGrowsWhenItIsWrittenCountsWithNegativeBytes) {
     World world{fileOf({1}), std::nullopt, {}, {dates(inside, 2, 2)}};
     world.first->hasTextAsMetadata = true;
     EXPECT_EQ(sizeAndEvents(world).first, (CleanableDataSize{0, -42}));
 }
 
-TEST(CleanableSafariCookiesModel, aFirstFileThatCannotBeReadDoesNotEndTheSum) {
+TEST(CleanableSafariCookiesProperties, aFirstFileThatCannotBeReadDoesNotEndTheSum) {
     for (const Failure failure : {Failure::exception, Failure::number}) {
         World world{fileOf({1}), fileOf({1, 2}), {}, {}};
         world.first->reading = failure;
@@ -568,7 +568,7 @@ TEST(CleanableSafariCookiesModel, aFirstFileThatCannotBeReadDoesNotEndTheSum) {
     }
 }
 
-TEST(CleanableSafariCookiesModel, whateverIsThrownWhileAskingForTheSizeMakesItApproximate) {
+TEST(CleanableSafariCookiesProperties, whateverIsThrownWhileAskingForTheSizeMakesItApproximate) {
     for (const Failure failure : {Failure::exception, Failure::number}) {
         World world{fileOf({1}), std::nullopt, {}, {}};
         world.first->asking = failure;
@@ -576,7 +576,7 @@ TEST(CleanableSafariCookiesModel, whateverIsThrownWhileAskingForTheSizeMakesItAp
     }
 }
 
-TEST(CleanableSafariCookiesModel, aHostThatStopsIsNoFailureOfAFile) {
+TEST(CleanableSafariCookiesProperties, aHostThatStopsIsNoFailureOfAFile) {
     const World world{fileOf({1}), fileOf({1}), {"a"}, {}};
     const Events events = std::make_shared<Lines>();
     const auto fileManager = fileManagerOf(world, events);
@@ -588,7 +588,7 @@ TEST(CleanableSafariCookiesModel, aHostThatStopsIsNoFailureOfAFile) {
     EXPECT_EQ(events->size(), 2U);  // the daemons alone
 }
 
-TEST(CleanableSafariCookiesModel, showsWhatItWasMadeOf) {
+TEST(CleanableSafariCookiesProperties, showsWhatItWasMadeOf) {
     const World world{std::nullopt, std::nullopt, {"a"}, {}};
     const Events events = std::make_shared<Lines>();
     const auto fileManager = fileManagerOf(world, events);
