@@ -25,9 +25,6 @@ inline constexpr std::array allCleanableDataCategories{
     CleanableDataCategory::formData,    CleanableDataCategory::localStorage,
 };
 
-/** The category's name for people, in English: "Flash cookies". */
-BROWSERSWEEP_EXPORT std::string_view displayName(CleanableDataCategory category) noexcept;
-
 /** The name of the case as text, such as "httpCookies". */
 BROWSERSWEEP_EXPORT std::string_view rawValue(CleanableDataCategory category) noexcept;
 
