@@ -28,6 +28,19 @@ public:
     /** Whether this is the browser's main profile, by the rule of its family. */
     virtual bool isPrimary() const noexcept = 0;
 
+    /**
+     * The profile's folder as the browser records it, byte for byte: a name with Chromium-based
+     * browsers, a path with Firefox. Absent where the browser records none.
+     */
+    virtual std::optional<std::string> folder() const;
+
+    /**
+     * Why the profile is left alone: what the browser records as its folder would lead out of the
+     * browser's own, and any program of the user can write such a record. Such a profile has no
+     * data, no bookmarks and no subscriptions. Absent for every other profile.
+     */
+    virtual std::optional<std::string> leftOutReason() const;
+
     /** The profile's data by category. A category that it does not have is no key. */
     virtual CleanableDataMap cleanableData() const = 0;
 

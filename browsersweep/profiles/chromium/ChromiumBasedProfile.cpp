@@ -9,6 +9,8 @@
 #include "browsersweep/profiles/chromium/ChromiumBookmarks.h"
 #include "browsersweep/profiles/chromium/ChromiumPreferences.h"
 #include "browsersweep/profiles/chromium/internal/ChromiumTime.h"
+#include "browsersweep/profiles/internal/AppendingPath.h"
+#include "browsersweep/profiles/internal/RecordedFolder.h"
 #include "browsersweep/sqlite/CleanableSQLiteDatabase.h"
 
 namespace browsersweep {
@@ -92,23 +94,37 @@ CleanableDataFilter sessionFilesOfTabs() {
 
 ChromiumBasedProfile::ChromiumBasedProfile(std::optional<std::string> name, Browser browser,
                                            bool isPrimary, std::filesystem::path relativePath,
-                                           const Home& home)
+                                           const Home& home,
+                                           std::optional<std::string> recordedFolder)
     : name_(std::move(name)),
       browser_(browser),
       isPrimary_(isPrimary),
       relativePath_(std::move(relativePath)),
       fileManager_(home.fileManager()),
-      directoryProvider_(home.directoryProvider()) {}
+      directoryProvider_(home.directoryProvider()),
+      recordedFolder_(std::move(recordedFolder)) {}
+
+std::optional<std::string> ChromiumBasedProfile::folder() const {
+    return recordedFolder_ ? recordedFolder_ : relativePath_.filename().string();
+}
+
+std::optional<std::string> ChromiumBasedProfile::leftOutReason() const {
+    auto reason = recordedFolder_ ? reasonAgainstName(*recordedFolder_) : std::nullopt;
+    return reason ? reason : reasonAgainstRelativePath(relativePath_.native());
+}
 
 std::filesystem::path ChromiumBasedProfile::profileFolder() const {
-    return directoryProvider_->applicationSupportDirectory() / relativePath_;
+    return appendingPath(directoryProvider_->applicationSupportDirectory(), relativePath_);
 }
 
 std::filesystem::path ChromiumBasedProfile::cacheFolder() const {
-    return directoryProvider_->cachesDirectory() / relativePath_;
+    return appendingPath(directoryProvider_->cachesDirectory(), relativePath_);
 }
 
 CleanableDataMap ChromiumBasedProfile::cleanableData() const {
+    if (leftOutReason()) {
+        return {};
+    }
     const std::filesystem::path folder = profileFolder();
     std::map<Category, std::vector<CleanableDataList::Item>> items;
     const auto addDirectory = [&](Category category, std::filesystem::path path,
@@ -134,7 +150,7 @@ CleanableDataMap ChromiumBasedProfile::cleanableData() const {
 
 std::vector<Bookmark> ChromiumBasedProfile::bookmarks() const {
     const std::filesystem::path file = profileFolder() / "Bookmarks";
-    if (!fileManager_->fileExists(file).isFile()) {
+    if (leftOutReason() || !fileManager_->fileExists(file).isFile()) {
         return {};
     }
     return decodeChromiumBookmarks(fileManager_->contents(file));
@@ -143,7 +159,7 @@ std::vector<Bookmark> ChromiumBasedProfile::bookmarks() const {
 std::vector<std::shared_ptr<const NotificationSubscription>>
 ChromiumBasedProfile::notificationSubscriptions() const {
     const std::filesystem::path file = profileFolder() / "Preferences";
-    if (!fileManager_->fileExists(file).isFile()) {
+    if (leftOutReason() || !fileManager_->fileExists(file).isFile()) {
         return {};
     }
     std::vector<std::shared_ptr<const NotificationSubscription>> subscriptions;

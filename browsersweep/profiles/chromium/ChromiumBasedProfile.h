@@ -20,10 +20,13 @@ class BROWSERSWEEP_EXPORT ChromiumBasedProfile : public BrowserProfile {
 public:
     /**
      * The relative path leads from the user's Application Support directory to the profile folder,
-     * and from the Caches directory to its cache.
+     * and from the Caches directory to its cache; leading separators count for nothing. The
+     * recorded folder is what the browser gives as the folder's name, where it gives any: the
+     * path's last component should be just that, and a profile is left out where it cannot be.
      */
     ChromiumBasedProfile(std::optional<std::string> name, Browser browser, bool isPrimary,
-                         std::filesystem::path relativePath, const Home& home);
+                         std::filesystem::path relativePath, const Home& home,
+                         std::optional<std::string> recordedFolder = {});
 
     std::optional<std::string> name() const override { return name_; }
     Browser sourceBrowser() const noexcept override { return browser_; }
@@ -31,7 +34,11 @@ public:
     /** The path below Application Support and Caches that it was made with. */
     const std::filesystem::path& relativePath() const noexcept { return relativePath_; }
 
-    /** All six categories. Touches no file. */
+    /** The recorded folder's name; without one the last component of the path. */
+    std::optional<std::string> folder() const override;
+    std::optional<std::string> leftOutReason() const override;
+
+    /** All six categories; none of a profile that is left out. Touches no file. */
     CleanableDataMap cleanableData() const override;
 
     /** From "Bookmarks"; none where there is no such file. */
@@ -51,6 +58,7 @@ private:
     std::filesystem::path relativePath_;
     std::shared_ptr<const FileManager> fileManager_;
     std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider_;
+    std::optional<std::string> recordedFolder_;
 };
 
 }  // namespace browsersweep

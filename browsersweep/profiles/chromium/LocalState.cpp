@@ -26,7 +26,7 @@ std::vector<LocalState::InfoCache> decodeInfoCache(JsonValue map) {
 
 std::vector<std::string> decodeFolders(JsonValue list) {
     std::vector<std::string> folders;
-    for (const JsonValue& element : list.elements()) {
+    for (const JsonValue element : list.elements()) {
         folders.emplace_back(element.string());
     }
     return folders;
@@ -48,9 +48,25 @@ LocalState LocalState::decode(BytesView bytes) {
 }
 
 bool LocalState::isPrimary(const InfoCache& entry) const noexcept {
-    const bool anyConsent = std::any_of(infoCache.begin(), infoCache.end(), [](const auto& other) {
-        return other.isConsentedPrimaryAccount;
-    });
+    return isPrimary(entry, hasConsent());
+}
+
+std::vector<bool> LocalState::primaryMarks() const {
+    const bool anyConsent = hasConsent();
+    std::vector<bool> marks;
+    marks.reserve(infoCache.size());
+    for (const InfoCache& entry : infoCache) {
+        marks.push_back(isPrimary(entry, anyConsent));
+    }
+    return marks;
+}
+
+bool LocalState::hasConsent() const noexcept {
+    return std::any_of(infoCache.begin(), infoCache.end(),
+                       [](const InfoCache& entry) { return entry.isConsentedPrimaryAccount; });
+}
+
+bool LocalState::isPrimary(const InfoCache& entry, bool anyConsent) const noexcept {
     if (anyConsent) {
         return entry.isConsentedPrimaryAccount;
     }

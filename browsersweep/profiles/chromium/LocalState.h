@@ -32,8 +32,15 @@ struct BROWSERSWEEP_EXPORT LocalState {
      */
     bool isPrimary(const InfoCache& entry) const noexcept;
 
+    /** The same for every entry of `infoCache`, in time that grows with their number. */
+    std::vector<bool> primaryMarks() const;
+
     /** Whether all fields are equal. */
     friend bool operator==(const LocalState&, const LocalState&) = default;
+
+private:
+    bool hasConsent() const noexcept;
+    bool isPrimary(const InfoCache& entry, bool anyConsent) const noexcept;
 };
 
 }  // namespace browsersweep

@@ -9,6 +9,7 @@
 #include "browsersweep/profiles/firefox/FirefoxCleanableLocalStorage.h"
 #include "browsersweep/profiles/firefox/internal/FirefoxTime.h"
 #include "browsersweep/profiles/internal/AppendingPath.h"
+#include "browsersweep/profiles/internal/RecordedFolder.h"
 #include "browsersweep/sqlite/CleanableSQLiteDatabase.h"
 #include "browsersweep/sqlite/SQLiteConnection.h"
 #include "browsersweep/sqlite/internal/TemporaryDatabaseCopy.h"
@@ -108,13 +109,24 @@ std::vector<Row> rowsOfCopy(const std::filesystem::path& database, const std::st
 }  // namespace
 
 FirefoxProfile::FirefoxProfile(std::optional<std::string> name, bool isPrimary, bool isRelative,
-                               std::filesystem::path path, const Home& home)
+                               std::filesystem::path path, const Home& home,
+                               std::optional<std::string> recordedPath)
     : name_(std::move(name)),
       isPrimary_(isPrimary),
       isRelative_(isRelative),
       path_(std::move(path)),
       fileManager_(home.fileManager()),
-      directoryProvider_(home.directoryProvider()) {}
+      directoryProvider_(home.directoryProvider()),
+      recordedPath_(std::move(recordedPath)) {}
+
+std::optional<std::string> FirefoxProfile::folder() const {
+    return recordedPath_ ? recordedPath_ : path_.string();
+}
+
+std::optional<std::string> FirefoxProfile::leftOutReason() const {
+    return isRelative_ ? reasonAgainstRelativePath(path_.native())
+                       : reasonAgainstAbsolutePath(path_.native());
+}
 
 std::filesystem::path FirefoxProfile::directoryBelowApplicationSupport() const {
     return appendingPath(directoryProvider_->applicationSupportDirectory(), path_);
@@ -134,6 +146,9 @@ Item FirefoxProfile::databaseItem(const std::filesystem::path& fileName) const {
 }
 
 CleanableDataMap FirefoxProfile::cleanableData() const {
+    if (leftOutReason()) {
+        return {};
+    }
     const auto directoryItem = [this](const std::filesystem::path& directory, bool closed) -> Item {
         return std::make_shared<CleanableDirectory>(
             directory, closed, std::vector<CleanableDataFilter>{}, fileManager_);
@@ -152,6 +167,9 @@ CleanableDataMap FirefoxProfile::cleanableData() const {
 }
 
 std::vector<Bookmark> FirefoxProfile::bookmarks() const {
+    if (leftOutReason()) {
+        return {};
+    }
     return rowsOfCopy<Bookmark>(directoryBelowApplicationSupport() / "places.sqlite", bookmarksSQL,
                                 bookmarkInRow, fileManager_);
 }
@@ -159,7 +177,7 @@ std::vector<Bookmark> FirefoxProfile::bookmarks() const {
 std::vector<std::shared_ptr<const NotificationSubscription>>
 FirefoxProfile::notificationSubscriptions() const {
     const std::filesystem::path file = directoryBelowApplicationSupport() / "permissions.sqlite";
-    if (!fileManager_->fileExists(file).isFile()) {
+    if (leftOutReason() || !fileManager_->fileExists(file).isFile()) {
         return {};
     }
     const auto originInRow = [](const SQLiteStatement& row) { return urlInColumn(row, 1); };

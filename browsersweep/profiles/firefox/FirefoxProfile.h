@@ -20,10 +20,12 @@ class BROWSERSWEEP_EXPORT FirefoxProfile : public BrowserProfile {
 public:
     /**
      * A relative path leads from the user's Application Support directory to the profile, and from
-     * the Caches directory to its cache; with an absolute path both are the same folder.
+     * the Caches directory to its cache; with an absolute path both are the same folder. The
+     * recorded path is what "profiles.ini" gives, where that is another text.
      */
     FirefoxProfile(std::optional<std::string> name, bool isPrimary, bool isRelative,
-                   std::filesystem::path path, const Home& home);
+                   std::filesystem::path path, const Home& home,
+                   std::optional<std::string> recordedPath = {});
 
     std::optional<std::string> name() const override { return name_; }
     Browser sourceBrowser() const noexcept override { return Browser::firefox; }
@@ -33,7 +35,11 @@ public:
     /** The profile's folder as "Path" of "profiles.ini" says. */
     const std::filesystem::path& path() const noexcept { return path_; }
 
-    /** All six categories. Touches no file. */
+    /** The recorded path; without one the path itself. */
+    std::optional<std::string> folder() const override;
+    std::optional<std::string> leftOutReason() const override;
+
+    /** All six categories; none of a profile that is left out. Touches no file. */
     CleanableDataMap cleanableData() const override;
 
     /**
@@ -62,6 +68,7 @@ private:
     std::filesystem::path path_;
     std::shared_ptr<const FileManager> fileManager_;
     std::shared_ptr<const CurrentUserDirectoryProvider> directoryProvider_;
+    std::optional<std::string> recordedPath_;
 };
 
 }  // namespace browsersweep

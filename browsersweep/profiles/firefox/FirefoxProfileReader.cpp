@@ -67,7 +67,8 @@ std::shared_ptr<const BrowserProfile> FirefoxProfileReader::makeProfile(
     const bool isRelative = isSet(properties, "IsRelative");
     return std::make_shared<FirefoxProfile>(
         std::move(name), isSet(properties, "Default"), isRelative,
-        isRelative ? appendingPath(firefoxFolder, *path) : std::filesystem::path(*path), home_);
+        isRelative ? appendingPath(firefoxFolder, *path) : std::filesystem::path(*path), home_,
+        *path);
 }
 
 }  // namespace browsersweep

@@ -50,6 +50,50 @@ TEST_F(ChromiumBasedProfileReaderTest, oneProfilePerEntryInTheFilesOrder) {
                                  "Me | brave | BraveSoftware/Brave-Browser/Default | primary"}));
 }
 
+TEST_F(ChromiumBasedProfileReaderTest, aFolderThatIsNoPlainNameLeavesItsProfileOutAndIsToldAsItIs) {
+    home.write(localState, R"({"profile": {"last_active_profiles": [], "info_cache": {
+        "Default": {"name": "ordinary", "is_consented_primary_account": false},
+        "/etc": {"name": "root", "is_consented_primary_account": false},
+        "../../..": {"name": "up", "is_consented_primary_account": false},
+        "a/b": {"name": "path", "is_consented_primary_account": false},
+        "": {"name": "empty", "is_consented_primary_account": false},
+        "Default\u0000x": {"name": "cut", "is_consented_primary_account": false}}}})");
+    const auto found = reader.profiles();
+    Lines folders;
+    for (const auto& profile : found) {
+        const bool isOrdinary = profile->name() == "ordinary";
+        folders.push_back(profile->folder().value_or("(none)"));
+        EXPECT_EQ(profile->leftOutReason().has_value(), !isOrdinary) << *profile->name();
+        EXPECT_EQ(profile->cleanableData().lists().size(), isOrdinary ? 6U : 0U)
+            << *profile->name();
+        EXPECT_TRUE(profile->bookmarks().empty());
+        EXPECT_TRUE(profile->notificationSubscriptions().empty());
+    }
+    EXPECT_EQ(folders,
+              (Lines{"Default", "/etc", "../../..", "a/b", "", std::string("Default\0x", 9)}));
+}
+
+TEST_F(ChromiumBasedProfileReaderTest, aLeftOutProfileReadsNothingOutsideItsBrowsersFolder) {
+    home.write("Library/Application Support/Bookmarks",
+               R"({"roots": {"bar": {"url": "https://secret.example/", "name": "x"}}})");
+    home.write("Library/Application Support/Preferences", "no JSON");
+    home.write(localState, R"({"profile": {"last_active_profiles": [], "info_cache": {
+        "../..": {"name": "up", "is_consented_primary_account": false}}}})");
+    const auto found = reader.profiles();
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_TRUE(found[0]->bookmarks().empty());
+    EXPECT_TRUE(found[0]->notificationSubscriptions().empty());
+}
+
+TEST_F(ChromiumBasedProfileReaderTest, leadingSeparatorsOfThePathAreNoRoot) {
+    home.write(localState, R"({"profile": {"last_active_profiles": [], "info_cache": {
+        "Default": {"name": "Me", "is_consented_primary_account": false}}}})");
+    const ChromiumBasedProfileReader rooted("/BraveSoftware/Brave-Browser", fileManager,
+                                            Browser::brave);
+    ASSERT_EQ(rooted.profiles().size(), 1U);
+    EXPECT_EQ(rooted.profiles()[0]->leftOutReason(), std::nullopt);
+}
+
 TEST_F(ChromiumBasedProfileReaderTest, withoutLocalStateOrWithAFolderOfThatNameThereAreNone) {
     EXPECT_EQ(profiles(), Lines{});
     home.makeFolder(localState);

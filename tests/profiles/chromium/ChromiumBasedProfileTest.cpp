@@ -73,6 +73,28 @@ TEST_F(ChromiumBasedProfileTest, isWhatItWasMadeAs) {
               std::nullopt);
 }
 
+TEST_F(ChromiumBasedProfileTest, leadingSeparatorsOfThePathAreNoRoot) {
+    home.write(support / "Bookmarks",
+               R"({"roots": {"bar": {"url": "https://one.example/", "name": "x"}}})");
+    const ChromiumBasedProfile rooted("Work", Browser::googleChrome, true,
+                                      fs::path("/") / relativePath, fileManager);
+    EXPECT_EQ(rooted.bookmarks().size(), 1U);
+    EXPECT_EQ(rooted.folder(), "Profile 1");
+    EXPECT_EQ(rooted.leftOutReason(), std::nullopt);
+    const auto data = rooted.cleanableData();
+    const auto& cache = *data.find(Category::cache)->items().front();
+    EXPECT_EQ(dynamic_cast<const CleanableDirectory&>(cache).directory(),
+              home / "Library/Caches" / relativePath);
+}
+
+TEST_F(ChromiumBasedProfileTest, aPathThatLeadsUpLeavesItOut) {
+    for (const char* const path : {"..", "Google/../../x", "", "/"}) {
+        const ChromiumBasedProfile profile("Work", Browser::googleChrome, true, path, fileManager);
+        EXPECT_NE(profile.leftOutReason(), std::nullopt) << path;
+        EXPECT_TRUE(profile.cleanableData().lists().empty()) << path;
+    }
+}
+
 TEST_F(ChromiumBasedProfileTest, aProfileWhoseFolderDoesNotExistHasAllCategoriesAndItems) {
     // clang-format off
     const std::map<Category, Lines> expected{

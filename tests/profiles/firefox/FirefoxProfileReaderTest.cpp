@@ -77,6 +77,35 @@ TEST_F(FirefoxProfileReaderTest, pathThatIsCalledRelativeStaysBelowTheFolderOfFi
               (std::vector<Made>{{"a", false, true, "Firefox/abc"}}));
 }
 
+TEST_F(FirefoxProfileReaderTest, aPathThatLeadsElsewhereThanItSaysLeavesItsProfileOut) {
+    struct Row {
+        std::string path;
+        bool isRelative;
+        bool isLeftOut;
+    };
+    const std::vector<Row> rows{
+        {"Profiles/a", true, false},          {"/abc", true, false},
+        {"/Volumes/Disk/a", false, false},    {"..", true, true},
+        {"../../Safari", true, true},         {".", false, true},
+        {"Profiles/a", false, true},          {"/a/../b", false, true},
+        {std::string("a\0b", 3), true, true}, {std::string("/a\0b", 4), false, true},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.path);
+        home_.write(iniFile, "[Profile0]\nName=a\nIsRelative=" +
+                                 std::string(row.isRelative ? "1" : "0") + "\nPath=" + row.path);
+        const auto found = FirefoxProfileReader(fileManager()).profiles();
+        ASSERT_EQ(found.size(), 1U);
+        EXPECT_EQ(found[0]->folder(), row.path);
+        EXPECT_EQ(found[0]->leftOutReason().has_value(), row.isLeftOut);
+        EXPECT_EQ(found[0]->cleanableData().lists().empty(), row.isLeftOut);
+        if (row.isLeftOut) {
+            EXPECT_TRUE(found[0]->bookmarks().empty());
+            EXPECT_TRUE(found[0]->notificationSubscriptions().empty());
+        }
+    }
+}
+
 TEST_F(FirefoxProfileReaderTest, onlyTheValueOneIsTrue) {
     for (const char* value : {"0", "2", "true", "yes", "01"}) {
         SCOPED_TRACE(value);
