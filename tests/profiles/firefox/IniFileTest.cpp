@@ -1,9 +1,12 @@
+#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "browsersweep/documents/internal/UTF16.h"
+#include "browsersweep/platform/internal/Text.h"
 #include "browsersweep/profiles/firefox/IniFile.h"
 
 namespace browsersweep {
@@ -156,6 +159,92 @@ TEST(IniFile, hugeTextWithLongLinesIsRead) {
     const IniFile iniFile(text);
     EXPECT_EQ(iniFile.sections().size(), sectionCount + 1U);
     EXPECT_TRUE(iniFile.sections().at("S") == (IniFile::Properties{{"long", word}}));
+}
+
+/**
+ * What a line below the header of a section S gives by the three regular expressions themselves,
+ * run by an engine: the contract that the reader keeps to in linear time.
+ */
+class RegularReader {
+public:
+    Sections sectionsOf(std::string_view line) const {
+        Sections sections{{"S", {}}};
+        const auto beforeComment = comment_.firstMatch(line);
+        std::string content = beforeComment ? beforeComment->at(1) : std::string(line);
+        if (line.substr(0, 1) == ";" || content.find_first_not_of(" \t") == std::string::npos) {
+            return sections;
+        }
+        if (const auto section = section_.firstMatch(content)) {
+            sections[section->at(1)] = {};
+        } else if (const auto property = property_.firstMatch(content)) {
+            sections["S"][property->at(1)] = property->at(2);
+        }
+        return sections;
+    }
+
+private:
+    RegularExpression section_{R"(^\s*\[(.+?)\])"};
+    RegularExpression property_{R"((\S+)\s?=\s?(\S+))"};
+    RegularExpression comment_{R"(^([^;]+)[;]?.*$)"};
+};
+
+void expectSame(const RegularReader& regular, const std::string& line) {
+    EXPECT_EQ(IniFile("[S]\n" + line).sections(), regular.sectionsOf(line))
+        << testing::PrintToString(line);
+}
+
+const std::vector<std::string> telling{" ", "=", "a", "[", "]", ";", "\u00A0"};
+
+void expectSameForAll(const RegularReader& regular, const std::string& start, int more) {
+    expectSame(regular, start);
+    for (std::size_t index = 0; more > 0 && index < telling.size(); ++index) {
+        expectSameForAll(regular, start + telling[index], more - 1);
+    }
+}
+
+TEST(IniFile, everyShortLineGivesWhatTheRegularExpressionsGive) {
+    expectSameForAll(RegularReader(), "", 5);
+}
+
+TEST(IniFile, randomLinesGiveWhatTheRegularExpressionsGive) {
+    const RegularReader regular;
+    std::vector<std::string> pieces = telling;
+    pieces.insert(pieces.end(),
+                  {"\t", "=", "=", " ", "b", std::string(1, '\0'), "\u2003", "\u3000", "\u200B",
+                   "\uFEFF", "\u180E", "日", "\U0001F600", "\\", "\"", "#"});
+    std::mt19937 random(20'011);
+    for (int round = 0; round < 20'000; ++round) {
+        std::string line;
+        for (auto length = random() % 40; length > 0; --length) {
+            line += pieces[random() % pieces.size()];
+        }
+        expectSame(regular, line);
+    }
+}
+
+TEST(IniFile, whiteSpaceIsThatOfTheRegularExpressions) {
+    const RegularReader regular;
+    for (char32_t code = 1; code < 0x3100; ++code) {
+        const bool isNewline = (code >= 0xA && code <= 0xD) || code == 0x85 || code == 0x2028 ||
+                               code == 0x2029;  // which ends the line
+        if (!isNewline) {
+            std::string character;
+            appendUTF8(character, code);
+            expectSame(regular, "a" + character + "=" + character + "b");
+        }
+    }
+}
+
+TEST(IniFile, longLinesTakeTimeThatGrowsWithThem) {
+    constexpr std::size_t length = 500'000;  // quadratic time would take hours
+    for (const std::string piece : {"a", "=", "a=", " =", "= ", "[", " ", "\u00A0", "a = ", "[a"}) {
+        std::string line;
+        while (line.size() < length) {
+            line += piece;
+        }
+        EXPECT_LE(propertiesOfLine(line).size(), 1U) << piece;
+        EXPECT_LE(propertiesOfLine(line + " x=y").size(), 1U) << piece;
+    }
 }
 
 }  // namespace
