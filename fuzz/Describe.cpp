@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -103,8 +104,8 @@ void Description::add(const JsonValue& value) {
         addText(value.string());
     } else if (value.isArray()) {
         const auto elements = value.elements();
-        addCount('[', elements.size());
-        for (const JsonValue& element : elements) {
+        addCount('[', static_cast<std::size_t>(std::distance(elements.begin(), elements.end())));
+        for (const JsonValue element : elements) {
             add(element);
         }
     } else if (value.isObject()) {

@@ -1,5 +1,6 @@
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -28,6 +29,11 @@ Kind errorKind(Operation operation) {
     return {};
 }
 
+std::vector<JsonValue> elementsOf(const JsonValue& array) {
+    const JsonElements elements = array.elements();
+    return {elements.begin(), elements.end()};
+}
+
 std::string repeated(std::string_view text, std::size_t times) {
     std::string all;
     for (std::size_t round = 0; round < times; ++round) {
@@ -43,7 +49,7 @@ TEST(Json, valuesOfEveryKind) {
     EXPECT_TRUE(root.required("t").boolean());
     EXPECT_EQ(root.required("n").integer(), -7);
     EXPECT_EQ(root.required("s").string(), "a\u00e9\u00e9");
-    EXPECT_EQ(root.required("l").elements()[1].integer(), 2);
+    EXPECT_EQ(elementsOf(root.required("l"))[1].integer(), 2);
     EXPECT_TRUE(root.find("z")->isNull());
 }
 
@@ -72,7 +78,7 @@ TEST(Json, theFirstOfEqualKeysCountsAmongManyToo) {
 
 TEST(Json, numbersThatAreWholeAreIntegersHoweverTheyAreWritten) {
     const auto document = parse("[1.0, 1e3, -0.0, 9223372036854775807, -9223372036854775808]");
-    const auto elements = document.root().elements();
+    const auto elements = elementsOf(document.root());
     EXPECT_EQ(elements[0].integer(), 1);
     EXPECT_EQ(elements[1].integer(), 1000);
     EXPECT_EQ(elements[2].integer(), 0);
@@ -80,16 +86,47 @@ TEST(Json, numbersThatAreWholeAreIntegersHoweverTheyAreWritten) {
     EXPECT_EQ(elements[4].integer(), INT64_MIN);
 }
 
+TEST(Json, integersOfEverySizeKeepTheirValueAndTheirSign) {
+    for (const std::int64_t value : {std::int64_t{0}, std::int64_t{1}, std::int64_t{-1}}) {
+        for (unsigned bit = 0; bit < 63; ++bit) {
+            for (const std::int64_t near : {-1, 0, 1}) {
+                const std::int64_t number = value * (std::int64_t{1} << bit) + near;
+                const auto document = parse("{\"key\": " + std::to_string(number) + "}");
+                EXPECT_EQ(document.root().required("key").integer(), number);
+            }
+        }
+    }
+}
+
+TEST(Json, valuesOfEveryKindFollowEachOtherInArraysAndUnderKeys) {
+    const std::string values = R"(null, true, 5, 5000000000, 0.5, "", "text", [], [0], {}, {"": 0})";
+    const auto document = parse("[" + values + ", " + values + "]");
+    const auto elements = elementsOf(document.root());
+    ASSERT_EQ(elements.size(), 22U);
+    for (const std::size_t start : {0U, 11U}) {
+        EXPECT_TRUE(elements[start].isNull());
+        EXPECT_TRUE(elements[start + 1].boolean());
+        EXPECT_EQ(elements[start + 2].integer(), 5);
+        EXPECT_EQ(elements[start + 3].integer(), 5'000'000'000);
+        EXPECT_EQ(elements[start + 5].string(), "");
+        EXPECT_EQ(elements[start + 6].string(), "text");
+        EXPECT_TRUE(elementsOf(elements[start + 7]).empty());
+        EXPECT_EQ(elementsOf(elements[start + 8])[0].integer(), 0);
+        EXPECT_TRUE(elements[start + 9].members().empty());
+        EXPECT_EQ(elements[start + 10].required("").integer(), 0);
+    }
+}
+
 TEST(Json, numbersThatAreNoIntegersFail) {
     const auto document = parse("[1.5, 9223372036854775808, 123456789012345678901234567890]");
-    for (const auto& element : document.root().elements()) {
+    for (const JsonValue element : document.root().elements()) {
         EXPECT_EQ(errorKind([&] { return element.integer(); }), Kind::dataCorrupted);
     }
 }
 
 TEST(Json, numbersAreNoBooleansAndBooleansNoNumbers) {
     const auto document = parse(R"([1, true, "true"])");
-    const auto elements = document.root().elements();
+    const auto elements = elementsOf(document.root());
     EXPECT_EQ(errorKind([&] { return elements[0].boolean(); }), Kind::typeMismatch);
     EXPECT_EQ(errorKind([&] { return elements[1].integer(); }), Kind::typeMismatch);
     EXPECT_EQ(errorKind([&] { return elements[2].boolean(); }), Kind::typeMismatch);

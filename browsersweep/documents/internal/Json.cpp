@@ -2,9 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
+#include <iterator>
 #include <limits>
-#include <unordered_set>
 
 #include <nlohmann/json.hpp>
 
@@ -14,8 +15,8 @@ namespace {
 constexpr std::size_t maximumDepth = 512;
 constexpr std::size_t maximumLength = std::size_t{2} << 30;
 
-constexpr std::array<std::string_view, 7> kindNames{"null",   "Boolean", "integer", "number",
-                                                    "string", "array",   "object"};
+constexpr std::array<std::string_view, 8> kindNames{"null",   "Boolean", "integer", "number",
+                                                    "string", "array",   "object",  "integer"};
 
 [[noreturn]] void throwCorrupted(const std::string& why) {
     throw DecodingError(DecodingError::Kind::dataCorrupted,
@@ -37,8 +38,14 @@ std::string kindName(Kind kind) {
     return std::string(kindNames[static_cast<std::size_t>(kind)]);
 }
 
-/** Up to so many keys are compared one by one; more are remembered in a set. */
-constexpr std::size_t fewKeys = 16;
+/** Whole numbers of so many bits, with their sign, stand in the first word of their value. */
+constexpr unsigned smallBits = 28;
+constexpr std::int64_t smallLimit = std::int64_t{1} << (smallBits - 1);
+
+constexpr unsigned wordBits = 32;
+
+/** How many words a document can have beyond the bytes of its text: those of one outermost value. */
+constexpr std::size_t slack = 8;
 
 }  // namespace
 
@@ -54,15 +61,20 @@ public:
     explicit JsonBuilder(JsonDocument& document) noexcept : document_(document) {}
 
     bool null() {
-        add(JsonDocument::Kind::null);
+        add(JsonDocument::Kind::null, 0);
         return true;
     }
     bool boolean(bool value) {
-        add(JsonDocument::Kind::boolean).scalar.boolean = value;
+        add(JsonDocument::Kind::boolean, value ? 1 : 0);
         return true;
     }
     bool number_integer(number_integer_t value) {
-        add(JsonDocument::Kind::integer).scalar.integer = value;
+        if (value >= -smallLimit && value < smallLimit) {
+            add(JsonDocument::Kind::small, static_cast<std::uint32_t>(value));
+        } else {
+            add(JsonDocument::Kind::integer, 0);
+            addLarge(static_cast<std::uint64_t>(value));
+        }
         return true;
     }
     bool number_unsigned(number_unsigned_t value) {
@@ -72,12 +84,13 @@ public:
         return number_integer(static_cast<std::int64_t>(value));
     }
     bool number_float(number_float_t value, const string_t& /*digits*/) {
-        add(JsonDocument::Kind::real).scalar.real = value;
+        add(JsonDocument::Kind::real, 0);
+        addLarge(std::bit_cast<std::uint64_t>(value));
         return true;
     }
     bool string(const string_t& value) {
-        const JsonDocument::Text text = keep(value);
-        add(JsonDocument::Kind::string).scalar.text = text;
+        add(JsonDocument::Kind::string, 0);
+        addPiece(keep(value));
         return true;
     }
     bool binary(const binary_t& /*value*/) { return false; }  // no part of JSON texts
@@ -95,12 +108,24 @@ public:
     }
 
 private:
-    JsonDocument::Node& add(JsonDocument::Kind kind) {
-        JsonDocument::Node& node = document_.nodes_.emplace_back();
-        node.key = std::exchange(key_, {});
-        node.kind = kind;
-        node.end = static_cast<std::uint32_t>(document_.nodes_.size());
-        return node;
+    void add(JsonDocument::Kind kind, std::uint32_t value) {
+        const std::uint32_t keyMark = key_ ? JsonDocument::keyBit : 0;
+        document_.words_.push_back(static_cast<std::uint32_t>(kind) | keyMark |
+                                   value << JsonDocument::valueShift);
+        if (key_) {
+            addPiece(*key_);
+            key_.reset();
+        }
+    }
+
+    void addPiece(JsonDocument::Text piece) {
+        document_.words_.push_back(piece.offset);
+        document_.words_.push_back(piece.length);
+    }
+
+    void addLarge(std::uint64_t value) {
+        document_.words_.push_back(static_cast<std::uint32_t>(value));
+        document_.words_.push_back(static_cast<std::uint32_t>(value >> wordBits));
     }
 
     JsonDocument::Text keep(const std::string& text) {
@@ -113,19 +138,20 @@ private:
         if (open_.size() == maximumDepth) {
             throwCorrupted("too many nested arrays or dictionaries");
         }
-        open_.push_back(document_.nodes_.size());
-        add(kind);
+        add(kind, 0);
+        open_.push_back(document_.words_.size());
+        document_.words_.push_back(0);
         return true;
     }
 
     bool finish() {
-        document_.nodes_[open_.back()].end = static_cast<std::uint32_t>(document_.nodes_.size());
+        document_.words_[open_.back()] = static_cast<std::uint32_t>(document_.words_.size());
         open_.pop_back();
         return true;
     }
 
     JsonDocument& document_;
-    JsonDocument::Text key_{};
+    std::optional<JsonDocument::Text> key_;
     std::vector<std::size_t> open_;
 };
 
@@ -138,6 +164,9 @@ JsonDocument JsonDocument::parse(BytesView bytes) {
         throwCorrupted("it holds a zero byte");
     }
     JsonDocument document;
+    // More would have to be copied in growing, and what is not used costs nothing.
+    document.words_.reserve(bytes.size() + slack);
+    document.text_.reserve(bytes.size());
     JsonBuilder builder(document);
     nlohmann::json::sax_parse(bytes.begin(), bytes.end(), &builder);
     return document;
@@ -145,6 +174,44 @@ JsonDocument JsonDocument::parse(BytesView bytes) {
 
 JsonValue JsonDocument::root() const noexcept {
     return {*this, 0};
+}
+
+JsonDocument::Kind JsonValue::kind() const noexcept {
+    constexpr std::uint32_t mask = (1U << JsonDocument::kindBits) - 1;
+    return static_cast<JsonDocument::Kind>(word() & mask);
+}
+
+/** The upper bits of the first word, with their sign. */
+std::int32_t JsonValue::smallValue() const noexcept {
+    return static_cast<std::int32_t>(word()) >> JsonDocument::valueShift;
+}
+
+/** Where what follows the key begins. */
+std::uint32_t JsonValue::contents() const noexcept {
+    return place_ + ((word() & JsonDocument::keyBit) != 0 ? 3 : 1);
+}
+
+std::uint64_t JsonValue::largeValue() const noexcept {
+    const auto [low, high] = document_->pieceAt(contents());
+    return std::uint64_t{high} << wordBits | low;
+}
+
+std::string_view JsonValue::key() const noexcept {
+    return document_->text(document_->pieceAt(place_ + 1));
+}
+
+std::uint32_t JsonValue::end() const noexcept {
+    switch (kind()) {
+        case JsonDocument::Kind::array:
+        case JsonDocument::Kind::object:
+            return document_->words_[contents()];
+        case JsonDocument::Kind::integer:
+        case JsonDocument::Kind::real:
+        case JsonDocument::Kind::string:
+            return contents() + 2;
+        default:
+            return contents();
+    }
 }
 
 void JsonValue::require(JsonDocument::Kind wanted) const {
@@ -157,74 +224,71 @@ void JsonValue::require(JsonDocument::Kind wanted) const {
 
 bool JsonValue::boolean() const {
     require(JsonDocument::Kind::boolean);
-    return node().scalar.boolean;
+    return smallValue() != 0;
 }
 
 std::int64_t JsonValue::integer() const {
     if (kind() == JsonDocument::Kind::real) {
-        if (const auto whole = wholeNumber(node().scalar.real)) {
+        if (const auto whole = wholeNumber(std::bit_cast<double>(largeValue()))) {
             return *whole;
         }
         throw DecodingError(DecodingError::Kind::dataCorrupted,
                             "Parsed JSON number does not fit in a 64-bit integer.");
     }
+    if (kind() == JsonDocument::Kind::small) {
+        return smallValue();
+    }
     require(JsonDocument::Kind::integer);
-    return node().scalar.integer;
+    return static_cast<std::int64_t>(largeValue());
 }
 
 std::string_view JsonValue::string() const {
     require(JsonDocument::Kind::string);
-    return document_->text(node().scalar.text);
+    return document_->text(document_->pieceAt(contents()));
 }
 
-template <typename Visitor>
-void JsonValue::forEachChild(Visitor visit) const {
-    const std::uint32_t end = node().end;
-    for (std::uint32_t index = index_ + 1; index < end; index = document_->nodes_[index].end) {
-        visit(document_->text(document_->nodes_[index].key), JsonValue(*document_, index));
-    }
+/** Of an array or object. */
+JsonElements JsonValue::below() const noexcept {
+    return {*document_, contents() + 1, end()};
 }
 
-std::vector<JsonValue> JsonValue::elements() const {
+JsonElements JsonValue::elements() const {
     require(JsonDocument::Kind::array);
-    std::vector<JsonValue> found;
-    forEachChild([&](std::string_view /*key*/, JsonValue value) { found.push_back(value); });
-    return found;
+    return below();
 }
 
 std::vector<std::pair<std::string_view, JsonValue>> JsonValue::members() const {
     require(JsonDocument::Kind::object);
-    std::vector<std::pair<std::string_view, JsonValue>> found;
-    std::unordered_set<std::string_view> seen;
-    const auto isNew = [&](std::string_view key) {
-        if (found.size() < fewKeys) {
-            return std::none_of(found.begin(), found.end(),
-                                [&](const auto& member) { return member.first == key; });
-        }
-        if (seen.empty()) {
-            for (const auto& member : found) {
-                seen.insert(member.first);
-            }
-        }
-        return seen.insert(key).second;
-    };
-    forEachChild([&](std::string_view key, JsonValue value) {
-        if (isNew(key)) {
-            found.emplace_back(key, value);
-        }
+    std::vector<std::uint32_t> places;
+    places.reserve(static_cast<std::size_t>(std::distance(below().begin(), below().end())));
+    for (const JsonValue value : below()) {
+        places.push_back(value.place_);
+    }
+    // By key, those of equal keys in the file's order; then the first of each, as in the file.
+    const auto keyAt = [this](std::uint32_t place) { return JsonValue(*document_, place).key(); };
+    std::sort(places.begin(), places.end(), [&](std::uint32_t a, std::uint32_t b) {
+        const int order = keyAt(a).compare(keyAt(b));
+        return order == 0 ? a < b : order < 0;
     });
+    const auto isSameKey = [&](std::uint32_t a, std::uint32_t b) { return keyAt(a) == keyAt(b); };
+    places.erase(std::unique(places.begin(), places.end(), isSameKey), places.end());
+    std::sort(places.begin(), places.end());
+    std::vector<std::pair<std::string_view, JsonValue>> found;
+    found.reserve(places.size());
+    for (const std::uint32_t place : places) {
+        found.emplace_back(keyAt(place), JsonValue(*document_, place));
+    }
     return found;
 }
 
 std::optional<JsonValue> JsonValue::find(std::string_view key) const {
     require(JsonDocument::Kind::object);
-    std::optional<JsonValue> found;
-    forEachChild([&](std::string_view own, JsonValue value) {
-        if (!found && own == key) {
-            found = value;
+    for (const JsonValue value : below()) {
+        if (value.key() == key) {
+            return value;
         }
-    });
-    return found;
+    }
+    return std::nullopt;
 }
 
 JsonValue JsonValue::required(std::string_view key) const {

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,13 +14,15 @@
 
 namespace browsersweep {
 
+class JsonElements;
 class JsonValue;
 
 /**
  * A parsed JSON document: a flat list of its values in the order of the file, so that neither
  * parsing nor letting go of it ever recurses. Accepted are RFC 8259 texts in UTF-8, with or without
  * a byte order mark, of at most 512 nested levels and 2 GiB. A number beyond the range of a double
- * is an error wherever it stands, also under a key that nobody reads.
+ * is an error wherever it stands, also under a key that nobody reads. Whatever the text holds, a
+ * document takes at most five times its length.
  */
 class JsonDocument {
 public:
@@ -29,10 +33,11 @@ public:
     JsonValue root() const noexcept;
 
 private:
+    friend class JsonElements;
     friend class JsonValue;
     friend class JsonBuilder;
 
-    enum class Kind : std::uint8_t { null, boolean, integer, real, string, array, object };
+    enum class Kind : std::uint8_t { null, boolean, integer, real, string, array, object, small };
 
     /** A piece of `text_`. */
     struct Text {
@@ -40,24 +45,20 @@ private:
         std::uint32_t length;
     };
 
-    struct Node {
-        Text key{};             ///< the own key, where the value is an object's member
-        std::uint32_t end = 0;  ///< the index after the last value below this one
-        Kind kind = Kind::null;
-        /** The value, where it is none that has values below it. */
-        union Scalar {
-            std::int64_t integer;  ///< of the kind `integer`
-            double real;           ///< of the kind `real`
-            bool boolean;          ///< of the kind `boolean`
-            Text text;             ///< of the kind `string`
-        } scalar{};
-    };
+    // A value is a row of words. The first has its kind, whether it has a key, and a small value
+    // itself. Offset and length of the key follow, if there is one; then two words of a large
+    // number or of a text, or where the values below an array or object end. The shortest value,
+    // a digit and its comma, takes one word, and no value more words than its text has bytes.
+    static constexpr unsigned kindBits = 3;
+    static constexpr unsigned keyBit = 1U << kindBits;
+    static constexpr unsigned valueShift = kindBits + 1;
 
     std::string_view text(Text piece) const noexcept {
         return std::string_view(text_).substr(piece.offset, piece.length);
     }
+    Text pieceAt(std::uint32_t place) const noexcept { return {words_[place], words_[place + 1]}; }
 
-    std::vector<Node> nodes_;
+    std::vector<std::uint32_t> words_;
     std::string text_;
 };
 
@@ -84,8 +85,8 @@ public:
     /** A text in UTF-8. Valid as long as the document. */
     std::string_view string() const;
 
-    /** The elements of an array in their order. */
-    std::vector<JsonValue> elements() const;
+    /** The elements of an array in their order. Valid as long as the document. */
+    JsonElements elements() const;
 
     /** The members of an object in the file's order; of equal keys the first one alone. */
     std::vector<std::pair<std::string_view, JsonValue>> members() const;
@@ -101,18 +102,71 @@ public:
 
 private:
     friend class JsonDocument;
+    friend class JsonElements;
 
-    JsonValue(const JsonDocument& document, std::uint32_t index) noexcept
-        : document_(&document), index_(index) {}
+    JsonValue(const JsonDocument& document, std::uint32_t place) noexcept
+        : document_(&document), place_(place) {}
 
-    JsonDocument::Kind kind() const noexcept { return node().kind; }
-    const JsonDocument::Node& node() const noexcept { return document_->nodes_[index_]; }
+    JsonDocument::Kind kind() const noexcept;
+    std::uint32_t word() const noexcept { return document_->words_[place_]; }
+    std::int32_t smallValue() const noexcept;
+    std::uint64_t largeValue() const noexcept;
+    std::string_view key() const noexcept;
+    std::uint32_t contents() const noexcept;
+    std::uint32_t end() const noexcept;
     void require(JsonDocument::Kind wanted) const;
-    template <typename Visitor>
-    void forEachChild(Visitor visit) const;
+    JsonElements below() const noexcept;
 
     const JsonDocument* document_;
-    std::uint32_t index_;
+    std::uint32_t place_;
+};
+
+/** The values below another one, found one after the other as they are asked for. */
+class JsonElements {
+public:
+    /** Goes from value to value. */
+    class Iterator {
+    public:
+        /** @{ */
+        /** As the standard library asks for. */
+        using iterator_category = std::input_iterator_tag;
+        using value_type = JsonValue;
+        using difference_type = std::ptrdiff_t;
+        using pointer = const JsonValue*;
+        using reference = JsonValue;
+        /** @} */
+
+        JsonValue operator*() const noexcept { return {*document_, place_}; }
+        Iterator& operator++() noexcept {
+            place_ = (**this).end();
+            return *this;
+        }
+        Iterator operator++(int) noexcept {
+            const Iterator before = *this;
+            ++*this;
+            return before;
+        }
+        friend bool operator==(const Iterator&, const Iterator&) = default;
+
+    private:
+        friend class JsonElements;
+        Iterator(const JsonDocument& document, std::uint32_t place) noexcept
+            : document_(&document), place_(place) {}
+
+        const JsonDocument* document_;
+        std::uint32_t place_;
+    };
+
+    Iterator begin() const noexcept { return begin_; }
+    Iterator end() const noexcept { return end_; }
+
+private:
+    friend class JsonValue;
+    JsonElements(const JsonDocument& document, std::uint32_t begin, std::uint32_t end) noexcept
+        : begin_(document, begin), end_(document, end) {}
+
+    Iterator begin_;
+    Iterator end_;
 };
 
 }  // namespace browsersweep
