@@ -35,4 +35,23 @@ void OperationControl::continueOrThrow() {
     }
 }
 
+void OperationControl::leaveOut(const LeftOutFolder& folder) {
+    leftOut_.emplace(folder.folder, folder.why);
+}
+
+std::vector<LeftOutFolder> OperationControl::takeLeftOut() {
+    std::vector<LeftOutFolder> taken;
+    for (auto& [folder, why] : leftOut_) {
+        taken.push_back({folder, std::move(why)});
+    }
+    leftOut_.clear();
+    return taken;
+}
+
+void continueOrThrow(OperationControl* control) {
+    if (control != nullptr) {
+        control->continueOrThrow();
+    }
+}
+
 }  // namespace browsersweep

@@ -2,8 +2,12 @@
 
 #include <cstdint>
 #include <exception>
+#include <filesystem>
 #include <functional>
+#include <map>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "browsersweep/Export.h"
 
@@ -12,10 +16,20 @@ namespace browsersweep {
 /** What operations have done so far: measured while sizing, deleted while cleaning. */
 struct OperationProgress {
     std::uint64_t files = 0;  ///< files that were measured or deleted
-    std::uint64_t bytes = 0;  ///< what these files held, and what was copied or read, in bytes
-    std::uint64_t rows = 0;   ///< rows of databases and cookies that were counted or deleted
+    /** What the measured files held, and what was copied, in bytes. Files that are deleted are not
+     * examined for it. */
+    std::uint64_t bytes = 0;
+    std::uint64_t rows = 0;  ///< rows of databases and cookies that were counted or deleted
     /** Whether all fields are equal. */
     friend bool operator==(const OperationProgress&, const OperationProgress&) = default;
+};
+
+/** A folder that operations did not enter although it was there, and why, for people. */
+struct LeftOutFolder {
+    std::filesystem::path folder;  ///< the link or the mount point itself
+    std::string why;               ///< such as "it is a link"
+    /** Whether all fields are equal. */
+    friend bool operator==(const LeftOutFolder&, const LeftOutFolder&) = default;
 };
 
 /**
@@ -71,10 +85,20 @@ public:
     /** What was done since this control was made. */
     const OperationProgress& progress() const noexcept { return progress_; }
 
+    /** Notes a folder that was not entered. One that is noted already is not noted again. */
+    void leaveOut(const LeftOutFolder& folder);
+
+    /** The folders that were not entered since this was asked last, in the order of their paths. */
+    std::vector<LeftOutFolder> takeLeftOut();
+
 private:
     ShouldStop shouldStop_;
     OperationProgress progress_;
+    std::map<std::filesystem::path, std::string> leftOut_;
     bool isStopped_ = false;
 };
+
+/** Asks where there is a control; without one an operation goes on. Throws as the control does. */
+BROWSERSWEEP_EXPORT void continueOrThrow(OperationControl* control);
 
 }  // namespace browsersweep

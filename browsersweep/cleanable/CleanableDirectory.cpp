@@ -64,33 +64,46 @@ CleanableDirectory::CleanableDirectory(std::filesystem::path directory,
 
 /** The one selection that sizing and cleaning share, so that a preview cannot disagree. */
 template <typename Visitor>
-void CleanableDirectory::forEachSelectedFile(CleanableDataFilters filters, Visitor visit) const {
+void CleanableDirectory::forEachSelectedEntry(CleanableDataFilters filters, Visitor visit) const {
+    const auto control = fileManager_->control();
+    continueOrThrow(control.get());
     if (!fileManager_->fileExists(directory_).isDirectory) {
         return;
     }
     const auto entry = fileManager_->enumerator(directory_);
     while (entry && entry->next()) {
-        // Directories are never taken, so their names and dates need not be judged. What has no
-        // kind any more vanished after it was listed.
-        const bool isFile = entry->isDirectory() == false;
-        if (isFile && listAccepts(filters_, *entry) && listAccepts(filters, *entry)) {
-            visit(*entry);
+        continueOrThrow(control.get());
+        if (!listAccepts(filters_, *entry) || !listAccepts(filters, *entry)) {
+            continue;
+        }
+        const OperationProgress done = visit(*entry);
+        if (control) {
+            control->count(done);
         }
     }
 }
 
 CleanableDataSize CleanableDirectory::size(CleanableDataFilters filters) const {
     CleanableDataSize sum;
-    forEachSelectedFile(filters, [&](DirectoryEnumerator& entry) {
-        if (const auto bytes = entry.fileSize()) {
-            sum = sum + fileSize(*bytes);
+    forEachSelectedEntry(filters, [&](DirectoryEnumerator& entry) -> OperationProgress {
+        const auto bytes = entry.fileSize();
+        if (!bytes) {
+            return {};
         }
+        sum = sum + fileSize(*bytes);
+        return {1, *bytes, 0};
     });
     return sum;
 }
 
 void CleanableDirectory::clean(CleanableDataFilters filters) const {
-    forEachSelectedFile(filters, [](DirectoryEnumerator& entry) { entry.remove(); });
+    forEachSelectedEntry(filters, [](DirectoryEnumerator& entry) -> OperationProgress {
+        if (entry.isDirectory().value_or(true)) {
+            return {};
+        }
+        entry.remove();
+        return {1, 0, 0};
+    });
 }
 
 }  // namespace browsersweep

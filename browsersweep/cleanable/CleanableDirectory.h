@@ -15,6 +15,12 @@ namespace browsersweep {
  * directory and its subdirectories stay. Links below it are files of their own and are not
  * followed. A directory that is missing, or is none, holds nothing: that is no error.
  *
+ * A directory that is a link or not reached without one, and what is mounted below it, holds
+ * nothing either (`FileManager::enumerator`); the file manager's control is told. A file that
+ * vanishes while it is looked at was never there. A subdirectory that may not be opened counts as
+ * empty, but one that cannot be listed for another reason is an error. The control is asked for
+ * each entry.
+ *
  * A list of filters is asked filter after filter, and the last one with an opinion decides; without
  * any opinion a file is taken. A patterns filter has an opinion where one of its patterns occurs in
  * the file's name (letter case counts, the empty pattern occurs in every name): `include` accepts,
@@ -43,15 +49,20 @@ public:
 
     using CleanableData::clean;
     using CleanableData::size;
-    /** The number of files and the sum of their sizes, both exact. Throws `filesystem_error`. */
+    /**
+     * The number of files and the sum of their sizes, both exact. Throws `filesystem_error` and
+     * `OperationCancelled`.
+     */
     CleanableDataSize size(CleanableDataFilters filters) const override;
-    /** Deletes file after file; the first deletion that fails ends it. Throws `filesystem_error`.
+    /**
+     * Deletes file after file; the first deletion that fails ends it. Throws `filesystem_error` and
+     * `OperationCancelled`.
      */
     void clean(CleanableDataFilters filters) const override;
 
 private:
     template <typename Visitor>
-    void forEachSelectedFile(CleanableDataFilters filters, Visitor visit) const;
+    void forEachSelectedEntry(CleanableDataFilters filters, Visitor visit) const;
 
     std::filesystem::path directory_;
     bool requiresClosedBrowserToClean_;

@@ -109,15 +109,21 @@ CleanableSafariCookies::CleanableSafariCookies(Home home)
 CleanableDataSize CleanableSafariCookies::size(CleanableDataFilters filters) const {
     CleanableDataSize total;
     for (const std::filesystem::path& file : cookieFiles()) {
-        logFailure(couldNotRead, file, [&] { total = total + sizeOf(file, filters); });
+        logFailure(couldNotRead, file, [&] {
+            const CleanableDataSize found = sizeOf(file, filters);
+            total = total + found;
+            count({0, 0, static_cast<std::uint64_t>(found.itemCount.value)});
+        });
     }
     return total;
 }
 
 void CleanableSafariCookies::clean(CleanableDataFilters filters) const {
+    // The daemons are left running where nothing is to be cleaned any more.
+    continueOrThrow(fileManager()->control().get());
     stopDaemons();
     for (const std::filesystem::path& file : cookieFiles()) {
-        logFailure(couldNotClean, file, [&] { cleanFile(file, filters); });
+        logFailure(couldNotClean, file, [&] { count(cleanFile(file, filters)); });
     }
     cleanStorage(filters);
 }
@@ -169,24 +175,29 @@ void CleanableSafariCookies::stopDaemons() const {
     }
 }
 
-void CleanableSafariCookies::cleanFile(const std::filesystem::path& file,
-                                       CleanableDataFilters filters) const {
+OperationProgress CleanableSafariCookies::cleanFile(const std::filesystem::path& file,
+                                                    CleanableDataFilters filters) const {
     if (filters.empty()) {
-        fileManager()->remove(file);
-        return;
+        fileManager()->removeFile(file);
+        return {1, 0, 0};
     }
     Bytes contents;
+    std::size_t removed = 0;
     {
         BinaryCookies cookies = decodedFile(*fileManager(), file).cookies;
+        removed = cookies.cookieCount();
         removeSelected(cookies, filters);
+        removed -= cookies.cookieCount();
         contents = BinaryDataEncoder().encode(cookies);
     }
     fileManager()->replace(file, contents);
+    return {0, 0, removed};
 }
 
 void CleanableSafariCookies::cleanStorage(CleanableDataFilters filters) const {
+    const auto control = fileManager()->control();
     for (const HTTPCookie& cookie : cookieStorage_->cookies()) {
-        continueOrThrow();
+        continueOrThrow(control.get());
         if (selectsStorageCookie(filters, cookie)) {
             cookieStorage_->deleteCookie(cookie);
         }
@@ -201,7 +212,7 @@ template <typename Operation>
 void CleanableSafariCookies::logFailure(std::string_view message, const std::filesystem::path& file,
                                         Operation operation) const {
     try {
-        continueOrThrow();
+        continueOrThrow(fileManager()->control().get());
         operation();
     } catch (const OperationCancelled&) {
         throw;
@@ -212,9 +223,9 @@ void CleanableSafariCookies::logFailure(std::string_view message, const std::fil
     }
 }
 
-void CleanableSafariCookies::continueOrThrow() const {
+void CleanableSafariCookies::count(const OperationProgress& done) const noexcept {
     if (const auto control = fileManager()->control()) {
-        control->continueOrThrow();
+        control->count(done);
     }
 }
 

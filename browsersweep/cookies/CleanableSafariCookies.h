@@ -67,14 +67,15 @@ private:
     CleanableDataSize sizeOf(const std::filesystem::path& file, CleanableDataFilters filters) const;
     CleanableDataSize::Measurement fileSize(const std::filesystem::path& file) const;
     void stopDaemons() const;
-    void cleanFile(const std::filesystem::path& file, CleanableDataFilters filters) const;
+    OperationProgress cleanFile(const std::filesystem::path& file,
+                                CleanableDataFilters filters) const;
     void cleanStorage(CleanableDataFilters filters) const;
     template <typename Operation>
     void logFailure(std::string_view message, const std::filesystem::path& file,
                     Operation operation) const;
     void log(std::string_view message, const std::filesystem::path& file,
              std::string_view error) const;
-    void continueOrThrow() const;
+    void count(const OperationProgress& done) const noexcept;
 
     Home home_;
     std::shared_ptr<HTTPCookieStorage> cookieStorage_;

@@ -57,10 +57,10 @@ public:
     virtual ~DirectoryEnumerator();
 
     /**
-     * Moves to the next entry; false after the last one. A directory that may not be opened, or is
-     * gone by then, is an entry without contents. Any other failure to list is thrown as
-     * `std::filesystem::filesystem_error`: a size that lacks a folder for want of a descriptor
-     * would be a wrong size.
+     * Moves to the next entry; false after the last one. A directory that may not be opened, is
+     * gone by then, or lies on another mount, is an entry without contents. Any other failure to
+     * list is thrown as `std::filesystem::filesystem_error`: a size that lacks a folder for want of
+     * a descriptor would be a wrong size.
      */
     virtual bool next() = 0;
 
@@ -138,9 +138,10 @@ public:
     virtual Bytes firstBytes(const std::filesystem::path& path, std::size_t count) const = 0;
 
     /**
-     * Puts other contents in the place of an existing file, all or nothing: whatever happens, the
-     * path holds the old bytes or the new ones. Mode and owner are the old file's. A path that is a
-     * link keeps its link; the file behind it is replaced.
+     * Puts other contents in the place of an existing regular file, all or nothing: whatever
+     * happens, the path holds the old bytes or the new ones. Owner, mode, access control list and
+     * extended attributes are the old file's. The file is reached as by `removeFile`, and a path
+     * that is a link is an error.
      */
     virtual void replace(const std::filesystem::path& path, BytesView contents) const = 0;
 
@@ -150,14 +151,33 @@ public:
      */
     virtual void copy(const std::filesystem::path& from, const std::filesystem::path& to) const = 0;
 
-    /** Deletes a file, a link (never what it leads to) or a directory with all it holds. */
-    virtual void remove(const std::filesystem::path& path) const = 0;
+    /**
+     * Deletes a file or a link, never what a link leads to and never a directory, also where one
+     * takes the file's place at the last moment. Below the user's Library folder the file is
+     * reached component by component: a link on the way is an error (ELOOP), and so is another
+     * mount (EXDEV). Elsewhere the system finds the file's folder.
+     */
+    virtual void removeFile(const std::filesystem::path& path) const = 0;
 
     /**
-     * Creates a directory for the user alone, and those above it that are missing. One that exists
-     * already is an error.
+     * Deletes one of the library's own folders of the moment with all it holds, by the walk that
+     * `enumerator` gives. Any folder but one named "browsersweep-" and 32 hexadecimal digits that
+     * belongs to the user is an error.
+     */
+    virtual void removeTemporaryFolder(const std::filesystem::path& path) const = 0;
+
+    /**
+     * Creates a directory for the user alone. One that exists already is an error, and so is a
+     * missing one above it.
      */
     virtual void createDirectory(const std::filesystem::path& path) const = 0;
+
+    /**
+     * Deletes the folders of this kind in the temporary directory that no living process holds,
+     * since what made them was killed. What cannot be examined or deleted stays. Returns how many
+     * went.
+     */
+    std::size_t removeStaleTemporaryFolders() const noexcept;
 
     /** The folder for files of the moment. */
     virtual std::filesystem::path temporaryDirectory() const = 0;
@@ -169,8 +189,10 @@ public:
     virtual std::vector<std::filesystem::path> directories(SearchPathDirectory directory) const = 0;
 
     /**
-     * Starts a deep enumeration of a directory. A directory that is a link is entered; links below
-     * it are not. None is produced where the directory may not be opened or is gone.
+     * Starts a deep enumeration of a directory. None is produced where the directory may not be
+     * opened or is gone, and where it is a link or not reached: below the user's Library folder no
+     * link on the way to it is followed and no other mount is entered, and nowhere is a mount below
+     * the directory entered. The control is told of each folder that is left out so.
      */
     virtual std::unique_ptr<DirectoryEnumerator> enumerator(
         const std::filesystem::path& directory) const = 0;

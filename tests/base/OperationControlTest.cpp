@@ -69,5 +69,16 @@ TEST(OperationControl, aQuestionThatFailsStops) {
     EXPECT_TRUE(control.shouldStop());
 }
 
+TEST(OperationControl, tellsEachFolderThatWasLeftOutOnce) {
+    OperationControl control;
+    EXPECT_TRUE(control.takeLeftOut().empty());
+    control.leaveOut({"/b", "it is a link"});
+    control.leaveOut({"/a", "it is a link"});
+    control.leaveOut({"/b", "it is a link"});
+    EXPECT_EQ(control.takeLeftOut(),
+              (std::vector<LeftOutFolder>{{"/a", "it is a link"}, {"/b", "it is a link"}}));
+    EXPECT_TRUE(control.takeLeftOut().empty());
+}
+
 }  // namespace
 }  // namespace browsersweep

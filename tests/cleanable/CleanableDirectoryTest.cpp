@@ -194,19 +194,95 @@ TEST_F(CleanableDirectoryTest, linksBelowAreFilesOfTheirOwnAndNeverFollowed) {
               (Lines{"cache/", "cache/sub/", "precious/", "precious/keep.txt: precious"}));
 }
 
-TEST_F(CleanableDirectoryTest, aRootThatIsALinkIsFollowed) {
+TEST_F(CleanableDirectoryTest, aRootThatIsALinkIsNotEnteredAndTheControlIsTold) {
     fs::create_directory_symlink(folder / "cache", folder / "elsewhere");
-    const CleanableDirectory item(folder / "elsewhere", true, {}, fileManager);
-    EXPECT_EQ(item.size(), (CleanableDataSize{2, 30}));
+    const auto control = std::make_shared<OperationControl>();
+    const CleanableDirectory item(folder / "elsewhere", true, {},
+                                  FileManager::forHome(folder.path(), control));
+    EXPECT_EQ(item.size(), CleanableDataSize::zero);
     item.clean();
-    EXPECT_EQ(directory().size(), CleanableDataSize::zero);
-    EXPECT_TRUE(fs::is_symlink(folder / "elsewhere"));
+    EXPECT_EQ(directory().size(), (CleanableDataSize{2, 30}));
+    EXPECT_EQ(control->takeLeftOut(),
+              (std::vector<LeftOutFolder>{{folder / "elsewhere", "it is a link"}}));
 }
 
 TEST_F(CleanableDirectoryTest, hiddenFilesAndPackagesCount) {
     folder.write("cache/.hidden", "12");
     folder.write("cache/Some.app/Contents/file", "345");
     EXPECT_EQ(directory().size(), (CleanableDataSize{4, 35}));
+}
+
+TEST_F(CleanableDirectoryTest, namesAreJudgedBeforeItIsAskedWhatTheyStandFor) {
+    const auto faulty = std::make_shared<tests::FaultyFileManager>(fileManager, tests::Fault{});
+    const CleanableDirectory item(folder / "cache", true, {excluding("")}, faulty);
+    item.clean();
+    // One for the folder, one to begin, four to go from entry to entry: nothing about them.
+    EXPECT_EQ(faulty->operationCount(), 6U);
+}
+
+/** Does not know what the entries are. */
+class KindlessFileManager : public tests::ForwardingFileManager {
+public:
+    using ForwardingFileManager::ForwardingFileManager;
+
+    std::unique_ptr<DirectoryEnumerator> enumerator(const fs::path& directory) const override {
+        return std::make_unique<Enumerator>(ForwardingFileManager::enumerator(directory));
+    }
+
+private:
+    class Enumerator : public tests::ForwardingEnumerator {
+    public:
+        using ForwardingEnumerator::ForwardingEnumerator;
+        std::optional<bool> isDirectory() override { return std::nullopt; }
+    };
+};
+
+TEST_F(CleanableDirectoryTest, whatHasASizeCountsAndWhatHasNoKindIsNotDeleted) {
+    const CleanableDirectory item(folder / "cache", true, {},
+                                  std::make_shared<KindlessFileManager>(fileManager));
+    const auto before = folder.snapshot();
+    EXPECT_EQ(item.size(), (CleanableDataSize{2, 30}));
+    item.clean();
+    EXPECT_EQ(folder.snapshot(), before);
+}
+
+/** Stops at the n-th question. */
+std::shared_ptr<OperationControl> stoppingAt(int question) {
+    return std::make_shared<OperationControl>(
+        [question](const OperationProgress& /*done*/) mutable { return --question < 0; });
+}
+
+TEST_F(CleanableDirectoryTest, aSizeThatIsToldToStopSaysWhatItCounted) {
+    for (int question = 0; question < 4; ++question) {
+        const CleanableDirectory item(folder / "cache", true, {},
+                                      FileManager::forHome(folder.path(), stoppingAt(question)));
+        EXPECT_THROW(item.size(), OperationCancelled);
+    }
+    const auto control = stoppingAt(4);
+    const CleanableDirectory item(folder / "cache", true, {},
+                                  FileManager::forHome(folder.path(), control));
+    EXPECT_EQ(item.size(), (CleanableDataSize{2, 30}));
+    EXPECT_EQ(control->progress(), (OperationProgress{2, 30, 0}));
+}
+
+TEST_F(CleanableDirectoryTest, aCleanThatIsToldToStopDeletesNothingMoreAndCountsWhatWent) {
+    constexpr int count = 1000;
+    constexpr int stop = 400;
+    for (int number = 0; number < count; ++number) {
+        folder.write("many/" + std::to_string(number), "");
+    }
+    const auto control = stoppingAt(stop + 1);  // the first question comes before the first file
+    const CleanableDirectory item(folder / "many", true, {},
+                                  FileManager::forHome(folder.path(), control));
+    try {
+        item.clean();
+        FAIL() << "it was not stopped";
+    } catch (const OperationCancelled& cancelled) {
+        EXPECT_EQ(cancelled.progress().files, static_cast<std::uint64_t>(stop));
+    }
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder / "many"), fs::directory_iterator()),
+              count - stop);
+    EXPECT_THROW(item.size(), OperationCancelled);  // the answer is kept
 }
 
 /** Runs an operation with the n-th call failing, for every n until nothing fails any more. */

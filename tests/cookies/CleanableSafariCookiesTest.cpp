@@ -73,7 +73,7 @@ class UnableToChange final : public tests::ForwardingFileManager {
 public:
     using ForwardingFileManager::ForwardingFileManager;
     void replace(const fs::path& path, BytesView /*contents*/) const override { refuse(path); }
-    void remove(const fs::path& path) const override { refuse(path); }
+    void removeFile(const fs::path& path) const override { refuse(path); }
 
 private:
     static void refuse(const fs::path& path) {
@@ -186,6 +186,34 @@ TEST_F(CleanableSafariCookiesTest, countsOnlyTheBytesThatFilteringWouldSave) {
     const std::vector filters{since(150)};
     EXPECT_EQ(item().size(filters), (CleanableDataSize{1, bytes}));
     EXPECT_EQ(item().cleanAndReturnSize(filters), (CleanableDataSize{1, bytes}));
+}
+
+TEST_F(CleanableSafariCookiesTest, stopsBetweenTheFilesWhenItIsTold) {
+    const fs::path one = writeFirst(oldAndNew());
+    const fs::path two = writeSecond(onlyOld());
+    fillStorage();
+    const auto control = std::make_shared<OperationControl>(
+        [](const OperationProgress& done) { return done.files >= 1; });
+    const CleanableSafariCookies controlled(
+        Home::at(folder_.path(), control).withServices(services_));
+    EXPECT_EQ(controlled.size().itemCount, CleanableDataSize::Measurement(3));
+    EXPECT_EQ(control->progress().rows, 3U);
+    EXPECT_THROW(controlled.clean(), OperationCancelled);
+    EXPECT_FALSE(fs::exists(one));
+    EXPECT_TRUE(fs::exists(two));
+    EXPECT_EQ(storageDomains().size(), 2U);
+    EXPECT_THROW(controlled.size(), OperationCancelled);
+}
+
+TEST_F(CleanableSafariCookiesTest, aFileBehindALinkBelowTheLibraryIsNeitherDeletedNorRewritten) {
+    writeFirst(oldAndNew());
+    fs::rename(folder_ / "Library/Cookies", folder_ / "precious");
+    fs::create_directory_symlink(folder_ / "precious", folder_ / "Library/Cookies");
+    const auto before = folder_.snapshot();
+    item().clean();
+    item().clean(std::vector{since(150)});
+    EXPECT_EQ(log_.size(), 2U);
+    EXPECT_EQ(folder_.snapshot(), before);
 }
 
 TEST_F(CleanableSafariCookiesTest, deletesBothFilesWithoutFilters) {

@@ -35,18 +35,23 @@ CleanableDirectory itemOver(const fs::path& folder, std::shared_ptr<const FileMa
     return {folder, true, {}, std::move(manager)};
 }
 
-/** In another process: turns a folder of the cache into a link to a precious one, and back. */
-class Swapper {
+/** In another process: does something again and again, and a hundred thousand times for certain. */
+class Meddler {
 public:
-    Swapper(const fs::path& cache, const fs::path& precious) : process_(::fork()) {
+    /** One round, and whether it counts: each step may find the other process' work in its way. */
+    using Round = std::function<bool()>;
+
+    explicit Meddler(const Round& round) : process_(::fork()) {
         if (process_ == 0) {
-            swap(cache / "sub", cache / "aside", precious);
+            for (int rounds = 0; rounds < swapCount;) {
+                rounds += round() ? 1 : 0;
+            }
             ::_exit(0);
         }
     }
-    Swapper(const Swapper&) = delete;
-    Swapper& operator=(const Swapper&) = delete;
-    ~Swapper() {
+    Meddler(const Meddler&) = delete;
+    Meddler& operator=(const Meddler&) = delete;
+    ~Meddler() {
         if (process_ > 0) {
             ::kill(process_, SIGKILL);
             ::waitpid(process_, nullptr, 0);
@@ -64,48 +69,96 @@ public:
     bool endedWell() const noexcept { return endedWell_; }
 
 private:
-    // Each step may find the other process' work in its way, which is what the race is about.
-    static void swap(const fs::path& folder, const fs::path& aside, const fs::path& precious) {
-        const std::string file = (folder / "file").string();
-        for (int swaps = 0; swaps < swapCount;) {
-            ::mkdir(folder.c_str(), 0700);
-            ::close(::open(file.c_str(), O_CREAT | O_WRONLY | O_NOFOLLOW | O_EXCL, 0600));
-            ::rename(folder.c_str(), aside.c_str());
-            if (::symlink(precious.c_str(), folder.c_str()) == 0) {
-                ++swaps;
-                ::unlink(folder.c_str());
-            }
-            ::rename(aside.c_str(), folder.c_str());
-        }
-    }
-
     pid_t process_;
     bool endedWell_ = false;
 };
 
-TEST(Races, aFolderThatBecomesALinkWhileItIsCleanedLosesNothingBehindTheLink) {
-    const TemporaryFolder home(tests::folderInMemory());
-    for (int index = 0; index < preciousCount; ++index) {
-        home.write("precious/" + std::to_string(index), "kept");
+void makeFile(const fs::path& file) {
+    ::close(::open(file.c_str(), O_CREAT | O_WRONLY | O_NOFOLLOW | O_EXCL | O_CLOEXEC, 0600));
+}
+
+/** Puts a link in a folder's place, and takes it back. */
+bool becomesALinkAndBack(const fs::path& folder, const fs::path& target) {
+    const fs::path aside = folder.string() + " aside";
+    ::rename(folder.c_str(), aside.c_str());
+    const bool isLink = ::symlink(target.c_str(), folder.c_str()) == 0;
+    if (isLink) {
+        ::unlink(folder.c_str());
     }
-    home.write("precious/below/file", "kept");
-    const fs::path cache = home.makeFolder("cache");
-    const auto before = tests::filesBelow(home / "precious");
-    const auto item = itemOver(cache, tests::GuardedFileManager::forFixture(home));
-    Swapper swapper(cache, home / "precious");
-    std::size_t cleans = 0;
-    while (!swapper.hasEnded()) {
-        try {
-            item.clean();
-        } catch (const fs::filesystem_error&) {
-            continue;  // what was listed had become something else: the clean ends, by rule
+    ::rename(aside.c_str(), folder.c_str());
+    return isLink;
+}
+
+/** A home with something precious in it, for races over what must not be deleted. */
+class PreciousRaces : public testing::Test {
+protected:
+    void SetUp() override {
+        for (int index = 0; index < preciousCount; ++index) {
+            home.write("precious/" + std::to_string(index), "kept");
         }
-        ++cleans;
+        home.write("precious/below/file", "kept");
+        before_ = tests::filesBelow(home / "precious");
     }
-    EXPECT_TRUE(swapper.endedWell());
-    EXPECT_GT(cleans, 0U);
-    EXPECT_EQ(tests::differences(before, tests::filesBelow(home / "precious")),
-              std::vector<std::string>());
+
+    /** Does something until the other process has ended. By rule a step may end with an error. */
+    void raceAgainst(const Meddler::Round& round, const std::function<void()>& step) const {
+        Meddler meddler(round);
+        std::size_t successes = 0;
+        while (!meddler.hasEnded()) {
+            try {
+                step();
+            } catch (const fs::filesystem_error&) {
+                continue;
+            }
+            ++successes;
+        }
+        EXPECT_TRUE(meddler.endedWell());
+        EXPECT_GT(successes, 0U);
+        EXPECT_EQ(tests::differences(before_, tests::filesBelow(home / "precious")),
+                  std::vector<std::string>());
+    }
+
+    const TemporaryFolder home{tests::folderInMemory()};
+    const std::shared_ptr<const FileManager> manager = tests::GuardedFileManager::forFixture(home);
+
+private:
+    tests::Files before_;
+};
+
+TEST_F(PreciousRaces, aFolderThatBecomesALinkWhileItIsCleanedLosesNothingBehindTheLink) {
+    const fs::path cache = home.makeFolder("cache");
+    const auto item = itemOver(cache, manager);
+    const auto round = [this, folder = cache / "sub"] {
+        ::mkdir(folder.c_str(), 0700);
+        makeFile(folder / "file");
+        return becomesALinkAndBack(folder, home / "precious");
+    };
+    raceAgainst(round, [&item] { item.clean(); });
+}
+
+TEST_F(PreciousRaces, anAncestorThatBecomesALinkWhileAFolderIsCleanedLosesNothingBehindTheLink) {
+    const fs::path ancestor = home.makeFolder("Library/Caches/browser");
+    home.makeFolder("Library/Caches/browser/below");
+    const auto item = itemOver(ancestor / "below", manager);
+    const auto round = [this, ancestor] {
+        makeFile(ancestor / "below/file");
+        return becomesALinkAndBack(ancestor, home / "precious");
+    };
+    raceAgainst(round, [&item] { item.clean(); });
+}
+
+TEST_F(PreciousRaces, aFileThatAFolderTakesThePlaceOfIsDeletedAndTheFolderStays) {
+    const fs::path file = home.makeFolder("Library/Cookies") / "Cookies.binarycookies";
+    const fs::path aside = home / "Library/Cookies/aside";
+    const auto round = [this, file, aside] {
+        makeFile(file);
+        ::rename(file.c_str(), aside.c_str());
+        const bool isFolder = ::rename((home / "precious").c_str(), file.c_str()) == 0;
+        ::rename(file.c_str(), (home / "precious").c_str());
+        ::rename(aside.c_str(), file.c_str());
+        return isFolder;
+    };
+    raceAgainst(round, [&] { manager->removeFile(file); });
 }
 
 /** Makes folders within each other, by descriptor: no path reaches that far. */

@@ -128,11 +128,13 @@ TEST_F(FileManagerTest, replacingKeepsTheOwner) {
     EXPECT_EQ(status.st_gid, 54321U);
 }
 
-TEST_F(FileManagerTest, replacingThroughALinkKeepsTheLink) {
+TEST_F(FileManagerTest, aLinkIsNotReplacedAndNeitherIsWhatItLeadsTo) {
     folder.write("real/file", "old");
     fs::create_symlink("real/file", folder / "link");
-    manager->replace(folder / "link", bytes("new"));
-    EXPECT_EQ(folder.snapshot(), (Lines{"link -> real/file", "real/", "real/file: new"}));
+    const Lines before = folder.snapshot();
+    EXPECT_EQ(errorThrownBy([&] { manager->replace(folder / "link", bytes("new")); }),
+              std::errc::too_many_symbolic_link_levels);
+    EXPECT_EQ(folder.snapshot(), before);
 }
 
 TEST_F(FileManagerTest, replacingAMissingFileIsAnErrorAndMakesNone) {
@@ -159,6 +161,15 @@ TEST_F(FileManagerTest, aCopyHasTheContentsAndIsForTheUserAlone) {
     EXPECT_EQ(modeOf(folder / "copy"), 0600U);
 }
 
+TEST_F(FileManagerTest, aCopyThatIsToldToStopBeginsNone) {
+    folder.write("file", "x");
+    const auto stopped =
+        std::make_shared<OperationControl>([](const OperationProgress& /*done*/) { return true; });
+    const auto controlled = FileManager::forHome(folder.path(), stopped);
+    EXPECT_THROW(controlled->copy(folder / "file", folder / "copy"), OperationCancelled);
+    EXPECT_FALSE(fs::exists(folder / "copy"));
+}
+
 TEST_F(FileManagerTest, aCopyNeverOverwritesNorFollowsALink) {
     folder.write("file", "new");
     folder.write("existing", "old");
@@ -182,23 +193,55 @@ TEST_F(FileManagerTest, aCopyToAnotherFileSystemHasTheContents) {
     fs::remove(target);
 }
 
-TEST_F(FileManagerTest, removeTakesFilesTreesAndLinksButNotWhatLinksLeadTo) {
-    folder.write("tree/sub/file", "x");
+TEST_F(FileManagerTest, removingAFileTakesFilesAndLinksAndNeverAFolder) {
+    folder.write("file", "x");
     folder.write("keep/file", "x");
-    fs::create_directory_symlink(folder / "keep", folder / "tree/link");
     fs::create_directory_symlink(folder / "keep", folder / "link");
-    manager->remove(folder / "tree");
-    manager->remove(folder / "link");
+    manager->removeFile(folder / "file");
+    manager->removeFile(folder / "link");
     EXPECT_EQ(folder.snapshot(), (Lines{"keep/", "keep/file: x"}));
-    EXPECT_EQ(errorThrownBy([&] { manager->remove(folder / "tree"); }),
+    EXPECT_NE(errorThrownBy([&] { manager->removeFile(folder / "keep"); }), std::errc());
+    EXPECT_EQ(errorThrownBy([&] { manager->removeFile(folder / "file"); }),
               std::errc::no_such_file_or_directory);
+    EXPECT_EQ(folder.snapshot(), (Lines{"keep/", "keep/file: x"}));
 }
 
-TEST_F(FileManagerTest, createdDirectoriesAreForTheUserAloneAndNew) {
-    manager->createDirectory(folder / "a/b/private");
-    EXPECT_EQ(modeOf(folder / "a/b/private"), 0700U);
-    EXPECT_EQ(errorThrownBy([&] { manager->createDirectory(folder / "a/b/private"); }),
+TEST_F(FileManagerTest, aPathThatTheSystemWouldCutShortIsNotDeleted) {
+    folder.write("file", "x");
+    const std::string longer = (folder / "file").string() + std::string(1, '\0') + "x";
+    EXPECT_EQ(errorThrownBy([&] { manager->removeFile(longer); }), std::errc::invalid_argument);
+    EXPECT_EQ(folder.snapshot(), Lines{"file: x"});
+}
+
+TEST_F(FileManagerTest, onlyTemporaryFoldersOfItsOwnAreDeletedWhole) {
+    const std::string own = "browsersweep-0123456789abcdef0123456789abcdef";
+    folder.write("keep/file", "x");
+    folder.write(own + "/sub/deep/file", "x");
+    fs::create_directory_symlink(folder / "keep", folder / own / "link");
+    manager->removeTemporaryFolder(folder / own);
+    const Lines rest{"keep/", "keep/file: x"};
+    EXPECT_EQ(folder.snapshot(), rest);
+    for (const std::string& other :
+         {std::string("keep"), own + "0", std::string("browsersweep-")}) {
+        fs::create_directories(folder / other);
+        EXPECT_EQ(errorThrownBy([&] { manager->removeTemporaryFolder(folder / other); }),
+                  std::errc::invalid_argument);
+        EXPECT_TRUE(fs::exists(folder / other));
+    }
+    fs::create_directory_symlink(folder / "keep", folder / own);
+    EXPECT_EQ(errorThrownBy([&] { manager->removeTemporaryFolder(folder / own); }),
+              std::errc::invalid_argument);
+    EXPECT_TRUE(fs::exists(folder / "keep/file"));
+}
+
+TEST_F(FileManagerTest, createdDirectoriesAreForTheUserAloneAndNewAndNoneAboveThemIsMade) {
+    manager->createDirectory(folder / "private");
+    EXPECT_EQ(modeOf(folder / "private"), 0700U);
+    EXPECT_EQ(errorThrownBy([&] { manager->createDirectory(folder / "private"); }),
               std::errc::file_exists);
+    EXPECT_EQ(errorThrownBy([&] { manager->createDirectory(folder / "gone/below"); }),
+              std::errc::no_such_file_or_directory);
+    EXPECT_FALSE(fs::exists(folder / "gone"));
 }
 
 TEST_F(FileManagerTest, aHomeOfItsOwnHasNoSystemDirectories) {

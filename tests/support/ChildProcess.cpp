@@ -65,18 +65,16 @@ ChildProcess::~ChildProcess() {
     ::waitpid(process_, nullptr, 0);
 }
 
-int runAsOrdinaryUser(const std::function<void()>& body) {
+int runInProcess(const std::function<int()>& body) {
     std::fflush(nullptr);
     const pid_t process = ::fork();
     if (process == 0) {
         int status = 2;
         try {
-            if (becomesOrdinary()) {
-                body();
-                status = testing::Test::HasFailure() ? 1 : 0;
-            }
+            status = body();
+            status = status == 0 && testing::Test::HasFailure() ? 1 : status;
         } catch (const std::exception& error) {
-            std::fprintf(stderr, "the ordinary user's part failed: %s\n", error.what());
+            std::fprintf(stderr, "the part in another process failed: %s\n", error.what());
         }
         std::fflush(nullptr);
         ::_exit(status);
@@ -84,6 +82,16 @@ int runAsOrdinaryUser(const std::function<void()>& body) {
     int status = -1;
     ::waitpid(process, &status, 0);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+int runAsOrdinaryUser(const std::function<void()>& body) {
+    return runInProcess([&body] {
+        if (!becomesOrdinary()) {
+            return 2;
+        }
+        body();
+        return 0;
+    });
 }
 
 }  // namespace browsersweep::tests

@@ -26,6 +26,12 @@ private:
 };
 
 /**
+ * Runs a piece of a test in a process of its own. Returns what the piece returns, or 1 where that
+ * is 0 and something failed in it; what failed is printed by it. An exception is a 2.
+ */
+int runInProcess(const std::function<int()>& body);
+
+/**
  * Runs a piece of a test in a process of a user without rights, who is another than the present one
  * only where that is root. Returns 0 if nothing failed in it; what failed is printed by it.
  */

@@ -93,9 +93,14 @@ void FaultyFileManager::copy(const fs::path& from, const fs::path& to) const {
     ForwardingFileManager::copy(from, to);
 }
 
-void FaultyFileManager::remove(const fs::path& path) const {
-    count("remove", path);
-    ForwardingFileManager::remove(path);
+void FaultyFileManager::removeFile(const fs::path& path) const {
+    count("removeFile", path);
+    ForwardingFileManager::removeFile(path);
+}
+
+void FaultyFileManager::removeTemporaryFolder(const fs::path& path) const {
+    count("removeTemporaryFolder", path);
+    ForwardingFileManager::removeTemporaryFolder(path);
 }
 
 void FaultyFileManager::createDirectory(const fs::path& path) const {

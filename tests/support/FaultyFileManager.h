@@ -64,7 +64,8 @@ public:
     Bytes firstBytes(const std::filesystem::path& path, std::size_t length) const override;
     void replace(const std::filesystem::path& path, BytesView contents) const override;
     void copy(const std::filesystem::path& from, const std::filesystem::path& to) const override;
-    void remove(const std::filesystem::path& path) const override;
+    void removeFile(const std::filesystem::path& path) const override;
+    void removeTemporaryFolder(const std::filesystem::path& path) const override;
     void createDirectory(const std::filesystem::path& path) const override;
     std::unique_ptr<DirectoryEnumerator> enumerator(
         const std::filesystem::path& directory) const override;

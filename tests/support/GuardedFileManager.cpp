@@ -59,8 +59,12 @@ void GuardedFileManager::copy(const fs::path& from, const fs::path& to) const {
     ForwardingFileManager::copy(checked(from), checked(to));
 }
 
-void GuardedFileManager::remove(const fs::path& path) const {
-    ForwardingFileManager::remove(checked(path));
+void GuardedFileManager::removeFile(const fs::path& path) const {
+    ForwardingFileManager::removeFile(checked(path));
+}
+
+void GuardedFileManager::removeTemporaryFolder(const fs::path& path) const {
+    ForwardingFileManager::removeTemporaryFolder(checked(path));
 }
 
 void GuardedFileManager::createDirectory(const fs::path& path) const {

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "browsersweep/platform/FileManager.h"
+#include "browsersweep/platform/internal/TemporaryFolder.h"
 
 namespace browsersweep {
 
@@ -21,17 +22,13 @@ public:
      * begun.
      */
     TemporaryDatabaseCopy(const std::filesystem::path& database,
-                          std::shared_ptr<const FileManager> fileManager);
-    TemporaryDatabaseCopy(const TemporaryDatabaseCopy&) = delete;
-    TemporaryDatabaseCopy& operator=(const TemporaryDatabaseCopy&) = delete;
-    ~TemporaryDatabaseCopy();
+                          const std::shared_ptr<const FileManager>& fileManager);
 
     /** Where the copy lies. */
     const std::filesystem::path& path() const noexcept { return path_; }
 
 private:
-    std::shared_ptr<const FileManager> fileManager_;
-    std::filesystem::path folder_;
+    TemporaryFolder folder_;
     std::filesystem::path path_;
 };
 

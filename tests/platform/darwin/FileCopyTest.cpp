@@ -21,7 +21,7 @@ TEST(FileCopy, theCopyOfALockedFileIsNotLocked) {
     struct stat status {};
     ASSERT_EQ(::stat((folder / "copy").c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777U, 0600U);
-    manager->remove(folder / "copy");
+    manager->removeFile(folder / "copy");
     EXPECT_FALSE(std::filesystem::exists(folder / "copy"));
 }
 

@@ -103,7 +103,7 @@ TEST_F(RefusedSystemCalls, anOpenFileThatCannotBeExaminedIsNotRead) {
     EXPECT_EQ(failureWithout(refused, [&] { manager->contents(file); }), expected);
     EXPECT_EQ(failureWithout(refused, [&] { manager->firstBytes(file, 2); }), expected);
     EXPECT_EQ(failureWithout(refused, [&] { manager->copy(file, folder / "copy"); }), expected);
-    EXPECT_EQ(failureWithout(refused, [&] { manager->enumerator(folder.path()); }),
+    EXPECT_EQ(failureWithout({{SYS_statx, EIO}}, [&] { manager->enumerator(folder.path()); }),
               (Failure{"cannot examine directory", EIO}));
     EXPECT_FALSE(fs::exists(folder / "copy"));
 }
@@ -125,6 +125,20 @@ TEST_F(RefusedSystemCalls, aCopyThatTheKernelCannotMakeIsMadeThroughABuffer) {
                   Failure());
         EXPECT_EQ(tests::readFile(copy), large);
     }
+}
+
+TEST_F(RefusedSystemCalls, aCopyAsksBetweenItsPiecesWhetherToGoOn) {
+    const fs::path file = folder.write("file", std::string(2'000'000, 'x'));
+    const auto control = std::make_shared<OperationControl>(
+        [](const OperationProgress& done) { return done.bytes >= 1'000'000; });
+    const auto controlled = FileManager::forHome(folder.path(), control);
+    const std::vector<Refusal> refused{{SYS_ioctl, ENOTTY}, {SYS_copy_file_range, ENOSYS}};
+    tests::inOwnThread([&] {
+        ASSERT_TRUE(tests::refuse(refused));
+        EXPECT_THROW(controlled->copy(file, folder / "copy"), OperationCancelled);
+    });
+    EXPECT_GE(control->progress().bytes, 1'000'000U);
+    EXPECT_LT(control->progress().bytes, 2'000'000U);
 }
 
 TEST_F(RefusedSystemCalls, aCopyThatFailsWithinTheKernelOrTheBufferIsAnError) {
@@ -261,7 +275,7 @@ TEST_F(RefusedSystemCalls, aParentThatCannotBeOpenedAgainIsAnError) {
 TEST_F(RefusedSystemCalls, aParentThatCannotBeExaminedAgainIsAnError) {
     tests::inOwnThread([&] {
         const DeepWalk deep(folder);
-        ASSERT_TRUE(tests::refuse(statusOfOpenFiles(EIO)));
+        ASSERT_TRUE(tests::refuse({{SYS_statx, EIO}}));
         EXPECT_EQ(failureOf([&] { deep.finish(); }), (Failure{"cannot return to directory", EIO}));
     });
 }

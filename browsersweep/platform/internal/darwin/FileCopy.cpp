@@ -49,9 +49,9 @@ bool clone(const FileDescriptor& source, const std::filesystem::path& to) noexce
 
 /** Whatever stands in a clone's way, the plain copy either does without or says why it cannot. */
 void copyFile(const FileDescriptor& source, const std::filesystem::path& from,
-              const std::filesystem::path& to) {
+              const std::filesystem::path& to, OperationControl* control) {
     if (!clone(source, to)) {
-        copyThroughBuffer(source, from, createPrivateFile(to), to);
+        copyThroughBuffer(source, from, createPrivateFile(to), to, control);
     }
 }
 

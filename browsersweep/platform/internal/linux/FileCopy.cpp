@@ -18,7 +18,8 @@ namespace {
 /** What the kernel says where it cannot copy between these two files by itself. */
 constexpr std::array cannotCopyErrors{EXDEV, EOPNOTSUPP, EINVAL, ENOSYS, EPERM, EBADF};
 
-constexpr std::size_t pieceSize = std::size_t{1} << 30;
+/** Small enough for a slow disk to be done with while somebody waits. */
+constexpr std::size_t pieceSize = std::size_t{16} << 20;
 
 bool clone(const FileDescriptor& source, const FileDescriptor& target) noexcept {
     return ::ioctl(target.number(), FICLONE, source.number()) == 0;
@@ -26,7 +27,7 @@ bool clone(const FileDescriptor& source, const FileDescriptor& target) noexcept 
 
 /** Copies inside the kernel. False where it cannot: both files then stand where it stopped. */
 bool copyInKernel(const FileDescriptor& source, const FileDescriptor& target,
-                  const std::filesystem::path& to) {
+                  const std::filesystem::path& to, OperationControl* control) {
     while (true) {
         const auto count = restarting([&] {
             return ::copy_file_range(source.number(), nullptr, target.number(), nullptr, pieceSize,
@@ -42,16 +43,17 @@ bool copyInKernel(const FileDescriptor& source, const FileDescriptor& target,
             }
             throwSystemError("cannot copy", to);
         }
+        tellOfPiece(static_cast<std::uint64_t>(count), control);
     }
 }
 
 }  // namespace
 
 void copyFile(const FileDescriptor& source, const std::filesystem::path& from,
-              const std::filesystem::path& to) {
+              const std::filesystem::path& to, OperationControl* control) {
     const FileDescriptor target = createPrivateFile(to);
-    if (!clone(source, target) && !copyInKernel(source, target, to)) {
-        copyThroughBuffer(source, from, target, to);
+    if (!clone(source, target) && !copyInKernel(source, target, to, control)) {
+        copyThroughBuffer(source, from, target, to, control);
     }
 }
 

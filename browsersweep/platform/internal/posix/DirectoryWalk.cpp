@@ -6,7 +6,6 @@
 #include <utility>
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include "browsersweep/platform/internal/posix/SystemCalls.h"
@@ -20,14 +19,26 @@ constexpr std::size_t maximumOpenDirectories = 32;
 constexpr int openFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
 
 /**
- * Errors that say something of the directory itself: there is nothing to see for this user. The
- * last one stands for a folder whose contents lie in the cloud.
+ * Errors that say something of the directory itself: there is nothing to see for this user. EDEADLK
+ * stands for a folder whose contents lie in the cloud.
  */
-constexpr std::array unseenDirectoryErrors{EACCES, EPERM, ENOENT, ENOTDIR, ELOOP, EDEADLK};
+constexpr std::array unseenDirectoryErrors{EACCES, EPERM, ENOENT, ENOTDIR, ELOOP, EXDEV, EDEADLK};
 
 bool meansUnseen(int error) noexcept {
     return std::find(unseenDirectoryErrors.begin(), unseenDirectoryErrors.end(), error) !=
            unseenDirectoryErrors.end();
+}
+
+/** Null for what is only not there, or not to be seen. */
+const char* reasonToLeaveOut(int error) noexcept {
+    switch (error) {
+        case ELOOP:
+            return "it is a link";
+        case EXDEV:
+            return "another disk or folder is mounted there";
+        default:
+            return nullptr;
+    }
 }
 
 FileDescriptor openDirectory(int parent, const char* name, int extraFlags) noexcept {
@@ -52,19 +63,41 @@ const char* DirectoryWalk::PendingNames::take() noexcept {
     return name;
 }
 
-std::unique_ptr<DirectoryWalk> DirectoryWalk::start(const std::filesystem::path& root) {
-    FileDescriptor descriptor = openDirectory(AT_FDCWD, root.c_str(), 0);
-    if (!descriptor) {
-        if (meansUnseen(errno)) {
-            return nullptr;
+std::unique_ptr<DirectoryWalk> DirectoryWalk::start(
+    const std::filesystem::path& root, const Gate& gate,
+    const std::shared_ptr<OperationControl>& control) {
+    try {
+        return std::make_unique<DirectoryWalk>(root, gate.openFolder(root), control);
+    } catch (const std::filesystem::filesystem_error& error) {
+        const int code = error.code().value();
+        if (!meansUnseen(code)) {
+            throw;
         }
-        throwSystemError("cannot open directory", root);
+        const char* const reason = reasonToLeaveOut(code);
+        if (control && reason != nullptr) {
+            control->leaveOut({error.path1(), reason});
+        }
+        return nullptr;
     }
-    return std::make_unique<DirectoryWalk>(root, std::move(descriptor));
 }
 
-DirectoryWalk::DirectoryWalk(std::filesystem::path root, FileDescriptor descriptor)
-    : root_(std::move(root)) {
+void DirectoryWalk::removeTree(const std::filesystem::path& root, const Gate& gate) {
+    const FileDescriptor parent = gate.openParent(root);
+    DirectoryWalk walk(root, gate.openFolder(root), nullptr);
+    walk.removesDirectories_ = true;
+    while (walk.next()) {
+        if (walk.isDirectory() != true) {
+            walk.remove();
+        }
+    }
+    if (::unlinkat(parent.number(), entryName(root).c_str(), AT_REMOVEDIR) != 0) {
+        throwSystemError("cannot delete", root);
+    }
+}
+
+DirectoryWalk::DirectoryWalk(std::filesystem::path root, FileDescriptor descriptor,
+                             std::shared_ptr<OperationControl> control)
+    : root_(std::move(root)), control_(std::move(control)) {
     enter(std::move(descriptor), {});
 }
 
@@ -109,13 +142,18 @@ void DirectoryWalk::learnKind() {
 }
 
 void DirectoryWalk::enter(FileDescriptor descriptor, std::string name) {
-    struct stat identity {};
-    if (::fstat(descriptor.number(), &identity) != 0) {
+    const auto identity = folderIdentity(descriptor);
+    if (!identity) {
         throwSystemError("cannot examine directory", path(name));
     }
+    if (!levels_.empty() && identity->mount != levels_.back().identity.mount) {
+        if (control_) {
+            control_->leaveOut({path(name), reasonToLeaveOut(EXDEV)});
+        }
+        return;
+    }
     listing_.start(descriptor.number());
-    levels_.push_back(
-        {std::move(descriptor), identity.st_dev, identity.st_ino, std::move(name), {}});
+    levels_.push_back({std::move(descriptor), *identity, std::move(name), {}});
     closeFarAncestor();
     isListing_ = true;
 }
@@ -138,8 +176,15 @@ bool DirectoryWalk::enterNextSubdirectory() {
 void DirectoryWalk::leave() {
     const Level child = std::move(levels_.back());
     levels_.pop_back();
-    if (!levels_.empty() && !levels_.back().descriptor) {
+    if (levels_.empty()) {
+        return;
+    }
+    if (!levels_.back().descriptor) {
         reopenParent(child, levels_.back());
+    }
+    if (removesDirectories_ &&
+        ::unlinkat(levels_.back().descriptor.number(), child.name.c_str(), AT_REMOVEDIR) != 0) {
+        throwSystemError("cannot delete", path(child.name));
     }
 }
 
@@ -152,11 +197,11 @@ void DirectoryWalk::closeFarAncestor() noexcept {
 /** Back up through "..", and only to the very directory that was left. */
 void DirectoryWalk::reopenParent(const Level& child, Level& parent) const {
     FileDescriptor descriptor = openDirectory(child.descriptor.number(), "..", O_NOFOLLOW);
-    struct stat identity {};
-    if (!descriptor || ::fstat(descriptor.number(), &identity) != 0) {
+    const auto identity = descriptor ? folderIdentity(descriptor) : std::nullopt;
+    if (!identity) {
         throwSystemError("cannot return to directory", path());
     }
-    if (identity.st_dev != parent.device || identity.st_ino != parent.inode) {
+    if (*identity != parent.identity) {
         throwSystemError("directory was moved while it was read", path(), ESTALE);
     }
     parent.descriptor = std::move(descriptor);
@@ -178,6 +223,9 @@ std::optional<bool> DirectoryWalk::isDirectory() {
 }
 
 std::optional<std::uint64_t> DirectoryWalk::fileSize() {
+    if (entry_->isDirectory == true) {
+        return std::nullopt;
+    }
     const auto found = status(StatusFields::kindAndSize);
     if (!found && errno != ENOENT) {
         throwSystemError("cannot examine", path(name()));

@@ -8,28 +8,37 @@
 #include <string_view>
 #include <vector>
 
-#include <sys/types.h>
-
 #include "browsersweep/platform/FileManager.h"
 #include "browsersweep/platform/internal/posix/DirectoryListing.h"
 #include "browsersweep/platform/internal/posix/EntryStatus.h"
 #include "browsersweep/platform/internal/posix/FileDescriptor.h"
+#include "browsersweep/platform/internal/posix/FolderIdentity.h"
+#include "browsersweep/platform/internal/posix/Gate.h"
 
 namespace browsersweep::posix {
 
 /**
  * The deep walk, on descriptors. Each directory is opened from its parent's descriptor without
  * following links, and entries are examined and deleted relative to it: a folder that is swapped
- * for a link in mid-walk is not entered, and no path is resolved per file. The files of a directory
- * come first, then its subdirectories one by one; depth costs heap, not stack, and however deep the
- * tree is, no more than a fixed number of directories are open at once.
+ * for a link in mid-walk is not entered, nor is one on another mount, and no path is resolved per
+ * file. The files of a directory come first, then its subdirectories one by one; depth costs heap,
+ * not stack, and however deep the tree is, no more than a fixed number of directories are open at
+ * once.
  */
 class DirectoryWalk : public DirectoryEnumerator {
 public:
-    /** Nothing where the directory may not be opened or is gone. Throws `filesystem_error`. */
-    static std::unique_ptr<DirectoryWalk> start(const std::filesystem::path& root);
+    /**
+     * Nothing where the directory may not be opened or is gone, or where the gate refuses it; the
+     * control, which may be null, is told of what is not entered. Throws `filesystem_error`.
+     */
+    static std::unique_ptr<DirectoryWalk> start(const std::filesystem::path& root, const Gate& gate,
+                                                const std::shared_ptr<OperationControl>& control);
 
-    DirectoryWalk(std::filesystem::path root, FileDescriptor descriptor);
+    /** Deletes a directory with all it holds on its mount. Throws `filesystem_error`. */
+    static void removeTree(const std::filesystem::path& root, const Gate& gate);
+
+    DirectoryWalk(std::filesystem::path root, FileDescriptor descriptor,
+                  std::shared_ptr<OperationControl> control);
 
     bool next() override;
     std::string_view name() const noexcept override { return entry_->name; }
@@ -51,8 +60,7 @@ private:
     /** A directory on the way from the root to the one that is being listed. */
     struct Level {
         FileDescriptor descriptor;  ///< closed while too many directories are open below it
-        dev_t device = 0;
-        ino_t inode = 0;
+        FolderIdentity identity;
         std::string name;
         PendingNames subdirectories;
     };
@@ -68,12 +76,14 @@ private:
     std::filesystem::path path(std::string_view entryName = {}) const;
 
     std::filesystem::path root_;
+    std::shared_ptr<OperationControl> control_;
     std::vector<Level> levels_;
     DirectoryListing listing_;
     std::optional<ListedEntry> entry_;
     std::optional<EntryStatus> status_;
     StatusFields statusFields_ = StatusFields::kindAndSize;
     bool isListing_ = false;
+    bool removesDirectories_ = false;
 };
 
 }  // namespace browsersweep::posix

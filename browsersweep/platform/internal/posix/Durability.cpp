@@ -2,18 +2,16 @@
 
 #include <cerrno>
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include "browsersweep/platform/internal/posix/SystemCalls.h"
 
 namespace browsersweep::posix {
 
-void syncDirectory(const std::filesystem::path& directory) {
-    const FileDescriptor opened = openFile(directory, O_RDONLY | O_DIRECTORY);
-    const bool failed = restarting([&] { return ::fsync(opened.number()); }) != 0;
+void syncDirectory(const FileDescriptor& directory, const std::filesystem::path& path) {
+    const bool failed = restarting([&] { return ::fsync(directory.number()); }) != 0;
     if (failed && errno != EINVAL && errno != ENOTSUP) {
-        throwSystemError("cannot sync directory", directory);
+        throwSystemError("cannot sync directory", path);
     }
 }
 

@@ -13,6 +13,6 @@ void syncFile(const FileDescriptor& file, const std::filesystem::path& path);
  * Makes a directory's entries reach the disk. File systems that cannot do it for directories say so
  * with EINVAL or ENOTSUP, which is no failure.
  */
-void syncDirectory(const std::filesystem::path& directory);
+void syncDirectory(const FileDescriptor& directory, const std::filesystem::path& path);
 
 }  // namespace browsersweep::posix

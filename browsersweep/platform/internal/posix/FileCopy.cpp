@@ -19,10 +19,19 @@ FileDescriptor createPrivateFile(const std::filesystem::path& path) {
 }
 
 void copyThroughBuffer(const FileDescriptor& source, const std::filesystem::path& from,
-                       const FileDescriptor& target, const std::filesystem::path& to) {
+                       const FileDescriptor& target, const std::filesystem::path& to,
+                       OperationControl* control) {
     Bytes buffer(bufferSize);
     while (const std::size_t count = readSome(source, buffer, from)) {
         writeAll(target, std::span(buffer).first(count), to);
+        tellOfPiece(count, control);
+    }
+}
+
+void tellOfPiece(std::uint64_t bytes, OperationControl* control) {
+    if (control != nullptr) {
+        control->count({0, bytes, 0});
+        control->continueOrThrow();
     }
 }
 

@@ -1,57 +1,102 @@
 #include "browsersweep/platform/internal/posix/FileReplacement.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <utility>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "browsersweep/platform/internal/UniqueString.h"
 #include "browsersweep/platform/internal/posix/Durability.h"
-#include "browsersweep/platform/internal/posix/FileCopy.h"
+#include "browsersweep/platform/internal/posix/ExtendedAttributes.h"
 #include "browsersweep/platform/internal/posix/SystemCalls.h"
 
 namespace browsersweep::posix {
 namespace {
 
-/** A file that is deleted again unless it was moved into its place. */
+/** The file that is to be replaced: its folder, its name there, and the file itself. */
+struct OldFile {
+    std::filesystem::path path;
+    FileDescriptor folder;
+    std::string name;
+    FileDescriptor file;
+    struct stat status {};
+};
+
+FileDescriptor openWithin(const FileDescriptor& folder, const std::string& name, int flags,
+                          const std::filesystem::path& path) {
+    FileDescriptor file(restarting([&] {
+        return ::openat(folder.number(), name.c_str(), flags | O_NOFOLLOW | O_CLOEXEC,
+                        S_IRUSR | S_IWUSR);
+    }));
+    if (!file) {
+        throwSystemError("cannot open", path);
+    }
+    return file;
+}
+
+OldFile openOld(const std::filesystem::path& path, const Gate& gate) {
+    FileDescriptor folder = gate.openParent(path);
+    std::string name = entryName(path).string();
+    FileDescriptor file = openWithin(folder, name, O_RDONLY | O_NONBLOCK, path);
+    struct stat status {};
+    if (::fstat(file.number(), &status) != 0) {
+        throwSystemError("cannot examine", path);
+    }
+    if (!S_ISREG(status.st_mode)) {
+        throwSystemError("not a regular file", path, S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
+    }
+    return {path, std::move(folder), std::move(name), std::move(file), status};
+}
+
+/** A file beside the old one that is deleted again unless it was moved into its place. */
 class NewFile {
 public:
-    explicit NewFile(std::filesystem::path path)
-        : path_(std::move(path)), file_(createPrivateFile(path_)) {}
+    explicit NewFile(const OldFile& old)
+        : old_(old),
+          name_("." + old.name + "." + uniqueString()),
+          path_(old.path.parent_path() / name_),
+          file_(openWithin(old.folder, name_, O_WRONLY | O_CREAT | O_EXCL, path_)) {}
     NewFile(const NewFile&) = delete;
     NewFile& operator=(const NewFile&) = delete;
     ~NewFile() {
         if (!isInPlace_) {
-            ::unlink(path_.c_str());
+            ::unlinkat(old_.folder.number(), name_.c_str(), 0);
         }
     }
 
     void fill(BytesView contents) const { writeAll(file_, contents, path_); }
 
-    void adoptModeAndOwner(const struct stat& old) const {
+    void adoptOwnerModeAndAttributes() const {
         struct stat own {};
         if (::fstat(file_.number(), &own) != 0) {
             throwSystemError("cannot examine", path_);
         }
+        const struct stat& old = old_.status;
         const bool sameOwner = own.st_uid == old.st_uid && own.st_gid == old.st_gid;
         if (!sameOwner && ::fchown(file_.number(), old.st_uid, old.st_gid) != 0) {
             throwSystemError("cannot keep the owner of", path_);
         }
+        copyExtendedAttributes(old_.file, file_, path_);
         if (::fchmod(file_.number(), old.st_mode & static_cast<mode_t>(~S_IFMT)) != 0) {
             throwSystemError("cannot keep the mode of", path_);
         }
     }
 
-    void moveTo(const std::filesystem::path& path) {
+    void moveIntoPlace() {
         syncFile(file_, path_);
-        if (std::rename(path_.c_str(), path.c_str()) != 0) {
-            throwSystemError("cannot replace", path);
+        const int folder = old_.folder.number();
+        if (::renameat(folder, name_.c_str(), folder, old_.name.c_str()) != 0) {
+            throwSystemError("cannot replace", old_.path);
         }
         isInPlace_ = true;
     }
 
 private:
+    const OldFile& old_;
+    std::string name_;
     std::filesystem::path path_;
     FileDescriptor file_;
     bool isInPlace_ = false;
@@ -59,17 +104,14 @@ private:
 
 }  // namespace
 
-void replaceFile(const std::filesystem::path& path, BytesView contents) {
-    const std::filesystem::path target = std::filesystem::canonical(path);
-    struct stat old {};
-    if (::stat(target.c_str(), &old) != 0) {
-        throwSystemError("cannot examine", target);
-    }
-    NewFile file(target.parent_path() / ("." + target.filename().string() + "." + uniqueString()));
+void replaceFile(const std::filesystem::path& path, BytesView contents, const Gate& gate) {
+    const OldFile old = openOld(path, gate);
+    NewFile file(old);
     file.fill(contents);
-    file.adoptModeAndOwner(old);
-    file.moveTo(target);
-    syncDirectory(target.parent_path());
+    file.adoptOwnerModeAndAttributes();
+    file.moveIntoPlace();
+    syncDirectory(openWithin(old.folder, ".", O_RDONLY | O_DIRECTORY, path.parent_path()),
+                  path.parent_path());
 }
 
 }  // namespace browsersweep::posix

@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "browsersweep/platform/internal/TemporaryFolder.h"
 #include "browsersweep/platform/internal/posix/DirectoryWalk.h"
 #include "browsersweep/platform/internal/posix/FileCopy.h"
 #include "browsersweep/platform/internal/posix/FileReplacement.h"
@@ -81,25 +82,38 @@ Bytes PosixFileManager::firstBytes(const std::filesystem::path& path, std::size_
 }
 
 void PosixFileManager::replace(const std::filesystem::path& path, BytesView contents) const {
-    replaceFile(path, contents);
+    replaceFile(path, contents, gate());
 }
 
 void PosixFileManager::copy(const std::filesystem::path& from,
                             const std::filesystem::path& to) const {
     struct stat status {};
-    copyFile(openRegularFile(from, status), from, to);
+    const FileDescriptor source = openRegularFile(from, status);
+    continueOrThrow(control_.get());
+    copyFile(source, from, to, control_.get());
 }
 
-void PosixFileManager::remove(const std::filesystem::path& path) const {
-    if (std::filesystem::remove_all(path) == 0) {
-        throwSystemError("cannot delete", path, ENOENT);
+void PosixFileManager::removeFile(const std::filesystem::path& path) const {
+    const FileDescriptor folder = gate().openParent(path);
+    if (::unlinkat(folder.number(), entryName(path).c_str(), 0) != 0) {
+        throwSystemError("cannot delete", path);
     }
+}
+
+void PosixFileManager::removeTemporaryFolder(const std::filesystem::path& path) const {
+    struct stat status {};
+    if (::lstat(path.c_str(), &status) != 0) {
+        throwSystemError("cannot delete", path);
+    }
+    const bool isOwn = isTemporaryFolderName(entryName(path).string()) && S_ISDIR(status.st_mode) &&
+                       status.st_uid == ::geteuid();
+    if (!isOwn) {
+        throwSystemError("not a temporary folder of this program's", path, EINVAL);
+    }
+    DirectoryWalk::removeTree(path, gate());
 }
 
 void PosixFileManager::createDirectory(const std::filesystem::path& path) const {
-    if (path.has_parent_path()) {
-        std::filesystem::create_directories(path.parent_path());
-    }
     if (::mkdir(path.c_str(), S_IRWXU) != 0) {
         throwSystemError("cannot create directory", path);
     }
@@ -121,9 +135,14 @@ std::vector<std::filesystem::path> PosixFileManager::directories(
     return systemDirectories(directory);
 }
 
+Gate PosixFileManager::gate() const {
+    const auto answers = directories(SearchPathDirectory::library);
+    return Gate(answers.empty() ? homeDirectory() / "Library" : answers.front());
+}
+
 std::unique_ptr<DirectoryEnumerator> PosixFileManager::enumerator(
     const std::filesystem::path& directory) const {
-    return DirectoryWalk::start(directory);
+    return DirectoryWalk::start(directory, gate(), control_);
 }
 
 }  // namespace browsersweep::posix

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "browsersweep/platform/FileManager.h"
+#include "browsersweep/platform/internal/posix/Gate.h"
 
 namespace browsersweep::posix {
 
@@ -25,7 +26,8 @@ public:
     Bytes firstBytes(const std::filesystem::path& path, std::size_t count) const override;
     void replace(const std::filesystem::path& path, BytesView contents) const override;
     void copy(const std::filesystem::path& from, const std::filesystem::path& to) const override;
-    void remove(const std::filesystem::path& path) const override;
+    void removeFile(const std::filesystem::path& path) const override;
+    void removeTemporaryFolder(const std::filesystem::path& path) const override;
     void createDirectory(const std::filesystem::path& path) const override;
     std::filesystem::path temporaryDirectory() const override;
     std::filesystem::path homeDirectory() const override;
@@ -34,6 +36,8 @@ public:
         const std::filesystem::path& directory) const override;
 
 private:
+    Gate gate() const;
+
     std::optional<std::filesystem::path> home_;
     std::shared_ptr<OperationControl> control_;
 };
