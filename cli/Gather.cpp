@@ -60,15 +60,26 @@ BrowsersReport gatherBrowsers(const Options& options, const CleanerFactory& clea
 }
 
 ProfileRow rowOf(const BrowserProfile& profile) {
-    return {profile.name(), profile.isPrimary()};
+    return {profile.name(), profile.isPrimary(), profile.folder()};
+}
+
+/** Whether a profile is selected; one that is, and is left out, is added to the list. */
+bool selects(const Options& options, const BrowserProfile& profile,
+             std::vector<LeftOutProfile>& leftOut) {
+    const bool isSelected = options.selection.includes(profile);
+    const auto reason = isSelected ? profile.leftOutReason() : std::nullopt;
+    if (reason) {
+        leftOut.push_back({rowOf(profile), *reason});
+    }
+    return isSelected;
 }
 
 /** The selected profiles of a browser, in the reader's order. */
-std::vector<std::shared_ptr<const BrowserProfile>> selectedProfiles(const Options& options,
-                                                                    const BrowserCleaner& cleaner) {
+std::vector<std::shared_ptr<const BrowserProfile>> selectedProfiles(
+    const Options& options, const BrowserCleaner& cleaner, std::vector<LeftOutProfile>& leftOut) {
     std::vector<std::shared_ptr<const BrowserProfile>> selected;
     for (auto& profile : cleaner.profileReader().profiles()) {
-        if (options.selection.includes(*profile)) {
+        if (selects(options, *profile, leftOut)) {
             selected.push_back(std::move(profile));
         }
     }
@@ -80,24 +91,26 @@ ProfilesReport gatherProfiles(const Options& options, const CleanerFactory& clea
     return {forEachBrowser<BrowserProfiles>(
         options, cleanerOf, observer, [&](BrowserProfiles& row, const BrowserCleaner& cleaner) {
             row.error = attempt(observer, [&] {
-                for (const auto& profile : selectedProfiles(options, cleaner)) {
+                for (const auto& profile : selectedProfiles(options, cleaner, row.leftOut)) {
                     row.profiles.push_back(rowOf(*profile));
                 }
             });
         })};
 }
 
-ProfilePredicate predicateOf(const Options& options) {
-    return
-        [&options](const BrowserProfile& profile) { return options.selection.includes(profile); };
+ProfilePredicate predicateOf(const Options& options, std::vector<LeftOutProfile>& leftOut) {
+    return [&options, &leftOut](const BrowserProfile& profile) {
+        return selects(options, profile, leftOut);
+    };
 }
 
 BookmarksReport gatherBookmarks(const Options& options, const CleanerFactory& cleanerOf,
                                 Observer& observer) {
     return {forEachBrowser<BrowserBookmarks>(
         options, cleanerOf, observer, [&](BrowserBookmarks& row, const BrowserCleaner& cleaner) {
-            row.error =
-                attempt(observer, [&] { row.bookmarks = cleaner.bookmarks(predicateOf(options)); });
+            row.error = attempt(observer, [&] {
+                row.bookmarks = cleaner.bookmarks(predicateOf(options, row.leftOut));
+            });
         })};
 }
 
@@ -120,7 +133,7 @@ NotificationsReport gatherNotifications(const Options& options, const CleanerFac
         options, cleanerOf, observer,
         [&](BrowserNotifications& row, const BrowserCleaner& cleaner) {
             row.error = attempt(observer, [&] {
-                for (const auto& profile : selectedProfiles(options, cleaner)) {
+                for (const auto& profile : selectedProfiles(options, cleaner, row.leftOut)) {
                     row.profiles.push_back(subscriptionsOf(*profile, observer));
                 }
             });
@@ -135,7 +148,8 @@ public:
 
     void fill(BrowserSizes& row, const BrowserCleaner& cleaner) const {
         std::vector<SweepItem> items;
-        row.error = attempt(observer_, [&] { items = sweepItems(cleaner, predicateOf(options_)); });
+        row.error = attempt(
+            observer_, [&] { items = sweepItems(cleaner, predicateOf(options_, row.leftOut)); });
         if (row.error) {
             return;
         }
@@ -174,6 +188,7 @@ private:
             items.begin(), items.end(),
             [](const SweepItem& item) { return item.data->requiresClosedBrowserToClean(); });
         part.error = attempt(observer_, [&] { sweep(items, part.size); });
+        part.leftOut = observer_.takeLeftOut();
         return part;
     }
 
@@ -207,6 +222,7 @@ private:
                 return item.profile != begin->profile;
             });
             const auto part = sizeOf(category, Items(begin, end));
+            all.leftOut.insert(all.leftOut.end(), part.leftOut.begin(), part.leftOut.end());
             all.requiresClosedBrowserToClean |= part.requiresClosedBrowserToClean;
             all.error = all.error ? all.error : part.error;
             all.size = *all.size + part.size.value_or(CleanableDataSize::zero);
@@ -276,6 +292,10 @@ SizesReport gatherSizes(const Options& options, Measure measure, const CleanerFa
 }  // namespace
 
 Observer::~Observer() = default;
+
+std::vector<LeftOutFolder> Observer::takeLeftOut() {
+    return {};
+}
 
 SizesReport preview(const Options& options, const CleanerFactory& cleanerOf, Observer& observer) {
     return gatherSizes(options, Measure::wouldBeRemoved, cleanerOf, observer);

@@ -60,7 +60,8 @@ options
   --html FILE           size: write a page with charts and a table to FILE as well
   --dry-run             clean: say what would be removed and delete nothing
   --yes                 clean: do not ask (needed when standard input is no terminal)
-  --force               clean: go on although a selected browser seems to be running
+  --force               clean: go on although a selected browser seems to be running, or the home
+                        is another user's
   --json                machine output on standard output
   -h, --help            this text
   --version             the version

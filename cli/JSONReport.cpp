@@ -44,13 +44,24 @@ JSON toJSON(const BrowsersReport& report) {
 }
 
 JSON toJSON(const ProfileRow& profile) {
-    return {{"name", orNull(profile.name)}, {"isPrimary", profile.isPrimary}};
+    return {{"name", orNull(profile.name)},
+            {"isPrimary", profile.isPrimary},
+            {"folder", orNull(profile.folder)}};
+}
+
+JSON toJSON(const std::vector<LeftOutProfile>& leftOut) {
+    return listOf(leftOut, [](const LeftOutProfile& each) {
+        return JSON{{"name", orNull(each.profile.name)},
+                    {"folder", orNull(each.profile.folder)},
+                    {"why", each.why}};
+    });
 }
 
 JSON toJSON(const ProfilesReport& report) {
     return {{"browsers", listOf(report.browsers, [](const BrowserProfiles& row) {
                  return JSON{{"browser", rawValue(row.browser)},
                              {"error", orNull(row.error)},
+                             {"leftOut", toJSON(row.leftOut)},
                              {"profiles", listOf(row.profiles, [](const ProfileRow& profile) {
                                   return toJSON(profile);
                               })}};
@@ -69,6 +80,7 @@ JSON toJSON(const BrowserSizes& row, const char* sizeKey) {
             {"error", orNull(row.error)},
             {sizeKey, toJSON(row.size)},
             {"requiresClosedBrowserToClean", row.requiresClosedBrowserToClean},
+            {"leftOut", toJSON(row.leftOut)},
             {"categories", listOf(row.categories, [sizeKey](const CategorySize& part) {
                  return toJSON(part, sizeKey);
              })}};
@@ -90,6 +102,7 @@ JSON toJSON(const BookmarksReport& report) {
     return {{"browsers", listOf(report.browsers, [](const BrowserBookmarks& row) {
                  return JSON{{"browser", rawValue(row.browser)},
                              {"error", orNull(row.error)},
+                             {"leftOut", toJSON(row.leftOut)},
                              {"bookmarks", listOf(row.bookmarks, [](const Bookmark& bookmark) {
                                   return JSON{{"name", orNull(bookmark.name)},
                                               {"url", bookmark.url.absoluteString()}};
@@ -114,6 +127,7 @@ JSON toJSON(const NotificationsReport& report) {
                  return JSON{
                      {"browser", rawValue(row.browser)},
                      {"error", orNull(row.error)},
+                     {"leftOut", toJSON(row.leftOut)},
                      {"profiles", listOf(row.profiles, [](const ProfileSubscriptions& part) {
                           return toJSON(part);
                       })}};

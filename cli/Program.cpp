@@ -12,12 +12,15 @@
 
 #include <fmt/chrono.h>
 #include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "browsersweep/catalogue/BrowserCleaners.h"
 #include "browsersweep/home/Home.h"
 #include "browsersweep/hosting/RunningBrowsers.h"
 
 #include "cli/Appearance.h"
+#include "cli/BoundedFileManager.h"
 #include "cli/Console.h"
 #include "cli/Doctor.h"
 #include "cli/ErrorText.h"
@@ -60,7 +63,9 @@ class Run {
 public:
     explicit Run(Options options)
         : options_(std::move(options)),
-          home_(options_.home ? Home::at(*options_.home, control_) : Home::current(control_)) {}
+          home_(std::make_shared<BoundedFileManager>(
+              options_.home ? FileManager::forHome(*options_.home, control_)
+                            : FileManager::controlledBy(control_))) {}
 
     int execute() {
         if (options_.home && !isHomeThere()) {
@@ -73,7 +78,11 @@ public:
         if (options_.html) {
             page.emplace(*options_.html);
         }
+        // A run that was killed leaves copies of private databases behind; an empty folder stays
+        // where the library could not make one.
+        home_.fileManager()->removeStaleTemporaryFolders();
         const Report report = gatherWithProgress();
+        home_.fileManager()->removeStaleTemporaryFolders();
         const bool isPageWritten = !page || writePage(report, *page);
         const auto signal = interruption_.take();
         interruption_.letThrough();
@@ -132,6 +141,12 @@ private:
     bool mayDelete() const {
         if (options_.force) {
             return true;
+        }
+        if (!isHomeOfUser()) {
+            console_.note(
+                "the home folder belongs to another user, whose links would be followed; nothing "
+                "was deleted. Run as that user, or add --force.");
+            return false;
         }
         bool isFree = true;
         const RunningBrowsers running(home_);
@@ -193,6 +208,13 @@ private:
     bool isHomeThere() const {
         const auto& files = *home_.fileManager();
         return files.fileExists(files.homeDirectory()).isDirectory;
+    }
+
+    /** Whether the home folder, where it is there, is that of the user who runs the program. */
+    bool isHomeOfUser() const {
+        struct stat status = {};
+        return ::stat(home_.fileManager()->homeDirectory().c_str(), &status) != 0 ||
+               status.st_uid == ::geteuid();
     }
 
     Options options_;

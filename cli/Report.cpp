@@ -20,12 +20,28 @@ void add(Browser browser, std::string_view part, const std::optional<std::string
     }
 }
 
+/** Adds the profiles that nothing was done with, each with the folder that it claims. */
+void addLeftOut(Browser browser, const std::vector<LeftOutProfile>& leftOut, Failures& found) {
+    for (const auto& each : leftOut) {
+        add(browser, displayName(each.profile),
+            "left out, " + each.why + ": \"" + each.profile.folder.value_or("") + "\"", found);
+    }
+}
+
+void addLeftOut(Browser browser, const CategorySize& part, Failures& found) {
+    for (const auto& each : part.leftOut) {
+        add(browser, displayName(part.category),
+            "left out, " + each.why + ": " + each.folder.string(), found);
+    }
+}
+
 void addParts(const BrowserProfiles& /*row*/, Failures& /*found*/) {}
 void addParts(const BrowserBookmarks& /*row*/, Failures& /*found*/) {}
 
 void addParts(const BrowserSizes& row, Failures& found) {
     for (const auto& part : row.categories) {
         add(row.browser, displayName(part.category), part.error, found);
+        addLeftOut(row.browser, part, found);
     }
 }
 
@@ -44,6 +60,7 @@ struct Collect {
     void operator()(const AnyReport& report) const {
         for (const auto& row : report.browsers) {
             add(row.browser, {}, row.error, found);
+            addLeftOut(row.browser, row.leftOut, found);
             addParts(row, found);
         }
     }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "browsersweep/base/Browser.h"
+#include "browsersweep/base/OperationControl.h"
 #include "browsersweep/cleanable/CleanableDataCategory.h"
 #include "browsersweep/cleanable/CleanableDataSize.h"
 #include "browsersweep/profiles/Bookmark.h"
@@ -30,11 +31,18 @@ struct BrowsersReport {
 struct ProfileRow {
     std::optional<std::string> name;
     bool isPrimary = false;
+    std::optional<std::string> folder{};
+};
+/** A profile whose folder is not its own to name: nothing of it is looked at. */
+struct LeftOutProfile {
+    ProfileRow profile;
+    std::string why;
 };
 struct BrowserProfiles {
     Browser browser = allBrowsers.front();
     std::optional<std::string> error;
     std::vector<ProfileRow> profiles;
+    std::vector<LeftOutProfile> leftOut{};
 };
 struct ProfilesReport {
     std::vector<BrowserProfiles> browsers;
@@ -45,6 +53,7 @@ struct CategorySize {
     std::optional<std::string> error;
     std::optional<CleanableDataSize> size;  ///< absent where the category failed
     bool requiresClosedBrowserToClean = false;
+    std::vector<LeftOutFolder> leftOut{};
 };
 struct ProfileSizes {
     ProfileRow profile;
@@ -58,6 +67,7 @@ struct BrowserSizes {
     bool requiresClosedBrowserToClean = false;
     std::vector<CategorySize> categories;
     std::vector<ProfileSizes> profiles;  ///< only where a page is wanted
+    std::vector<LeftOutProfile> leftOut{};
 };
 enum class Measure { present, removed, wouldBeRemoved };
 struct SizesReport {
@@ -70,6 +80,7 @@ struct BrowserBookmarks {
     Browser browser = allBrowsers.front();
     std::optional<std::string> error;
     std::vector<Bookmark> bookmarks;
+    std::vector<LeftOutProfile> leftOut{};
 };
 struct BookmarksReport {
     std::vector<BrowserBookmarks> browsers;
@@ -88,6 +99,7 @@ struct BrowserNotifications {
     Browser browser = allBrowsers.front();
     std::optional<std::string> error;
     std::vector<ProfileSubscriptions> profiles;
+    std::vector<LeftOutProfile> leftOut{};
 };
 struct NotificationsReport {
     std::vector<BrowserNotifications> browsers;

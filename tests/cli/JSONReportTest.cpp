@@ -18,6 +18,7 @@ TEST(JSONReport, keepsTheKeysInTheOrderOfTheContract) {
     failed.category = CleanableDataCategory::formData;
     failed.error = "why";
     row.categories.push_back(failed);
+    row.leftOut.push_back({{std::nullopt, false, ".."}, "elsewhere"});
     report.browsers.push_back(row);
     EXPECT_EQ(jsonText(report), R"({
   "dryRun": false,
@@ -46,6 +47,13 @@ TEST(JSONReport, keepsTheKeysInTheOrderOfTheContract) {
         }
       },
       "requiresClosedBrowserToClean": false,
+      "leftOut": [
+        {
+          "name": null,
+          "folder": "..",
+          "why": "elsewhere"
+        }
+      ],
       "categories": [
         {
           "category": "formData",
@@ -69,6 +77,7 @@ TEST(JSONReport, replacesBytesThatAreNoUTF8) {
     {
       "browser": "opera",
       "error": null,
+      "leftOut": [],
       "profiles": [
         {
           "name": "n�",
@@ -94,7 +103,8 @@ TEST(JSONReport, listsThatAreEmptyStayLists) {
     report.browsers.push_back({Browser::safari, "why", {}});
     EXPECT_EQ(jsonText(report),
               "{\n  \"browsers\": [\n    {\n      \"browser\": \"safari\",\n"
-              "      \"error\": \"why\",\n      \"profiles\": []\n    }\n  ]\n}\n");
+              "      \"error\": \"why\",\n      \"leftOut\": [],\n      \"profiles\": []\n    }\n  "
+              "]\n}\n");
 }
 
 }  // namespace

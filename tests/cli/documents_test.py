@@ -15,7 +15,7 @@ class Documents(HostProgramTest):
         total = size(exact(items), {"value": bytes_, "isApproximate": is_approximate})
         closed = [True, True, True, False, True, True]
         return {"total": total, "browsers": [{
-            "browser": "chromium", "error": None, key: total,
+            "browser": "chromium", "error": None, "leftOut": [], key: total,
             "requiresClosedBrowserToClean": True,
             "categories": [
                 {"category": category, "error": None, key: value,
@@ -39,9 +39,9 @@ class Documents(HostProgramTest):
 
     def test_profiles(self):
         self.assertEqual(self.document("profiles", "--browser", "chromium"), {"browsers": [
-            {"browser": "chromium", "error": None, "profiles": [
-                {"name": "Zoë 日本", "isPrimary": True},
-                {"name": "Work", "isPrimary": False}]}]})
+            {"browser": "chromium", "error": None, "leftOut": [], "profiles": [
+                {"name": "Zoë 日本", "isPrimary": True, "folder": "Default"},
+                {"name": "Work", "isPrimary": False, "folder": "Profile 1"}]}]})
 
     def test_names_are_written_as_utf_8(self):
         result = self.run_program("--json", "profiles", "--browser", "chromium")
@@ -68,7 +68,7 @@ class Documents(HostProgramTest):
         found = self.document("size")
         self.assertEqual([row["browser"] for row in found["browsers"]], BROWSERS)
         self.assertEqual(found["browsers"][0], {
-            "browser": "quenbySecureBrowser", "error": None, "size": ZERO,
+            "browser": "quenbySecureBrowser", "error": None, "leftOut": [], "size": ZERO,
             "requiresClosedBrowserToClean": False, "categories": []})
 
     def test_size_of_selected_categories(self):
@@ -112,13 +112,13 @@ class Documents(HostProgramTest):
 
     def test_bookmarks(self):
         self.assertEqual(self.document("bookmarks", "--browser", "chromium"), {"browsers": [
-            {"browser": "chromium", "error": None, "bookmarks": [
+            {"browser": "chromium", "error": None, "leftOut": [], "bookmarks": [
                 {"name": "Ünï", "url": "https://one.example/"},
                 {"name": None, "url": "https://two.example/"}]}]})
 
     def test_notifications(self):
         self.assertEqual(self.document("notifications", "--browser", "chromium"), {"browsers": [
-            {"browser": "chromium", "error": None, "profiles": [
+            {"browser": "chromium", "error": None, "leftOut": [], "profiles": [
                 {"name": "Zoë 日本", "isPrimary": True, "error": None, "subscriptions": [
                     {"sourceURL": "https://push.example:443",
                      "store": str(self.profile / "Preferences")}]},
@@ -164,6 +164,7 @@ class Failures(HostProgramTest):
         broken = found["browsers"][1]
         self.assertIsNotNone(broken.pop("error"))
         self.assertEqual(broken, {"browser": "googleChrome", "size": None, "categories": [],
+                                  "leftOut": [],
                                   "requiresClosedBrowserToClean": False})
 
     def test_ignoring_errors_does_not_help_where_profiles_cannot_be_read(self):

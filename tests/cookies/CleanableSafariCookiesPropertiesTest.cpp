@@ -153,7 +153,7 @@ public:
         failAs(files_.at(path).reading);
         return files_.at(path).contents();
     }
-    void remove(const fs::path& path) const override {
+    void removeFile(const fs::path& path) const override {
         failAs(files_.at(path).writing);
         events_->push_back("remove " + path.native());
     }

@@ -43,8 +43,11 @@ public:
     void copy(const std::filesystem::path& from, const std::filesystem::path& to) const override {
         GuardedFileManager::copy(onDisk(from), onDisk(to));
     }
-    void remove(const std::filesystem::path& path) const override {
-        GuardedFileManager::remove(onDisk(path));
+    void removeFile(const std::filesystem::path& path) const override {
+        GuardedFileManager::removeFile(onDisk(path));
+    }
+    void removeTemporaryFolder(const std::filesystem::path& path) const override {
+        GuardedFileManager::removeTemporaryFolder(onDisk(path));
     }
     std::unique_ptr<DirectoryEnumerator> enumerator(
         const std::filesystem::path& directory) const override {
