@@ -585,7 +585,7 @@ TEST(CleanableSafariCookiesProperties, aHostThatStopsIsNoFailureOfAFile) {
     EXPECT_THROW(item.size(), OperationCancelled);
     EXPECT_EQ(*events, Lines{});
     EXPECT_THROW(item.clean(), OperationCancelled);
-    EXPECT_EQ(events->size(), 2U);  // the daemons alone
+    EXPECT_EQ(*events, Lines{});  // not even the daemons
 }
 
 TEST(CleanableSafariCookiesProperties, showsWhatItWasMadeOf) {
