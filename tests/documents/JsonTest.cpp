@@ -99,7 +99,8 @@ TEST(Json, integersOfEverySizeKeepTheirValueAndTheirSign) {
 }
 
 TEST(Json, valuesOfEveryKindFollowEachOtherInArraysAndUnderKeys) {
-    const std::string values = R"(null, true, 5, 5000000000, 0.5, "", "text", [], [0], {}, {"": 0})";
+    const std::string values =
+        R"(null, true, 5, 5000000000, 0.5, "", "text", [], [0], {}, {"": 0})";
     const auto document = parse("[" + values + ", " + values + "]");
     const auto elements = elementsOf(document.root());
     ASSERT_EQ(elements.size(), 22U);

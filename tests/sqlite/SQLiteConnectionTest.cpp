@@ -145,8 +145,9 @@ TEST_F(SQLiteConnectionTest, executeRunsAStatementToItsEnd) {
 }
 
 TEST_F(SQLiteConnectionTest, aConstraintThatRefusesIsNoRowAndNoError) {
-    tests::Database(file).execute("CREATE TABLE child (name REFERENCES marks (name), x UNIQUE);"
-                                  "INSERT INTO child VALUES (1, 1);");
+    tests::Database(file).execute(
+        "CREATE TABLE child (name REFERENCES marks (name), x UNIQUE);"
+        "INSERT INTO child VALUES (1, 1);");
     const SQLiteConnection connection(file);
     const std::string violating = "INSERT INTO child VALUES (2, 1) RETURNING 1;";
     EXPECT_EQ(connection.evaluate(violating, CountEvaluator{}), 0);

@@ -44,7 +44,8 @@ constexpr std::int64_t smallLimit = std::int64_t{1} << (smallBits - 1);
 
 constexpr unsigned wordBits = 32;
 
-/** How many words a document can have beyond the bytes of its text: those of one outermost value. */
+/** How many words a document can have beyond the bytes of its text: those of one outermost value.
+ */
 constexpr std::size_t slack = 8;
 
 }  // namespace
