@@ -29,7 +29,7 @@ public:
     /** Writes all of the text to standard output. Throws a `std::system_error` if any is not. */
     void writeOutput(std::string_view text) const;
 
-    /** Writes to standard error. There is nobody to tell if that fails. */
+    /** Writes to standard error. A failure is ignored: there is no other place to report it. */
     void writeError(std::string_view text) const noexcept;
 
     /** "browsersweep: " and one line on standard error. */

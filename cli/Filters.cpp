@@ -103,7 +103,7 @@ void requireObject(const JSON& value, std::string_view name,
     }
 }
 
-/** The value of a key, or nothing where it is absent or null. */
+/** The value of a key, or null if it is absent or null. */
 const JSON* find(const JSON& object, const char* key) {
     const auto found = object.find(key);
     return found == object.end() || found->is_null() ? nullptr : &*found;

@@ -42,7 +42,7 @@ std::string escaped(std::string_view text) {
     return html;
 }
 
-/** A name of somebody else, whose direction of writing must not spread to what is around it. */
+/** A name from a browser's file, whose writing direction must not affect the text around it. */
 std::string isolated(std::string_view name) {
     return fmt::format("<bdi>{}</bdi>", escaped(name));
 }

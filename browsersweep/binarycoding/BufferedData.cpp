@@ -71,7 +71,8 @@ std::span<const std::uint8_t> BufferedData::lookAheadThroughBuffer(std::size_t m
 
 DelimitedBytes BufferedData::takeUntilThroughBuffer(std::uint8_t delimiter, std::size_t maxBytes) {
     for (std::size_t seen = 0; seen < maxBytes; ++seen) {
-        // How far away the delimiter is nobody knows: a byte at a time is all that may be asked.
+        // The distance to the delimiter is unknown, so no more than a byte at a time may be
+        // requested.
         if (seen == buffer().size() && !append(1)) {
             break;
         }

@@ -13,7 +13,7 @@ namespace browsersweep {
 
 /**
  * Reads a source with the possibility to look ahead. It asks the source for exactly the bytes that
- * it lacks, never for more, so that a source shared with somebody else stays in step. Where the
+ * it lacks, never for more, so that a source that is shared stays in step. Where the
  * source's bytes lie in memory already they are handed out without being copied.
  */
 class BROWSERSWEEP_EXPORT BufferedData {
@@ -34,7 +34,7 @@ public:
     explicit BufferedData(std::unique_ptr<BufferedDataSource> reader,
                           std::size_t initialCapacity = defaultCapacity);
 
-    /** The same with a source of somebody else, which must outlive it. */
+    /** The same with a borrowed source, which must outlive it. */
     explicit BufferedData(BufferedDataSource& reader,
                           std::size_t initialCapacity = defaultCapacity) noexcept;
     BufferedData(const BufferedData&) = delete;

@@ -26,7 +26,7 @@ public:
 
     /**
      * The next bytes, at most `length` of them. Nothing (or no byte) means that there are no more.
-     * An exception passes through to whoever is reading.
+     * An exception passes through to the reader.
      */
     virtual std::optional<std::vector<std::uint8_t>> read(std::size_t length) = 0;
 

@@ -20,11 +20,12 @@ enum class StringEncoding {
 /** The encoding's name, such as "ASCII". */
 BROWSERSWEEP_EXPORT std::string_view displayName(StringEncoding encoding) noexcept;
 
-/** The text that the bytes stand for; nothing where they are not valid in the encoding. */
+/** The text that the bytes encode, or `std::nullopt` if they are not valid in the encoding. */
 BROWSERSWEEP_EXPORT std::optional<std::string> decodedText(std::span<const std::uint8_t> bytes,
                                                            StringEncoding encoding);
 
-/** The bytes of a text; nothing where the encoding cannot represent it, or it is no UTF-8. */
+/** The bytes of a text, or `std::nullopt` if the encoding cannot represent it or it is not UTF-8.
+ */
 BROWSERSWEEP_EXPORT std::optional<std::string> encodedText(std::string_view text,
                                                            StringEncoding encoding);
 

@@ -82,7 +82,7 @@ BROWSERSWEEP_EXPORT const char* browsersweep_browser_display_name(browsersweep_b
 BROWSERSWEEP_EXPORT const char* browsersweep_browser_bundle_identifier(
     browsersweep_browser browser);
 
-/** Finds the browser of exactly this raw value; false where there is none. */
+/** Finds the browser with exactly this raw value; false if there is none. */
 BROWSERSWEEP_EXPORT bool browsersweep_browser_from_raw_value(const char* text,
                                                              browsersweep_browser* browser);
 
@@ -114,7 +114,7 @@ BROWSERSWEEP_EXPORT const char* browsersweep_category_raw_value(browsersweep_cat
 /** The name of a category for people, such as "Cookies"; NULL for no category. */
 BROWSERSWEEP_EXPORT const char* browsersweep_category_display_name(browsersweep_category category);
 
-/** Finds the category of exactly this raw value; false where there is none. */
+/** Finds the category with exactly this raw value; false if there is none. */
 BROWSERSWEEP_EXPORT bool browsersweep_category_from_raw_value(const char* text,
                                                               browsersweep_category* category);
 

@@ -31,7 +31,7 @@ public:
     /** Of a dictionary that goes away, its lists by value: a loop over them is safe. */
     Lists lists() && noexcept { return std::move(lists_); }
 
-    /** The list of a key, or nothing where the key is absent. */
+    /** The list of a key, or null if the key is absent. */
     const CleanableDataList* find(const Key& key) const {
         const auto found = lists_.find(key);
         return found == lists_.end() ? nullptr : &found->second;

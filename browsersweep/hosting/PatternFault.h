@@ -15,7 +15,7 @@ enum class PatternFault {
 };
 
 /**
- * What is wrong with a pattern that somebody typed; absent for one that is safe. Patterns stand in
+ * What is wrong with a pattern that a person typed; absent for one that is safe. Patterns stand in
  * the text of SQL statements as they are, so a host asks this before it makes a filter of one.
  */
 BROWSERSWEEP_EXPORT std::optional<PatternFault> patternFault(std::string_view pattern) noexcept;

@@ -88,7 +88,8 @@ public:
  */
 class BROWSERSWEEP_EXPORT FileManager {
 public:
-    /** The largest file that `contents` reads: no file read whole comes near it in earnest. */
+    /** The largest file that `contents` reads. No real file of a browser that is read whole comes
+     * near it. */
     static constexpr std::uint64_t maximumContentsSize = std::uint64_t{2} << 30;
 
     FileManager() = default;
@@ -112,7 +113,7 @@ public:
 
     /**
      * What operations through this file manager ask whether to go on; null where nothing is to be
-     * asked. Whoever works in steps through this file manager asks it between them.
+     * asked. Code that works in steps through this file manager asks it between them.
      */
     virtual std::shared_ptr<OperationControl> control() const noexcept;
 
@@ -160,7 +161,7 @@ public:
     virtual void removeFile(const std::filesystem::path& path) const = 0;
 
     /**
-     * Deletes one of the library's own folders of the moment with all it holds, by the walk that
+     * Deletes one of the library's own temporary folders with all it holds, by the walk that
      * `enumerator` gives. Any folder but one named "browsersweep-" and 32 hexadecimal digits that
      * belongs to the user is an error.
      */
@@ -179,7 +180,7 @@ public:
      */
     std::size_t removeStaleTemporaryFolders() const noexcept;
 
-    /** The folder for files of the moment. */
+    /** The folder for temporary files. */
     virtual std::filesystem::path temporaryDirectory() const = 0;
 
     /** The current user's home folder. */

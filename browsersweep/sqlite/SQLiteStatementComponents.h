@@ -16,7 +16,7 @@ namespace browsersweep {
  * dates. The one place where SQL for sizing and cleaning is made, as plain text.
  *
  * Patterns go into the text as they stand: quotes, "%" and "_" are not escaped. Patterns are meant
- * to be parts of host names; whoever takes them from elsewhere must refuse such characters.
+ * to be parts of host names; a host that takes them from elsewhere must refuse such characters.
  */
 struct BROWSERSWEEP_EXPORT SQLiteStatementComponents {
     /** A column and how a value is written for comparison with it. */

@@ -101,12 +101,12 @@ void takeBack(Handle* handle) noexcept {
     const std::unique_ptr<Handle> owner(handle);
 }
 
-/** The text as the caller sees it: NULL where there is none. */
+/** The text as the caller sees it: NULL if there is none. */
 inline const char* textOf(const std::optional<std::string>& text) noexcept {
     return text ? text->c_str() : nullptr;
 }
 
-/** The entry at an index, or nothing where there is none, or no list. */
+/** The entry at an index, or null if the list is missing or too short. */
 template <typename Entry>
 const Entry* entryAt(const std::vector<Entry>* entries, std::size_t index) noexcept {
     return entries != nullptr && index < entries->size() ? &(*entries)[index] : nullptr;

@@ -21,7 +21,7 @@ class JsonValue;
  * A parsed JSON document: a flat list of its values in the order of the file, so that neither
  * parsing nor letting go of it ever recurses. Accepted are RFC 8259 texts in UTF-8, with or without
  * a byte order mark, of at most 512 nested levels and 2 GiB. A number beyond the range of a double
- * is an error wherever it stands, also under a key that nobody reads. Whatever the text holds, a
+ * is an error wherever it stands, also under a key that is not read. Whatever the text holds, a
  * document takes at most five times its length.
  */
 class JsonDocument {

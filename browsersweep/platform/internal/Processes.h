@@ -12,7 +12,7 @@ namespace browsersweep {
  */
 std::vector<std::string> namesOfRunningPrograms();
 
-/** Whether a process of this number lives, whoever runs it. */
+/** Whether a process with this number is alive, whichever user it belongs to. */
 bool isAlive(long process) noexcept;
 
 /**

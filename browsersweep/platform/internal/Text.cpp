@@ -12,7 +12,7 @@ constexpr std::array<std::string_view, 7> newlines{
     "\n", "\v", "\f", "\r", "\xC2\x85", "\xE2\x80\xA8", "\xE2\x80\xA9"};
 // clang-format on
 
-/** The length of the newline at the front; 0 where there is none. */
+/** The length of the newline at the front; 0 if there is none. */
 std::size_t leadingNewlineLength(std::string_view text) noexcept {
     for (const std::string_view newline : newlines) {
         if (text.substr(0, newline.size()) == newline) {

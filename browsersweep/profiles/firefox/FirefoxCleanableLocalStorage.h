@@ -40,7 +40,7 @@ public:
     /** Throws what the wrapped item throws. */
     void clean(CleanableDataFilters filters) const override;
 
-    /** Of the wrapped item's database; a finding of nothing where it is no database. */
+    /** Of the wrapped item's database; an empty finding if it is not a database. */
     DatabaseInspection inspect(CleanableDataFilters filters) const override;
 
 private:

@@ -26,7 +26,7 @@ constexpr std::array<std::string_view, 25> whiteSpace{
     "\xE2\x80\xA9", "\xE2\x80\xAF", "\xE2\x81\x9F", "\xE3\x80\x80"};
 // clang-format on
 
-/** The length of the white-space character at a place; 0 where there is none. */
+/** The length of the white-space character at a place; 0 if there is none. */
 std::size_t whiteSpaceAt(std::string_view line, std::size_t place) noexcept {
     constexpr unsigned char firstBeyondASCII = 0xC2;
     const auto byte = place < line.size() ? static_cast<unsigned char>(line[place]) : ' ';

@@ -25,7 +25,7 @@ auto decodeBelow(CodingPath& path, std::string step, Decode decode) {
     return value;
 }
 
-/** A key's value, decoded; nothing where the key is absent. */
+/** A key's value, decoded; absent if the key is. */
 template <typename Decode>
 auto optional(const PropertyList& parent, std::string_view key, CodingPath& path, Decode decode) {
     const PropertyList* value = parent.find(key);

@@ -20,7 +20,7 @@ using Items = std::vector<CleanableDataList::Item>;
 // From this version on the folders of the cache lie within Safari's container, which it guards.
 constexpr OperatingSystemVersion firstWithGuardedCaches{10, 15, 0};
 
-// The permissions of a file whatever is wrong with it: what cannot be read allows no site.
+// A permissions file that cannot be read or understood allows no site; that is no error.
 std::vector<URL> sitesAllowedIn(const std::filesystem::path& file, const FileManager& fileManager) {
     try {
         return allowedSites(PropertyList::parse(fileManager.contents(file)));

@@ -10,7 +10,7 @@ bool isBinaryPropertyList(BytesView bytes) noexcept;
 
 /**
  * Reads a binary property list. Every object is read once, however often it is referred to; what
- * it would grow to if each reference were a copy is bounded too, because whoever walks the value
+ * it would grow to if each reference were a copy is bounded too, because code that walks the value
  * visits it that often. Throws `DecodingError` of the kind `dataCorrupted`.
  */
 PropertyList parseBinaryPropertyList(BytesView bytes);

@@ -7,8 +7,8 @@
 
 namespace browsersweep {
 
-// The scalars of a property list in XML, from the text of their elements; nothing where the text is
-// not one. White space around numbers and dates is skipped.
+// The scalars of a property list in XML, from the text of their elements; `std::nullopt` if the
+// text is not one. White space around numbers and dates is skipped.
 
 /** A decimal integer with an optional sign, or a hexadecimal one, from -2^63 to 2^64-1. */
 std::optional<PropertyList> integerFromText(std::string_view text);

@@ -13,9 +13,9 @@ namespace browsersweep::posix {
 namespace {
 
 /**
- * A clone has its source's mode and flags, of which "locked" would let nobody change or delete it.
- * It therefore loses the flags first. False where that fails, as for a source that only others may
- * read, whose clone its own owner cannot open.
+ * A clone has its source's mode and flags, and with the flag "locked" it could be neither changed
+ * nor deleted. It therefore loses the flags first. False where that fails, as for a source that
+ * only others may read, whose clone its own owner cannot open.
  */
 bool makePrivate(const std::filesystem::path& path) noexcept {
     const FileDescriptor file(

@@ -18,7 +18,7 @@ namespace {
 /** What the kernel says where it cannot copy between these two files by itself. */
 constexpr std::array cannotCopyErrors{EXDEV, EOPNOTSUPP, EINVAL, ENOSYS, EPERM, EBADF};
 
-/** Small enough for a slow disk to be done with while somebody waits. */
+/** Small enough that even a slow disk finishes a piece before an impatient user notices. */
 constexpr std::size_t pieceSize = std::size_t{16} << 20;
 
 bool clone(const FileDescriptor& source, const FileDescriptor& target) noexcept {

@@ -18,7 +18,7 @@ struct EntryStatus {
 enum class StatusFields { kindAndSize, all };
 
 /**
- * Examines an entry relative to its directory. Nothing where that fails; `errno` says why. One
+ * Examines an entry relative to its directory. `std::nullopt` if that fails; `errno` says why. One
  * implementation per system, since birth times have no common name.
  */
 std::optional<EntryStatus> entryStatus(int directory, const char* name,

@@ -19,7 +19,8 @@ struct FolderIdentity {
     friend bool operator==(const FolderIdentity&, const FolderIdentity&) = default;
 };
 
-/** Nothing where the folder cannot be examined; `errno` says why. One implementation per system. */
+/** `std::nullopt` if the folder cannot be examined; `errno` says why. One implementation per
+ * system. */
 std::optional<FolderIdentity> folderIdentity(const FileDescriptor& folder) noexcept;
 
 /**

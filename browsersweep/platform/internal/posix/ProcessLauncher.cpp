@@ -25,7 +25,7 @@ void waitFor(pid_t process) noexcept {
     }
 }
 
-/** The child's standard streams: what it says is for nobody's terminal. */
+/** The child's standard streams: its output must not reach the user's terminal. */
 class SilentStreams {
 public:
     SilentStreams() noexcept {

@@ -15,7 +15,7 @@ namespace browsersweep::posix {
  */
 std::filesystem::path currentHomeDirectory();
 
-/** What an environment variable names; nothing where it is not set or empty. */
+/** The value of an environment variable; absent if it is not set or empty. */
 std::optional<std::filesystem::path> homeInEnvironment(const char* variable);
 
 /** What the user database names; nothing where it has no answer, and why. */
@@ -24,7 +24,7 @@ std::optional<std::filesystem::path> homeInUserDatabase(int& error);
 /** Throws the error of a user without a home folder. */
 [[noreturn]] void throwNoHome(int error);
 
-/** The folder for files of the moment. One implementation per system. */
+/** The folder for temporary files. One implementation per system. */
 std::filesystem::path systemTemporaryDirectory();
 
 /** The system's own answer for one of the user's directories. One implementation per system. */
