@@ -57,7 +57,7 @@ BROWSERSWEEP_EXPORT std::string_view rawValue(ItemVerdict verdict) noexcept;
 
 /** The result of one item. */
 struct ItemResult {
-    ItemVerdict verdict = ItemVerdict::leftOut;
+    ItemVerdict verdict = ItemVerdict::leftOut;  ///< what became of the item
     /**
      * What was measured, or what is gone: the difference between before and after. Of a clean that
      * was stopped, what is known to be gone, marked approximate. Absent where it is not known.
@@ -96,6 +96,7 @@ public:
      */
     using Progress = std::function<bool(const SweepItem& next, std::size_t done, std::size_t all)>;
 
+    /** Nothing is touched yet. Without a function to tell, the sweep goes on to its end. */
     ItemSweep(std::vector<SweepItem> items, SweepOptions options, Progress progress = {});
 
     /** Measures every item: one step for each. Only reads. */

@@ -24,13 +24,14 @@ struct TableQuestion {
 
 /** What was found of one table. */
 struct TableFinding {
-    std::string name;
-    bool exists = false;
+    std::string name;     ///< the table's name, as it was asked for
+    bool exists = false;  ///< whether the database has a table of that name
     /** The rows of interest; absent where they could not be counted. 0 where there is no table. */
     std::optional<std::int64_t> rows;
     /** Whether every page of the table and of its indexes could be read and made sense. */
     bool isWhole = false;
 
+    /** Whether all fields are equal. */
     friend bool operator==(const TableFinding&, const TableFinding&) = default;
 };
 
@@ -97,9 +98,12 @@ inspectDatabase(const std::filesystem::path& file, std::span<const TableQuestion
 /** An item whose data lie in a database that can be inspected. */
 class BROWSERSWEEP_EXPORT InspectableDatabase {
 public:
+    /** @{ */
+    /** There is nothing in it to make or to copy: for the items that inherit from it. */
     InspectableDatabase() = default;
     InspectableDatabase(const InspectableDatabase&) = default;
     InspectableDatabase& operator=(const InspectableDatabase&) = default;
+    /** @} */
     virtual ~InspectableDatabase();
 
     /** Inspects it; the rows of interest are those that the filters select. */
