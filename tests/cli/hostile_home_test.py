@@ -7,7 +7,7 @@ import sys
 import tempfile
 import unittest
 
-from fixture import HostProgramTest, database, rows, run_all, write
+from fixture import HostProgramTest, database, rows, write
 
 CHROMIUM = "--browser=chromium"
 FIREFOX = "--browser=firefox"
@@ -262,7 +262,3 @@ class Surroundings(HostProgramTest):
         self.assertEqual(self.run_program("clean", "--dry-run", CHROMIUM).status, 0)
         self.assertEqual(self.run_program("clean", "--yes", "--force", CHROMIUM).status, 0)
         self.assertEqual(rows(self.history, "SELECT count(*) FROM urls"), [(0,)])
-
-
-if __name__ == "__main__":
-    run_all()
