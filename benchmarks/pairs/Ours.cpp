@@ -76,7 +76,9 @@ Filters between(const std::string& range) {
 }
 
 std::uint64_t bookmarks(const std::string& path) {
-    return decodeChromiumBookmarks(FileManager::defaultManager()->contents(path)).size();
+    return ChromiumBookmarks::decode(FileManager::defaultManager()->contents(path))
+        .bookmarks()
+        .size();
 }
 
 std::uint64_t notifications(const std::string& path) {

@@ -15,8 +15,9 @@
 namespace browsersweep::fuzz {
 namespace {
 
-void requireAddresses(const std::vector<Bookmark>& bookmarks) {
-    for (const Bookmark& bookmark : bookmarks) {
+template <typename Bookmarks>
+void requireAddresses(const Bookmarks& bookmarks) {
+    for (const auto& bookmark : bookmarks) {
         require(URL::parse(bookmark.url.absoluteString()) == bookmark.url,
                 "a bookmark's address parses");
     }
@@ -39,11 +40,14 @@ void iniFile(BytesView input) {
 
 void localState(BytesView input) {
     try {
-        const LocalState state = LocalState::decode(input);
-        const auto isConsented = [](const auto& entry) { return entry.isConsentedPrimaryAccount; };
-        const bool any = std::any_of(state.infoCache.begin(), state.infoCache.end(), isConsented);
-        for (const LocalState::InfoCache& entry : state.infoCache) {
-            require(!any || state.isPrimary(entry) == isConsented(entry),
+        const LocalState::Profile profile = LocalState::decode(input).profile;
+        const auto& entries = profile.infoCache;
+        const auto isConsented = [](const LocalState::Profile::Entry& entry) {
+            return entry.second.isConsentedPrimaryAccount;
+        };
+        const bool any = std::any_of(entries.begin(), entries.end(), isConsented);
+        for (const LocalState::Profile::Entry& entry : entries) {
+            require(!any || profile.isPrimary(entry) == isConsented(entry),
                     "consent alone decides where there is any");
         }
     } catch (const DecodingError&) {
@@ -53,7 +57,7 @@ void localState(BytesView input) {
 
 void chromiumBookmarks(BytesView input) {
     try {
-        requireAddresses(decodeChromiumBookmarks(input));
+        requireAddresses(ChromiumBookmarks::decode(input).bookmarks());
     } catch (const DecodingError&) {
         return;
     }

@@ -174,7 +174,11 @@ JsonDocument JsonDocument::parse(BytesView bytes) {
 }
 
 JsonValue JsonDocument::root() const noexcept {
-    return {*this, 0};
+    return at(0);
+}
+
+JsonValue JsonDocument::at(std::uint32_t place) const noexcept {
+    return {*this, place};
 }
 
 JsonDocument::Kind JsonValue::kind() const noexcept {

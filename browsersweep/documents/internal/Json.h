@@ -32,6 +32,9 @@ public:
     /** The outermost value. Valid as long as the document. */
     JsonValue root() const noexcept;
 
+    /** The value at its `place`. Valid as long as the document. */
+    JsonValue at(std::uint32_t place) const noexcept;
+
 private:
     friend class JsonElements;
     friend class JsonValue;
@@ -99,6 +102,9 @@ public:
 
     /** The member of this key, where it is there and not null. */
     std::optional<JsonValue> optional(std::string_view key) const;
+
+    /** Where `JsonDocument::at` finds it again, for those who keep many values. */
+    std::uint32_t place() const noexcept { return place_; }
 
 private:
     friend class JsonDocument;

@@ -153,7 +153,11 @@ std::vector<Bookmark> ChromiumBasedProfile::bookmarks() const {
     if (leftOutReason() || !fileManager_->fileExists(file).isFile()) {
         return {};
     }
-    return decodeChromiumBookmarks(fileManager_->contents(file));
+    std::vector<Bookmark> bookmarks;
+    for (auto& [title, url] : ChromiumBookmarks::decode(fileManager_->contents(file)).bookmarks()) {
+        bookmarks.push_back({std::move(title), std::move(url)});
+    }
+    return bookmarks;
 }
 
 std::vector<std::shared_ptr<const NotificationSubscription>>

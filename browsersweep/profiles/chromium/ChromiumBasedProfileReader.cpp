@@ -24,13 +24,14 @@ std::vector<std::shared_ptr<const BrowserProfile>> ChromiumBasedProfileReader::p
         return {};
     }
     const LocalState state = LocalState::decode(fileManager()->contents(file));
+    const LocalState::Profile& recorded = state.profile;
     std::vector<std::shared_ptr<const BrowserProfile>> profiles;
-    const std::vector<bool> isPrimary = state.primaryMarks();
-    for (std::size_t index = 0; index < state.infoCache.size(); ++index) {
-        const LocalState::InfoCache& entry = state.infoCache[index];
+    const std::vector<bool> isPrimary = recorded.primaryMarks();
+    for (std::size_t index = 0; index < recorded.infoCache.size(); ++index) {
+        const auto& [folder, info] = recorded.infoCache[index];
         profiles.push_back(std::make_shared<ChromiumBasedProfile>(
-            entry.name, browser_, isPrimary[index],
-            appendingPath(applicationSupportRelativePath_, entry.folder), home_, entry.folder));
+            info.name, browser_, isPrimary[index],
+            appendingPath(applicationSupportRelativePath_, folder), home_, folder));
     }
     return profiles;
 }

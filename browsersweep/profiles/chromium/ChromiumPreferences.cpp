@@ -11,21 +11,21 @@
 namespace browsersweep {
 namespace {
 
-using Notification = ChromiumPreferences::Notification;
+using Exceptions = ChromiumPreferences::Profile::ContentSettings::CSException;
 
-Notification decodeNotification(std::string_view sitePattern, JsonValue value) {
+Exceptions::NotificationValue decodeNotification(JsonValue value) {
     const JsonValue setting = value.required("setting");
     const JsonValue lastModified = value.required("last_modified");
-    // Not used, but an entry with anything but text there is no entry of this format.
-    decodingBelow("last_modified", [&] { return lastModified.string(); });
-    return {std::string(sitePattern), decodingBelow("setting", [&] { return setting.integer(); })};
+    std::string modified(decodingBelow("last_modified", [&] { return lastModified.string(); }));
+    return {decodingBelow("setting", [&] { return setting.integer(); }), std::move(modified)};
 }
 
-std::vector<Notification> decodeEntries(JsonValue map) {
-    std::vector<Notification> entries;
-    for (const auto& member : map.members()) {
-        entries.push_back(decodingBelow(
-            member.first, [&] { return decodeNotification(member.first, member.second); }));
+std::vector<Exceptions::Entry> decodeEntries(JsonValue map) {
+    std::vector<Exceptions::Entry> entries;
+    for (const auto& [sitePattern, value] : map.members()) {
+        entries.emplace_back(sitePattern, decodingBelow(sitePattern, [&notification = value] {
+                                 return decodeNotification(notification);
+                             }));
     }
     return entries;
 }
@@ -60,14 +60,17 @@ ChromiumPreferences ChromiumPreferences::decode(BytesView bytes) {
     constexpr std::array<std::string_view, 4> keys{"profile", "content_settings", "exceptions",
                                                    "notifications"};
     const JsonDocument document = JsonDocument::parse(bytes);
-    return {decodeAt(document.root(), keys, decodeEntries)};
+    ChromiumPreferences preferences;
+    preferences.profile.contentSettings.exceptions.notifications =
+        decodeAt(document.root(), keys, decodeEntries);
+    return preferences;
 }
 
 std::vector<URL> ChromiumPreferences::allowedSites() const {
     std::vector<URL> sites;
-    for (const Notification& notification : notifications) {
-        if (notification.setting == allowed) {
-            appendSites(notification.sitePattern, sites);
+    for (const auto& [sitePattern, value] : profile.contentSettings.exceptions.notifications) {
+        if (value.setting == allowed) {
+            appendSites(sitePattern, sites);
         }
     }
     return sites;

@@ -7,19 +7,21 @@
 namespace browsersweep {
 namespace {
 
-LocalState::InfoCache decodeEntry(std::string_view folder, JsonValue value) {
+using Profile = LocalState::Profile;
+
+Profile::InfoCache decodeInfo(JsonValue value) {
     constexpr std::string_view consentKey = "is_consented_primary_account";
     const JsonValue consent = value.required(consentKey);
     const JsonValue name = value.required("name");
-    return {std::string(folder), decodingBelow(consentKey, [&] { return consent.boolean(); }),
+    return {decodingBelow(consentKey, [&] { return consent.boolean(); }),
             std::string(decodingBelow("name", [&] { return name.string(); }))};
 }
 
-std::vector<LocalState::InfoCache> decodeInfoCache(JsonValue map) {
-    std::vector<LocalState::InfoCache> entries;
-    for (const auto& member : map.members()) {
-        entries.push_back(
-            decodingBelow(member.first, [&] { return decodeEntry(member.first, member.second); }));
+std::vector<Profile::Entry> decodeInfoCache(JsonValue map) {
+    std::vector<Profile::Entry> entries;
+    for (const auto& [folder, value] : map.members()) {
+        entries.emplace_back(folder,
+                             decodingBelow(folder, [&info = value] { return decodeInfo(info); }));
     }
     return entries;
 }
@@ -32,7 +34,7 @@ std::vector<std::string> decodeFolders(JsonValue list) {
     return folders;
 }
 
-LocalState decodeProfile(JsonValue profile) {
+Profile decodeProfile(JsonValue profile) {
     const JsonValue infoCache = profile.required("info_cache");
     const JsonValue lastActive = profile.required("last_active_profiles");
     return {decodingBelow("info_cache", [&] { return decodeInfoCache(infoCache); }),
@@ -44,36 +46,36 @@ LocalState decodeProfile(JsonValue profile) {
 LocalState LocalState::decode(BytesView bytes) {
     const JsonDocument document = JsonDocument::parse(bytes);
     const JsonValue profile = document.root().required("profile");
-    return decodingBelow("profile", [&] { return decodeProfile(profile); });
+    return {decodingBelow("profile", [&] { return decodeProfile(profile); })};
 }
 
-bool LocalState::isPrimary(const InfoCache& entry) const noexcept {
+bool LocalState::Profile::isPrimary(const Entry& entry) const noexcept {
     return isPrimary(entry, hasConsent());
 }
 
-std::vector<bool> LocalState::primaryMarks() const {
+std::vector<bool> LocalState::Profile::primaryMarks() const {
     const bool anyConsent = hasConsent();
     std::vector<bool> marks;
     marks.reserve(infoCache.size());
-    for (const InfoCache& entry : infoCache) {
+    for (const Entry& entry : infoCache) {
         marks.push_back(isPrimary(entry, anyConsent));
     }
     return marks;
 }
 
-bool LocalState::hasConsent() const noexcept {
+bool LocalState::Profile::hasConsent() const noexcept {
     return std::any_of(infoCache.begin(), infoCache.end(),
-                       [](const InfoCache& entry) { return entry.isConsentedPrimaryAccount; });
+                       [](const Entry& entry) { return entry.second.isConsentedPrimaryAccount; });
 }
 
-bool LocalState::isPrimary(const InfoCache& entry, bool anyConsent) const noexcept {
+bool LocalState::Profile::isPrimary(const Entry& entry, bool anyConsent) const noexcept {
     if (anyConsent) {
-        return entry.isConsentedPrimaryAccount;
+        return entry.second.isConsentedPrimaryAccount;
     }
     if (!lastActiveProfiles.empty()) {
-        return entry.folder == lastActiveProfiles.front();
+        return entry.first == lastActiveProfiles.front();
     }
-    return !infoCache.empty() && entry.folder == infoCache.front().folder;
+    return !infoCache.empty() && entry.first == infoCache.front().first;
 }
 
 }  // namespace browsersweep

@@ -29,6 +29,17 @@ Lines sites(std::string_view notifications) {
     return texts;
 }
 
+TEST(ChromiumPreferences, everyEntryIsReadInTheFilesOrder) {
+    using Exceptions = ChromiumPreferences::Profile::ContentSettings::CSException;
+    const auto decoded = decodePreferences(preferences(R"({
+        "https://b.test,*": {"setting": 2, "last_modified": "13300000000000000", "other": []},
+        "https://a.test,*": {"setting": -1, "last_modified": ""},
+        "https://b.test,*": {"setting": 1, "last_modified": "of the same pattern"}})"));
+    EXPECT_EQ(decoded.profile.contentSettings.exceptions.notifications,
+              (std::vector<Exceptions::Entry>{{"https://b.test,*", {2, "13300000000000000"}},
+                                              {"https://a.test,*", {-1, ""}}}));
+}
+
 TEST(ChromiumPreferences, onlyAllowedSitesCount) {
     EXPECT_EQ(sites(R"({
         "https://yes.test:443,*": {"setting": 1, "last_modified": "1"},

@@ -16,11 +16,11 @@ LocalState decodeLocalState(std::string_view text) {
 
 /** The folders of the primary profiles. */
 std::vector<std::string> primaries(std::string_view text) {
-    const LocalState state = decodeLocalState(text);
+    const LocalState::Profile profile = decodeLocalState(text).profile;
     std::vector<std::string> folders;
-    for (const auto& entry : state.infoCache) {
-        if (state.isPrimary(entry)) {
-            folders.push_back(entry.folder);
+    for (const auto& entry : profile.infoCache) {
+        if (profile.isPrimary(entry)) {
+            folders.push_back(entry.first);
         }
     }
     return folders;
@@ -31,8 +31,30 @@ TEST(LocalState, entriesComeInTheFilesOrderAndOtherKeysAreIgnored) {
         "Profile 1": {"name": "Work", "is_consented_primary_account": false, "avatar": "x"},
         "Default": {"name": "Personal Büro", "is_consented_primary_account": true}},
         "last_active_profiles": ["Default", "Profile 1"]}})");
-    EXPECT_EQ(state, (LocalState{{{"Profile 1", false, "Work"}, {"Default", true, "Personal Büro"}},
-                                 {"Default", "Profile 1"}}));
+    EXPECT_EQ(state,
+              (LocalState{{{{"Profile 1", {false, "Work"}}, {"Default", {true, "Personal Büro"}}},
+                           {"Default", "Profile 1"}}}));
+}
+
+TEST(LocalState, everyFieldIsRead) {
+    const LocalState::Profile profile = decodeLocalState(R"({"profile": {"info_cache": {
+        "Default": {"is_consented_primary_account": true, "name": "Me"}},
+        "last_active_profiles": ["Profile 1", "Default"]}})")
+                                            .profile;
+    ASSERT_EQ(profile.infoCache.size(), 1U);
+    const auto& [folder, info] = profile.infoCache.front();
+    EXPECT_EQ(folder, "Default");
+    EXPECT_TRUE(info.isConsentedPrimaryAccount);
+    EXPECT_EQ(info.name, "Me");
+    EXPECT_EQ(profile.lastActiveProfiles, (std::vector<std::string>{"Profile 1", "Default"}));
+}
+
+TEST(LocalState, ofAFolderThatIsRecordedTwiceTheFirstEntryCounts) {
+    EXPECT_EQ(decodeLocalState(R"({"profile": {"info_cache": {
+        "a": {"name": "first", "is_consented_primary_account": false},
+        "a": {"name": "second", "is_consented_primary_account": true}},
+        "last_active_profiles": []}})"),
+              (LocalState{{{{"a", {false, "first"}}}, {}}}));
 }
 
 TEST(LocalState, aConsentedProfileIsPrimaryWhateverWasLastActive) {
@@ -81,7 +103,7 @@ TEST(LocalState, aLastActiveFolderThatIsNoEntryLeavesNonePrimary) {
 
 TEST(LocalState, anEmptyInfoCacheHasNoEntries) {
     EXPECT_EQ(decodeLocalState(R"({"profile": {"info_cache": {}, "last_active_profiles": ["x"]}})"),
-              (LocalState{{}, {"x"}}));
+              (LocalState{{{}, {"x"}}}));
 }
 
 TEST(LocalState, whatIsMissingOrOfAnotherTypeIsAnErrorWithItsPath) {
