@@ -37,6 +37,31 @@ TEST(CleanableDirectoryEntries, whatHasNoSizeIsNotCounted) {
     EXPECT_EQ(directory(folder).size(), (CleanableDataSize{1, 10}));
 }
 
+TEST(CleanableDirectoryEntries, whatHasASizeIsCountedWhateverItsKind) {
+    const auto folder = folderOf({{"a", std::nullopt, 10}, {"b", true, 20}, {"c", false, 30}});
+    EXPECT_EQ(directory(folder).size(), (CleanableDataSize{3, 60}));
+}
+
+TEST(CleanableDirectoryEntries, whatTheFiltersRejectIsAskedNeitherForItsSizeNorItsKind) {
+    const auto folder = folderOf({{"a", false, 1, true, false}, {"b", false, 2}});
+    const std::vector<CleanableDataFilter> butA{{CleanableDataFilter::Rule::exclude, {"a"}}};
+    EXPECT_EQ(directory(folder).size(butA), (CleanableDataSize{1, 2}));
+    directory(folder).clean(butA);
+    EXPECT_EQ(folder->removed(), Lines{"b"});
+}
+
+TEST(CleanableDirectoryEntries, anEntryThatCannotBeAskedEndsTheCallWithItsError) {
+    const auto folder = folderOf({{"a"}, {"b", false, 1, true, false}, {"c"}});
+    EXPECT_THROW(directory(folder).size(), fs::filesystem_error);
+    try {
+        directory(folder).clean();
+        FAIL() << "no error";
+    } catch (const fs::filesystem_error& error) {
+        EXPECT_EQ(error.code(), std::errc::io_error);
+    }
+    EXPECT_EQ(folder->removed(), Lines{"a"});
+}
+
 TEST(CleanableDirectoryEntries, whatHasNoKindIsLeft) {
     const auto folder = folderOf({{"a", false}, {"b", std::nullopt}, {"c", true}, {"d", false}});
     directory(folder).clean();

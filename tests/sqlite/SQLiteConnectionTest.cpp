@@ -191,6 +191,32 @@ TEST_F(SQLiteConnectionTest, whatTheSystemCannotReadIsNoRowAndNoError) {
     EXPECT_EQ(tests::Database(file).number("SELECT COUNT(*) FROM marks"), 3);
 }
 
+/** Ends the statement with a code, as SQLite's own calls end it. */
+void failWithCode(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
+    sqlite3_result_error_code(context, sqlite3_value_int(*values));
+}
+
+TEST_F(SQLiteConnectionTest, ofAllCodesThatAreNoRowErrorAloneIsAFailure) {
+    const SQLiteConnection connection(file);
+    sqlite3_create_function(connection.dbPointer(), "fail", 1, SQLITE_UTF8, nullptr, failWithCode,
+                            nullptr, nullptr);
+    for (const int code : {SQLITE_IOERR, SQLITE_IOERR_READ, SQLITE_BUSY, SQLITE_LOCKED, SQLITE_FULL,
+                           SQLITE_CORRUPT, SQLITE_CONSTRAINT, SQLITE_READONLY}) {
+        SCOPED_TRACE(code);
+        const std::string failing = "SELECT fail(" + std::to_string(code) + ");";
+        EXPECT_FALSE(connection.evaluate(failing, TableExistenceEvaluator{}));
+        EXPECT_EQ(connection.evaluate(failing, CountEvaluator{}), 0);
+        EXPECT_NO_THROW(connection.evaluate(failing, ExecuteEvaluator{}));
+        EXPECT_EQ(connection.silentResultCode() & 0xff, code & 0xff);
+        const auto rows =
+            connection.evaluate("SELECT name, CASE rowid WHEN 2 THEN fail(" + std::to_string(code) +
+                                    ") ELSE 'x' END FROM marks;",
+                                TextRowsEvaluator<Pair>(nameAndAddress));
+        EXPECT_EQ(rows, (std::vector<Pair>{{"a", "x"}}));
+    }
+    EXPECT_THROW(connection.evaluate("SELECT fail(1);", CountEvaluator{}), SQLiteError);
+}
+
 TEST_F(SQLiteConnectionTest, textRowsAreConvertedInTheirOrderAndMayBeSkipped) {
     const SQLiteConnection connection(file);
     const auto rows = connection.evaluate("SELECT name, address FROM marks ORDER BY rowid;",

@@ -17,6 +17,7 @@ struct ListedEntry {
     std::optional<bool> isDirectory = false;
     std::optional<std::uint64_t> size = 1;
     bool canBeRemoved = true;
+    bool canBeAsked = true;  ///< otherwise its kind and its size cannot be read
 };
 
 /** A file manager whose folders all hold the same listed entries, or cannot be enumerated. */
@@ -45,8 +46,8 @@ private:
 
         bool next() override { return ++position_ <= entries_.size(); }
         std::string_view name() const noexcept override { return entry().name; }
-        std::optional<bool> isDirectory() override { return entry().isDirectory; }
-        std::optional<std::uint64_t> fileSize() override { return entry().size; }
+        std::optional<bool> isDirectory() override { return askedEntry().isDirectory; }
+        std::optional<std::uint64_t> fileSize() override { return askedEntry().size; }
         std::optional<Date> creationDate() noexcept override { return std::nullopt; }
         void remove() override {
             if (!entry().canBeRemoved) {
@@ -58,6 +59,13 @@ private:
 
     private:
         const ListedEntry& entry() const noexcept { return entries_[position_ - 1]; }
+        const ListedEntry& askedEntry() const {
+            if (!entry().canBeAsked) {
+                throw std::filesystem::filesystem_error("refused",
+                                                        std::make_error_code(std::errc::io_error));
+            }
+            return entry();
+        }
 
         std::vector<ListedEntry> entries_;
         std::shared_ptr<std::vector<std::string>> removed_;
