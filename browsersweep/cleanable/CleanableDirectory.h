@@ -39,6 +39,8 @@ public:
     const std::filesystem::path& directory() const noexcept { return directory_; }
     /** The own filters, which every call has to pass besides its own. */
     const std::vector<CleanableDataFilter>& filters() const noexcept { return filters_; }
+    /** What reaches the folder and its files. */
+    const std::shared_ptr<const FileManager>& fileManager() const noexcept { return fileManager_; }
     bool requiresClosedBrowserToClean() const noexcept override {
         return requiresClosedBrowserToClean_;
     }

@@ -36,6 +36,8 @@ public:
     const std::vector<SQLiteStatementComponents>& components() const noexcept {
         return components_;
     }
+    /** What reaches the file wherever SQLite does not. */
+    const std::shared_ptr<const FileManager>& fileManager() const noexcept { return fileManager_; }
 
     /** Always true: the browser keeps the database open. */
     bool requiresClosedBrowserToClean() const noexcept override { return true; }

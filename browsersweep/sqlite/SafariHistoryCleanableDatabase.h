@@ -8,6 +8,7 @@
 
 #include "browsersweep/Export.h"
 #include "browsersweep/cleanable/CleanableData.h"
+#include "browsersweep/cleanable/CleanableDataCategory.h"
 #include "browsersweep/platform/FileManager.h"
 #include "browsersweep/sqlite/DatabaseInspection.h"
 #include "browsersweep/sqlite/SQLiteConnection.h"
@@ -47,6 +48,13 @@ public:
     const std::filesystem::path& file() const noexcept { return file_; }
     /** The columns that filters act on. */
     const SQLiteStatementComponents& components() const noexcept { return components_; }
+    /** What reaches the file wherever SQLite does not. */
+    const std::shared_ptr<const FileManager>& fileManager() const noexcept { return fileManager_; }
+
+    /** Always history. */
+    static constexpr CleanableDataCategory category() noexcept {
+        return CleanableDataCategory::history;
+    }
 
     /** Always true: Safari keeps the database open. */
     bool requiresClosedBrowserToClean() const noexcept override { return true; }

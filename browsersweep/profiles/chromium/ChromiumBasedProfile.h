@@ -33,6 +33,12 @@ public:
     bool isPrimary() const noexcept override { return isPrimary_; }
     /** The path below Application Support and Caches that it was made with. */
     const std::filesystem::path& relativePath() const noexcept { return relativePath_; }
+    /** What reaches its files. */
+    const std::shared_ptr<const FileManager>& fileManager() const noexcept { return fileManager_; }
+    /** Where its user's data lies. */
+    const std::shared_ptr<const CurrentUserDirectoryProvider>& directoryProvider() const noexcept {
+        return directoryProvider_;
+    }
 
     /** The recorded folder's name; without one the last component of the path. */
     std::optional<std::string> folder() const override;

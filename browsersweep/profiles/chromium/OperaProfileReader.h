@@ -19,6 +19,15 @@ public:
     /** Reads in this home. */
     explicit OperaProfileReader(Home home) : home_(std::move(home)) {}
 
+    /** What reaches its files. */
+    const std::shared_ptr<const FileManager>& fileManager() const noexcept {
+        return home_.fileManager();
+    }
+    /** Where its user's data lies. */
+    const std::shared_ptr<const CurrentUserDirectoryProvider>& directoryProvider() const noexcept {
+        return home_.directoryProvider();
+    }
+
     /** Always one nameless primary `ChromiumBasedProfile`. Reads no file and never fails. */
     std::vector<std::shared_ptr<const BrowserProfile>> profiles() const override;
 

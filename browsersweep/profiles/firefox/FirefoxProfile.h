@@ -34,6 +34,12 @@ public:
     bool isRelative() const noexcept { return isRelative_; }
     /** The profile's folder as "Path" of "profiles.ini" says. */
     const std::filesystem::path& path() const noexcept { return path_; }
+    /** What reaches its files. */
+    const std::shared_ptr<const FileManager>& fileManager() const noexcept { return fileManager_; }
+    /** Where its user's data lies. */
+    const std::shared_ptr<const CurrentUserDirectoryProvider>& directoryProvider() const noexcept {
+        return directoryProvider_;
+    }
 
     /** The recorded path; without one the path itself. */
     std::optional<std::string> folder() const override;

@@ -24,6 +24,14 @@ public:
     std::optional<std::string> name() const override { return std::nullopt; }
     Browser sourceBrowser() const noexcept override { return Browser::safari; }
     bool isPrimary() const noexcept override { return true; }
+    /** What reaches its files. */
+    const std::shared_ptr<const FileManager>& fileManager() const noexcept {
+        return home_.fileManager();
+    }
+    /** Where its user's data lies. */
+    const std::shared_ptr<const CurrentUserDirectoryProvider>& directoryProvider() const noexcept {
+        return home_.directoryProvider();
+    }
 
     /**
      * All categories but form data. The folders of the cache need Safari closed from macOS 10.15
