@@ -7,8 +7,10 @@ import shutil
 import signal
 import tempfile
 
-# The variables that name places in a home.
+# The variables that name places in a home: those that must go, and those that a test process has of its
+# own, each with its folder. macOS asks the second one for the home, and never HOME alone.
 HOME_VARIABLES = ("XDG_CONFIG_HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME", "XDG_STATE_HOME")
+PRIVATE_FOLDERS = (("HOME", "home"), ("CFFIXED_USER_HOME", "home"), ("TMPDIR", "tmp"))
 
 
 def end(*_):
@@ -36,7 +38,7 @@ def pytest_configure(config):
         atexit.register(remove, private)
     for name in HOME_VARIABLES:
         os.environ.pop(name, None)
-    for name, folder in (("HOME", "home"), ("TMPDIR", "tmp")):
-        (private / folder).mkdir()
+    for name, folder in PRIVATE_FOLDERS:
+        (private / folder).mkdir(exist_ok=True)
         os.environ[name] = str(private / folder)
     tempfile.tempdir = None

@@ -85,14 +85,15 @@ new_folder() {
     (cd "$made" && pwd -P)
 }
 
-# with_private_home COMMAND...: runs a command with HOME and TMPDIR in folders of its own, which are
-# removed afterwards, so that nothing it does can reach the real home.
+# with_private_home COMMAND...: runs a command with the home and TMPDIR in folders of its own, which are
+# removed afterwards, so that nothing it does can reach the real home. macOS asks the variable of its own
+# for the home, then the user database, and HOME last.
 with_private_home() {
     local folder status=0
     folder=$(new_folder browsersweep-home)
     mkdir "$folder/home" "$folder/tmp"
     env -u XDG_CONFIG_HOME -u XDG_CACHE_HOME -u XDG_DATA_HOME -u XDG_STATE_HOME \
-        HOME="$folder/home" TMPDIR="$folder/tmp" "$@" || status=$?
+        HOME="$folder/home" CFFIXED_USER_HOME="$folder/home" TMPDIR="$folder/tmp" "$@" || status=$?
     # A folder that a test has made read-only must not survive it.
     chmod -R u+rwX "$folder" 2>/dev/null || true
     rm -rf "$folder"

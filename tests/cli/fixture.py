@@ -106,13 +106,15 @@ class HostProgramTest(unittest.TestCase):
         self.caches = self.home / "Library" / "Caches"
         self.temporary = self.root / "tmp"
         self.temporary.mkdir()
-        self.environment = {"PATH": os.environ["PATH"], "HOME": str(self.root / "own-home"),
+        own_home = self.root / "own-home"
+        self.environment = {"PATH": os.environ["PATH"], "HOME": str(own_home),
+                            "CFFIXED_USER_HOME": str(own_home),  # what counts on macOS
                             "TMPDIR": str(self.temporary), "LC_ALL": "C",
                             "TERM": "xterm", "NO_COLOR": "1"}
         for name in ("ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS"):
             if name in os.environ:
                 self.environment[name] = os.environ[name]
-        (self.root / "own-home").mkdir()
+        own_home.mkdir()
         self.make_home()
 
     def make_home(self):

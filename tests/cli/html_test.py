@@ -302,7 +302,8 @@ class InABrowser(PageTest):
         completed = subprocess.run(
             [program, *sandbox, "--headless=new", "--disable-gpu", "--disable-dev-shm-usage",
              f"--user-data-dir={profile}", *arguments],
-            env={"PATH": os.environ["PATH"], "HOME": str(self.root)}, timeout=120,
+            env={"PATH": os.environ["PATH"], "HOME": str(self.root),
+                 "CFFIXED_USER_HOME": str(self.root)}, timeout=120,
             stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False)
         self.assertEqual(completed.returncode, 0, completed.stderr.decode())
         return completed.stdout.decode("utf-8")

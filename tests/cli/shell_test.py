@@ -141,7 +141,8 @@ class Offers(ShellTest):
             completed = subprocess.run(
                 ["fish", "--no-config", "-c", "source $argv[1]; complete -C $argv[2]",
                  str(FISH), f"browsersweep {line}"], capture_output=True, text=True, check=True,
-                env={**self.environment, "HOME": str(self.root)}, cwd=self.root)
+                env={**self.environment, "HOME": str(self.root),
+                     "CFFIXED_USER_HOME": str(self.root)}, cwd=self.root)
             self.assertEqual(completed.stderr, "")
             return [row.split("\t")[0] for row in completed.stdout.splitlines()
                     if not row.startswith("-h\t")]

@@ -47,7 +47,7 @@ def find_browser(family: str) -> tuple[str, str]:
 def browser_version(path: str) -> str:
     with tempfile.TemporaryDirectory(prefix="browsersweep-e2e-") as home:
         done = subprocess.run([path, "--version"], capture_output=True, text=True, timeout=60,
-                              env={**os.environ, "HOME": home}, check=False)
+                              env={**os.environ, "HOME": home, "CFFIXED_USER_HOME": home}, check=False)
     text = done.stdout.strip()
     if done.returncode or not text:
         raise BrowserError(f"{path} --version failed: {done.stderr.strip()[-300:]}")
@@ -113,7 +113,8 @@ def process_environment(layout: Layout) -> Iterator[dict[str, str]]:
         (scratch / "run").mkdir(mode=0o700)
         keep = {key: value for key, value in os.environ.items()
                 if key in ("PATH", "LANG", "LC_ALL", "TZ", "LD_LIBRARY_PATH", "USER", "LOGNAME")}
-        yield {**keep, "HOME": str(scratch), "XDG_RUNTIME_DIR": str(scratch / "run"),
+        yield {**keep, "HOME": str(scratch), "CFFIXED_USER_HOME": str(scratch),
+               "XDG_RUNTIME_DIR": str(scratch / "run"),
                "MOZ_LEGACY_HOME": "1", "MOZ_CRASHREPORTER_DISABLE": "1",
                "DBUS_SESSION_BUS_ADDRESS": "disabled:"}
     finally:

@@ -91,8 +91,8 @@ def is_database(contents):
 
 
 def environment(temporary, own_home):
-    values = {"PATH": os.environ["PATH"], "HOME": str(own_home), "TMPDIR": str(temporary),
-              "LC_ALL": "C"}
+    values = {"PATH": os.environ["PATH"], "TMPDIR": str(temporary), "LC_ALL": "C",
+              "HOME": str(own_home), "CFFIXED_USER_HOME": str(own_home)}  # which counts on macOS
     for name in ("ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS"):
         if name in os.environ:
             values[name] = os.environ[name]

@@ -47,7 +47,8 @@ class Isolation(unittest.TestCase):
         finished = subprocess.run(
             strace("-f", "-qq", "--seccomp-bpf", "-s", "4096", "-e", "trace=%file", "-e",
                    "signal=none", "-o", str(log), str(program), *arguments),
-            env={**os.environ, "HOME": str(self.canary), "TMPDIR": str(self.folder),
+            env={**os.environ, "HOME": str(self.canary), "CFFIXED_USER_HOME": str(self.canary),
+                 "TMPDIR": str(self.folder),
                  "GTEST_TOTAL_SHARDS": str(shards), "GTEST_SHARD_INDEX": str(shard)},
             cwd=self.folder, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
             stderr=subprocess.STDOUT, check=False)

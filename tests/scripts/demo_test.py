@@ -55,7 +55,8 @@ class Demo(ScriptTest):
 
     @classmethod
     def demo(cls, *arguments):
-        environment = dict(os.environ, HOME=str(cls.home), TMPDIR=str(cls.temporary))
+        environment = dict(os.environ, HOME=str(cls.home), CFFIXED_USER_HOME=str(cls.home),
+                           TMPDIR=str(cls.temporary))
         return subprocess.run(
             [str(DEMO), *arguments],
             env=environment,

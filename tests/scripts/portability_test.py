@@ -108,9 +108,11 @@ class CommonFunctions(ScriptTest):
 
     def test_a_private_home_is_new_empty_and_gone_afterwards(self):
         self.borrow("ls")
-        finished = self.common('with_private_home bash -c \'ls -A "$HOME" "$TMPDIR"; echo "$HOME"\'')
+        finished = self.common('with_private_home bash -c \'ls -A "$HOME" "$TMPDIR"; '
+                               'printf "%s\\n" "$HOME" "$CFFIXED_USER_HOME"\'')
         self.assertEqual(finished.returncode, 0, finished.stderr)
-        home = finished.stdout.split()[-1]
+        home, on_macos = finished.stdout.split()[-2:]
+        self.assertEqual(home, on_macos)
         self.assertTrue(home.startswith(str(self.folder.resolve()) + "/browsersweep-home."), home)
         self.assertEqual(list(self.folder.glob("browsersweep-home.*")), [])
 

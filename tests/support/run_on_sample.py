@@ -2,9 +2,9 @@
 
     run_on_sample.py [--expect FILE] PROGRAM [ARGUMENT...]
 
-The program gets the home's path as its last argument, and HOME and TMPDIR in private folders. It must
-end with status 0 and, with --expect, print what the file holds: there "#" stands for any digits, and
-HOME for the home's path.
+The program gets the home's path as its last argument, and HOME, with what macOS asks instead of it, and
+TMPDIR in private folders. It must end with status 0 and, with --expect, print what the file holds:
+there "#" stands for any digits, and HOME for the home's path.
 """
 
 import argparse
@@ -25,8 +25,8 @@ def run(command, folder):
     maker = ROOT / "scripts" / "sample" / "make_home.py"
     subprocess.run([sys.executable, maker, sample], stdout=subprocess.DEVNULL, check=True)
     environment = {key: os.environ[key] for key in os.environ if not key.startswith("XDG_")}
-    for key, name in (("HOME", "home"), ("TMPDIR", "tmp")):
-        (folder / name).mkdir()
+    for key, name in (("HOME", "home"), ("CFFIXED_USER_HOME", "home"), ("TMPDIR", "tmp")):
+        (folder / name).mkdir(exist_ok=True)
         environment[key] = str(folder / name)
     finished = subprocess.run(
         [*command, sample], env=environment, stdout=subprocess.PIPE, text=True, check=False
