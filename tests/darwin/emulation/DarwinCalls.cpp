@@ -52,6 +52,14 @@ timespec birthOf(int directory, const char* name, int flags) noexcept {
     return isKnown ? timespec{status.stx_btime.tv_sec, status.stx_btime.tv_nsec} : timespec{};
 }
 
+/** There every mount has a number of its own; here what is mounted twice keeps that of its disk. */
+dev_t deviceOf(int descriptor, const struct stat& status) noexcept {
+    struct statx mounted {};
+    const bool isKnown = ::statx(descriptor, "", AT_EMPTY_PATH, STATX_MNT_ID, &mounted) == 0 &&
+                         (mounted.stx_mask & STATX_MNT_ID) != 0;
+    return isKnown ? status.st_dev ^ (mounted.stx_mnt_id << 32U) : status.st_dev;
+}
+
 void addWhatMacOSTells(struct stat& status, const timespec& birth) {
     status.st_flags = flagsOf(status);
     status.st_birthtimespec = birth;
@@ -116,6 +124,7 @@ int browsersweepEmulatedFstat(int descriptor, struct stat* status) {
     const int result = ::fstat(descriptor, status);
     if (result == 0) {
         addWhatMacOSTells(*status, birthOf(descriptor, "", AT_EMPTY_PATH));
+        status->st_dev = deviceOf(descriptor, *status);
     }
     return result;
 }

@@ -1,6 +1,7 @@
 // That the emulation is what its settings say. Each test sets what it needs and ignores the mode
 // that the whole suite is run in.
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
@@ -12,6 +13,7 @@
 #include <sys/clonefile.h>
 #include <sys/stat.h>
 #include <sys/sysctl.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include "browsersweep/platform/Accessibility.h"
@@ -21,6 +23,7 @@
 #include "browsersweep/platform/internal/posix/FileDescriptor.h"
 
 #include "tests/darwin/emulation/Dataless.h"
+#include "tests/support/Bytes.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace browsersweep {
@@ -87,6 +90,18 @@ TEST_F(EmulationTest, theStrongSyncsCanBeRefused) {
     const Setting without("DARWIN_EMULATION", "sync=no");
     EXPECT_EQ(::fcntl(file.number(), F_FULLFSYNC), -1);
     EXPECT_EQ(errno, ENOTSUP);
+}
+
+TEST_F(EmulationTest, attributesAreCopied) {
+    const fs::path file = folder.write("file", "old");
+    if (::setxattr(file.c_str(), "user.note", "kept", 4, 0) != 0) {
+        GTEST_SKIP() << "this file system keeps no attributes";
+    }
+    manager->replace(file, tests::bytes("new"));
+    EXPECT_EQ(tests::readFile(file), "new");
+    std::array<char, 16> note{};
+    ASSERT_EQ(::getxattr(file.c_str(), "user.note", note.data(), note.size()), 4);
+    EXPECT_STREQ(note.data(), "kept");
 }
 
 TEST_F(EmulationTest, aFileSystemWithoutBirthTimesHasNoDates) {
