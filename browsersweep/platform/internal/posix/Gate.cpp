@@ -9,6 +9,7 @@
 
 #include "browsersweep/platform/internal/posix/FolderIdentity.h"
 #include "browsersweep/platform/internal/posix/SystemCalls.h"
+#include "browsersweep/platform/internal/posix/WithoutDownloads.h"
 
 namespace browsersweep::posix {
 namespace {
@@ -102,6 +103,7 @@ FileDescriptor Gate::openParent(const std::filesystem::path& path) const {
 }
 
 FileDescriptor Gate::openFolder(const std::filesystem::path& path) const {
+    const WithoutDownloads whileOpening;
     if (!namesAnEntry(normal(path)) && path.native().find('\0') == std::string::npos) {
         return openFile(path, O_RDONLY | O_DIRECTORY);
     }
