@@ -218,6 +218,10 @@ TEST(IniFile, randomLinesGiveWhatTheRegularExpressionsGive) {
         for (auto length = random() % 40; length > 0; --length) {
             line += pieces[random() % pieces.size()];
         }
+        // Some engines take a mark at the very beginning for no part of the text.
+        if (line.starts_with("\uFEFF")) {
+            line.insert(0, "b");
+        }
         expectSame(regular, line);
     }
 }
