@@ -180,11 +180,49 @@ Date checkedDate(double since1970, Date date, std::string_view text) {
     return date;
 }
 
+/** The form "2024-02-29T12:30:00Z", as far as its years of four digits go. */
+std::string calendarText(double since1970) {
+    constexpr double year0 = -62167219200;
+    constexpr double year10000 = 253402300800;
+    if (since1970 < year0 || since1970 >= year10000) {
+        return since1970 < 0 ? "before the year 0" : "after the year 9999";
+    }
+    const auto whole =
+        std::chrono::floor<std::chrono::seconds>(std::chrono::duration<double>(since1970));
+    const auto day = std::chrono::floor<std::chrono::days>(whole);
+    const std::chrono::year_month_day date{std::chrono::sys_days{day}};
+    const std::chrono::hh_mm_ss time{whole - day};
+    return fmt::format("{:04}-{:02}-{:02}T{:02}:{:02}:{:02}Z", static_cast<int>(date.year()),
+                       static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+                       time.hours().count(), time.minutes().count(), time.seconds().count());
+}
+
+/**
+ * Most programs count seconds from 1970, and today that takes ten digits. Taken as seconds since
+ * 2001 it would be a date 31 years later, and a filter of it would spare or delete far too much.
+ */
+void refuseTwoReadings(double number, std::string_view text) {
+    constexpr std::size_t digitsOfToday = 10;
+    Scanner scanner(text);
+    if (!scanner.skip('-')) {
+        scanner.skip('+');
+    }
+    if (scanner.digits().size() >= digitsOfToday) {
+        throw UsageError(fmt::format(
+            "'{0}' can be read as seconds since 1970, which is {1}, or since 2001, which is {2}; "
+            "write @{0} for the first, or the date itself",
+            text, calendarText(number),
+            calendarText(secondsSince1970(dateFromReferenceSeconds(number)))));
+    }
+}
+
 }  // namespace
 
 Date dateFromNumber(double secondsSince2001, std::string_view text) {
     const Date date = dateFromReferenceSeconds(secondsSince2001);
-    return checkedDate(secondsSince1970(date), date, text);
+    checkedDate(secondsSince1970(date), date, text);
+    refuseTwoReadings(secondsSince2001, text);
+    return date;
 }
 
 Date parseDate(std::string_view text) {

@@ -90,6 +90,27 @@ TEST(Dates, aDateThatMicrosecondsIn64BitsCannotHoldIsRefused) {
     }
 }
 
+TEST(Dates, aBareNumberThatIsProbablySecondsSince1970IsRefusedWithBothReadings) {
+    try {
+        parseDate("1709164800");
+        FAIL() << "the number was taken";
+    } catch (const UsageError& error) {
+        EXPECT_STREQ(error.what(),
+                     "'1709164800' can be read as seconds since 1970, which is "
+                     "2024-02-29T00:00:00Z, or since 2001, which is 2055-03-01T00:00:00Z; write "
+                     "@1709164800 for the first, or the date itself");
+    }
+    for (const std::string text : {"+1709164800", "-1709164800.5", "0000000001", "1000000000e1",
+                                   "253402300800", "-99999999999"}) {
+        SCOPED_TRACE(text);
+        EXPECT_THROW(parseDate(text), UsageError);
+    }
+    for (const std::string text : {"999999999", "999999999.1234567890", "1.7091648e9"}) {
+        SCOPED_TRACE(text);
+        EXPECT_NO_THROW(parseDate(text));
+    }
+}
+
 TEST(Dates, eitherEndOfARangeMayBeOpen) {
     const auto first = parseDate("2024-01-01");
     const auto last = parseDate("@1709164800.5");

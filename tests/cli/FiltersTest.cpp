@@ -60,17 +60,27 @@ TEST(Filters, jsonHoldsAnyFilter) {
 }
 
 TEST(Filters, jsonOfAnyOtherFormIsRefused) {
-    for (const std::string text :
-         {"", "x", "[]", "null", "{", "{}x", R"({"a":1})", R"({"patterns":{}})",
-          R"({"patterns":{"rule":"include"}})", R"({"patterns":{"patterns":[]}})",
-          R"({"patterns":{"rule":"include","patterns":["a"],"x":null}})",
-          R"({"patterns":{"rule":"include","patterns":["a%"]}})",
-          R"({"patterns":{"rule":"include","patterns":[null]}})", R"({"dates":{"rule":"inside"}})",
-          R"({"dates":{"rule":"insideRange","startDate":[]}})",
-          R"({"dates":{"rule":"insideRange","startDate":"2024-02-30"}})",
-          R"({"dates":{"rule":"insideRange","startDate":1e300}})",
-          R"({"dates":{"rule":"insideRange","startDate":2,"endDate":1}})",
-          R"({"dates":{"rule":"insideRange","rule":"outsideRange"}})"}) {
+    for (const std::string text : {"",
+                                   "x",
+                                   "[]",
+                                   "null",
+                                   "{",
+                                   "{}x",
+                                   R"({"a":1})",
+                                   R"({"patterns":{}})",
+                                   R"({"patterns":{"rule":"include"}})",
+                                   R"({"patterns":{"patterns":[]}})",
+                                   R"({"patterns":{"rule":"include","patterns":["a"],"x":null}})",
+                                   R"({"patterns":{"rule":"include","patterns":["a%"]}})",
+                                   R"({"patterns":{"rule":"include","patterns":[null]}})",
+                                   R"({"dates":{"rule":"inside"}})",
+                                   R"({"dates":{"rule":"insideRange","startDate":[]}})",
+                                   R"({"dates":{"rule":"insideRange","startDate":"2024-02-30"}})",
+                                   R"({"dates":{"rule":"insideRange","startDate":1e300}})",
+                                   R"({"dates":{"rule":"insideRange","startDate":1709164800}})",
+                                   R"({"dates":{"rule":"insideRange","endDate":"1709164800"}})",
+                                   R"({"dates":{"rule":"insideRange","startDate":2,"endDate":1}})",
+                                   R"({"dates":{"rule":"insideRange","rule":"outsideRange"}})"}) {
         SCOPED_TRACE(text);
         EXPECT_THROW(filterFromJSON(text), UsageError);
     }
