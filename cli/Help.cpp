@@ -1,75 +1,138 @@
-#include "cli/Options.h"
+#include "cli/Help.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "cli/Commands.h"
 
 namespace browsersweep::cli {
+namespace {
 
-std::string helpText() {
-    return R"(browsersweep - finds, measures and deletes the data that web browsers keep
+constexpr std::size_t columns = 80;
+constexpr std::array groups{
+    std::pair{std::string_view("selection"), std::string_view(" [SELECTION]")},
+    std::pair{std::string_view("filters"), std::string_view(" [FILTERS]")},
+    std::pair{std::string_view("options"), std::string_view(" [OPTIONS]")},
+};
 
-examples
-  browsersweep size
-      what every browser keeps
-  browsersweep size --html sizes.html
-      the same, and a page with charts, for a web browser
-  browsersweep size --browser googleChrome --category history
-      the history of one browser
-  browsersweep clean --dry-run --browser firefox --outside 2024-01-01..
-      what a clean of all before 2024, and of all without a date, would remove
-  browsersweep clean --browser firefox --category httpCookies --exclude example.com
-      delete Firefox's cookies but those of example.com, after a question
-  browsersweep --json bookmarks --primary-only
-      the bookmarks of the main profiles, for another program
-
-usage
-  browsersweep [--home DIR] [--json] COMMAND [SELECTION] [FILTERS] [OPTIONS]
-
-commands
-  browsers        the thirteen browsers
-  profiles        the profiles of the selected browsers
-  size            measure the selected data
-  clean           delete the selected data and report what was removed
-  bookmarks       list bookmarks
-  notifications   list the sites that may send push notifications
-  doctor          say which browsers' data can be reached, and what to do where it cannot
-
-selection (all repeatable; nothing given selects everything)
-  --browser RAW         a browser, such as googleChrome; 'browsersweep browsers' lists them
-  --profile NAME        profiles with exactly this name
-  --primary-only        primary profiles only
-  --category RAW        cache, history, httpCookies, flashCookies, formData or localStorage
-                        (size and clean)
-
-filters (size and clean; repeatable, applied in the order given)
-  --include PATTERN     only what holds this text, such as a part of a host name
-  --exclude PATTERN     only what does not hold it
-  --inside START..END   only what is dated in the range; either end may be left empty
-  --outside START..END  only what is dated outside it
-  --filter JSON         {"patterns":{"rule":"include","patterns":["a","b"]},
-                         "dates":{"rule":"insideRange","startDate":DATE,"endDate":DATE}}
-
-  A filter keeps only what it can see. Data without a date goes whole under --inside and --outside,
-  data without a text to compare goes whole under --include and --exclude: form data and the list
-  of downloads under any filter, cookies of the Chromium family and of Firefox under dates. A dry
-  run shows it.
-
-  A date is YYYY-MM-DD (midnight UTC), YYYY-MM-DDTHH:MM:SS[.fff]Z, a number of seconds since
-  2001-01-01 00:00:00 UTC, or @ and a number of seconds since 1970.
-
-options
-  --home DIR            act on the Library folder under DIR instead of the user's home
-  --ignore-errors       size and clean: carry on over errors; the figures become approximate
-  --html FILE           size: write a page with charts and a table to FILE as well
-  --dry-run             clean: say what would be removed and delete nothing
-  --yes                 clean: do not ask (needed when standard input is no terminal)
-  --force               clean: go on although a selected browser seems to be running, or the home
-                        is another user's
-  --json                machine output on standard output
-  -h, --help            this text
-  --version             the version
-
+constexpr std::string_view exitStatuses = R"(
 exit status
   0 all done; 1 something failed or was not done; 2 the command line is wrong;
-  130 or 143 ended early by an interrupt or a termination signal
+  129, 130 or 143 ended early by a hang-up, an interrupt or a termination signal
 )";
+
+constexpr std::string_view manual = "\nThe manual: man browsersweep\n";
+
+/** The text after an indented label, broken between words where its lines would be too long. */
+std::string row(std::string_view label, std::size_t indent, std::string_view text) {
+    std::string line = fmt::format("  {:<{}}", label, indent - 2);
+    std::string rows;
+    bool isBegun = false;
+    while (!text.empty()) {
+        const auto end = std::min(text.find(' '), text.size());
+        if (isBegun && line.size() + 1 + end > columns) {
+            rows += line + "\n";
+            line.assign(indent, ' ');
+            isBegun = false;
+        }
+        line += (isBegun ? " " : "") + std::string(text.substr(0, end));
+        isBegun = true;
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return rows + line + "\n";
+}
+
+std::string labelOf(const CLI::Option& option) {
+    std::vector<std::string> names;
+    for (const auto& name : option.get_snames()) {
+        names.push_back("-" + name);
+    }
+    for (const auto& name : option.get_lnames()) {
+        names.push_back("--" + name);
+    }
+    const auto value = option.get_type_name();
+    return fmt::format("{}{}{}", fmt::join(names, ", "), value.empty() ? "" : " ", value);
+}
+
+template <typename IsShown>
+std::string groupText(const CLI::App& app, std::string_view group, const IsShown& isShown) {
+    constexpr std::size_t indent = 27;
+    std::string rows;
+    for (const auto* const option : app.get_options({})) {
+        if (option->get_group() == group && isShown(*option)) {
+            rows += row(labelOf(*option), indent, option->get_description());
+        }
+    }
+    return rows.empty() ? rows : fmt::format("\n{}\n{}", group, rows);
+}
+
+std::string exampleText(const Example& example) {
+    return fmt::format("  {}\n      {}\n", example.line, example.meaning);
+}
+
+const CommandRow* findCommand(const std::string& name) {
+    const auto& table = commandTable();
+    const auto found = std::find_if(table.begin(), table.end(),
+                                    [&](const CommandRow& each) { return each.name == name; });
+    return found == table.end() ? nullptr : &*found;
+}
+
+}  // namespace
+
+HelpFormatter::HelpFormatter(Belongs belongs) : belongs_(std::move(belongs)) {}
+
+std::string HelpFormatter::make_help(const CLI::App* app, std::string /*name*/,
+                                     CLI::AppFormatMode /*mode*/) const {
+    return app->get_parent() == nullptr ? overview(*app) : helpOf(*app);
+}
+
+std::string HelpFormatter::overview(const CLI::App& app) const {
+    constexpr std::size_t indent = 18;
+    std::string text = fmt::format(
+        "{}\n\nusage\n  browsersweep [--home DIR] [--json] COMMAND [SELECTION] [FILTERS] "
+        "[OPTIONS]\n\ncommands\n",
+        app.get_description());
+    for (const auto* const command : app.get_subcommands({})) {
+        text += row(command->get_name(), indent, command->get_description());
+    }
+    text += "\n'browsersweep help COMMAND' shows what a command takes.\n";
+    text += groupText(app, "options",
+                      [this](const CLI::Option& option) { return belongs_(option, "help"); });
+    text += "\nexamples\n";
+    for (const auto& each : commandTable()) {
+        text += exampleText(each.examples.front());
+    }
+    return text.append(exitStatuses).append(manual);
+}
+
+std::string HelpFormatter::helpOf(const CLI::App& command) const {
+    const auto name = command.get_name();
+    std::string usage = "browsersweep " + name;
+    std::string options;
+    for (const auto& [group, placeholder] : groups) {
+        const auto rows = groupText(*command.get_parent(), group, [&](const CLI::Option& option) {
+            return belongs_(option, name);
+        });
+        usage += rows.empty() ? std::string_view() : placeholder;
+        options += rows;
+    }
+    std::string text = fmt::format("browsersweep {} - {}\n\nusage\n  {}\n{}", name,
+                                   command.get_description(), usage, options);
+    if (const CommandRow* const row = findCommand(name)) {
+        text += row->notes.empty() ? "" : fmt::format("\n{}", row->notes);
+        text += "\nexamples\n";
+        for (const auto& example : row->examples) {
+            text += exampleText(example);
+        }
+    }
+    return text.append(manual);
 }
 
 }  // namespace browsersweep::cli

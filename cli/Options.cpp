@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <map>
+#include <memory>
 #include <string_view>
 #include <utility>
 
@@ -11,6 +12,8 @@
 #include <fmt/format.h>
 
 #include "cli/Filters.h"
+#include "cli/Help.h"
+#include "cli/Names.h"
 #include "cli/Suggestion.h"
 #include "cli/Text.h"
 #include "cli/UsageError.h"
@@ -18,44 +21,142 @@
 namespace browsersweep::cli {
 namespace {
 
-constexpr std::array commands{
-    std::pair{std::string_view("browsers"), Command::browsers},
-    std::pair{std::string_view("profiles"), Command::profiles},
-    std::pair{std::string_view("size"), Command::size},
-    std::pair{std::string_view("clean"), Command::clean},
-    std::pair{std::string_view("bookmarks"), Command::bookmarks},
-    std::pair{std::string_view("notifications"), Command::notifications},
-    std::pair{std::string_view("doctor"), Command::doctor},
-};
+using Rule = CleanableDataFilter::Rule;
+using DatesRule = CleanableDataFilter::Dates::Rule;
 
-enum class Scope { everywhere, sizeAndClean, size, clean };
+/** The commands that an option is for; one of the whole program may stand without any. */
+enum class Scope { program, everyCommand, sizeAndClean, size, clean };
 
 struct OptionRow {
     std::string_view name;
-    bool takesValue;
+    const char* names;  ///< as the parser takes them
+    const char* value;  ///< what the help calls the value; empty for a flag
+    const char* group;
     Scope scope;
+    const char* help;
+    void (*take)(const std::string& value, Options& options);
+    std::string (*fault)(const std::string& value);  ///< what is wrong with a value; may be null
 };
+
+template <typename Cases>
+std::vector<std::string_view> rawValues(const Cases& cases) {
+    std::vector<std::string_view> names;
+    names.reserve(cases.size());
+    for (const auto value : cases) {
+        names.push_back(rawValue(value));
+    }
+    return names;
+}
+
+std::string faultOfBrowser(const std::string& name) {
+    return browserNamed(name) ? ""
+                              : fmt::format("'{}' is no browser; {}", printable(name),
+                                            suggestion(name, rawValues(allBrowsers)));
+}
+
+std::string faultOfCategory(const std::string& name) {
+    return categoryNamed(name)
+               ? ""
+               : fmt::format("'{}' is no category; {}", printable(name),
+                             suggestion(name, rawValues(allCleanableDataCategories)));
+}
+
+std::string faultOfFolder(const std::string& path) {
+    return path.empty() ? "the value is empty; give the folder that holds Library" : "";
+}
+
+std::string faultOfFile(const std::string& path) {
+    return path.empty() ? "the value is empty; give the file to write" : "";
+}
 
 // clang-format off
 constexpr std::array optionTable{
-    OptionRow{"--home",          true,  Scope::everywhere},
-    OptionRow{"--json",          false, Scope::everywhere},
-    OptionRow{"--browser",       true,  Scope::everywhere},
-    OptionRow{"--profile",       true,  Scope::everywhere},
-    OptionRow{"--primary-only",  false, Scope::everywhere},
-    OptionRow{"--category",      true,  Scope::sizeAndClean},
-    OptionRow{"--include",       true,  Scope::sizeAndClean},
-    OptionRow{"--exclude",       true,  Scope::sizeAndClean},
-    OptionRow{"--inside",        true,  Scope::sizeAndClean},
-    OptionRow{"--outside",       true,  Scope::sizeAndClean},
-    OptionRow{"--filter",        true,  Scope::sizeAndClean},
-    OptionRow{"--ignore-errors", false, Scope::sizeAndClean},
-    OptionRow{"--html",          true,  Scope::size},
-    OptionRow{"--dry-run",       false, Scope::clean},
-    OptionRow{"--yes",           false, Scope::clean},
-    OptionRow{"--force",         false, Scope::clean},
+    OptionRow{"--browser", "-b,--browser", "BROWSER", "selection", Scope::everyCommand,
+              "a browser, such as firefox or chrome; 'browsersweep browsers' lists them",
+              [](const std::string& value, Options& options) {
+                  options.selection.browsers.push_back(browserNamed(value).value());
+              }, faultOfBrowser},
+    OptionRow{"--profile", "--profile", "PROFILE", "selection", Scope::everyCommand,
+              "profiles with exactly this name",
+              [](const std::string& value, Options& options) {
+                  options.selection.profileNames.push_back(value);
+              }, nullptr},
+    OptionRow{"--primary-only", "--primary-only", "", "selection", Scope::everyCommand,
+              "primary profiles only",
+              [](const std::string& /*value*/, Options& options) {
+                  options.selection.primaryOnly = true;
+              }, nullptr},
+    OptionRow{"--category", "-c,--category", "CATEGORY", "selection", Scope::sizeAndClean,
+              "cache, history, httpCookies (or cookies), flashCookies (flash), formData (forms) "
+              "or localStorage (storage)",
+              [](const std::string& value, Options& options) {
+                  options.selection.categories.push_back(categoryNamed(value).value());
+              }, faultOfCategory},
+    OptionRow{"--include", "--include", "PATTERN", "filters", Scope::sizeAndClean,
+              "only what holds this text, such as a part of a host name",
+              [](const std::string& value, Options& options) {
+                  options.filters.push_back(patternFilter(Rule::include, value));
+              }, nullptr},
+    OptionRow{"--exclude", "--exclude", "PATTERN", "filters", Scope::sizeAndClean,
+              "only what does not hold it",
+              [](const std::string& value, Options& options) {
+                  options.filters.push_back(patternFilter(Rule::exclude, value));
+              }, nullptr},
+    OptionRow{"--inside", "--inside", "START..END", "filters", Scope::sizeAndClean,
+              "only what is dated in the range; either end may be left empty",
+              [](const std::string& value, Options& options) {
+                  options.filters.push_back(datesFilter(DatesRule::insideRange, value));
+              }, nullptr},
+    OptionRow{"--outside", "--outside", "START..END", "filters", Scope::sizeAndClean,
+              "only what is dated outside it",
+              [](const std::string& value, Options& options) {
+                  options.filters.push_back(datesFilter(DatesRule::outsideRange, value));
+              }, nullptr},
+    OptionRow{"--filter", "--filter", "JSON", "filters", Scope::sizeAndClean,
+              "any filter; filters apply in the order given",
+              [](const std::string& value, Options& options) {
+                  options.filters.push_back(filterFromJSON(value));
+              }, nullptr},
+    OptionRow{"--ignore-errors", "--ignore-errors", "", "options", Scope::sizeAndClean,
+              "carry on over errors; the figures become approximate",
+              [](const std::string& /*value*/, Options& options) {
+                  options.ignoreErrors = true;
+              }, nullptr},
+    OptionRow{"--html", "--html", "FILE", "options", Scope::size,
+              "write a page with charts and a table to FILE as well",
+              [](const std::string& value, Options& options) {
+                  options.html = std::filesystem::absolute(value);
+              }, faultOfFile},
+    OptionRow{"--dry-run", "-n,--dry-run", "", "options", Scope::clean,
+              "say what would be removed and delete nothing",
+              [](const std::string& /*value*/, Options& options) {
+                  options.dryRun = true;
+              }, nullptr},
+    OptionRow{"--yes", "-y,--yes", "", "options", Scope::clean,
+              "do not ask (needed when standard input is no terminal)",
+              [](const std::string& /*value*/, Options& options) {
+                  options.yes = true;
+              }, nullptr},
+    OptionRow{"--force", "--force", "", "options", Scope::clean,
+              "go on although a selected browser seems to be running, or the home is another "
+              "user's",
+              [](const std::string& /*value*/, Options& options) {
+                  options.force = true;
+              }, nullptr},
+    OptionRow{"--home", "--home", "DIR", "options", Scope::program,
+              "act on the Library folder under DIR instead of the user's home",
+              [](const std::string& value, Options& options) {
+                  options.home = std::filesystem::absolute(value);
+              }, faultOfFolder},
+    OptionRow{"--json", "--json", "", "options", Scope::program,
+              "machine output on standard output",
+              [](const std::string& /*value*/, Options& options) {
+                  options.json = true;
+              }, nullptr},
 };
 // clang-format on
+
+constexpr const char* helpCommand = "help";
 
 std::vector<std::string_view> optionNames() {
     std::vector<std::string_view> names{"--help", "--version"};
@@ -66,11 +167,52 @@ std::vector<std::string_view> optionNames() {
     return names;
 }
 
+std::vector<std::string_view> commandNames() {
+    std::vector<std::string_view> names;
+    names.reserve(commandTable().size() + 1);
+    for (const auto& row : commandTable()) {
+        names.push_back(row.name);
+    }
+    names.emplace_back(helpCommand);
+    return names;
+}
+
+/** The row of an option by its long or its short name. */
 const OptionRow* findOption(std::string_view name) {
     const auto* const found =
-        std::find_if(optionTable.begin(), optionTable.end(),
-                     [name](const OptionRow& row) { return row.name == name; });
+        std::find_if(optionTable.begin(), optionTable.end(), [name](const OptionRow& row) {
+            const std::string_view names = row.names;
+            return row.name == name ||
+                   (names.size() > row.name.size() && names.substr(0, names.find(',')) == name);
+        });
     return found == optionTable.end() ? nullptr : &*found;
+}
+
+bool takesValue(const OptionRow& row) noexcept {
+    return *row.value != '\0';
+}
+
+bool isAllowed(Scope scope, std::string_view command) noexcept {
+    switch (scope) {
+        case Scope::program:
+            return true;
+        case Scope::everyCommand:
+            return command != helpCommand;
+        case Scope::sizeAndClean:
+            return command == "size" || command == "clean";
+        case Scope::size:
+            return command == "size";
+        case Scope::clean:
+            return command == "clean";
+    }
+    return false;
+}
+
+std::string_view commandsOf(Scope scope) noexcept {
+    constexpr std::array<std::string_view, 5> names{"any command", "the commands that look at data",
+                                                    "the commands size and clean",
+                                                    "the command size", "the command clean"};
+    return names.at(static_cast<std::size_t>(scope));
 }
 
 /**
@@ -89,7 +231,7 @@ std::vector<std::string> joinValues(const std::vector<std::string>& arguments) {
         }
         const auto equals = argument.find('=');
         const auto* const row = findOption(std::string_view(argument).substr(0, equals));
-        if (row == nullptr || !row->takesValue) {
+        if (row == nullptr || !takesValue(*row)) {
             joined.push_back(argument);
         } else if (equals != std::string::npos) {
             joined.emplace_back(row->name);
@@ -104,240 +246,195 @@ std::vector<std::string> joinValues(const std::vector<std::string>& arguments) {
     return joined;
 }
 
-/** The texts of a command line, sorted by option, not yet understood. */
-struct RawCommandLine {
-    std::vector<std::string> positionals;
-    std::map<std::string_view, std::size_t> counts;
-    std::vector<std::pair<std::string_view, std::string>> values;  ///< as given, in that order
-    std::vector<std::string> unknown;
-
-    bool has(std::string_view name) const { return counts.find(name) != counts.end(); }
-};
-
-/** The parser with every option of the table. */
-class Parser {
-public:
-    Parser() {
-        app_.set_help_flag("-h,--help");
-        app_.set_version_flag("--version", std::string("browsersweep " BROWSERSWEEP_VERSION "\n"));
-        app_.allow_extras();
-        for (const auto& row : optionTable) {
-            byOption_.emplace(add(row), row.name);
-        }
-    }
-
-    RawCommandLine parse(std::vector<std::string> arguments) {
-        std::reverse(arguments.begin(), arguments.end());  // the parser takes them from the back
-        app_.parse(std::move(arguments));
-        RawCommandLine raw;
-        std::map<const CLI::Option*, std::size_t> read;
-        for (const CLI::Option* const option : app_.parse_order()) {
-            const auto known = byOption_.find(option);
-            if (known != byOption_.end()) {
-                ++raw.counts[known->second];
-                raw.values.emplace_back(known->second, option->results().at(read[option]++));
-            }
-        }
-        for (auto& extra : app_.remaining()) {
-            if (extra == "--") {
-                continue;
-            }
-            const bool isOption = extra.size() > 1 && extra.front() == '-';
-            (isOption ? raw.unknown : raw.positionals).push_back(std::move(extra));
-        }
-        return raw;
-    }
-
-private:
-    const CLI::Option* add(const OptionRow& row) {
-        const std::string name(row.name);
-        if (!row.takesValue) {
-            return app_.add_flag(name)->disable_flag_override();
-        }
-        const auto keepAsText = [](const CLI::results_t&) { return true; };
-        return app_.add_option(name, keepAsText)
-            ->expected(1)
-            ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-    }
-
-    CLI::App app_;
-    std::map<const CLI::Option*, std::string_view> byOption_;
-};
-
-std::vector<std::string_view> commandNames() {
-    std::vector<std::string_view> names;
-    names.reserve(commands.size());
-    for (const auto& [name, command] : commands) {
-        names.push_back(name);
-    }
-    return names;
-}
-
-Command commandOf(const std::vector<std::string>& positionals) {
-    if (positionals.empty()) {
-        throw UsageError("no command is given; " + suggestion("", commandNames()));
-    }
-    const auto* const found =
-        std::find_if(commands.begin(), commands.end(),
-                     [&](const auto& entry) { return entry.first == positionals.front(); });
-    if (found == commands.end()) {
-        throw UsageError(fmt::format("'{}' is no command; {}", printable(positionals.front()),
-                                     suggestion(positionals.front(), commandNames())));
-    }
-    if (positionals.size() > 1) {
-        throw UsageError(
-            fmt::format("'{}' is one word too many after the command {}; give browsers with "
-                        "--browser and patterns with --include or --exclude",
-                        printable(positionals[1]), found->first));
-    }
-    return found->second;
-}
-
-bool isAllowed(Scope scope, Command command) noexcept {
-    switch (scope) {
-        case Scope::everywhere:
-            return true;
-        case Scope::sizeAndClean:
-            return command == Command::size || command == Command::clean;
-        case Scope::size:
-            return command == Command::size;
-        case Scope::clean:
-            return command == Command::clean;
-    }
-    return false;
-}
-
-std::string_view commandsOf(Scope scope) noexcept {
-    constexpr std::array<std::string_view, 4> names{"any command", "the commands size and clean",
-                                                    "the command size", "the command clean"};
-    return names.at(static_cast<std::size_t>(scope));
-}
-
-void requireKnownOptions(const RawCommandLine& raw) {
-    if (!raw.unknown.empty()) {
-        const auto name = raw.unknown.front().substr(0, raw.unknown.front().find('='));
-        throw UsageError(
-            fmt::format("'{}' is no option; {}", printable(name), suggestion(name, optionNames())));
-    }
-}
-
-void requireOptionsOfCommand(const RawCommandLine& raw, Command command) {
-    for (const auto& row : optionTable) {
-        if (raw.has(row.name) && !isAllowed(row.scope, command)) {
-            throw UsageError(
-                fmt::format("{} belongs to {}; leave it out", row.name, commandsOf(row.scope)));
-        }
-    }
-}
-
-template <typename Value>
-Value known(std::string_view kind, std::string_view text, std::optional<Value> value,
-            const std::vector<std::string_view>& names) {
-    if (!value) {
-        throw UsageError(
-            fmt::format("'{}' is no {}; {}", printable(text), kind, suggestion(text, names)));
-    }
-    return *value;
-}
-
-template <typename Cases>
-std::vector<std::string_view> rawValues(const Cases& cases) {
-    std::vector<std::string_view> names;
-    names.reserve(cases.size());
-    for (const auto value : cases) {
-        names.push_back(rawValue(value));
-    }
-    return names;
-}
-
-std::filesystem::path pathFrom(std::string_view name, const std::string& text,
-                               std::string_view meaning) {
-    if (text.empty()) {
-        throw UsageError(fmt::format("{} is empty; give the {}", name, meaning));
-    }
-    return std::filesystem::absolute(text);
-}
-
-void addFilter(std::string_view name, const std::string& text,
-               std::vector<CleanableDataFilter>& filters) {
-    using Rule = CleanableDataFilter::Rule;
-    using DatesRule = CleanableDataFilter::Dates::Rule;
-    if (name == "--include") {
-        filters.push_back(patternFilter(Rule::include, text));
-    } else if (name == "--exclude") {
-        filters.push_back(patternFilter(Rule::exclude, text));
-    } else if (name == "--inside") {
-        filters.push_back(datesFilter(DatesRule::insideRange, text));
-    } else if (name == "--outside") {
-        filters.push_back(datesFilter(DatesRule::outsideRange, text));
-    } else if (name == "--filter") {
-        filters.push_back(filterFromJSON(text));
-    }
-}
-
-void takeValue(std::string_view name, const std::string& text, Options& options) {
-    auto& selection = options.selection;
-    if (name == "--home") {
-        options.home = pathFrom(name, text, "folder that holds Library");
-    } else if (name == "--html") {
-        options.html = pathFrom(name, text, "file to write");
-    } else if (name == "--browser") {
-        selection.browsers.push_back(
-            known("browser", text, browserFromRawValue(text), rawValues(allBrowsers)));
-    } else if (name == "--profile") {
-        selection.profileNames.push_back(text);
-    } else if (name == "--category") {
-        selection.categories.push_back(known("category", text,
-                                             cleanableDataCategoryFromRawValue(text),
-                                             rawValues(allCleanableDataCategories)));
-    } else {
-        addFilter(name, text, options.filters);
-    }
-}
-
-void requireOnce(const RawCommandLine& raw, std::string_view name, std::string_view value) {
-    if (const auto found = raw.counts.find(name); found != raw.counts.end() && found->second > 1) {
-        throw UsageError(fmt::format("{} is given twice; give one {}", name, value));
-    }
-}
-
-Options optionsFrom(const RawCommandLine& raw) {
-    requireKnownOptions(raw);
-    Options options;
-    options.command = commandOf(raw.positionals);
-    requireOptionsOfCommand(raw, options.command);
-    requireOnce(raw, "--home", "folder");
-    requireOnce(raw, "--html", "file");
-    for (const auto& [name, text] : raw.values) {
-        takeValue(name, text, options);
-    }
-    options.selection.primaryOnly = raw.has("--primary-only");
-    options.ignoreErrors = raw.has("--ignore-errors");
-    options.dryRun = raw.has("--dry-run");
-    options.yes = raw.has("--yes");
-    options.force = raw.has("--force");
-    options.json = raw.has("--json");
-    return options;
-}
-
 /** One line of the parser's own message, whatever it holds. */
 std::string oneLine(std::string_view text) {
     return printable(text.substr(0, text.find('\n')));
 }
 
+/**
+ * The program's options and a sub-command for each of its commands. Every option belongs to the
+ * program, so that it may stand before and after the command and the order among filters is kept;
+ * which of them a command takes is looked at when everything is read.
+ */
+class Parser {
+public:
+    Parser() : app_("browsersweep - finds, measures and deletes the data that web browsers keep") {
+        for (const auto& row : optionTable) {
+            rows_.emplace(add(row), &row);
+        }
+        app_.set_help_flag("-h,--help", "this help; after a command, that of the command");
+        app_.get_help_ptr()->group("options");
+        app_.set_version_flag("--version", std::string("browsersweep " BROWSERSWEEP_VERSION "\n"),
+                              "the version")
+            ->group("options");
+        app_.allow_extras()->fallthrough()->require_subcommand(0, 1);
+        app_.formatter(std::make_shared<HelpFormatter>(
+            [this](const CLI::Option& option, const std::string& command) {
+                const auto row = rows_.find(&option);
+                return row == rows_.end() || isAllowed(row->second->scope, command);
+            }));
+        for (const auto& row : commandTable()) {
+            app_.add_subcommand(std::string(row.name), std::string(row.description));
+        }
+        help_ = app_.add_subcommand(helpCommand, "show the help, or that of the command named");
+        help_->add_option("COMMAND", topic_);
+    }
+
+    CommandLine parse(std::vector<std::string> arguments) {
+        std::reverse(arguments.begin(), arguments.end());  // the parser takes them from the back
+        try {
+            app_.parse(std::move(arguments));
+        } catch (const CLI::CallForHelp&) {
+            return Information{app_.help()};
+        } catch (const CLI::CallForVersion& version) {
+            return Information{version.what()};
+        } catch (const CLI::ValidationError& error) {
+            // Versions of the parser differ in what they look at first.
+            if (isHelpAsked()) {
+                return Information{app_.help()};
+            }
+            throw UsageError(error.what());
+        } catch (const CLI::ParseError& error) {
+            throw UsageError(oneLine(error.what()) + "; 'browsersweep --help' shows what is right");
+        }
+        sortExtras();
+        requireKnownOptions();
+        return help_->parsed() ? CommandLine(Information{helpOfTopic()}) : CommandLine(options());
+    }
+
+    std::string help() const { return app_.help(); }
+
+private:
+    const CLI::Option* add(const OptionRow& row) {
+        if (!takesValue(row)) {
+            return app_.add_flag(row.names, row.help)->disable_flag_override()->group(row.group);
+        }
+        const auto keepAsText = [](const CLI::results_t&) { return true; };
+        auto* const option = app_.add_option(row.names, keepAsText, row.help)
+                                 ->expected(1)
+                                 ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+                                 ->type_name(row.value)
+                                 ->group(row.group);
+        return row.fault == nullptr ? option : option->check(row.fault);
+    }
+
+    bool isHelpAsked() const {
+        const auto commands = app_.get_subcommands();
+        return app_.get_help_ptr()->count() > 0 ||
+               std::any_of(commands.begin(), commands.end(), [](const CLI::App* command) {
+                   return command->get_help_ptr()->count() > 0;
+               });
+    }
+
+    void sortExtras() {
+        for (auto& extra : app_.remaining(true)) {
+            if (extra == "--") {
+                continue;
+            }
+            const bool isOption = extra.size() > 1 && extra.front() == '-';
+            (isOption ? unknownOptions_ : words_).push_back(std::move(extra));
+        }
+    }
+
+    void requireKnownOptions() const {
+        if (!unknownOptions_.empty()) {
+            const auto& first = unknownOptions_.front();
+            const auto name = first.substr(0, first.find('='));
+            throw UsageError(fmt::format("'{}' is no option; {}", printable(name),
+                                         suggestion(name, optionNames())));
+        }
+    }
+
+    std::string helpOfTopic() const {
+        requireNoWordBeside(helpCommand);
+        requireOptionsOf(helpCommand);
+        if (topic_.empty()) {
+            return app_.get_formatter()->make_help(&app_, "", CLI::AppFormatMode::Normal);
+        }
+        const auto names = commandNames();
+        if (std::find(names.begin(), names.end(), topic_) == names.end()) {
+            throwUnknownCommand(topic_);
+        }
+        return app_.get_subcommand(topic_)->help();
+    }
+
+    void requireNoWordBeside(std::string_view command) const {
+        if (!words_.empty()) {
+            throw UsageError(
+                fmt::format("'{}' is one word too many after the command {}; give browsers with "
+                            "--browser and patterns with --include or --exclude",
+                            printable(words_.front()), command));
+        }
+    }
+
+    [[noreturn]] static void throwUnknownCommand(std::string_view name) {
+        throw UsageError(fmt::format("'{}' is no command; {}", printable(name),
+                                     suggestion(name, commandNames())));
+    }
+
+    const CommandRow& command() const {
+        const auto parsed = app_.get_subcommands();
+        if (!parsed.empty()) {
+            requireNoWordBeside(parsed.front()->get_name());
+            const auto& table = commandTable();
+            return *std::find_if(table.begin(), table.end(), [&](const CommandRow& row) {
+                return row.name == parsed.front()->get_name();
+            });
+        }
+        if (!words_.empty()) {
+            throwUnknownCommand(words_.front());
+        }
+        throw UsageError("no command is given; " + suggestion("", commandNames()));
+    }
+
+    /** The options as they follow on each other, which is the order of the filters. */
+    Options options() const {
+        const CommandRow& command = this->command();
+        requireOptionsOf(command.name);
+        requireOnce("--home", "folder");
+        requireOnce("--html", "file");
+        Options options;
+        options.command = command.command;
+        std::map<const CLI::Option*, std::size_t> read;
+        for (const CLI::Option* const option : app_.parse_order()) {
+            if (const auto row = rows_.find(option); row != rows_.end()) {
+                row->second->take(option->results().at(read[option]++), options);
+            }
+        }
+        return options;
+    }
+
+    void requireOptionsOf(std::string_view command) const {
+        for (const auto& [option, row] : rows_) {
+            if (option->count() > 0 && !isAllowed(row->scope, command)) {
+                throw UsageError(fmt::format("{} belongs to {}; leave it out", row->name,
+                                             commandsOf(row->scope)));
+            }
+        }
+    }
+
+    void requireOnce(const std::string& name, std::string_view value) const {
+        if (app_.get_option(name)->count() > 1) {
+            throw UsageError(fmt::format("{} is given twice; give one {}", name, value));
+        }
+    }
+
+    CLI::App app_;
+    std::map<const CLI::Option*, const OptionRow*> rows_;
+    CLI::App* help_ = nullptr;
+    std::string topic_;
+    std::vector<std::string> words_;
+    std::vector<std::string> unknownOptions_;
+};
+
 }  // namespace
 
 CommandLine parseCommandLine(const std::vector<std::string>& arguments) {
     Parser parser;
-    try {
-        return optionsFrom(parser.parse(joinValues(arguments)));
-    } catch (const CLI::CallForHelp&) {
-        return Information{helpText()};
-    } catch (const CLI::CallForVersion& version) {
-        return Information{version.what()};
-    } catch (const CLI::ParseError& error) {
-        throw UsageError(oneLine(error.what()) + "; 'browsersweep --help' shows what is right");
+    if (arguments.empty()) {
+        return Information{parser.help()};
     }
+    return parser.parse(joinValues(arguments));
 }
 
 }  // namespace browsersweep::cli

@@ -8,11 +8,10 @@
 
 #include "browsersweep/cleanable/CleanableDataFilter.h"
 
+#include "cli/Commands.h"
 #include "cli/Selection.h"
 
 namespace browsersweep::cli {
-
-enum class Command { browsers, profiles, size, clean, bookmarks, notifications, doctor };
 
 /** A command line that is right. */
 struct Options {
@@ -36,12 +35,9 @@ struct Information {
 using CommandLine = std::variant<Options, Information>;
 
 /**
- * Reads the arguments after the program's name. Touches no file. Throws a `UsageError` for a
- * command line that is wrong in any way.
+ * Reads the arguments after the program's name; without any, the help is meant. Touches no file.
+ * Throws a `UsageError` for a command line that is wrong in any way.
  */
 CommandLine parseCommandLine(const std::vector<std::string>& arguments);
-
-/** The help text. */
-std::string helpText();
 
 }  // namespace browsersweep::cli

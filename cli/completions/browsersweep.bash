@@ -12,9 +12,9 @@ _browsersweep_command() {
             continue
         fi
         case $word in
-        --home | --browser | --profile | --category | --html) is_value=yes ;;
+        --home | --browser | -b | --profile | --category | -c | --html) is_value=yes ;;
         --include | --exclude | --inside | --outside | --filter) is_value=yes ;;
-        browsers | profiles | size | clean | bookmarks | notifications | doctor)
+        browsers | profiles | size | clean | bookmarks | notifications | doctor | help)
             printf '%s\n' "$word"
             return
             ;;
@@ -23,7 +23,9 @@ _browsersweep_command() {
 }
 
 _browsersweep_options() {
-    printf '%s\n' --home --json --browser --profile --primary-only --help --version
+    printf '%s\n' --home --json --help --version
+    case $1 in help) return ;; esac
+    printf '%s\n' --browser --profile --primary-only
     case $1 in
     "" | size | clean)
         printf '%s\n' --category --include --exclude --inside --outside --filter --ignore-errors
@@ -63,8 +65,8 @@ _browsersweep() {
         previous=${COMP_WORDS[COMP_CWORD - 2]}
     fi
     case $previous in
-    --browser) _browsersweep_offer "$browsers" && return ;;
-    --category) _browsersweep_offer "$categories" && return ;;
+    --browser | -b) _browsersweep_offer "$browsers" && return ;;
+    --category | -c) _browsersweep_offer "$categories" && return ;;
     --home) _browsersweep_offer_paths directory && return ;;
     --html) _browsersweep_offer_paths file && return ;;
     --profile | --include | --exclude | --inside | --outside | --filter) return ;;
@@ -72,7 +74,12 @@ _browsersweep() {
     command=$(_browsersweep_command "${COMP_WORDS[@]:1:COMP_CWORD-1}")
     case $current in
     -*) _browsersweep_offer "$(_browsersweep_options "$command")" ;;
-    *) [ -n "$command" ] || _browsersweep_offer "$commands" ;;
+    *)
+        case $command in
+        "") _browsersweep_offer "$commands help" ;;
+        help) [ "$previous" != help ] || _browsersweep_offer "$commands" ;;
+        esac
+        ;;
     esac
 }
 

@@ -7,10 +7,12 @@ set -l browsers quenbySecureBrowser tarrowSecureBrowser brave chromium firefox g
 set -l categories cache history httpCookies flashCookies formData localStorage
 
 # Before the command is typed, the options of all commands are offered.
-set -l no_command "not __fish_seen_subcommand_from $commands"
-set -l measuring "not __fish_seen_subcommand_from browsers profiles bookmarks notifications doctor"
-set -l sizing "not __fish_seen_subcommand_from browsers profiles clean bookmarks notifications doctor"
-set -l cleaning "not __fish_seen_subcommand_from browsers profiles size bookmarks notifications doctor"
+set -l no_command "not __fish_seen_subcommand_from $commands help"
+set -l asking "__fish_seen_subcommand_from help; and not __fish_seen_subcommand_from $commands"
+set -l selecting "not __fish_seen_subcommand_from help"
+set -l measuring "not __fish_seen_subcommand_from browsers profiles bookmarks notifications doctor help"
+set -l sizing "not __fish_seen_subcommand_from browsers profiles clean bookmarks notifications doctor help"
+set -l cleaning "not __fish_seen_subcommand_from browsers profiles size bookmarks notifications doctor help"
 
 complete -c browsersweep -f
 complete -c browsersweep -n $no_command -a browsers -d 'List the thirteen browsers'
@@ -20,16 +22,18 @@ complete -c browsersweep -n $no_command -a clean -d 'Delete the selected data'
 complete -c browsersweep -n $no_command -a bookmarks -d 'List bookmarks'
 complete -c browsersweep -n $no_command -a notifications -d 'List the sites that may send notifications'
 complete -c browsersweep -n $no_command -a doctor -d 'Say which data can be reached'
+complete -c browsersweep -n $no_command -a help -d 'Show the help, or that of a command'
+complete -c browsersweep -n $asking -a "$commands"
 
 complete -c browsersweep -l home -x -a '(__fish_complete_directories)' -d 'Act on the Library folder under another folder'
 complete -c browsersweep -l json -d 'Machine output on standard output'
-complete -c browsersweep -l browser -x -a "$browsers" -d 'A browser'
-complete -c browsersweep -l profile -x -d 'The profiles with exactly this name'
-complete -c browsersweep -l primary-only -d 'Primary profiles only'
+complete -c browsersweep -n $selecting -s b -l browser -x -a "$browsers" -d 'A browser'
+complete -c browsersweep -n $selecting -l profile -x -d 'The profiles with exactly this name'
+complete -c browsersweep -n $selecting -l primary-only -d 'Primary profiles only'
 complete -c browsersweep -s h -l help -d 'The help'
 complete -c browsersweep -l version -d 'The version'
 
-complete -c browsersweep -n $measuring -l category -x -a "$categories" -d 'A category'
+complete -c browsersweep -n $measuring -s c -l category -x -a "$categories" -d 'A category'
 complete -c browsersweep -n $measuring -l include -x -d 'Only what holds this text'
 complete -c browsersweep -n $measuring -l exclude -x -d 'Only what does not hold this text'
 complete -c browsersweep -n $measuring -l inside -x -d 'Only what is dated in the range'
@@ -37,6 +41,6 @@ complete -c browsersweep -n $measuring -l outside -x -d 'Only what is dated outs
 complete -c browsersweep -n $measuring -l filter -x -d 'Any filter, in JSON'
 complete -c browsersweep -n $measuring -l ignore-errors -d 'Carry on over errors'
 complete -c browsersweep -n $sizing -l html -r -F -d 'Write a page with charts and a table as well'
-complete -c browsersweep -n $cleaning -l dry-run -d 'Say what would be removed and delete nothing'
-complete -c browsersweep -n $cleaning -l yes -d 'Do not ask'
+complete -c browsersweep -n $cleaning -s n -l dry-run -d 'Say what would be removed and delete nothing'
+complete -c browsersweep -n $cleaning -s y -l yes -d 'Do not ask'
 complete -c browsersweep -n $cleaning -l force -d 'Go on although a selected browser seems to be running'

@@ -78,24 +78,29 @@ TEST(Options, wrongCommandLinesSayWhatIsWrongAndWhatIsRight) {
         std::string message;
     };
     const std::vector<Row> rows = {
-        {{},
+        {{"--json"},
          "no command is given; it must be one of browsers, profiles, size, clean, bookmarks, "
-         "notifications, doctor"},
+         "notifications, doctor, help"},
         {{"sizes"}, "'sizes' is no command; did you mean size?"},
         {{"size", "x"},
          "'x' is one word too many after the command size; give browsers with --browser and "
          "patterns with --include or --exclude"},
-        {{"size", "--browser", "Opera"}, "'Opera' is no browser; did you mean opera?"},
-        {{"size", "--category", "form"}, "'form' is no category; did you mean formData?"},
+        {{"size", "--browser", "Opera"}, "--browser: 'Opera' is no browser; did you mean opera?"},
+        {{"size", "-c", "form"}, "--category: 'form' is no category; did you mean formData?"},
         {{"size", "--browsers", "x"}, "'--browsers' is no option; did you mean --browser?"},
         {{"size", "--profile"}, "--profile needs a value; write --profile=VALUE"},
+        {{"clean", "-b", "--yes"}, "--browser needs a value; write --browser=VALUE"},
+        {{"size", "-n"}, "--dry-run belongs to the command clean; leave it out"},
+        {{"help", "sizes"}, "'sizes' is no command; did you mean size?"},
+        {{"help", "-b", "opera"},
+         "--browser belongs to the commands that look at data; leave it out"},
         {{"clean", "--profile", "--yes"}, "--profile needs a value; write --profile=VALUE"},
         {{"size", "--yes"}, "--yes belongs to the command clean; leave it out"},
         {{"bookmarks", "--include=a"},
          "--include belongs to the commands size and clean; leave it out"},
         {{"browsers", "--html=a"}, "--html belongs to the command size; leave it out"},
         {{"clean", "--html=a"}, "--html belongs to the command size; leave it out"},
-        {{"size", "--html", ""}, "--html is empty; give the file to write"},
+        {{"size", "--html", ""}, "--html: the value is empty; give the file to write"},
         {{"size", "--html", "a", "--html=b"}, "--html is given twice; give one file"},
         {{"--home", "a", "--home", "b", "size"}, "--home is given twice; give one folder"},
     };
@@ -110,11 +115,65 @@ TEST(Options, wrongCommandLinesSayWhatIsWrongAndWhatIsRight) {
     }
 }
 
+TEST(Options, shortOptionsMeanTheLongOnes) {
+    const auto options = parsed({"-b", "opera", "-bbrave", "clean", "-c", "history", "-ny"});
+    EXPECT_EQ(options.selection.selectedBrowsers(),
+              (std::vector<Browser>{Browser::brave, Browser::opera}));
+    EXPECT_EQ(options.selection.categories,
+              std::vector<CleanableDataCategory>{CleanableDataCategory::history});
+    EXPECT_TRUE(options.dryRun && options.yes);
+}
+
+TEST(Options, browsersAndCategoriesGoByShortNamesToo) {
+    const auto options = parsed({"size", "-b", "chrome", "--browser=edge", "-c", "cookies"});
+    EXPECT_EQ(options.selection.selectedBrowsers(),
+              (std::vector<Browser>{Browser::googleChrome, Browser::microsoftEdge}));
+    EXPECT_EQ(options.selection.categories,
+              std::vector<CleanableDataCategory>{CleanableDataCategory::httpCookies});
+}
+
+TEST(Options, theNameOfACommandMayBeAValue) {
+    const auto options = parsed({"--include", "clean", "size", "--profile", "help"});
+    EXPECT_EQ(options.command, Command::size);
+    EXPECT_EQ(options.filters.at(0).patterns(), std::set<std::string>{"clean"});
+    EXPECT_EQ(options.selection.profileNames, std::vector<std::string>{"help"});
+}
+
+std::string information(const std::vector<std::string>& arguments) {
+    return std::get<Information>(parseCommandLine(arguments)).text;
+}
+
 TEST(Options, helpAndVersionAreInformation) {
-    EXPECT_EQ(std::get<Information>(parseCommandLine({"--help"})).text, helpText());
-    EXPECT_EQ(std::get<Information>(parseCommandLine({"size", "-h"})).text, helpText());
-    EXPECT_EQ(std::get<Information>(parseCommandLine({"--version"})).text.rfind("browsersweep ", 0),
-              0U);
+    const auto overview = information({"--help"});
+    EXPECT_EQ(overview.rfind("browsersweep - ", 0), 0U);
+    EXPECT_EQ(information({}), overview);
+    EXPECT_EQ(information({"help"}), overview);
+    EXPECT_EQ(information({"-h", "--home=x"}), overview);
+    EXPECT_EQ(information({"--version"}).rfind("browsersweep ", 0), 0U);
+    EXPECT_EQ(information({"size", "--version"}), information({"--version"}));
+}
+
+TEST(Options, eachCommandHasItsOwnHelp) {
+    for (const auto& row : commandTable()) {
+        const std::string name(row.name);
+        SCOPED_TRACE(name);
+        const auto help = information({"help", name});
+        EXPECT_EQ(help.rfind("browsersweep " + name + " - ", 0), 0U);
+        EXPECT_EQ(information({name, "-h"}), help);
+        EXPECT_EQ(information({"--help", name}), help);
+        EXPECT_EQ(information({name, "--browser", "none", "--help"}), help);
+    }
+}
+
+TEST(Options, theHelpOfACommandShowsWhatItTakes) {
+    const auto size = information({"help", "size"});
+    const auto clean = information({"help", "clean"});
+    EXPECT_NE(size.find("\n  --html FILE "), std::string::npos);
+    EXPECT_EQ(size.find("--dry-run"), std::string::npos);
+    EXPECT_EQ(clean.find("--html"), std::string::npos);
+    EXPECT_NE(clean.find("\n  -n, --dry-run "), std::string::npos);
+    EXPECT_NE(clean.find("\n  -b, --browser BROWSER "), std::string::npos);
+    EXPECT_EQ(information({"help", "doctor"}).find("--include"), std::string::npos);
 }
 
 }  // namespace

@@ -2,7 +2,7 @@
 
 import os
 
-from fixture import HostProgramTest
+from fixture import COMMANDS, HostProgramTest
 
 
 class Usage(HostProgramTest):
@@ -15,17 +15,18 @@ class Usage(HostProgramTest):
         self.assert_usage_error("size", "line\nbreak")
 
     def test_browsers_and_categories(self):
-        self.assert_usage_error("size", "--browser", "chrome", says=("mean googleChrome?",))
+        self.assert_usage_error("size", "--browser", "Chrome", says=("mean googleChrome?",))
         self.assert_usage_error("size", "--browser", "Chromium", says=("mean chromium?",))
         self.assert_usage_error("size", "--browser", "nothing like it", says=("yandexBrowser",))
         self.assert_usage_error("size", "--browser=", says=("'' is no browser",))
-        self.assert_usage_error("size", "--category", "cookies", says=("mean httpCookies?",))
+        self.assert_usage_error("size", "--category", "Cookies", says=("mean httpCookies?",))
         self.assert_usage_error("size", "--browser=safari", "--browser=x", says=("'x'",))
 
     def test_options(self):
         self.assert_usage_error("size", "--primary", says=("'--primary'", "--primary-only"))
         self.assert_usage_error("size", "--bogus=1", says=("'--bogus'", "--browser"))
-        self.assert_usage_error("size", "-x")
+        self.assert_usage_error("size", "-x", says=("'-x'",))
+        self.assert_usage_error("bookmarks", "-c", "cache", says=("--category belongs to",))
         self.assert_usage_error("size", "--json=false")
         self.assert_usage_error("size", "--home", "a", "--home", "b", says=("twice",), home=False)
         self.assert_usage_error("size", "--home=", says=("Library",), home=False)
@@ -72,9 +73,15 @@ class Usage(HostProgramTest):
                      "1e300"):
             with self.subTest(text=text):
                 self.assert_usage_error("size", f"--inside={text}..", says=("too far away",))
-        for text in ("9e12", "-9e12", "0000-01-01", "9999-12-31"):
+        for text in ("9e12", "-9e11", "0000-01-01", "9999-12-31"):
             with self.subTest(text=text):
                 self.assertEqual(self.run_program("size", f"--inside={text}..").status, 0)
+
+    def test_a_number_of_ten_digits_has_two_readings(self):
+        for text in ("1704110400..", "..1704110400.5"):
+            with self.subTest(text=text):
+                self.assert_usage_error("size", "--inside", text,
+                                        says=("2024-01-01T12:00:00Z", "2055-01-01T12:00:00Z"))
 
     def test_ranges(self):
         self.assert_usage_error("size", "--inside", "2024-01-01", says=("START..END",))
@@ -113,36 +120,58 @@ class Usage(HostProgramTest):
     def test_the_first_mistake_is_found_before_anything_is_read_or_changed(self):
         self.assert_usage_error("clean", "--yes", "--browser=chromium", "--include=a'b")
 
+    def test_help_of_what_is_no_command(self):
+        self.assert_usage_error("help", "sizes", says=("did you mean size?",))
+        self.assert_usage_error("help", "size", "clean", says=("'clean'",))
+
 
 class Information(HostProgramTest):
-    def test_help(self):
-        for option in ("--help", "-h"):
-            result = self.run_program(option)
-            self.assertEqual((result.status, result.error), (0, ""))
-            self.assertTrue(result.text.startswith("browsersweep - "))
-        self.assertEqual(self.run_program("clean", "--help").text, result.text)
+    def information(self, *arguments):
+        result = self.run_program(*arguments, home=False)
+        self.assertEqual((result.status, result.error), (0, ""))
+        return result.text
 
-    def test_the_help_names_every_option(self):
-        text = self.run_program("--help").text
+    def helps(self):
+        """The overview, and the help of every command."""
+        return [self.information("help"),
+                *(self.information("help", command) for command in COMMANDS)]
+
+    def test_help(self):
+        overview = self.information()
+        self.assertTrue(overview.startswith("browsersweep - "))
+        for arguments in (["--help"], ["-h"], ["help"]):
+            self.assertEqual(self.information(*arguments), overview)
+        for command in COMMANDS:
+            own = self.information("help", command)
+            self.assertTrue(own.startswith(f"browsersweep {command} - "))
+            self.assertEqual(self.information(command, "--help"), own)
+            self.assertEqual(self.information("-h", command), own)
+
+    def test_the_helps_name_every_option(self):
+        text = "".join(self.helps())
         for option in ("--home", "--json", "--browser", "--profile", "--primary-only",
                        "--category", "--include", "--exclude", "--inside", "--outside", "--filter",
                        "--ignore-errors", "--html", "--dry-run", "--yes", "--force", "--help", "--version"):
             self.assertIn(f" {option}", text)
 
-    def test_the_lines_of_the_help_fit_a_page(self):
-        for line in self.run_program("--help").text.splitlines():
-            self.assertLessEqual(len(line), 100, line)
+    def test_the_lines_of_the_help_fit_a_terminal(self):
+        for text in self.helps():
+            for line in text.splitlines():
+                self.assertLessEqual(len(line), 80, line)
+
+    def test_every_help_ends_with_the_manual(self):
+        for text in self.helps():
+            self.assertTrue(text.endswith("\nThe manual: man browsersweep\n"))
 
     def test_the_examples_of_the_help_work(self):
-        lines = self.run_program("--help").text.splitlines()
-        start, end = lines.index("examples"), lines.index("usage")
-        examples = [line.split()[1:] for line in lines[start:end]
-                    if line.startswith("  browsersweep ")]
-        self.assertGreaterEqual(len(examples), 5)
-        for example in examples:
+        examples = {line for text in self.helps() for line in text.splitlines()[4:]
+                    if line.startswith("  browsersweep ") and "[" not in line}
+        self.assertGreaterEqual(len(examples), len(COMMANDS))
+        for example in sorted(examples):
+            words = example.split()[1:]
             with self.subTest(example=example):
-                extra = ["--yes"] if example[0] == "clean" and "--dry-run" not in example else []
-                result = self.run_program(*example, *extra, cwd=self.root)
+                extra = ["--yes"] if words[0] == "clean" and "--dry-run" not in words else []
+                result = self.run_program(*words, *extra, cwd=self.root)
                 self.assertEqual((result.status, result.error), (0, ""))
 
     def test_version(self):

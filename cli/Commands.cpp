@@ -1,0 +1,72 @@
+#include "cli/Commands.h"
+
+namespace browsersweep::cli {
+namespace {
+
+constexpr std::string_view filterNotes =
+    R"(A filter keeps only what it can see. Data without a date goes whole under
+--inside and --outside, data without a text to compare goes whole under
+--include and --exclude: form data and the list of downloads under any filter,
+cookies of the Chromium family and of Firefox under dates. A dry run shows it.
+
+A date is YYYY-MM-DD (midnight UTC), YYYY-MM-DDTHH:MM:SS[.fff]Z, a number of up
+to nine digits, which are seconds since 2001-01-01 00:00:00 UTC, or @ and a
+number of seconds since 1970.
+
+A filter in JSON, of which every part may be left out:
+  {"patterns":{"rule":"include","patterns":["a","b"]},
+   "dates":{"rule":"insideRange","startDate":DATE,"endDate":DATE}}
+The other rules are exclude and outsideRange.
+)";
+
+}  // namespace
+
+const std::vector<CommandRow>& commandTable() {
+    static const std::vector<CommandRow> table = {
+        {"browsers",
+         Command::browsers,
+         "list the thirteen browsers",
+         {{"browsersweep browsers", "the names that --browser takes"}},
+         {}},
+        {"profiles",
+         Command::profiles,
+         "list the profiles of the selected browsers",
+         {{"browsersweep profiles -b chrome", "the profiles of one browser"}},
+         {}},
+        {"size",
+         Command::size,
+         "measure the selected data",
+         {{"browsersweep size", "what every browser keeps"},
+          {"browsersweep size --html sizes.html",
+           "the same, and a page with charts, for a web browser"},
+          {"browsersweep size -b chrome -c history", "the history of one browser"}},
+         filterNotes},
+        {"clean",
+         Command::clean,
+         "delete the selected data and report what was removed",
+         {{"browsersweep clean --dry-run -b firefox --outside 2024-01-01..",
+           "what a clean of all before 2024, and of all without a date, would remove"},
+          {"browsersweep clean -b firefox -c cookies --exclude example.com",
+           "delete Firefox's cookies but those of example.com, after a question"}},
+         filterNotes},
+        {"bookmarks",
+         Command::bookmarks,
+         "list bookmarks",
+         {{"browsersweep bookmarks --primary-only --json",
+           "the bookmarks of the main profiles, for another program"}},
+         {}},
+        {"notifications",
+         Command::notifications,
+         "list the sites that may send push notifications",
+         {{"browsersweep notifications -b edge", "the sites that one browser lets do so"}},
+         {}},
+        {"doctor",
+         Command::doctor,
+         "say which data can be reached, and what to do if not",
+         {{"browsersweep doctor", "what is kept from the program, browser by browser"}},
+         {}},
+    };
+    return table;
+}
+
+}  // namespace browsersweep::cli

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+namespace browsersweep::cli {
+
+enum class Command { browsers, profiles, size, clean, bookmarks, notifications, doctor };
+
+struct Example {
+    std::string_view line;
+    std::string_view meaning;
+};
+
+/** What people are told of a command. */
+struct CommandRow {
+    std::string_view name;
+    Command command;
+    std::string_view description;
+    std::vector<Example> examples;
+    std::string_view notes;  ///< what its options do not say, in lines that fit a terminal
+};
+
+/** All commands, in the order in which the help shows them. */
+const std::vector<CommandRow>& commandTable();
+
+}  // namespace browsersweep::cli
