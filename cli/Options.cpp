@@ -77,7 +77,7 @@ constexpr std::array optionTable{
                   options.selection.browsers.push_back(browserNamed(value).value());
               }, faultOfBrowser},
     OptionRow{"--profile", "--profile", "PROFILE", "selection", Scope::everyCommand,
-              "profiles with exactly this name",
+              "the profiles of exactly this name, or else the one in this folder",
               [](const std::string& value, Options& options) {
                   options.selection.profileNames.push_back(value);
               }, nullptr},

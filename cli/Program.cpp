@@ -30,6 +30,7 @@
 #include "cli/JSONReport.h"
 #include "cli/NewFile.h"
 #include "cli/Options.h"
+#include "cli/ProfileNames.h"
 #include "cli/Progress.h"
 #include "cli/Report.h"
 #include "cli/TextReport.h"
@@ -71,6 +72,7 @@ public:
         if (options_.home && !isHomeThere()) {
             console_.note(options_.home->string() + " is not an existing folder");
         }
+        const bool areProfilesFound = settleProfilesOfSelection();
         if (isDeletion() && (!mayDelete() || !isConfirmed())) {
             return somethingFailed;
         }
@@ -89,10 +91,18 @@ public:
         console_.writeOutput(options_.json ? jsonText(report)
                                            : peopleText(report, outputAppearance()));
         const int status = exitStatus(report, signal);
-        return isPageWritten ? status : std::max<int>(status, somethingFailed);
+        return isPageWritten && areProfilesFound ? status : std::max<int>(status, somethingFailed);
     }
 
 private:
+    bool settleProfilesOfSelection() {
+        const auto missing = settleProfiles(options_.selection, cleanerFactory());
+        for (const auto& line : missing) {
+            console_.note(line);
+        }
+        return missing.empty();
+    }
+
     /** The report is still worth printing where the page cannot be written. */
     bool writePage(const Report& report, NewFile& page) const {
         const auto date = fmt::format(

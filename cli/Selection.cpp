@@ -7,8 +7,13 @@ namespace browsersweep::cli {
 namespace {
 
 template <typename Value>
+bool holds(const std::vector<Value>& values, const Value& value) {
+    return std::find(values.begin(), values.end(), value) != values.end();
+}
+
+template <typename Value>
 bool isEmptyOrHolds(const std::vector<Value>& values, const Value& value) {
-    return values.empty() || std::find(values.begin(), values.end(), value) != values.end();
+    return values.empty() || holds(values, value);
 }
 
 }  // namespace
@@ -29,7 +34,9 @@ bool Selection::includes(const BrowserProfile& profile) const {
         return true;
     }
     const auto name = profile.name();
-    return name && isEmptyOrHolds(profileNames, *name);
+    const auto folder = profile.folder();
+    return (name && holds(profileNames, *name)) ||
+           (folder && holds(profileFolders, std::pair(profile.sourceBrowser(), *folder)));
 }
 
 std::vector<Browser> Selection::selectedBrowsers() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "browsersweep/base/Browser.h"
@@ -12,7 +13,9 @@ namespace browsersweep::cli {
 /** What the command is about. Nothing given selects everything. */
 struct Selection {
     std::vector<Browser> browsers;
-    std::vector<std::string> profileNames;
+    std::vector<std::string> profileNames;  ///< as given: names, or folders
+    /** Where a text given for a name is the folder of a profile of the browser. */
+    std::vector<std::pair<Browser, std::string>> profileFolders;
     bool primaryOnly = false;
     std::vector<CleanableDataCategory> categories;
 

@@ -28,7 +28,7 @@ complete -c browsersweep -n $asking -a "$commands"
 complete -c browsersweep -l home -x -a '(__fish_complete_directories)' -d 'Act on the Library folder under another folder'
 complete -c browsersweep -l json -d 'Machine output on standard output'
 complete -c browsersweep -n $selecting -s b -l browser -x -a "$browsers" -d 'A browser'
-complete -c browsersweep -n $selecting -l profile -x -d 'The profiles with exactly this name'
+complete -c browsersweep -n $selecting -l profile -x -d 'The profiles of this name or folder'
 complete -c browsersweep -n $selecting -l primary-only -d 'Primary profiles only'
 complete -c browsersweep -s h -l help -d 'The help'
 complete -c browsersweep -l version -d 'The version'

@@ -2,8 +2,8 @@
 
 import json
 
-from fixture import (BROWSERS, CATEGORIES, ZERO, HostProgramTest, approximate, exact, size,
-                     write)
+from fixture import (BROWSERS, CATEGORIES, ZERO, HostProgramTest, approximate, exact, rows,
+                     size, write)
 
 
 class Documents(HostProgramTest):
@@ -47,11 +47,20 @@ class Documents(HostProgramTest):
         result = self.run_program("--json", "profiles", "--browser", "chromium")
         self.assertIn("Zoë 日本".encode(), result.output)
 
-    def test_a_profile_is_selected_by_exactly_its_name(self):
-        for name, expected in (("Work", ["Work"]), ("work", []), ("Wor", []), ("", [])):
+    def test_a_profile_is_selected_by_exactly_its_name_or_folder(self):
+        for name, expected in (("Work", ["Work"]), ("Profile 1", ["Work"]), ("work", []),
+                               ("Wor", []), ("", [])):
             with self.subTest(name=name):
-                found = self.document("profiles", "--browser=chromium", "--profile", name)
+                found = self.document("profiles", "--browser=chromium", "--profile", name,
+                                      status=0 if expected else 1)
                 self.assertEqual([p["name"] for p in found["browsers"][0]["profiles"]], expected)
+
+    def test_a_profile_that_no_selected_browser_has_is_told_and_the_rest_is_done(self):
+        result = self.run_program("clean", "--yes", "-b", "chromium", "-c", "cookies",
+                                  "--profile=Work", "--profile=Wrok")
+        self.assertEqual((result.status, result.error), (
+            1, "browsersweep: no selected browser has the profile 'Wrok'; did you mean 'Work'?\n"))
+        self.assertEqual(rows(self.cookies, "SELECT * FROM cookies"), [])
 
     def test_primary_only_and_names_restrict_together(self):
         found = self.document("profiles", "--browser=chromium", "--primary-only")
