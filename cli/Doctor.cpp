@@ -149,7 +149,8 @@ std::string jsonText(const Diagnosis& diagnosis) {
     const JSON document{{"needsFullDiskAccess", diagnosis.isAnythingProtected()},
                         {"browsers", std::move(browsers)}};
     constexpr int indentation = 2;
-    return document.dump(indentation, ' ', false, JSON::error_handler_t::replace) + "\n";
+    return escapedDocument(document.dump(indentation, ' ', false, JSON::error_handler_t::replace) +
+                           "\n");
 }
 
 }  // namespace browsersweep::cli

@@ -4,6 +4,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "cli/Text.h"
+
 namespace browsersweep::cli {
 namespace {
 
@@ -139,7 +141,8 @@ JSON toJSON(const NotificationsReport& report) {
 std::string jsonText(const Report& report) {
     constexpr int indentation = 2;
     const JSON document = std::visit([](const auto& any) { return toJSON(any); }, report);
-    return document.dump(indentation, ' ', false, JSON::error_handler_t::replace) + "\n";
+    return escapedDocument(document.dump(indentation, ' ', false, JSON::error_handler_t::replace) +
+                           "\n");
 }
 
 }  // namespace browsersweep::cli

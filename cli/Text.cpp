@@ -4,6 +4,8 @@
 #include <array>
 #include <iterator>
 
+#include <fmt/format.h>
+
 namespace browsersweep::cli {
 namespace {
 
@@ -95,8 +97,8 @@ bool isScalarValue(char32_t codePoint) noexcept {
 
 /** Line and paragraph separators, and what turns the direction of the text around it. */
 bool changesLayout(char32_t codePoint) noexcept {
-    return codePoint == 0x2028 || codePoint == 0x2029 ||
-           (codePoint >= 0x202A && codePoint <= 0x202E) ||
+    return codePoint == 0x061C || codePoint == 0x200E || codePoint == 0x200F ||
+           (codePoint >= 0x2028 && codePoint <= 0x202E) ||
            (codePoint >= 0x2066 && codePoint <= 0x2069);
 }
 
@@ -157,6 +159,24 @@ std::string printable(std::string_view text) {
         i += character.length;
     }
     return shown;
+}
+
+std::string escapedDocument(std::string_view json) {
+    std::string escaped;
+    escaped.reserve(json.size());
+    for (std::size_t i = 0; i < json.size();) {
+        const auto character = characterAt(json, i);
+        const bool isHarmful =
+            character.codePoint >= 0x7F &&
+            (isControlCharacter(character.codePoint) || changesLayout(character.codePoint));
+        if (character.isValid && isHarmful) {
+            escaped += fmt::format("\\u{:04x}", static_cast<unsigned>(character.codePoint));
+        } else {
+            escaped += json.substr(i, character.length);
+        }
+        i += character.length;
+    }
+    return escaped;
 }
 
 std::string asciiOf(std::string_view text) {

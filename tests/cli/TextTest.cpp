@@ -25,6 +25,16 @@ TEST(Text, whatIsNoTextOrMovesTheCursorBecomesAReplacementCharacter) {
     EXPECT_EQ(printable("a\nb\x1B[2J\x7F"), "a�b�[2J�");
     EXPECT_EQ(printable("a\xFF\xC3(b"), "a��(b");
     EXPECT_EQ(printable("a\u0085\u2028\u202Eb"), "a���b");
+    EXPECT_EQ(printable("a\u061C\u200E\u200F\u2069b"), "a����b");
+}
+
+TEST(Text, aDocumentHoldsNoCharacterThatActsOnATerminal) {
+    EXPECT_EQ(escapedDocument("{\n \"a\": \"Zoë 日本 😀 \\n\"\n}\n"),
+              "{\n \"a\": \"Zoë 日本 😀 \\n\"\n}\n");
+    EXPECT_EQ(escapedDocument("\"\x7F\u0080\u009F\u00A0\""), "\"\\u007f\\u0080\\u009f\u00A0\"");
+    EXPECT_EQ(escapedDocument("\u061C\u200E\u200F\u2028\u202E\u2066\u2069"),
+              "\\u061c\\u200e\\u200f\\u2028\\u202e\\u2066\\u2069");
+    EXPECT_EQ(escapedDocument("\u200B\u202F\u2065\u206A"), "\u200B\u202F\u2065\u206A");
 }
 
 TEST(Text, outsideUTF8EveryVisibleCharacterThatIsNotASCIIIsAQuestionMark) {

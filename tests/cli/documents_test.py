@@ -47,6 +47,15 @@ class Documents(HostProgramTest):
         result = self.run_program("--json", "profiles", "--browser", "chromium")
         self.assertIn("Zoë 日本".encode(), result.output)
 
+    def test_what_a_terminal_would_act_on_is_escaped(self):
+        name = "a\x7f\x85\u202eb\u2066"
+        write(self.support / "Chromium" / "Local State", json.dumps({"profile": {
+            "last_used": "Default", "last_active_profiles": ["Default"],
+            "info_cache": {"Default": {"name": name, "is_consented_primary_account": False}}}}))
+        result = self.run_program("--json", "profiles", "-b", "chromium")
+        self.assertIn(rb'"a\u007f\u0085\u202eb\u2066"', result.output)
+        self.assertEqual(json.loads(result.output)["browsers"][0]["profiles"][0]["name"], name)
+
     def test_a_profile_is_selected_by_exactly_its_name_or_folder(self):
         for name, expected in (("Work", ["Work"]), ("Profile 1", ["Work"]), ("work", []),
                                ("Wor", []), ("", [])):
