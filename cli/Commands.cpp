@@ -1,5 +1,7 @@
 #include "cli/Commands.h"
 
+#include <algorithm>
+
 namespace browsersweep::cli {
 namespace {
 
@@ -67,6 +69,13 @@ const std::vector<CommandRow>& commandTable() {
          {}},
     };
     return table;
+}
+
+const CommandRow* findCommand(std::string_view name) {
+    const auto& table = commandTable();
+    const auto found = std::find_if(table.begin(), table.end(),
+                                    [name](const CommandRow& row) { return row.name == name; });
+    return found == table.end() ? nullptr : &*found;
 }
 
 }  // namespace browsersweep::cli

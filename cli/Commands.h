@@ -24,4 +24,7 @@ struct CommandRow {
 /** All commands, in the order in which the help shows them. */
 const std::vector<CommandRow>& commandTable();
 
+/** The row of a command; null for a name that is none. */
+const CommandRow* findCommand(std::string_view name);
+
 }  // namespace browsersweep::cli

@@ -77,13 +77,6 @@ std::string exampleText(const Example& example) {
     return fmt::format("  {}\n      {}\n", example.line, example.meaning);
 }
 
-const CommandRow* findCommand(const std::string& name) {
-    const auto& table = commandTable();
-    const auto found = std::find_if(table.begin(), table.end(),
-                                    [&](const CommandRow& each) { return each.name == name; });
-    return found == table.end() ? nullptr : &*found;
-}
-
 }  // namespace
 
 HelpFormatter::HelpFormatter(Belongs belongs) : belongs_(std::move(belongs)) {}

@@ -123,9 +123,12 @@ constexpr std::array optionTable{
                   options.ignoreErrors = true;
               }, nullptr},
     OptionRow{"--html", "--html", "FILE", "options", Scope::size,
-              "write a page with charts and a table to FILE as well",
+              "write a page with charts and a table to FILE as well; - is standard output, in "
+              "place of the report",
               [](const std::string& value, Options& options) {
-                  options.html = std::filesystem::absolute(value);
+                  options.html = value == Options::standardOutput
+                                     ? std::filesystem::path(value)
+                                     : std::filesystem::absolute(value);
               }, faultOfFile},
     OptionRow{"--dry-run", "-n,--dry-run", "", "options", Scope::clean,
               "say what would be removed and delete nothing",
@@ -374,17 +377,15 @@ private:
 
     const CommandRow& command() const {
         const auto parsed = app_.get_subcommands();
-        if (!parsed.empty()) {
-            requireNoWordBeside(parsed.front()->get_name());
-            const auto& table = commandTable();
-            return *std::find_if(table.begin(), table.end(), [&](const CommandRow& row) {
-                return row.name == parsed.front()->get_name();
-            });
+        if (parsed.empty() && words_.empty()) {
+            throw UsageError("no command is given; " + suggestion("", commandNames()));
         }
-        if (!words_.empty()) {
+        if (parsed.empty()) {
             throwUnknownCommand(words_.front());
         }
-        throw UsageError("no command is given; " + suggestion("", commandNames()));
+        const CommandRow& row = *findCommand(parsed.front()->get_name());
+        requireNoWordBeside(row.name);
+        return row;
     }
 
     /** The options as they follow on each other, which is the order of the filters. */
@@ -400,6 +401,10 @@ private:
             if (const auto row = rows_.find(option); row != rows_.end()) {
                 row->second->take(option->results().at(read[option]++), options);
             }
+        }
+        if (options.json && options.html == Options::standardOutput) {
+            throw UsageError(
+                "--json and --html - both write to standard output; give a file to --html");
         }
         return options;
     }

@@ -15,6 +15,9 @@ namespace browsersweep::cli {
 
 /** A command line that is right. */
 struct Options {
+    /** The file that means standard output. */
+    static constexpr const char* standardOutput = "-";
+
     Command command = Command::browsers;
     Selection selection;
     std::vector<CleanableDataFilter> filters;  ///< in the order of the command line

@@ -77,7 +77,7 @@ public:
             return somethingFailed;
         }
         std::optional<NewFile> page;
-        if (options_.html) {
+        if (options_.html && !isPageOutput()) {
             page.emplace(*options_.html);
         }
         // A run that was killed leaves copies of private databases behind; an empty folder stays
@@ -88,8 +88,7 @@ public:
         const bool isPageWritten = !page || writePage(report, *page);
         const auto signal = interruption_.take();
         interruption_.letThrough();
-        console_.writeOutput(options_.json ? jsonText(report)
-                                           : peopleText(report, outputAppearance()));
+        console_.writeOutput(outputOf(report));
         const int status = exitStatus(report, signal);
         return isPageWritten && areProfilesFound ? status : std::max<int>(status, somethingFailed);
     }
@@ -103,13 +102,27 @@ private:
         return missing.empty();
     }
 
-    /** The report is still worth printing where the page cannot be written. */
-    bool writePage(const Report& report, NewFile& page) const {
+    /** Whether the page takes the place of the report on standard output. */
+    bool isPageOutput() const { return options_.html == Options::standardOutput; }
+
+    std::string outputOf(const Report& report) const {
+        if (isPageOutput()) {
+            return pageOf(report);
+        }
+        return options_.json ? jsonText(report) : peopleText(report, outputAppearance());
+    }
+
+    std::string pageOf(const Report& report) const {
         const auto date = fmt::format(
             "{:%Y-%m-%d %H:%M}", fmt::gmtime(std::chrono::time_point_cast<std::chrono::minutes>(
                                      std::chrono::system_clock::now())));
+        return htmlText(std::get<SizesReport>(report), {date, !options_.filters.empty()});
+    }
+
+    /** The report is still worth printing where the page cannot be written. */
+    bool writePage(const Report& report, NewFile& page) const {
         try {
-            page.finish(htmlText(std::get<SizesReport>(report), {date, !options_.filters.empty()}));
+            page.finish(pageOf(report));
             return true;
         } catch (const std::system_error& error) {
             console_.note(error.what());
@@ -281,6 +294,12 @@ int run(const std::vector<std::string>& arguments) {
     } catch (const UsageError& error) {
         console.note(error.what());
         return wrongUsage;
+    } catch (const std::system_error& error) {
+        // Who reads through `head` has seen enough, and knows it.
+        if (error.code() != std::errc::broken_pipe) {
+            console.note(error.what());
+        }
+        return somethingFailed;
     } catch (const std::exception& error) {
         console.note(error.what());
         return somethingFailed;

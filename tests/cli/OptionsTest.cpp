@@ -69,6 +69,7 @@ TEST(Options, valuesAreTakenAsTheyStand) {
 
 TEST(Options, relativePathsAreMadeAbsolute) {
     EXPECT_EQ(parsed({"size", "--home", "x"}).home, std::filesystem::current_path() / "x");
+    EXPECT_EQ(parsed({"size", "--html", "-"}).html, std::filesystem::path("-"));
     EXPECT_EQ(parsed({"size", "--html", "x"}).html, std::filesystem::current_path() / "x");
 }
 
@@ -101,6 +102,8 @@ TEST(Options, wrongCommandLinesSayWhatIsWrongAndWhatIsRight) {
         {{"browsers", "--html=a"}, "--html belongs to the command size; leave it out"},
         {{"clean", "--html=a"}, "--html belongs to the command size; leave it out"},
         {{"size", "--html", ""}, "--html: the value is empty; give the file to write"},
+        {{"size", "--html", "-", "--json"},
+         "--json and --html - both write to standard output; give a file to --html"},
         {{"size", "--html", "a", "--html=b"}, "--html is given twice; give one file"},
         {{"--home", "a", "--home", "b", "size"}, "--home is given twice; give one folder"},
     };

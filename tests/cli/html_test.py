@@ -108,6 +108,15 @@ class Contents(PageTest):
         items = self.page("--browser=chromium", "--category=cache").texts("li")
         self.assertEqual(items, ["Chromium 2.0 KB", "Cache 2.0 KB", "Zoë 日本 2.0 KB", "Work 0 B"])
 
+    def test_a_dash_writes_the_page_to_standard_output_in_place_of_the_report(self):
+        folder = self.root / "here"
+        folder.mkdir()
+        result = self.run_program("size", "--browser=chromium", "--html", "-", cwd=folder)
+        self.assertEqual((result.status, result.error), (0, ""))
+        self.assertTrue(result.text.startswith("<!DOCTYPE html>"))
+        self.assertTrue(result.text.endswith("</html>\n"))
+        self.assertEqual(list(folder.iterdir()), [])
+
     def test_filters_and_selection_hold_for_the_page_too(self):
         page = self.page("--browser=chromium", "--category=history", "--profile=Zoë 日本",
                          "--include=example")

@@ -175,14 +175,14 @@ class Streams(HostProgramTest):
                 self.assertEqual(completed.stderr, b"browsersweep: cannot write the whole report: "
                                                    b"No space left on device\n")
 
-    def test_a_reader_that_goes_away_is_a_failure_and_no_signal(self):
+    def test_a_reader_that_goes_away_ends_the_program_quietly(self):
         reading, writing = os.pipe()
         os.close(reading)
         completed = subprocess.run(self.command("size"), env=self.environment, stdout=writing,
                                    stderr=subprocess.PIPE, check=False)
         os.close(writing)
         self.assertEqual(completed.returncode, 1)
-        self.assertIn(b"Broken pipe", completed.stderr)
+        self.assertEqual(completed.stderr, b"")
 
     def test_closed_standard_streams_never_hit_a_database(self):
         before = self.snapshot()
