@@ -36,13 +36,13 @@ void OperationControl::continueOrThrow() {
 }
 
 void OperationControl::leaveOut(const LeftOutFolder& folder) {
-    leftOut_.emplace(folder.folder, folder.why);
+    leftOut_.emplace(folder.folder, folder);
 }
 
 std::vector<LeftOutFolder> OperationControl::takeLeftOut() {
     std::vector<LeftOutFolder> taken;
-    for (auto& [folder, why] : leftOut_) {
-        taken.push_back({folder, std::move(why)});
+    for (auto& [path, folder] : leftOut_) {
+        taken.push_back(std::move(folder));
     }
     leftOut_.clear();
     return taken;

@@ -28,6 +28,7 @@ struct OperationProgress {
 struct LeftOutFolder {
     std::filesystem::path folder;  ///< the link or the mount point itself
     std::string why;               ///< such as "it is a link"
+    bool isDenied = false;         ///< the system forbids it: it is no link and no other mount
     /** Whether all fields are equal. */
     friend bool operator==(const LeftOutFolder&, const LeftOutFolder&) = default;
 };
@@ -94,7 +95,7 @@ public:
 private:
     ShouldStop shouldStop_;
     OperationProgress progress_;
-    std::map<std::filesystem::path, std::string> leftOut_;
+    std::map<std::filesystem::path, LeftOutFolder> leftOut_;
     bool isStopped_ = false;
 };
 

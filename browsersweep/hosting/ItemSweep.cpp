@@ -1,8 +1,8 @@
 #include "browsersweep/hosting/ItemSweep.h"
 
 #include <algorithm>
-#include <array>
 #include <map>
+#include <system_error>
 #include <utility>
 
 #include "browsersweep/hosting/DatabaseState.h"
@@ -10,11 +10,6 @@
 
 namespace browsersweep {
 namespace {
-
-constexpr std::array<std::string_view, 10> verdictNames{
-    "measured",       "emptied", "partlyEmptied", "nothingThere", "couldNotLook",
-    "couldNotDelete", "held",    "notUnderstood", "leftOut",      "cancelled",
-};
 
 using ItemsByCategory = std::map<CleanableDataCategory, std::vector<SweepItem>>;
 
@@ -46,22 +41,6 @@ FailureKind kindOf(const std::exception_ptr& error) noexcept {
     }
 }
 
-ItemVerdict verdictOfFailure(const std::exception_ptr& error, bool isDeletion) noexcept {
-    switch (kindOf(error)) {
-        case FailureKind::locked:
-            return ItemVerdict::held;
-        case FailureKind::notUnderstood:
-            return ItemVerdict::notUnderstood;
-        case FailureKind::cancelled:
-            return ItemVerdict::cancelled;
-        case FailureKind::nothingThere:
-        case FailureKind::noPermission:
-        case FailureKind::other:
-            break;
-    }
-    return isDeletion ? ItemVerdict::couldNotDelete : ItemVerdict::couldNotLook;
-}
-
 bool isHeld(const CleanableData& item) {
     const auto databases = databasesOf(item);
     return std::any_of(databases.begin(), databases.end(), isDatabaseHeld);
@@ -72,6 +51,39 @@ CleanableDataSize difference(const OperationProgress& before, const OperationPro
     const auto items = after.files - before.files + after.rows - before.rows;
     return {{static_cast<std::int64_t>(items), true},
             {static_cast<std::int64_t>(after.bytes - before.bytes), true}};
+}
+
+CleanableDataSize approximate(CleanableDataSize size) noexcept {
+    size.itemCount.isApproximate = true;
+    size.byteCount.isApproximate = true;
+    return size;
+}
+
+/** Where an item lies: the first of its places that is there. */
+std::filesystem::path placeOf(const CleanableData& item) {
+    const auto places = item.locations();
+    const auto found = std::find_if(places.begin(), places.end(), [](const auto& place) {
+        std::error_code error;
+        return std::filesystem::exists(std::filesystem::symlink_status(place.path, error));
+    });
+    if (places.empty()) {
+        return {};
+    }
+    const auto& path = found != places.end() ? found->path : places.front().path;
+    return path.has_filename() ? path : path.parent_path();  // without a "/" at its end
+}
+
+bool differs(const std::optional<CleanableDataSize>& size,
+             const std::optional<std::int64_t>& rows) noexcept {
+    return size && rows && size->itemCount.value != *rows;
+}
+
+/** Whether a figure may lack something, or counts what changes beside the file have undone. */
+bool isUncertain(const ItemEvidence& evidence, ItemVerdict verdict) noexcept {
+    return verdict == ItemVerdict::couldNotLook || verdict == ItemVerdict::notUnderstood ||
+           verdict == ItemVerdict::leftOut || verdict == ItemVerdict::held ||
+           evidence.ignored != nullptr || differs(evidence.before, evidence.lookBefore.rows) ||
+           differs(evidence.after, evidence.lookAfter.rows);
 }
 
 }  // namespace
@@ -91,10 +103,6 @@ std::vector<SweepItem> sweepItems(const BrowserCleaner& cleaner,
         }
     }
     return inOneList(items);
-}
-
-std::string_view rawValue(ItemVerdict verdict) noexcept {
-    return verdictNames[static_cast<std::size_t>(verdict)];
 }
 
 CleanableDataSize SweepResult::sum() const noexcept {
@@ -124,8 +132,11 @@ SweepResult ItemSweep::clean() {
 // folder then count the same before and after.
 SweepResult ItemSweep::cleanAndMeasure() {
     begin(3);
-    if (goThrough(&ItemSweep::measureBefore) && goThrough(&ItemSweep::cleanOne)) {
-        goThrough(&ItemSweep::measureAfter);
+    if (goThrough(&ItemSweep::measureBefore)) {
+        goThrough(&ItemSweep::cleanOne);
+        if (!firstError_ || kindOf(firstError_) != FailureKind::cancelled) {
+            goThrough(&ItemSweep::measureAfter);
+        }
     }
     return finish();
 }
@@ -137,29 +148,52 @@ void ItemSweep::begin(std::size_t rounds) {
     all_ = rounds * items_.size();
 }
 
+/** Whether an item takes part in a round. What was cleaned in part is measured again. */
+bool ItemSweep::isConcerned(const State& state, Work work) const noexcept {
+    if (work == &ItemSweep::measureAfter) {
+        return state.isCleaned || state.isDeletion;
+    }
+    return !state.error;
+}
+
 /** One round. False where it ended early. */
 bool ItemSweep::goThrough(Work work) {
     for (std::size_t i = 0; i < items_.size(); ++i) {
         State& state = states_[i];
+        if (!isConcerned(state, work)) {
+            ++done_;
+            continue;
+        }
         try {
             step(items_[i]);
-            if (!state.error) {
-                (this->*work)(state, items_[i]);
-            }
+            state.isBegun |= work != &ItemSweep::measureBefore || all_ == items_.size();
+            (this->*work)(state, items_[i]);
+            takeLeftOut(state);
         } catch (...) {
-            state.error = std::current_exception();
-            state.isDeletion = work == &ItemSweep::cleanOne;
-            if (!firstError_) {
-                firstError_ = state.error;
-            }
-            // A stop concerns every item that would follow, one's own failure that item alone.
-            if (!options_.keepsGoing || kindOf(state.error) == FailureKind::cancelled) {
-                firstError_ = state.error;
+            takeLeftOut(state);
+            if (fail(state, work)) {
                 return false;
             }
         }
     }
     return true;
+}
+
+/** Notes the error that is being handled. True where it ends the round. */
+bool ItemSweep::fail(State& state, Work work) {
+    const auto error = std::current_exception();
+    const bool isStopped = kindOf(error) == FailureKind::cancelled;
+    state.isBegun |= !isStopped;
+    if (!state.error) {
+        state.error = error;
+        state.isDeletion = work == &ItemSweep::cleanOne;
+    }
+    if (!firstError_ || isStopped) {
+        firstError_ = error;
+    }
+    // A stop concerns every item that would follow, one's own failure that item alone. What was
+    // begun is measured again whatever else fails.
+    return isStopped || (!options_.keepsGoing && work != &ItemSweep::measureAfter);
 }
 
 void ItemSweep::step(const SweepItem& next) {
@@ -170,78 +204,151 @@ void ItemSweep::step(const SweepItem& next) {
     ++done_;
 }
 
-CleanableDataSize ItemSweep::sizeOf(const SweepItem& item) const {
-    return options_.ignoresErrors ? item.data->sizeIgnoringErrors(options_.filters)
-                                  : item.data->size(options_.filters);
+void ItemSweep::takeLeftOut(State& state) const {
+    if (!options_.examines || !options_.control) {
+        return;
+    }
+    for (LeftOutFolder& folder : options_.control->takeLeftOut()) {
+        const auto found = std::find(state.leftOut.begin(), state.leftOut.end(), folder);
+        if (found == state.leftOut.end()) {
+            state.leftOut.push_back(std::move(folder));
+        }
+    }
+}
+
+CleanableDataSize ItemSweep::sizeOf(State& state, const SweepItem& item) const {
+    try {
+        return item.data->size(options_.filters);
+    } catch (const OperationCancelled&) {
+        throw;
+    } catch (const std::exception& error) {
+        const auto counted = options_.examines && saysNoRoom(error)
+                                 ? sizeWithoutCopy(*item.data, options_.filters)
+                                 : std::nullopt;
+        if (counted) {
+            return *counted;
+        }
+        if (!options_.ignoresErrors) {
+            throw;
+        }
+        state.ignored = std::current_exception();
+    } catch (...) {
+        if (!options_.ignoresErrors) {
+            throw;
+        }
+        state.ignored = std::current_exception();
+    }
+    return item.data->sizeIgnoringErrors(options_.filters);
 }
 
 void ItemSweep::measureBefore(State& state, const SweepItem& item) {
-    state.before = sizeOf(item);
+    state.before = sizeOf(state, item);
+    if (options_.examines) {
+        state.lookBefore = examine(*item.data, options_.filters);
+    }
 }
 
 void ItemSweep::measureAfter(State& state, const SweepItem& item) {
-    state.after = sizeOf(item);
+    state.after = sizeOf(state, item);
+    if (options_.examines) {
+        state.lookAfter = examine(*item.data, options_.filters);
+    }
 }
 
 void ItemSweep::cleanOne(State& state, const SweepItem& item) {
-    if (options_.ignoresErrors) {
-        item.data->cleanIgnoringErrors(options_.filters);
-        state.isCleaned = true;
+    if (!options_.examines) {
+        deleteFrom(state, item);
         return;
     }
+    // Around the item's own deletion: what two items share is then freed once.
+    const auto occupied = allocatedBytes(*item.data, options_.control.get());
+    continueOrThrow(options_.control.get());
+    const auto tellFreed = [&] {
+        state.freedBytes = occupied - allocatedBytes(*item.data, nullptr);
+    };
+    try {
+        deleteFrom(state, item);
+    } catch (const OperationCancelled&) {
+        throw;  // to look through a large folder now would keep the user waiting
+    } catch (...) {
+        tellFreed();
+        throw;
+    }
+    tellFreed();
+}
+
+void ItemSweep::deleteFrom(State& state, const SweepItem& item) const {
     const auto counted = options_.control ? options_.control->progress() : OperationProgress{};
     try {
         item.data->clean(options_.filters);
-        state.isCleaned = true;
     } catch (const OperationCancelled&) {
         if (options_.control) {
             state.stoppedAfter = difference(counted, options_.control->progress());
         }
         throw;
+    } catch (...) {
+        if (!options_.ignoresErrors) {
+            throw;
+        }
+        state.ignored = std::current_exception();
+        item.data->cleanIgnoringErrors(options_.filters);
     }
+    state.isCleaned = true;
 }
 
 /** What is gone of an item that was cleaned and not measured again: at most what was there. */
 std::optional<CleanableDataSize> ItemSweep::whatWasThere(const State& state) noexcept {
-    auto size = state.before;
-    if (size) {
-        size->itemCount.isApproximate = true;
-        size->byteCount.isApproximate = true;
+    return state.before ? std::optional(approximate(*state.before)) : std::nullopt;
+}
+
+std::optional<CleanableDataSize> ItemSweep::figureOf(const State& state) const noexcept {
+    if (state.after && state.before) {
+        return *state.before - *state.after;
     }
-    return size;
+    if (state.stoppedAfter || state.isCleaned) {
+        return state.stoppedAfter ? state.stoppedAfter : whatWasThere(state);
+    }
+    const bool isMeasured = all_ == items_.size();
+    return isMeasured && !state.error ? state.before : std::nullopt;
 }
 
 ItemResult ItemSweep::resultOf(const State& state, const SweepItem& item) const {
-    if (state.error) {
-        const auto verdict = verdictOfFailure(state.error, state.isDeletion);
-        const bool isKnownGone = verdict == ItemVerdict::cancelled && state.isCleaned;
-        return {verdict, isKnownGone ? whatWasThere(state) : state.stoppedAfter, state.error};
+    ItemResult result;
+    result.error = state.error ? state.error : state.ignored;
+    result.wasBegun = state.isBegun;
+    result.freedBytes = state.freedBytes;
+    result.size = figureOf(state);
+    const bool isMeasured = state.before && all_ == items_.size();
+    ItemJudgement judgement;
+    if (state.error || state.after) {
+        judgement = state.before && (state.after || state.isDeletion) ? judgeCleaned(state)
+                                                                      : judgeMeasured(state);
+    } else if (state.isCleaned) {
+        judgement.verdict = ItemVerdict::emptied;
+    } else if (isMeasured) {
+        judgement = judgeMeasured(state);
+    } else {
+        const bool isStopped = firstError_ && kindOf(firstError_) == FailureKind::cancelled;
+        judgement.verdict = isStopped ? ItemVerdict::cancelled : ItemVerdict::leftOut;
     }
-    if (state.after) {
-        const CleanableDataSize removed = *state.before - *state.after;
-        if (state.after->itemCount.value > 0) {
-            return {isHeld(*item.data) ? ItemVerdict::held : ItemVerdict::partlyEmptied, removed,
-                    nullptr};
-        }
-        const bool wasEmpty = state.before->itemCount.value == 0;
-        return {wasEmpty ? ItemVerdict::nothingThere : ItemVerdict::emptied, removed, nullptr};
+    result.verdict = judgement.verdict;
+    result.detail = std::move(judgement.detail);
+    result.what = judgement.path.empty() ? placeOf(*item.data) : std::move(judgement.path);
+    if (result.size && isUncertain(state, result.verdict)) {
+        result.size = approximate(*result.size);
     }
-    if (state.isCleaned) {
-        return {ItemVerdict::emptied, whatWasThere(state), nullptr};
-    }
-    if (state.before && all_ == items_.size()) {
-        const bool isEmpty = state.before->itemCount.value == 0;
-        return {isEmpty ? ItemVerdict::nothingThere : ItemVerdict::measured, state.before, nullptr};
-    }
-    const bool isStopped = firstError_ && kindOf(firstError_) == FailureKind::cancelled;
-    return {isStopped ? ItemVerdict::cancelled : ItemVerdict::leftOut, std::nullopt, nullptr};
+    return result;
 }
 
-SweepResult ItemSweep::finish() const {
+SweepResult ItemSweep::finish() {
     SweepResult result;
     result.error = firstError_;
     for (std::size_t i = 0; i < items_.size(); ++i) {
-        result.items.push_back(resultOf(states_[i], items_[i]));
+        State& state = states_[i];
+        const bool isLeft = state.after && state.left() > 0;
+        state.isHeld = (isLeft || state.error || state.ignored) &&
+                       (state.lookAfter.isLocked || isHeld(*items_[i].data));
+        result.items.push_back(resultOf(state, items_[i]));
     }
     return result;
 }

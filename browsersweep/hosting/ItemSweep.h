@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <exception>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
-#include <string_view>
+#include <string>
 #include <vector>
 
 #include "browsersweep/Export.h"
@@ -15,6 +17,8 @@
 #include "browsersweep/cleanable/CleanableDataFilter.h"
 #include "browsersweep/cleanable/CleanableDataList.h"
 #include "browsersweep/cleanable/CleanableDataSize.h"
+#include "browsersweep/hosting/ItemEvidence.h"
+#include "browsersweep/hosting/ItemVerdict.h"
 #include "browsersweep/profiles/BrowserProfile.h"
 
 namespace browsersweep {
@@ -38,23 +42,6 @@ BROWSERSWEEP_EXPORT std::vector<SweepItem> sweepItems(
 BROWSERSWEEP_EXPORT std::vector<SweepItem> sweepItems(const BrowserCleaner& cleaner,
                                                       const ProfilePredicate& shouldIncludeProfile);
 
-/** What became of one item. */
-enum class ItemVerdict {
-    measured,        ///< there is something, and so much
-    emptied,         ///< nothing of what was selected is left
-    partlyEmptied,   ///< something of what was selected is left
-    nothingThere,    ///< nothing was selected, or nothing is there
-    couldNotLook,    ///< measuring failed
-    couldNotDelete,  ///< deleting failed
-    held,            ///< another program holds the data
-    notUnderstood,   ///< the data is of no form that is known
-    leftOut,         ///< the item was not begun, because one before it failed
-    cancelled,       ///< the item was stopped, or not begun for that reason
-};
-
-/** What a verdict is called in reports, such as "partlyEmptied". */
-BROWSERSWEEP_EXPORT std::string_view rawValue(ItemVerdict verdict) noexcept;
-
 /** The result of one item. */
 struct ItemResult {
     ItemVerdict verdict = ItemVerdict::leftOut;  ///< what became of the item
@@ -63,7 +50,12 @@ struct ItemResult {
      * was stopped, what is known to be gone, marked approximate. Absent where it is not known.
      */
     std::optional<CleanableDataSize> size;
-    std::exception_ptr error;  ///< why it failed; null where it did not
+    std::exception_ptr error;    ///< what failed; null where nothing did
+    std::filesystem::path what;  ///< the file or folder, or the one that the verdict is about
+    std::string detail;          ///< why the verdict is what it is, for people; may be empty
+    bool wasBegun = false;       ///< whether measuring, or in a clean deleting, was begun or failed
+    /** What the disk gained; negative where it lost. 0 where the item was stopped. */
+    std::int64_t freedBytes = 0;
 };
 
 /** The result of a sweep. */
@@ -80,6 +72,13 @@ struct SweepOptions {
     std::vector<CleanableDataFilter> filters;  ///< none: everything is selected
     bool ignoresErrors = false;  ///< items do what they can and are never said to have failed
     bool keepsGoing = false;     ///< an item that fails does not end the sweep
+    /**
+     * Each item is examined too, before and after (`examine`), and the verdicts say so where a size
+     * takes what cannot be seen for nothing; such sizes are marked approximate. A database that
+     * cannot be copied for want of room is counted without a copy. Takes the control's folders that
+     * were left out.
+     */
+    bool examines = false;
     /** The control of the items' home, whose counts tell what a stopped item had deleted. */
     std::shared_ptr<OperationControl> control;
 };
@@ -105,31 +104,31 @@ public:
     /** Deletes without measuring: one step for each item. Sizes are absent from the result. */
     SweepResult clean();
 
-    /** Measures all items, cleans all, measures all again: three steps for each. */
+    /**
+     * Measures all items, cleans all, measures all again: three steps for each. Where one fails to
+     * be cleaned, what had been begun is measured again all the same.
+     */
     SweepResult cleanAndMeasure();
 
 private:
-    /** What is known of one item while the sweep goes on. */
-    struct State {
-        std::optional<CleanableDataSize> before;
-        std::optional<CleanableDataSize> after;
-        std::optional<CleanableDataSize> stoppedAfter;  ///< what a stopped clean had deleted
-        bool isCleaned = false;
-        bool isDeletion = false;  ///< whether the failure was one of deleting
-        std::exception_ptr error;
-    };
+    using State = ItemEvidence;
     using Work = void (ItemSweep::*)(State& state, const SweepItem& item);
 
     void begin(std::size_t rounds);
     bool goThrough(Work work);
+    bool isConcerned(const State& state, Work work) const noexcept;
+    bool fail(State& state, Work work);
     void step(const SweepItem& next);
+    void takeLeftOut(State& state) const;
     void measureBefore(State& state, const SweepItem& item);
     void cleanOne(State& state, const SweepItem& item);
     void measureAfter(State& state, const SweepItem& item);
-    CleanableDataSize sizeOf(const SweepItem& item) const;
+    void deleteFrom(State& state, const SweepItem& item) const;
+    CleanableDataSize sizeOf(State& state, const SweepItem& item) const;
     static std::optional<CleanableDataSize> whatWasThere(const State& state) noexcept;
+    std::optional<CleanableDataSize> figureOf(const State& state) const noexcept;
     ItemResult resultOf(const State& state, const SweepItem& item) const;
-    SweepResult finish() const;
+    SweepResult finish();
 
     std::vector<SweepItem> items_;
     SweepOptions options_;

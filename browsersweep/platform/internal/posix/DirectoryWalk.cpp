@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <string>
+#include <string_view>
 #include <utility>
 
 #include <fcntl.h>
@@ -29,15 +31,27 @@ bool meansUnseen(int error) noexcept {
            unseenDirectoryErrors.end();
 }
 
-/** Null for what is only not there, or not to be seen. */
-const char* reasonToLeaveOut(int error) noexcept {
-    switch (error) {
-        case ELOOP:
-            return "it is a link";
-        case EXDEV:
-            return "another disk or folder is mounted there";
-        default:
-            return nullptr;
+struct Reason {
+    int error;
+    std::string_view words;
+    bool isDenial;
+};
+
+constexpr std::array reasons{
+    Reason{ELOOP, "it is a link", false},
+    Reason{EXDEV, "another disk or folder is mounted there", false},
+    Reason{EACCES, "its permissions forbid it", true},
+    Reason{EPERM, "the system protects it", true},
+    Reason{EDEADLK, "what it holds lies in the cloud", true},
+};
+
+/** Tells the control of a folder that is there; one that is gone by now was never there. */
+void leaveOut(const std::filesystem::path& folder, int error, OperationControl* control) {
+    const auto* const reason =
+        std::find_if(reasons.begin(), reasons.end(),
+                     [error](const Reason& known) { return known.error == error; });
+    if (control != nullptr && reason != reasons.end()) {
+        control->leaveOut({folder, std::string(reason->words), reason->isDenial});
     }
 }
 
@@ -73,10 +87,7 @@ std::unique_ptr<DirectoryWalk> DirectoryWalk::start(
         if (!meansUnseen(code)) {
             throw;
         }
-        const char* const reason = reasonToLeaveOut(code);
-        if (control && reason != nullptr) {
-            control->leaveOut({error.path1(), reason});
-        }
+        leaveOut(error.path1(), code, control.get());
         return nullptr;
     }
 }
@@ -147,9 +158,7 @@ void DirectoryWalk::enter(FileDescriptor descriptor, std::string name) {
         throwSystemError("cannot examine directory", path(name));
     }
     if (!levels_.empty() && identity->mount != levels_.back().identity.mount) {
-        if (control_) {
-            control_->leaveOut({path(name), reasonToLeaveOut(EXDEV)});
-        }
+        leaveOut(path(name), EXDEV, control_.get());
         return;
     }
     listing_.start(descriptor.number());
@@ -165,10 +174,13 @@ bool DirectoryWalk::enterNextSubdirectory() {
         return false;
     }
     FileDescriptor descriptor = openDirectory(level.descriptor.number(), name, O_NOFOLLOW);
+    const int error = errno;
     if (descriptor) {
         enter(std::move(descriptor), name);
-    } else if (!meansUnseen(errno)) {
-        throwSystemError("cannot open directory", path(name));
+    } else if (!meansUnseen(error)) {
+        throwSystemError("cannot open directory", path(name), error);
+    } else if (error != ELOOP) {  // a link in a folder's place is an entry of the next listing
+        leaveOut(path(name), error, control_.get());
     }
     return true;
 }
