@@ -14,6 +14,7 @@
 #include "browsersweep/hosting/ItemSweep.h"
 
 #include "cli/ErrorText.h"
+#include "cli/Text.h"
 
 namespace browsersweep::cli {
 namespace {
@@ -175,8 +176,9 @@ private:
     void add(CleanableDataCategory category, const Items& items, BrowserSizes& row) const {
         observer_.begin(category);
         auto part = options_.html ? sizeByProfile(category, items, row) : sizeOf(category, items);
-        tellOfDatabases(category, items, row.browser);
+        tellOfDatabases(items, part, row.browser);
         row.size = *row.size + part.size.value_or(CleanableDataSize::zero);
+        row.freedBytes += part.freedBytes;
         row.requiresClosedBrowserToClean |= part.requiresClosedBrowserToClean;
         row.categories.push_back(std::move(part));
     }
@@ -187,27 +189,42 @@ private:
         part.requiresClosedBrowserToClean = std::any_of(
             items.begin(), items.end(),
             [](const SweepItem& item) { return item.data->requiresClosedBrowserToClean(); });
-        part.error = attempt(observer_, [&] { sweep(items, part.size); });
-        part.leftOut = observer_.takeLeftOut();
+        part.error = attempt(observer_, [&] { sweep(items, part); });
         return part;
     }
 
-    void sweep(const Items& items, std::optional<CleanableDataSize>& size) const {
+    void sweep(const Items& items, CategorySize& part) const {
         SweepOptions how;
         how.filters = options_.filters;
         how.ignoresErrors = options_.ignoreErrors;
+        how.keepsGoing = options_.keepGoing;
+        how.examines = true;
         how.control = observer_.control();
         ItemSweep sweep(items, std::move(how),
                         [this](const SweepItem& /*next*/, std::size_t /*done*/,
                                std::size_t /*all*/) { return !observer_.isInterrupted(); });
         const auto result =
             measure_ == Measure::removed ? sweep.cleanAndMeasure() : sweep.measure();
+        addRows(items, result, part);
         // What a clean had deleted when it was stopped is gone, so it is told beside the error.
-        if (!result.error || (measure_ == Measure::removed && observer_.isInterrupted())) {
-            size = result.sum();
+        if (!result.error || options_.keepGoing ||
+            (measure_ == Measure::removed && observer_.isInterrupted())) {
+            part.size = result.sum();
         }
         if (result.error) {
             std::rethrow_exception(result.error);
+        }
+    }
+
+    static void addRows(const Items& items, const SweepResult& result, CategorySize& part) {
+        for (std::size_t i = 0; i < items.size(); ++i) {
+            const ItemResult& item = result.items[i];
+            const auto& profile = *items[i].profile;
+            const auto detail =
+                item.detail.empty() ? std::nullopt : std::optional(printable(item.detail));
+            part.items.push_back({profile.name(), profile.folder(), item.what.string(),
+                                  item.verdict, detail, item.size, item.freedBytes, item.wasBegun});
+            part.freedBytes += item.freedBytes;
         }
     }
 
@@ -222,14 +239,14 @@ private:
                 return item.profile != begin->profile;
             });
             const auto part = sizeOf(category, Items(begin, end));
-            all.leftOut.insert(all.leftOut.end(), part.leftOut.begin(), part.leftOut.end());
+            all.items.insert(all.items.end(), part.items.begin(), part.items.end());
             all.requiresClosedBrowserToClean |= part.requiresClosedBrowserToClean;
             all.error = all.error ? all.error : part.error;
             all.size = *all.size + part.size.value_or(CleanableDataSize::zero);
             profileRow(*begin->profile, row).categories.push_back(part);
             begin = end;
         }
-        if (all.error) {
+        if (all.error && !options_.keepGoing) {
             all.size.reset();
         }
         return all;
@@ -244,30 +261,19 @@ private:
                    : row.profiles.emplace_back(ProfileSizes{rowOf(profile), {}, &profile});
     }
 
-    /** Says where a browser's hold on a database makes the figures less than they seem. */
-    void tellOfDatabases(CleanableDataCategory category, const Items& items,
-                         Browser browser) const {
-        const auto tell = [&](const std::string& remark) {
-            observer_.note(
-                fmt::format("{}, {}: {}", displayName(browser), displayName(category), remark));
-        };
-        for (const SweepItem& item : items) {
-            for (const auto& database : databasesWithUncountedChanges(*item.data)) {
-                tell(fmt::format("the browser's latest changes to {} are not counted",
-                                 database.filename().string()));
+    /** Says of what was counted where changes wait beside it that were not. */
+    void tellOfDatabases(const Items& items, const CategorySize& part, Browser browser) const {
+        for (std::size_t i = 0; i < part.items.size(); ++i) {
+            if (!part.items[i].wasBegun) {
+                continue;
             }
-            for (const auto& database : databasesWithRowsLeft(*item.data)) {
-                tell(fmt::format("rows are left in {}; the browser seems to hold the database",
-                                 database.filename().string()));
+            for (const auto& database : databasesWithUncountedChanges(*items[i].data)) {
+                observer_.note(
+                    fmt::format("{}, {}: the browser's latest changes to {} are not counted",
+                                displayName(browser), displayName(part.category),
+                                database.filename().string()));
             }
         }
-    }
-
-    std::vector<std::filesystem::path> databasesWithRowsLeft(const CleanableData& item) const {
-        auto databases = databasesOf(item);
-        const bool isEmptied = databases.empty() || measure_ != Measure::removed ||
-                               item.sizeIgnoringErrors(options_.filters).itemCount.value == 0;
-        return isEmptied ? std::vector<std::filesystem::path>{} : databases;
     }
 
     const Options& options_;
@@ -285,6 +291,7 @@ SizesReport gatherSizes(const Options& options, Measure measure, const CleanerFa
         [&](BrowserSizes& row, const BrowserCleaner& cleaner) { measurer.fill(row, cleaner); });
     for (const auto& row : report.browsers) {
         report.total = report.total + row.size.value_or(CleanableDataSize::zero);
+        report.freedBytes += row.freedBytes;
     }
     return report;
 }
@@ -292,10 +299,6 @@ SizesReport gatherSizes(const Options& options, Measure measure, const CleanerFa
 }  // namespace
 
 Observer::~Observer() = default;
-
-std::vector<LeftOutFolder> Observer::takeLeftOut() {
-    return {};
-}
 
 SizesReport preview(const Options& options, const CleanerFactory& cleanerOf, Observer& observer) {
     return gatherSizes(options, Measure::wouldBeRemoved, cleanerOf, observer);

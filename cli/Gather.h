@@ -37,9 +37,6 @@ public:
     /** Something the user should know that is no failure, as one line. */
     virtual void note(const std::string& line) = 0;
 
-    /** The folders that were not entered since this was asked last. */
-    virtual std::vector<LeftOutFolder> takeLeftOut();
-
     /** Whether the user wants to stop. What was not begun by then stays undone. */
     virtual bool isInterrupted() const = 0;
 

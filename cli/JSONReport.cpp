@@ -1,5 +1,7 @@
 #include "cli/JSONReport.h"
 
+#include <cstdint>
+#include <optional>
 #include <string_view>
 
 #include <nlohmann/json.hpp>
@@ -70,33 +72,55 @@ JSON toJSON(const ProfilesReport& report) {
              })}};
 }
 
-JSON toJSON(const CategorySize& part, const char* sizeKey) {
-    return {{"category", rawValue(part.category)},
-            {"error", orNull(part.error)},
-            {sizeKey, toJSON(part.size)},
-            {"requiresClosedBrowserToClean", part.requiresClosedBrowserToClean}};
+/** A figure under the key of the command; beside what was removed stands what the disk gained. */
+void addFigure(JSON& object, Measure measure, const std::optional<CleanableDataSize>& size,
+               std::int64_t freedBytes) {
+    if (measure == Measure::present) {
+        object["size"] = toJSON(size);
+        return;
+    }
+    object["removed"] = toJSON(size);
+    object["freedBytes"] = freedBytes;
 }
 
-JSON toJSON(const BrowserSizes& row, const char* sizeKey) {
-    return {{"browser", rawValue(row.browser)},
-            {"error", orNull(row.error)},
-            {sizeKey, toJSON(row.size)},
-            {"requiresClosedBrowserToClean", row.requiresClosedBrowserToClean},
-            {"leftOut", toJSON(row.leftOut)},
-            {"categories", listOf(row.categories, [sizeKey](const CategorySize& part) {
-                 return toJSON(part, sizeKey);
-             })}};
+JSON toJSON(const ItemRow& item, Measure measure) {
+    JSON object{{"profile", orNull(item.profile)},
+                {"folder", orNull(item.folder)},
+                {"what", item.what},
+                {"verdict", rawValue(item.verdict)},
+                {"detail", orNull(item.detail)}};
+    addFigure(object, measure, item.size, item.freedBytes);
+    return object;
+}
+
+JSON toJSON(const CategorySize& part, Measure measure) {
+    JSON object{{"category", rawValue(part.category)}, {"error", orNull(part.error)}};
+    addFigure(object, measure, part.size, part.freedBytes);
+    object["requiresClosedBrowserToClean"] = part.requiresClosedBrowserToClean;
+    object["items"] =
+        listOf(part.items, [measure](const ItemRow& item) { return toJSON(item, measure); });
+    return object;
+}
+
+JSON toJSON(const BrowserSizes& row, Measure measure) {
+    JSON object{{"browser", rawValue(row.browser)}, {"error", orNull(row.error)}};
+    addFigure(object, measure, row.size, row.freedBytes);
+    object["requiresClosedBrowserToClean"] = row.requiresClosedBrowserToClean;
+    object["leftOut"] = toJSON(row.leftOut);
+    object["categories"] = listOf(
+        row.categories, [measure](const CategorySize& part) { return toJSON(part, measure); });
+    return object;
 }
 
 JSON toJSON(const SizesReport& report) {
-    const char* const sizeKey = report.measure == Measure::present ? "size" : "removed";
     JSON object = JSON::object();
     if (report.measure != Measure::present) {
         object["dryRun"] = report.measure == Measure::wouldBeRemoved;
     }
     object["total"] = toJSON(report.total);
-    object["browsers"] = listOf(
-        report.browsers, [sizeKey](const BrowserSizes& row) { return toJSON(row, sizeKey); });
+    object["browsers"] = listOf(report.browsers, [&report](const BrowserSizes& row) {
+        return toJSON(row, report.measure);
+    });
     return object;
 }
 

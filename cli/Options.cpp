@@ -122,6 +122,11 @@ constexpr std::array optionTable{
               [](const std::string& /*value*/, Options& options) {
                   options.ignoreErrors = true;
               }, nullptr},
+    OptionRow{"--keep-going", "--keep-going", "", "options", Scope::sizeAndClean,
+              "go on with the next item where one fails",
+              [](const std::string& /*value*/, Options& options) {
+                  options.keepGoing = true;
+              }, nullptr},
     OptionRow{"--html", "--html", "FILE", "options", Scope::size,
               "write a page with charts and a table to FILE as well; - is standard output, in "
               "place of the report",

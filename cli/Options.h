@@ -24,6 +24,7 @@ struct Options {
     std::optional<std::filesystem::path> home;
     std::optional<std::filesystem::path> html;  ///< where a page of the sizes is written
     bool ignoreErrors = false;
+    bool keepGoing = false;
     bool dryRun = false;
     bool yes = false;
     bool force = false;

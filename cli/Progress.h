@@ -38,7 +38,6 @@ public:
     void begin(Browser browser, std::size_t finished, std::size_t all) override;
     void begin(CleanableDataCategory category) override;
     void note(const std::string& line) override;
-    std::vector<LeftOutFolder> takeLeftOut() override { return control_->takeLeftOut(); }
     bool isInterrupted() const override { return control_->shouldStop(); }
     std::shared_ptr<OperationControl> control() const override { return control_; }
 

@@ -1,7 +1,12 @@
 #include "cli/Report.h"
 
+#include <algorithm>
+#include <array>
+#include <string>
 #include <string_view>
 #include <utility>
+
+#include "browsersweep/hosting/FailureKind.h"
 
 namespace browsersweep::cli {
 namespace {
@@ -28,10 +33,49 @@ void addLeftOut(Browser browser, const std::vector<LeftOutProfile>& leftOut, Fai
     }
 }
 
-void addLeftOut(Browser browser, const CategorySize& part, Failures& found) {
-    for (const auto& each : part.leftOut) {
+/** Whether a text begins with what an error means. */
+bool saysKind(std::string_view text) noexcept {
+    constexpr std::array kinds{FailureKind::nothingThere, FailureKind::locked,
+                               FailureKind::noPermission, FailureKind::notUnderstood,
+                               FailureKind::cancelled};
+    return std::any_of(kinds.begin(), kinds.end(),
+                       [text](FailureKind kind) { return text.starts_with(displayName(kind)); });
+}
+
+/** What became of an item, with its file, each thing said once. */
+std::string verdictText(const ItemRow& item) {
+    std::string text = item.detail.value_or("");
+    if (!saysKind(text)) {
+        const std::string verdict(displayName(item.verdict));
+        text = text.empty() ? verdict : verdict + ": " + text;
+    }
+    return text.find(item.what) == std::string::npos ? text + ": " + item.what : text;
+}
+
+/** Adds the items that something is wrong with; those that were never begun have no line. */
+bool addItems(Browser browser, const CategorySize& part, Failures& found) {
+    bool isAnyAdded = false;
+    for (const ItemRow& item : part.items) {
+        if (isSuccess(item.verdict) || !item.wasBegun) {
+            continue;
+        }
+        const std::string profile = item.profile ? *item.profile + ", " : "";
+        add(browser, profile + std::string(displayName(part.category)), verdictText(item), found);
+        isAnyAdded |= item.verdict != ItemVerdict::leftOut;
+    }
+    return isAnyAdded;
+}
+
+/** Says how many items the first error of a category kept from their turn. */
+void addNotBegun(Browser browser, const CategorySize& part, Failures& found) {
+    const auto count = std::count_if(part.items.begin(), part.items.end(), [](const auto& item) {
+        return item.verdict == ItemVerdict::leftOut && !item.wasBegun;
+    });
+    if (count > 0) {
         add(browser, displayName(part.category),
-            "left out, " + each.why + ": " + each.folder.string(), found);
+            "this ended the category, with " + std::to_string(count) +
+                " items left out; --keep-going handles them",
+            found);
     }
 }
 
@@ -40,8 +84,11 @@ void addParts(const BrowserBookmarks& /*row*/, Failures& /*found*/) {}
 
 void addParts(const BrowserSizes& row, Failures& found) {
     for (const auto& part : row.categories) {
-        add(row.browser, displayName(part.category), part.error, found);
-        addLeftOut(row.browser, part, found);
+        // Its error is that of an item, which tells more.
+        if (!addItems(row.browser, part, found)) {
+            add(row.browser, displayName(part.category), part.error, found);
+        }
+        addNotBegun(row.browser, part, found);
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -8,9 +9,9 @@
 #include <vector>
 
 #include "browsersweep/base/Browser.h"
-#include "browsersweep/base/OperationControl.h"
 #include "browsersweep/cleanable/CleanableDataCategory.h"
 #include "browsersweep/cleanable/CleanableDataSize.h"
+#include "browsersweep/hosting/ItemVerdict.h"
 #include "browsersweep/profiles/Bookmark.h"
 #include "browsersweep/profiles/BrowserProfile.h"
 
@@ -48,12 +49,24 @@ struct ProfilesReport {
     std::vector<BrowserProfiles> browsers;
 };
 
+/** One item of a category: a folder, a database or a file of a profile. */
+struct ItemRow {
+    std::optional<std::string> profile;
+    std::optional<std::string> folder;
+    std::string what;
+    ItemVerdict verdict = ItemVerdict::leftOut;
+    std::optional<std::string> detail;
+    std::optional<CleanableDataSize> size;
+    std::int64_t freedBytes = 0;
+    bool wasBegun = false;
+};
 struct CategorySize {
     CleanableDataCategory category = CleanableDataCategory::cache;
     std::optional<std::string> error;
     std::optional<CleanableDataSize> size;  ///< absent where the category failed
     bool requiresClosedBrowserToClean = false;
-    std::vector<LeftOutFolder> leftOut{};
+    std::vector<ItemRow> items{};
+    std::int64_t freedBytes = 0;
 };
 struct ProfileSizes {
     ProfileRow profile;
@@ -68,12 +81,14 @@ struct BrowserSizes {
     std::vector<CategorySize> categories;
     std::vector<ProfileSizes> profiles;  ///< only where a page is wanted
     std::vector<LeftOutProfile> leftOut{};
+    std::int64_t freedBytes = 0;
 };
 enum class Measure { present, removed, wouldBeRemoved };
 struct SizesReport {
     Measure measure = Measure::present;
     CleanableDataSize total;
     std::vector<BrowserSizes> browsers;
+    std::int64_t freedBytes = 0;
 };
 
 struct BrowserBookmarks {

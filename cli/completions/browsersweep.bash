@@ -29,6 +29,7 @@ _browsersweep_options() {
     case $1 in
     "" | size | clean)
         printf '%s\n' --category --include --exclude --inside --outside --filter --ignore-errors
+        printf '%s\n' --keep-going
         ;;
     esac
     case $1 in "" | size) printf '%s\n' --html ;; esac

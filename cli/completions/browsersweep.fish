@@ -40,6 +40,7 @@ complete -c browsersweep -n $measuring -l inside -x -d 'Only what is dated in th
 complete -c browsersweep -n $measuring -l outside -x -d 'Only what is dated outside the range'
 complete -c browsersweep -n $measuring -l filter -x -d 'Any filter, in JSON'
 complete -c browsersweep -n $measuring -l ignore-errors -d 'Carry on over errors'
+complete -c browsersweep -n $measuring -l keep-going -d 'Go on with the next item where one fails'
 complete -c browsersweep -n $sizing -l html -r -F -d 'Write a page with charts and a table as well'
 complete -c browsersweep -n $cleaning -s n -l dry-run -d 'Say what would be removed and delete nothing'
 complete -c browsersweep -n $cleaning -s y -l yes -d 'Do not ask'

@@ -17,6 +17,8 @@ TEST(JSONReport, keepsTheKeysInTheOrderOfTheContract) {
     CategorySize failed{};
     failed.category = CleanableDataCategory::formData;
     failed.error = "why";
+    failed.items.push_back(
+        {"a", std::nullopt, "/f", ItemVerdict::held, "rows are left", std::nullopt, 512, true});
     row.categories.push_back(failed);
     row.leftOut.push_back({{std::nullopt, false, ".."}, "elsewhere"});
     report.browsers.push_back(row);
@@ -46,6 +48,7 @@ TEST(JSONReport, keepsTheKeysInTheOrderOfTheContract) {
           "isApproximate": true
         }
       },
+      "freedBytes": 0,
       "requiresClosedBrowserToClean": false,
       "leftOut": [
         {
@@ -59,7 +62,19 @@ TEST(JSONReport, keepsTheKeysInTheOrderOfTheContract) {
           "category": "formData",
           "error": "why",
           "removed": null,
-          "requiresClosedBrowserToClean": false
+          "freedBytes": 0,
+          "requiresClosedBrowserToClean": false,
+          "items": [
+            {
+              "profile": "a",
+              "folder": null,
+              "what": "/f",
+              "verdict": "held",
+              "detail": "rows are left",
+              "removed": null,
+              "freedBytes": 512
+            }
+          ]
         }
       ]
     }

@@ -120,7 +120,7 @@ class Links(HostProgramTest):
         before = self.snapshot()
         result = self.run_program("clean", "--yes", CHROMIUM, "--category=cache")
         self.assertEqual(result.status, 1)
-        self.assertIn(f"Chromium, Cache: left out, it is a link: {self.cache}", result.error)
+        self.assertIn(f"Chromium, Zoë 日本, Cache: left out: it is a link: {self.cache}\n", result.error)
         self.assertEqual(self.snapshot(), before)
 
     def test_a_link_above_the_folder_is_left_out_and_told(self):
@@ -129,7 +129,7 @@ class Links(HostProgramTest):
         for arguments in (("size",), ("clean", "--yes")):
             result = self.run_program(*arguments, CHROMIUM, "--category=cache")
             self.assertEqual(result.status, 1)
-            self.assertIn(f"left out, it is a link: {self.caches / 'Chromium'}", result.error)
+            self.assertIn(f"left out: it is a link: {self.caches / 'Chromium'}", result.error)
         self.assertEqual(self.snapshot(), before)
 
     def test_the_cookie_file_of_a_linked_folder_stays(self):
@@ -161,7 +161,7 @@ class Mounts(HostProgramTest):
              *self.command("clean", "--yes", CHROMIUM, "--category=cache")],
             env=self.environment, capture_output=True, text=True, check=False, timeout=60)
         self.assertEqual(completed.returncode, 1, completed.stderr)
-        self.assertIn(f"left out, another disk or folder is mounted there: {place}",
+        self.assertIn(f"left out: another disk or folder is mounted there: {place}",
                       completed.stderr)
         self.assertEqual((precious / "file").read_text(), "kept")
         self.assertFalse((self.cache / "Cache" / "data_0").exists())

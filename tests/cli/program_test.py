@@ -269,8 +269,9 @@ class HeldDatabases(HostProgramTest):
         self.addCleanup(holder.close)
         holder.execute("BEGIN IMMEDIATE")
         result = self.run_program("clean", "--yes", *self.HISTORY)
-        self.assertIn("rows are left in History; the browser seems to hold the database",
-                      result.error)
+        self.assertEqual(result.status, 1)
+        self.assertIn("Chromium, Zoë 日本, History: held by another program: rows are left; the "
+                      f"browser seems to hold the database: {self.history}\n", result.error)
         holder.execute("ROLLBACK")
         result = self.run_program("clean", "--yes", *self.HISTORY)
         self.assertEqual((result.status, result.error), (0, ""))
@@ -309,8 +310,9 @@ class HeldStores(HostProgramTest):
                      "--include=one.example")
         holder = self.hold(self.storage)
         result = self.run_program(*arguments)
-        self.assertIn("Firefox, Local storage: rows are left in webappsstore.sqlite; the browser "
-                      "seems to hold the database\n", result.error)
+        self.assertEqual(result.status, 1)
+        self.assertIn("Firefox, default, Local storage: held by another program: rows are left; "
+                      f"the browser seems to hold the database: {self.storage}\n", result.error)
         holder.execute("ROLLBACK")
         result = self.run_program(*arguments)
         self.assertEqual((result.status, result.error), (0, ""))
@@ -332,8 +334,9 @@ class HeldStores(HostProgramTest):
         arguments = ("clean", "--yes", "--browser=safari", "--category=history")
         holder = self.hold(self.safari_history)
         result = self.run_program(*arguments)
-        self.assertIn("Safari, History: rows are left in History.db; the browser seems to hold the "
-                      "database\n", result.error)
+        self.assertEqual(result.status, 1)
+        self.assertIn("Safari, History: held by another program: rows are left; the browser seems "
+                      f"to hold the database: {self.safari_history}\n", result.error)
         holder.execute("ROLLBACK")
         result = self.run_program(*arguments)
         self.assertEqual((result.status, result.error), (0, ""))
@@ -407,7 +410,7 @@ class Failures(HostProgramTest):
     def test_other_data_without_permission_does_not(self):
         result = self.run_without_permission(self.history, "size", CHROMIUM)
         self.assertEqual(result.status, 1, result.error)
-        self.assertIn("Chromium, History: no permission: ", result.error)
+        self.assertIn("Chromium, Zoë 日本, History: no permission: ", result.error)
         self.assertNotIn("Full Disk Access", result.error)
 
 

@@ -43,7 +43,7 @@ class Usage(HostProgramTest):
     def test_options_of_other_commands(self):
         for command in ("browsers", "profiles", "bookmarks", "notifications", "doctor"):
             for option in ("--category=cache", "--include=a", "--exclude=a", "--inside=..",
-                           "--outside=..", "--filter={}", "--ignore-errors"):
+                           "--outside=..", "--filter={}", "--ignore-errors", "--keep-going"):
                 with self.subTest(command=command, option=option):
                     self.assert_usage_error(command, option, says=("size and clean",))
         for option in ("--dry-run", "--yes", "--force"):
@@ -151,7 +151,8 @@ class Information(HostProgramTest):
         text = "".join(self.helps())
         for option in ("--home", "--json", "--browser", "--profile", "--primary-only",
                        "--category", "--include", "--exclude", "--inside", "--outside", "--filter",
-                       "--ignore-errors", "--html", "--dry-run", "--yes", "--force", "--help", "--version"):
+                       "--ignore-errors", "--keep-going", "--html", "--dry-run", "--yes",
+                       "--force", "--help", "--version"):
             self.assertIn(f" {option}", text)
 
     def test_the_lines_of_the_help_fit_a_terminal(self):
