@@ -83,6 +83,7 @@ public:
         // A run that was killed leaves copies of private databases behind; an empty folder stays
         // where the library could not make one.
         home_.fileManager()->removeStaleTemporaryFolders();
+        tellOfProtection();
         const Report report = gatherWithProgress();
         home_.fileManager()->removeStaleTemporaryFolders();
         const bool isPageWritten = !page || writePage(report, *page);
@@ -127,6 +128,21 @@ private:
         } catch (const std::system_error& error) {
             console_.note(error.what());
             return false;
+        }
+    }
+
+    /** Says before the first figure that the system keeps data from this program. */
+    void tellOfProtection() {
+        const bool isMeasuring =
+            options_.command == Command::size || options_.command == Command::clean;
+        if (isProtectionTold_ || !isMeasuring) {
+            return;
+        }
+        isProtectionTold_ =
+            diagnose(options_.selection.selectedBrowsers(), *home_.directoryProvider())
+                .isAnythingProtected();
+        if (isProtectionTold_) {
+            console_.note(fullDiskAccess);
         }
     }
 
@@ -191,6 +207,7 @@ private:
         if (options_.yes) {
             return true;
         }
+        tellOfProtection();
         {
             Progress progress("Measuring", console_, control_);
             const auto planned = preview(options_, cleanerFactory(), progress);
@@ -214,7 +231,7 @@ private:
         for (const auto& failure : failed) {
             console_.note(fmt::format("{}: {}", failure.where, failure.error));
         }
-        if (std::any_of(failed.begin(), failed.end(), isGuarded)) {
+        if (!isProtectionTold_ && std::any_of(failed.begin(), failed.end(), isGuarded)) {
             console_.note(fullDiskAccess);
         }
         if (signal) {
@@ -241,6 +258,7 @@ private:
     }
 
     Options options_;
+    bool isProtectionTold_ = false;
     Console console_;
     Interruption interruption_;
     /** Stops what is under way in the home once a signal has come. */

@@ -314,3 +314,49 @@ class FullTemporaryFolder(ItemsTest):
         self.assertEqual((item["verdict"], item["removed"]["itemCount"]["value"]),
                          ("emptied", 5000))
         self.assertEqual(rows(self.history, "SELECT count(*) FROM urls"), [(0,)])
+
+
+@unittest.skipUnless(sys.platform == "linux" and shutil.which("cc"), "needs a compiler to stand in")
+@unittest.skipIf("ASAN_OPTIONS" in os.environ, "the sanitizer must be loaded first")
+class Protected(ItemsTest):
+    """A folder that the system protects, as macOS does where there is no Full Disk Access."""
+
+    STAND_IN = r"""
+        #define _GNU_SOURCE
+        #include <dlfcn.h>
+        #include <errno.h>
+        #include <fcntl.h>
+        #include <stdarg.h>
+        #include <string.h>
+        static int isProtected(const char *path) {
+            return strstr(path, "Library/Safari") != 0;
+        }
+        #define STAND_IN(name)                                              \
+            int name(const char *path, int flags, ...) {                    \
+                va_list more;                                               \
+                va_start(more, flags);                                      \
+                const int mode = va_arg(more, int);                         \
+                va_end(more);                                               \
+                if (isProtected(path)) {                                    \
+                    errno = EPERM;                                          \
+                    return -1;                                              \
+                }                                                           \
+                int (*real)(const char *, int, ...) = dlsym(RTLD_NEXT, #name); \
+                return real(path, flags, mode);                             \
+            }
+        STAND_IN(open)
+        STAND_IN(open64)
+    """
+
+    def test_full_disk_access_is_asked_for_once_and_before_anything_else(self):
+        source, library = self.root / "stand_in.c", self.root / "stand_in.so"
+        write(source, self.STAND_IN)
+        subprocess.run(["cc", "-shared", "-fPIC", "-o", library, source, "-ldl"], check=True)
+        self.environment["LD_PRELOAD"] = str(library)
+        for command in (("size",), ("clean", "--yes")):
+            result = self.run_program(*command, SAFARI)
+            self.assertEqual(result.status, 1, result.error)
+            self.assertTrue(result.error.startswith("browsersweep: macOS guards "), result.error)
+            self.assertEqual(result.error.count("Full Disk Access, in the privacy settings.\n"), 1)
+        self.assertNotIn("Full Disk Access, in the",
+                         self.run_program("size", CHROMIUM).error)
