@@ -5,6 +5,7 @@
 #include <optional>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -61,23 +62,39 @@ std::int64_t byteCount(const std::optional<CleanableDataSize>& size) {
     return size.value_or(CleanableDataSize::zero).byteCount.value;
 }
 
+/** Only what was removed has freed anything. */
+std::vector<Table::Column> columnsOf(Measure measure) {
+    std::vector<Table::Column> columns{{"Browser"},
+                                       {"Category"},
+                                       {"Items", Alignment::right},
+                                       {std::string(sizeHeader(measure)), Alignment::right}};
+    if (measure == Measure::removed) {
+        columns.push_back({"Freed", Alignment::right});
+    }
+    columns.push_back({""});
+    return columns;
+}
+
+/** A size, and what the disk gained. */
+struct Figure {
+    CleanableDataSize size;
+    std::int64_t freedBytes = 0;
+};
+
 /** Collects the rows of a report of sizes. All its bars are of one scale. */
 class SizesTable {
 public:
     SizesTable(const SizesReport& report, const Appearance& appearance)
-        : table_({{"Browser"},
-                  {"Category"},
-                  {"Items", Alignment::right},
-                  {std::string(sizeHeader(report.measure)), Alignment::right},
-                  {""}}),
-          appearance_(appearance) {
+        : table_(columnsOf(report.measure)),
+          appearance_(appearance),
+          tellsFreed_(report.measure == Measure::removed) {
         for (const auto& row : report.browsers) {
             largest_ = std::max(largest_, byteCount(row.size));
         }
         for (const auto& row : report.browsers) {
             add(row);
         }
-        addSize({"Total", Style::strong}, "", report.total, Style::strong, "");
+        addSize({"Total", Style::strong}, "", {report.total, report.freedBytes}, Style::strong, "");
     }
 
     std::string text() const { return table_.text(appearance_); }
@@ -92,28 +109,35 @@ private:
         for (const auto& part : row.categories) {
             const std::string category(displayName(part.category));
             if (part.size) {
-                addSize(name, category, *part.size, Style::plain, barOf(part.size));
+                addSize(name, category, {*part.size, part.freedBytes}, Style::plain,
+                        barOf(part.size));
             } else {
                 addFailure(name, category);
             }
         }
         if (row.size && row.categories.size() > 1) {
-            addSize({name, Style::strong}, {"all", Style::strong}, *row.size, Style::strong,
-                    barOf(row.size));
+            addSize({name, Style::strong}, {"all", Style::strong}, {*row.size, row.freedBytes},
+                    Style::strong, barOf(row.size));
         }
     }
 
-    void addSize(Table::Cell browser, Table::Cell category, const CleanableDataSize& size,
-                 Style style, std::string chart) {
-        table_.addRow({std::move(browser),
-                       std::move(category),
-                       {countText(size.itemCount), style},
-                       {bytesText(size.byteCount), style},
-                       {std::move(chart), Style::bar}});
+    void addSize(Table::Cell browser, Table::Cell category, const Figure& figure, Style style,
+                 std::string chart) {
+        std::vector<Table::Cell> cells{std::move(browser),
+                                       std::move(category),
+                                       {countText(figure.size.itemCount), style},
+                                       {bytesText(figure.size.byteCount), style}};
+        if (tellsFreed_) {
+            cells.emplace_back(bytesText({std::max<std::int64_t>(figure.freedBytes, 0)}), style);
+        }
+        cells.emplace_back(std::move(chart), Style::bar);
+        table_.addRow(std::move(cells));
     }
 
     void addFailure(const std::string& browser, const std::string& category) {
-        table_.addRow({browser, category, "", {"failed", Style::failure}, ""});
+        std::vector<Table::Cell> cells{browser, category, "", {"failed", Style::failure}};
+        cells.resize(cells.size() + (tellsFreed_ ? 2 : 1), "");
+        table_.addRow(std::move(cells));
     }
 
     std::string barOf(const std::optional<CleanableDataSize>& size) const {
@@ -122,6 +146,7 @@ private:
 
     Table table_;
     const Appearance& appearance_;
+    bool tellsFreed_;
     std::int64_t largest_ = 0;
 };
 

@@ -60,7 +60,10 @@ TEST(TextReport, onATerminalBarsAreColouredSumsStandOutAndRemarksStandBack) {
 TEST(TextReport, theHeaderSaysWhatTheFiguresAre) {
     auto report = sizes();
     report.measure = Measure::removed;
-    EXPECT_NE(peopleText(report, plainASCII).find(" Removed\n"), std::string::npos);
+    report.freedBytes = 1000;
+    const auto text = peopleText(report, plainASCII);
+    EXPECT_NE(text.find(" Removed   Freed\n"), std::string::npos) << text;
+    EXPECT_NE(text.find(" ~3.0 MB  1.0 KB\n"), std::string::npos) << text;
     report.measure = Measure::wouldBeRemoved;
     EXPECT_NE(peopleText(report, plainASCII).find(" To be removed\n"), std::string::npos);
 }
