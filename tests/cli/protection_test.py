@@ -32,3 +32,8 @@ class Protection(HostProgramTest):
     def test_other_browsers_need_nothing(self):
         result = self.run_program("size", "--browser", "chromium")
         self.assertEqual((result.status, result.error), (0, ""))
+
+    def test_protected_files_that_are_hidden_are_no_exact_nothing(self):
+        result = self.run_program("size", "--browser", "safari")
+        self.assertEqual(result.status, 1, result.text)
+        self.assertEqual(result.error.count(NEEDED), 1, result.error)
