@@ -238,7 +238,8 @@ private:
             console_.note("interrupted; the report says what was done");
             return interrupted + *signal;
         }
-        // Newer systems hide the files of a protected folder: it looks empty, and nothing else fails.
+        // Newer systems hide the files of a protected folder: it looks empty, and nothing else
+        // fails.
         return failed.empty() && !isProtectionTold_ ? allDone : somethingFailed;
     }
 
