@@ -37,9 +37,9 @@ struct ItemEvidence {
 
 /** A verdict and its reasons. */
 struct ItemJudgement {
-    ItemVerdict verdict = ItemVerdict::leftOut;
-    std::filesystem::path path;  ///< what it is about; empty: the item itself
-    std::string detail;          ///< why, for people; may be empty
+    ItemVerdict verdict = ItemVerdict::leftOut;  ///< what became of the item
+    std::filesystem::path path;                  ///< what it is about; empty: the item itself
+    std::string detail;                          ///< why, for people; may be empty
 };
 
 /** What the evidence says of an item that was measured or failed to be. */

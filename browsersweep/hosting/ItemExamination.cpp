@@ -6,8 +6,6 @@
 #include <system_error>
 #include <utility>
 
-#include <sys/stat.h>
-
 #include "browsersweep/binarycoding/BinaryDataDecoder.h"
 #include "browsersweep/binarycoding/BinaryDataEncoder.h"
 #include "browsersweep/cookies/BinaryCookies.h"
@@ -165,14 +163,6 @@ fs::path fileOf(const CleanableData& item) {
     return places.empty() ? fs::path() : places.front().path;
 }
 
-std::int64_t allocatedBytes(const fs::path& file) noexcept {
-    constexpr std::int64_t blockSize = 512;
-    struct stat status {};
-    const bool isCounted =
-        ::lstat(file.c_str(), &status) == 0 && !S_ISDIR(status.st_mode) && status.st_nlink == 1;
-    return isCounted ? static_cast<std::int64_t>(status.st_blocks) * blockSize : 0;
-}
-
 std::int64_t allocatedBytesBelow(const fs::path& folder, OperationControl* control) {
     std::int64_t sum = 0;
     std::error_code error;
@@ -186,7 +176,7 @@ std::int64_t allocatedBytesBelow(const fs::path& folder, OperationControl* contr
         if (control != nullptr && control->shouldStop()) {
             return sum;
         }
-        sum += allocatedBytes(entry->path());
+        sum += posix::allocatedBytes(entry->path());
     }
     return sum;
 }
@@ -239,10 +229,10 @@ std::int64_t allocatedBytes(const CleanableData& item, OperationControl* control
         if (place.kind == Kind::folder) {
             sum += allocatedBytesBelow(place.path, control);
         } else if (place.kind == Kind::file) {
-            sum += allocatedBytes(place.path);
+            sum += posix::allocatedBytes(place.path);
         } else {
             for (const std::string_view part : parts) {
-                sum += allocatedBytes(fs::path(place.path) += part);
+                sum += posix::allocatedBytes(fs::path(place.path) += part);
             }
         }
     }

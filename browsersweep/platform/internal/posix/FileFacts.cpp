@@ -52,6 +52,14 @@ FileFacts factsOf(const char* path) noexcept {
     return facts;
 }
 
+std::int64_t allocatedBytes(const std::filesystem::path& file) noexcept {
+    constexpr std::int64_t blockSize = 512;  // st_blocks counts in these, whatever the disk uses
+    struct stat status {};
+    const bool isCounted =
+        ::lstat(file.c_str(), &status) == 0 && !S_ISDIR(status.st_mode) && status.st_nlink == 1;
+    return isCounted ? static_cast<std::int64_t>(status.st_blocks) * blockSize : 0;
+}
+
 bool haveEqualContents(const std::filesystem::path& one, const std::filesystem::path& other) {
     constexpr std::size_t pieceSize = std::size_t{256} * 1024;
     const FileDescriptor first = openFile(one, O_RDONLY | carefully);

@@ -29,6 +29,12 @@ inline FileFacts factsOf(const std::filesystem::path& path) noexcept {
     return factsOf(path.c_str());
 }
 
+/**
+ * What the disk gains when the file goes, in bytes: the blocks that it occupies. 0 for a folder,
+ * for a file with another name besides, and for what cannot be examined.
+ */
+std::int64_t allocatedBytes(const std::filesystem::path& file) noexcept;
+
 /** Whether two regular files hold the same bytes. Throws `filesystem_error`. */
 bool haveEqualContents(const std::filesystem::path& one, const std::filesystem::path& other);
 
