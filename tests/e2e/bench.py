@@ -50,7 +50,7 @@ class Bench:
     def report(self, layout: Layout, *arguments: str, zone: str = "UTC") -> dict:
         done = self.run(layout, *arguments, "--json", zone=zone)
         same((done.returncode, done.stderr), (0, ""), f"browsersweep {' '.join(arguments)}")
-        return counts.in_fixed_order(json.loads(done.stdout))
+        return counts.in_fixed_order(counts.figures_of(json.loads(done.stdout)))
 
     def clean(self, layout: Layout, *arguments: str) -> dict:
         """Forced, because a browser of somebody else may be running on this machine."""

@@ -4,6 +4,7 @@
 from __future__ import annotations
 
 import datetime
+import json
 from collections.abc import Callable, Iterable
 from pathlib import Path
 
@@ -98,8 +99,10 @@ def selections_narrow_what_is_sized(bench: Bench) -> None:
         primary = [profile for profile in found if profile.is_primary]
         same(bench.report(layout, "size", "--primary-only"),
              counts.expected_size(primary, bench.family), "--primary-only")
-        same(bench.report(layout, "profiles", "--profile", "nobody"),
-             counts.expected_profiles([], bench.family), "a profile that is not there")
+        done = bench.run(layout, "profiles", "--profile", "nobody", "--json")
+        same((done.returncode, counts.figures_of(json.loads(done.stdout))),
+             (1, counts.expected_profiles([], bench.family)), "a profile that is not there")
+        check("nobody" in done.stderr, f"not told: {done.stderr}")
 
 
 def dates_of_chromium_count_from_local_midnight(bench: Bench) -> None:

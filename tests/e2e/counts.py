@@ -392,6 +392,22 @@ def expected_notifications(found: list[Profile], browser: str) -> dict:
          "subscriptions": profile_subscriptions(profile, browser)} for profile in found]}]}
 
 
+# What documents say besides the figures that are counted here independently.
+BESIDES = ("items", "freedBytes", "leftOut", "folder")
+
+
+def figures_of(document: object) -> object:
+    """The document without what tells of single items."""
+    if isinstance(document, dict):
+        return {key: figures_of(value) for key, value in document.items() if key not in BESIDES}
+    return [figures_of(value) for value in document] if isinstance(document, list) else document
+
+
+def is_whole(items: list[dict]) -> bool:
+    """Whether all that was selected of these items is gone, by what the document says of them."""
+    return all(item["verdict"] in ("emptied", "nothingThere") for item in items)
+
+
 def in_fixed_order(document: object) -> object:
     """The document with the lists that have no fixed order (profiles, bookmarks, sites) sorted."""
     if isinstance(document, dict):
