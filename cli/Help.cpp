@@ -106,7 +106,7 @@ std::string HelpFormatter::overview(const CLI::App& app) const {
 }
 
 std::string HelpFormatter::helpOf(const CLI::App& command) const {
-    const auto name = command.get_name();
+    const auto& name = command.get_name();
     std::string usage = "browsersweep " + name;
     std::string options;
     for (const auto& [group, placeholder] : groups) {

@@ -35,7 +35,7 @@ public:
     static ConfinedFile& of(sqlite3_file* file) noexcept;
 
     /** Opens the system's file. Returns SQLite's code. */
-    int open(sqlite3_vfs& system, const char* name, int flags, int* flagsGiven) noexcept;
+    int open(sqlite3_vfs& vfs, const char* name, int flags, int* flagsGiven) noexcept;
 
     /** From now on SQLite works with the system's file, within bounds. */
     void confine(FileBounds bounds);
