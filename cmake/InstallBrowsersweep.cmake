@@ -42,12 +42,24 @@ if(browsersweep_kind STREQUAL "STATIC_LIBRARY")
   if(BROWSERSWEEP_BACKEND STREQUAL "portable")
     string(APPEND browsersweep_dependencies "find_dependency(ICU COMPONENTS uc i18n)\n")
   endif()
+  if(BROWSERSWEEP_SITES)
+    string(APPEND browsersweep_dependencies
+           "list(APPEND CMAKE_MODULE_PATH \"\${CMAKE_CURRENT_LIST_DIR}\")\n"
+           "find_dependency(LibPSL)\nfind_dependency(LZ4)\n"
+           "find_dependency(Threads)\nfind_dependency(leveldb CONFIG)\n"
+           "list(POP_BACK CMAKE_MODULE_PATH)\n")
+    install(FILES ${PROJECT_SOURCE_DIR}/cmake/FindLibPSL.cmake ${PROJECT_SOURCE_DIR}/cmake/FindLZ4.cmake
+            DESTINATION ${browsersweep_package_folder})
+  endif()
   set(browsersweep_pkg_config_flags " -DBROWSERSWEEP_STATIC_DEFINE")
   if(APPLE)
     set(browsersweep_libraries "-lsqlite3 -lexpat -lc++ -framework Foundation")
   else()
     set(browsersweep_requires "sqlite3, expat, icu-i18n, icu-uc")
     set(browsersweep_libraries "-lstdc++")
+  endif()
+  if(BROWSERSWEEP_SITES)
+    string(PREPEND browsersweep_libraries "-lleveldb -llz4 -lpsl ")
   endif()
 else()
   # Who links a shared library in a folder of its own must find it again when the program starts.
@@ -85,6 +97,9 @@ if(NOT APPLE)
   if(browsersweep_kind STREQUAL "STATIC_LIBRARY")
     # For who links the archive; the program does without.
     set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "libsqlite3-dev, libexpat1-dev, libicu-dev")
+    if(BROWSERSWEEP_SITES)
+      string(APPEND CPACK_DEBIAN_PACKAGE_RECOMMENDS ", libpsl-dev, liblz4-dev, libleveldb-dev")
+    endif()
   endif()
 endif()
 include(CPack)

@@ -24,12 +24,11 @@ bool isCurrentUsers(const FileManager& fileManager) {
 
 /** Firefox keeps a lock in every profile folder. */
 bool isAnyFirefoxProfileHeld(const Home& home) {
-    const auto support = home.directoryProvider()->applicationSupportDirectory();
     try {
         const auto profiles = FirefoxProfileReader(home).profiles();
-        return std::any_of(profiles.begin(), profiles.end(), [&support](const auto& profile) {
-            const auto* const firefox = dynamic_cast<const FirefoxProfile*>(profile.get());
-            return firefox != nullptr && isHeldByFirefox(support / firefox->path());
+        return std::any_of(profiles.begin(), profiles.end(), [](const auto& profile) {
+            const auto folders = profile->folders();
+            return folders && isHeldByFirefox(folders->data);
         });
     } catch (const std::exception&) {
         return false;  // no profile of it will be cleaned either, and the report says why

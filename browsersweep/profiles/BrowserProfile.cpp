@@ -12,4 +12,8 @@ std::optional<std::string> BrowserProfile::leftOutReason() const {
     return std::nullopt;
 }
 
+std::optional<ProfileFolders> BrowserProfile::folders() const {
+    return std::nullopt;
+}
+
 }  // namespace browsersweep

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -12,6 +13,15 @@
 #include "browsersweep/profiles/Bookmark.h"
 
 namespace browsersweep {
+
+/** Where a profile's files lie. Folders need not exist. */
+struct ProfileFolders {
+    std::filesystem::path data;   ///< below Application Support, or where the browser says
+    std::filesystem::path cache;  ///< below Caches, where the browser keeps one there
+
+    /** Whether all fields are equal. */
+    friend bool operator==(const ProfileFolders&, const ProfileFolders&) = default;
+};
 
 /** One profile of a browser. Everything is read afresh at each call. */
 class BROWSERSWEEP_EXPORT BrowserProfile {
@@ -40,6 +50,9 @@ public:
      * data, no bookmarks and no subscriptions. Absent for every other profile.
      */
     virtual std::optional<std::string> leftOutReason() const;
+
+    /** Where its files lie; absent of a profile that is left out. Touches no file. */
+    virtual std::optional<ProfileFolders> folders() const;
 
     /** The profile's data by category. A category that it does not have is no key. */
     virtual CleanableDataMap cleanableData() const = 0;

@@ -113,6 +113,11 @@ std::optional<std::string> ChromiumBasedProfile::leftOutReason() const {
     return reason ? reason : reasonAgainstRelativePath(relativePath_.native());
 }
 
+std::optional<ProfileFolders> ChromiumBasedProfile::folders() const {
+    return leftOutReason() ? std::nullopt
+                           : std::optional(ProfileFolders{profileFolder(), cacheFolder()});
+}
+
 std::filesystem::path ChromiumBasedProfile::profileFolder() const {
     return appendingPath(directoryProvider_->applicationSupportDirectory(), relativePath_);
 }

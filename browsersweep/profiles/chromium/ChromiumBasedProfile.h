@@ -43,6 +43,7 @@ public:
     /** The recorded folder's name; without one the last component of the path. */
     std::optional<std::string> folder() const override;
     std::optional<std::string> leftOutReason() const override;
+    std::optional<ProfileFolders> folders() const override;
 
     /** All six categories; none of a profile that is left out. Touches no file. */
     CleanableDataMap cleanableData() const override;

@@ -128,6 +128,11 @@ std::optional<std::string> FirefoxProfile::leftOutReason() const {
                        : reasonAgainstAbsolutePath(path_.native());
 }
 
+std::optional<ProfileFolders> FirefoxProfile::folders() const {
+    return leftOutReason() ? std::nullopt
+                           : std::optional(ProfileFolders{profileDirectory(), cacheDirectory()});
+}
+
 std::filesystem::path FirefoxProfile::directoryBelowApplicationSupport() const {
     return appendingPath(directoryProvider_->applicationSupportDirectory(), path_);
 }

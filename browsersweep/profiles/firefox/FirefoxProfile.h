@@ -44,6 +44,7 @@ public:
     /** The recorded path; without one the path itself. */
     std::optional<std::string> folder() const override;
     std::optional<std::string> leftOutReason() const override;
+    std::optional<ProfileFolders> folders() const override;
 
     /** All six categories; none of a profile that is left out. Touches no file. */
     CleanableDataMap cleanableData() const override;

@@ -37,6 +37,11 @@ std::filesystem::path SafariProfile::safariFolder() const {
     return home_.directoryProvider()->libraryDirectory() / "Safari";
 }
 
+std::optional<ProfileFolders> SafariProfile::folders() const {
+    return ProfileFolders{safariFolder(),
+                          home_.directoryProvider()->cachesDirectory() / "com.apple.Safari"};
+}
+
 CleanableDataList SafariProfile::directories(std::span<const std::filesystem::path> paths,
                                              bool requiresClosedBrowser) const {
     Items items;

@@ -24,6 +24,8 @@ public:
     std::optional<std::string> name() const override { return std::nullopt; }
     Browser sourceBrowser() const noexcept override { return Browser::safari; }
     bool isPrimary() const noexcept override { return true; }
+    /** "Safari" in the Library folder, and Safari's older cache. */
+    std::optional<ProfileFolders> folders() const override;
     /** What reaches its files. */
     const std::shared_ptr<const FileManager>& fileManager() const noexcept {
         return home_.fileManager();

@@ -87,11 +87,20 @@ TEST_F(ChromiumBasedProfileTest, leadingSeparatorsOfThePathAreNoRoot) {
               home / "Library/Caches" / relativePath);
 }
 
+TEST_F(ChromiumBasedProfileTest, itsFoldersAreTheSamePathInTwoPlaces) {
+    const ChromiumBasedProfile profile("Work", Browser::googleChrome, true, relativePath,
+                                       fileManager);
+    EXPECT_EQ(profile.folders(),
+              (ProfileFolders{home / "Library/Application Support" / relativePath,
+                              home / "Library/Caches" / relativePath}));
+}
+
 TEST_F(ChromiumBasedProfileTest, aPathThatLeadsUpLeavesItOut) {
     for (const char* const path : {"..", "Google/../../x", "", "/"}) {
         const ChromiumBasedProfile profile("Work", Browser::googleChrome, true, path, fileManager);
         EXPECT_NE(profile.leftOutReason(), std::nullopt) << path;
         EXPECT_TRUE(profile.cleanableData().lists().empty()) << path;
+        EXPECT_EQ(profile.folders(), std::nullopt) << path;
     }
 }
 

@@ -109,6 +109,13 @@ TEST_F(FirefoxProfileTest, absoluteProfileHasItsCacheAndDatabasesInOneFolder) {
               home_ / "Library/Preferences/Macromedia/");
 }
 
+TEST_F(FirefoxProfileTest, itsFoldersAreOneOrTwo) {
+    EXPECT_EQ(relative().folders(),
+              (ProfileFolders{home_ / "Library/Application Support/Firefox/Profiles/x.default",
+                              home_ / "Library/Caches/Firefox/Profiles/x.default"}));
+    EXPECT_EQ(absolute().folders(), (ProfileFolders{home_ / "elsewhere/x", home_ / "elsewhere/x"}));
+}
+
 TEST_F(FirefoxProfileTest, everyItemButFlashCookiesRequiresAClosedBrowserAndHasNoFiltersOfItsOwn) {
     const CleanableDataMap data = relative().cleanableData();
     EXPECT_EQ(data.lists().size(), allCleanableDataCategories.size());

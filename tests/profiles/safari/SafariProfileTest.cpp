@@ -137,6 +137,11 @@ TEST_F(SafariProfileTest, itIsPrimaryAndHasNoName) {
     EXPECT_EQ(Browser::safari, profile().sourceBrowser());
 }
 
+TEST_F(SafariProfileTest, itsFoldersLieInLibrary) {
+    EXPECT_EQ(profile().folders(),
+              (ProfileFolders{library() / "Safari", library() / "Caches/com.apple.Safari"}));
+}
+
 TEST_F(SafariProfileTest, thereIsNoFormDataAtAll) {
     const CleanableDataMap map = profile().cleanableData();
     EXPECT_EQ(nullptr, map.find(Category::formData));

@@ -1,0 +1,244 @@
+#include "browsersweep/sites/internal/SiteForm.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+namespace browsersweep {
+namespace {
+
+using Hosts = std::vector<std::string>;
+
+char inSmall(char letter) noexcept {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+}
+
+// What cannot stand in a host's name: it is ASCII here, or UTF-8 as it is. "%" would be a zone.
+bool isForbidden(char letter) noexcept {
+    constexpr std::string_view forbidden = "/\\?#@<>^|%*,;\"'`{}()&=+$! ";
+    const auto value = static_cast<unsigned char>(letter);
+    return value < 0x20 || value == 0x7F || forbidden.find(letter) != std::string_view::npos;
+}
+
+std::string_view upTo(std::string_view text, std::string_view anyOf) noexcept {
+    return text.substr(0, std::min(text.find_first_of(anyOf), text.size()));
+}
+
+// Without a port: what follows the last colon, unless that stands within brackets.
+std::string_view withoutPort(std::string_view host) noexcept {
+    if (host.starts_with('[')) {
+        return host.substr(0, std::min(host.find(']'), host.size() - 1) + 1);
+    }
+    // More than one colon: an address in numbers without its brackets.
+    return host.find(':') == host.rfind(':') ? upTo(host, ":") : host;
+}
+
+constexpr std::array<std::string_view, 5> webSchemes{"http", "https", "ws", "wss", "ftp"};
+
+bool isWebScheme(std::string_view scheme) {
+    std::string small(scheme);
+    std::transform(small.begin(), small.end(), small.begin(), inSmall);
+    return std::find(webSchemes.begin(), webSchemes.end(), small) != webSchemes.end();
+}
+
+void addHost(Hosts& hosts, std::string host) {
+    if (!host.empty() && std::find(hosts.begin(), hosts.end(), host) == hosts.end()) {
+        hosts.push_back(std::move(host));
+    }
+}
+
+Hosts oneHost(std::string host) {
+    Hosts hosts;
+    addHost(hosts, std::move(host));
+    return hosts;
+}
+
+std::string unreversed(std::string_view text) {
+    std::string host(text);
+    std::reverse(host.begin(), host.end());
+    return plainHost(host);
+}
+
+// The parts after "^" begin with a digit that says what they are: 0 and 1 stand before a site's own
+// address, the rest before numbers.
+Hosts inStorageKey(std::string_view text) {
+    Hosts hosts;
+    while (!text.empty()) {
+        const std::string_view part = upTo(text, "^");
+        const bool isFirst = hosts.empty() && !part.empty() && (part[0] < '0' || part[0] > '9');
+        addHost(hosts, hostOfAddress(isFirst || part.empty() ? part : part.substr(1)));
+        text.remove_prefix(std::min(part.size() + 1, text.size()));
+    }
+    return hosts;
+}
+
+// Scheme, host and port between low lines. A host has none, the scheme neither.
+Hosts inOriginIdentifier(std::string_view text) {
+    const auto first = text.find('_');
+    const auto last = text.rfind('_');
+    if (first == last || !isWebScheme(text.substr(0, first))) {
+        return {};
+    }
+    return oneHost(plainHost(text.substr(first + 1, last - first - 1)));
+}
+
+// A pattern without a scheme, "[*.]example.com", and one of an address both name a host.
+std::string hostOfPattern(std::string_view pattern) {
+    constexpr std::string_view anyHost = "[*.]";
+    const auto scheme = pattern.find("://");
+    if (scheme != std::string_view::npos && !isWebScheme(pattern.substr(0, scheme))) {
+        return {};
+    }
+    std::string_view host = scheme == std::string_view::npos ? pattern : pattern.substr(scheme + 3);
+    if (host.starts_with(anyHost)) {
+        host.remove_prefix(anyHost.size());
+    }
+    return plainHost(withoutPort(upTo(host, "/")));
+}
+
+Hosts inContentSettingsKey(std::string_view text) {
+    const std::string_view first = upTo(text, ",");
+    Hosts hosts = oneHost(hostOfPattern(first));
+    if (first.size() < text.size()) {
+        addHost(hosts, hostOfPattern(text.substr(first.size() + 1)));
+    }
+    return hosts;
+}
+
+Hosts inWords(std::string_view text) {
+    Hosts hosts;
+    while (!text.empty()) {
+        const std::string_view word = upTo(text, " \n");
+        // Numbers and marks stand before the first word, without a space: "1/0/_dk_https://...".
+        const auto address = word.find("http");
+        addHost(hosts,
+                hostOfAddress(address == std::string_view::npos ? word : word.substr(address)));
+        text.remove_prefix(std::min(word.size() + 1, text.size()));
+    }
+    return hosts;
+}
+
+// "partitionKey=(https,example.com)" or "(https,example.com,8443)", escaped as in an address.
+std::string partitionHost(std::string_view attributes) {
+    constexpr std::string_view key = "partitionKey=%28";
+    constexpr std::string_view comma = "%2C";
+    const auto found = attributes.find(key);
+    if (found == std::string_view::npos) {
+        return {};
+    }
+    std::string_view value = attributes.substr(found + key.size());
+    const auto begin = value.find(comma);
+    if (begin == std::string_view::npos) {
+        return {};
+    }
+    value.remove_prefix(begin + comma.size());
+    return plainHost(upTo(value, "%&^"));
+}
+
+Hosts inFirefoxOrigin(std::string_view text) {
+    const std::string_view origin = upTo(text, "^");
+    Hosts hosts = oneHost(hostOfAddress(origin));
+    addHost(hosts, partitionHost(text.substr(origin.size())));
+    return hosts;
+}
+
+// In a folder's name a plus sign stands for each colon and slash of the origin.
+Hosts inFirefoxFolder(std::string_view text) {
+    constexpr std::string_view separator = "+++";
+    const std::string_view origin = upTo(text, "^");
+    const auto begin = origin.find(separator);
+    if (begin == std::string_view::npos || !isWebScheme(origin.substr(0, begin))) {
+        return {};
+    }
+    std::string host(origin.substr(begin + separator.size()));
+    if (host.starts_with('[')) {
+        std::replace(host.begin(), host.end(), '+', ':');
+    }
+    const std::string_view name = host.starts_with('[') ? withoutPort(host) : upTo(host, "+");
+    Hosts hosts = oneHost(plainHost(name));
+    addHost(hosts, partitionHost(text.substr(origin.size())));
+    return hosts;
+}
+
+Hosts inAddress(std::string_view text) {
+    return oneHost(hostOfAddress(text));
+}
+
+Hosts inHost(std::string_view text) {
+    return oneHost(plainHost(withoutPort(text)));
+}
+
+Hosts inReversedHost(std::string_view text) {
+    return oneHost(unreversed(upTo(text, ":")));
+}
+
+Hosts inOriginAttributes(std::string_view text) {
+    return oneHost(partitionHost(text));
+}
+
+}  // namespace
+
+std::string plainHost(std::string_view host) {
+    if (host.starts_with('[') && host.ends_with(']')) {
+        host = host.substr(1, host.size() - 2);
+    }
+    while (host.starts_with('.')) {
+        host.remove_prefix(1);
+    }
+    while (host.ends_with('.')) {
+        host.remove_suffix(1);
+    }
+    if (std::any_of(host.begin(), host.end(), isForbidden) ||
+        host.find("..") != std::string_view::npos) {
+        return {};
+    }
+    std::string result(host);
+    std::transform(result.begin(), result.end(), result.begin(), inSmall);
+    return result;
+}
+
+std::string hostOfAddress(std::string_view address) {
+    for (const std::string_view around : {"view-source:", "blob:", "filesystem:"}) {
+        if (address.starts_with(around)) {
+            address.remove_prefix(around.size());
+        }
+    }
+    const auto colon = address.find("://");
+    if (colon == std::string_view::npos || !isWebScheme(address.substr(0, colon))) {
+        return {};
+    }
+    std::string_view authority = upTo(address.substr(colon + 3), "/\\?#");
+    const auto at = authority.rfind('@');
+    if (at != std::string_view::npos) {
+        authority.remove_prefix(at + 1);
+    }
+    return plainHost(withoutPort(authority));
+}
+
+std::vector<std::string> hostsIn(SiteForm form, std::string_view text) {
+    switch (form) {
+        case SiteForm::address:
+            return inAddress(text);
+        case SiteForm::host:
+            return inHost(text);
+        case SiteForm::reversedHost:
+            return inReversedHost(text);
+        case SiteForm::storageKey:
+            return inStorageKey(text);
+        case SiteForm::originIdentifier:
+            return inOriginIdentifier(text);
+        case SiteForm::contentSettingsKey:
+            return inContentSettingsKey(text);
+        case SiteForm::networkKey:
+            return inWords(text);
+        case SiteForm::firefoxOrigin:
+            return inFirefoxOrigin(text);
+        case SiteForm::firefoxFolder:
+            return inFirefoxFolder(text);
+        case SiteForm::originAttributes:
+            return inOriginAttributes(text);
+    }
+    return {};
+}
+
+}  // namespace browsersweep

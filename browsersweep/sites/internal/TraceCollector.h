@@ -1,0 +1,37 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <span>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "browsersweep/base/Date.h"
+#include "browsersweep/cleanable/CleanableDataSize.h"
+#include "browsersweep/sites/Trace.h"
+
+namespace browsersweep {
+
+/** Adds up what a store holds, site by site and kind by kind, while the store is read. */
+class TraceCollector {
+public:
+    /**
+     * Adds what belongs to these hosts, as `hostsIn` gives them. What belongs to two sites counts
+     * for both; what belongs to none counts for nothing.
+     */
+    void add(TraceKind kind, std::span<const std::string> hosts, const CleanableDataSize& size,
+             std::optional<Date> lastUsed = {});
+
+    /** What was added, in the order of the sites and kinds. */
+    std::vector<Trace> traces() const;
+
+private:
+    const Site* siteOf(const std::string& host);
+
+    std::map<std::pair<Site, TraceKind>, Trace> traces_;
+    std::unordered_map<std::string, std::optional<Site>> sites_;
+};
+
+}  // namespace browsersweep
