@@ -27,7 +27,7 @@ static void clean_cookies(const browsersweep_home* home, browsersweep_browser br
         fail(error);
     }
     if (browsersweep_data_categories(data) & cookies) {
-        browsersweep_size removed;
+        browsersweep_size removed = {sizeof removed};
         if (!browsersweep_data_clean(data, cookies, filters, 0, show, NULL, &removed, &error)) {
             fail(error);
         }
@@ -49,7 +49,8 @@ int main(int count, char** arguments) {
         fail(error);
     }
     const char* const kept[] = {"example.com", "example.org"};
-    const browsersweep_patterns patterns = {.include = false, .patterns = kept, .count = 2};
+    const browsersweep_patterns patterns = {
+        .struct_size = sizeof patterns, .include = false, .patterns = kept, .count = 2};
     browsersweep_filters* filters = browsersweep_filters_new(&error);
     if (filters == NULL || !browsersweep_filters_add(filters, &patterns, NULL, &error)) {
         fail(error);

@@ -15,6 +15,7 @@ ALL_CATEGORIES = 0xFFFFFFFF
 
 class Size(ctypes.Structure):
     _fields_ = [
+        ("struct_size", c_size_t),
         ("items", c_int64),
         ("bytes", c_int64),
         ("items_are_approximate", c_bool),
@@ -70,7 +71,7 @@ class Library:
 def items_of(library, profiles, index):
     data = library.checked(library.data_of_profile, profiles, index)
     try:
-        size, no_progress = Size(), PROGRESS()
+        size, no_progress = Size(ctypes.sizeof(Size)), PROGRESS()
         library.checked(
             library.data_size, data, ALL_CATEGORIES, None, 0, no_progress, None, byref(size)
         )

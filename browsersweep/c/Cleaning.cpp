@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstring>
 #include <exception>
 #include <iterator>
 #include <memory>
@@ -17,7 +18,46 @@ using namespace browsersweep::c;
 
 namespace {
 
-bs::CleanableDataFilter::Patterns patternsOf(const browsersweep_patterns& given) {
+/** What callers compiled with the first version of a structure know of it: up to its last field. */
+template <typename Structure>
+constexpr std::size_t firstSize = 0;
+template <>
+constexpr std::size_t firstSize<browsersweep_patterns> = offsetof(browsersweep_patterns, count) +
+                                                         sizeof(size_t);
+template <>
+constexpr std::size_t firstSize<browsersweep_dates> = offsetof(browsersweep_dates, end_date) +
+                                                      sizeof(double);
+template <>
+constexpr std::size_t firstSize<browsersweep_size> = offsetof(browsersweep_size,
+                                                              bytes_are_approximate) +
+                                                     sizeof(bool);
+
+template <typename Structure>
+std::size_t commonSize(const Structure& theirs) {
+    if (theirs.struct_size < firstSize<Structure>) {
+        throw std::invalid_argument("the struct_size of a structure is not set to its size");
+    }
+    return std::min(theirs.struct_size, sizeof(Structure));
+}
+
+/** What a caller gives, as far as both sides know it. The rest is zero. */
+template <typename Structure>
+Structure taken(const Structure& theirs) {
+    Structure ours{};
+    std::memcpy(&ours, &theirs, commonSize(theirs));
+    return ours;
+}
+
+/** Gives a caller as much as it knows of. */
+template <typename Structure>
+void give(Structure& theirs, Structure ours) {
+    const std::size_t size = commonSize(theirs);
+    ours.struct_size = theirs.struct_size;
+    std::memcpy(&theirs, &ours, size);
+}
+
+bs::CleanableDataFilter::Patterns patternsOf(const browsersweep_patterns& theirs) {
+    const browsersweep_patterns given = taken(theirs);
     using Patterns = bs::CleanableDataFilter::Patterns;
     Patterns patterns{given.include ? Patterns::Rule::include : Patterns::Rule::exclude, {}};
     if (given.count > 0) {
@@ -34,7 +74,8 @@ bs::CleanableDataFilter::Patterns patternsOf(const browsersweep_patterns& given)
     return patterns;
 }
 
-bs::CleanableDataFilter::Dates datesOf(const browsersweep_dates& given) {
+bs::CleanableDataFilter::Dates datesOf(const browsersweep_dates& theirs) {
+    const browsersweep_dates given = taken(theirs);
     using Dates = bs::CleanableDataFilter::Dates;
     Dates dates;
     dates.rule = given.outside ? Dates::Rule::outsideRange : Dates::Rule::insideRange;
@@ -52,8 +93,8 @@ constexpr browsersweep_categories setOf(bs::CleanableDataCategory category) noex
 }
 
 browsersweep_size plainSize(const bs::CleanableDataSize& size) noexcept {
-    return {size.itemCount.value, size.byteCount.value, size.itemCount.isApproximate,
-            size.byteCount.isApproximate};
+    return {sizeof(browsersweep_size), size.itemCount.value, size.byteCount.value,
+            size.itemCount.isApproximate, size.byteCount.isApproximate};
 }
 
 std::vector<bs::SweepItem> chosenItems(const browsersweep_data& data,
@@ -204,12 +245,13 @@ bool browsersweep_data_size(const browsersweep_data* data, browsersweep_categori
     return guarded(error, [&] {
         const auto& chosen = required(data, "data");
         auto& place = required(size, "size");
+        commonSize(place);
         auto how = sweepOptions(chosen, filters, options);
         Progress asked(chosen, progress, context);
         bs::ItemSweep sweep(chosenItems(chosen, categories), std::move(how), asked.asFunction());
         const auto result = sweep.measure();
         rethrowIfFailed(result);
-        place = plainSize(result.sum());
+        give(place, plainSize(result.sum()));
         return true;
     });
 }
@@ -221,6 +263,9 @@ bool browsersweep_data_clean(const browsersweep_data* data, browsersweep_categor
     return guarded(error, [&] {
         const auto& chosen = required(data, "data");
         auto how = sweepOptions(chosen, filters, options);
+        if (removed != nullptr) {
+            commonSize(*removed);  // asked before anything is deleted
+        }
         Progress asked(chosen, progress, context);
         bs::ItemSweep sweep(chosenItems(chosen, categories), std::move(how), asked.asFunction());
         if (removed == nullptr) {
@@ -229,7 +274,7 @@ bool browsersweep_data_clean(const browsersweep_data* data, browsersweep_categor
         }
         const auto result = sweep.cleanAndMeasure();
         if (!result.error || asked.saidStop()) {
-            *removed = plainSize(result.sum());
+            give(*removed, plainSize(result.sum()));
         }
         rethrowIfFailed(result);
         return true;

@@ -22,6 +22,12 @@
  * one list counts as one handle for that. Nothing else is shared behind the handles. A handle may
  * be read by several threads, but not while one frees or fills it.
  *
+ * **Structures** begin with `struct_size`, which the caller sets to the size of the structure in
+ * the header that it was compiled with: `browsersweep_size size = {sizeof size};`. So they can
+ * grow, and neither side reads or writes what the other does not know. One that is too small for
+ * what this header declares first is an invalid argument; fields that this version does not know
+ * are not read.
+ *
  * Indexes run from 0; one that is out of range gives NULL or false. An argument that must not be
  * NULL and is gives an error of the kind `BROWSERSWEEP_ERROR_INVALID_ARGUMENT`, or NULL, 0 or false
  * from a function that reports no errors.
@@ -162,6 +168,7 @@ typedef struct browsersweep_filters browsersweep_filters;
 
 /** Texts, typically parts of host names, that must or must not occur. */
 typedef struct browsersweep_patterns {
+    size_t struct_size;          /**< the size of this structure */
     bool include;                /**< true: only what matches; false: all but what matches */
     const char* const* patterns; /**< `count` texts */
     size_t count;                /**< how many */
@@ -169,11 +176,12 @@ typedef struct browsersweep_patterns {
 
 /** A range of dates in seconds since 1970-01-01 00:00:00 UTC, its bounds included. */
 typedef struct browsersweep_dates {
-    bool outside;      /**< false: what lies inside the range; true: what lies outside */
-    bool has_start;    /**< whether the range has a start */
-    bool has_end;      /**< whether the range has an end */
-    double start_date; /**< its start */
-    double end_date;   /**< its end */
+    size_t struct_size; /**< the size of this structure */
+    bool outside;       /**< false: what lies inside the range; true: what lies outside */
+    bool has_start;     /**< whether the range has a start */
+    bool has_end;       /**< whether the range has an end */
+    double start_date;  /**< its start */
+    double end_date;    /**< its end */
 } browsersweep_dates;
 
 /** A list without a filter. */
@@ -217,6 +225,7 @@ BROWSERSWEEP_EXPORT void browsersweep_data_free(browsersweep_data* data);
 
 /** How much data there is. A number that is approximate is incomplete or estimated. */
 typedef struct browsersweep_size {
+    size_t struct_size;         /**< the size of this structure: set by the caller, and kept */
     int64_t items;              /**< entries, rows, files or cookies */
     int64_t bytes;              /**< what they occupy */
     bool items_are_approximate; /**< whether `items` is */

@@ -25,14 +25,14 @@ static bool watch(void* context, browsersweep_category category, size_t done, si
 
 static int64_t items(const browsersweep_data* data, browsersweep_categories categories,
                      const browsersweep_filters* filters) {
-    browsersweep_size size = {-1, -1, false, false};
+    browsersweep_size size = {sizeof size, -1, -1, false, false};
     browsersweep_data_size(data, categories, filters, 0, NULL, NULL, &size, NULL);
     return size.items;
 }
 
 static browsersweep_filters* keeping(const char* pattern) {
     const char* const texts[] = {pattern};
-    const browsersweep_patterns patterns = {false, texts, 1};
+    const browsersweep_patterns patterns = {sizeof patterns, false, texts, 1};
     browsersweep_filters* filters = browsersweep_filters_new(NULL);
     rule("a filter is added", browsersweep_filters_add(filters, &patterns, NULL, NULL));
     return filters;
@@ -43,7 +43,7 @@ static const browsersweep_categories history = BROWSERSWEEP_SET_OF(BROWSERSWEEP_
 
 static void sizes(const browsersweep_data* data) {
     watched seen = {0, 0, 0, 1000, true, true};
-    browsersweep_size size = {0, 0, false, false};
+    browsersweep_size size = {sizeof size, 0, 0, false, false};
     rule("cookies are measured",
          browsersweep_data_size(data, cookies, NULL, 0, watch, &seen, &size, NULL));
     rule("there are twelve cookies", size.items == 12 && !size.items_are_approximate);
@@ -57,14 +57,14 @@ static void sizes(const browsersweep_data* data) {
 
 static void dates(const browsersweep_data* data) {
     browsersweep_filters* filters = browsersweep_filters_new(NULL);
-    const browsersweep_dates future = {false, true, false, 4e9, 0};
+    const browsersweep_dates future = {sizeof future, false, true, false, 4e9, 0};
     rule("a filter of dates is added", browsersweep_filters_add(filters, NULL, &future, NULL));
     const int64_t inside = items(data, history, filters);
     rule("what has no date is selected by any date", items(data, cookies, filters) == 12);
     browsersweep_filters_free(filters);
 
     filters = browsersweep_filters_new(NULL);
-    const browsersweep_dates not_future = {true, true, false, 4e9, 0};
+    const browsersweep_dates not_future = {sizeof not_future, true, true, false, 4e9, 0};
     browsersweep_filters_add(filters, NULL, &not_future, NULL);
     rule("history lies outside the future", items(data, history, filters) > inside);
     rule("all of it does", items(data, history, filters) == items(data, history, NULL));
@@ -74,7 +74,7 @@ static void dates(const browsersweep_data* data) {
 static void stopping(const browsersweep_data* data) {
     watched seen = {0, 0, 0, 0, true, true};
     browsersweep_error* error = NULL;
-    browsersweep_size removed = {7, 7, false, false};
+    browsersweep_size removed = {sizeof removed, 7, 7, false, false};
     rule("a progress function can stop the work",
          !browsersweep_data_clean(data, cookies, NULL, 0, watch, &seen, &removed, &error));
     rule("that is an error of its own kind",
@@ -88,7 +88,7 @@ static void cleaning(const browsersweep_data* data) {
     browsersweep_filters* filters = keeping("example.com");
     const int64_t selected = items(data, cookies, filters);
     watched seen = {0, 0, 0, 1000, true, true};
-    browsersweep_size removed = {0, 0, false, false};
+    browsersweep_size removed = {sizeof removed, 0, 0, false, false};
     rule("a keep-list keeps some cookies", selected > 0 && selected < 12);
     rule("cookies are cleaned",
          browsersweep_data_clean(data, cookies, filters, 0, watch, &seen, &removed, NULL));

@@ -39,7 +39,7 @@ static void wrong_arguments(const browsersweep_home* home) {
 static void refused_patterns(void) {
     static const char* const refused[] = {"", "it's", "100%", "a_b", "a\nb", "\x7f", NULL};
     for (size_t i = 0; i < sizeof refused / sizeof refused[0]; ++i) {
-        const browsersweep_patterns patterns = {true, &refused[i], 1};
+        const browsersweep_patterns patterns = {sizeof patterns, true, &refused[i], 1};
         browsersweep_filters* filters = browsersweep_filters_new(NULL);
         browsersweep_error* error = NULL;
         rule("a pattern that would change a statement is refused",
@@ -47,6 +47,58 @@ static void refused_patterns(void) {
         is_of_kind("that is a wrong argument", BROWSERSWEEP_ERROR_INVALID_ARGUMENT, error);
         browsersweep_filters_free(filters);
     }
+}
+
+/** A structure whose size is not set is refused, before anything is read or deleted. */
+static void structures_without_size(const browsersweep_home* home) {
+    const browsersweep_error_kind wrong = BROWSERSWEEP_ERROR_INVALID_ARGUMENT;
+    browsersweep_filters* filters = browsersweep_filters_new(NULL);
+    const browsersweep_patterns patterns = {0};
+    const browsersweep_dates dates = {sizeof dates - sizeof(double), false, false, false, 0, 0};
+    browsersweep_error* error = NULL;
+    rule("patterns without a size are refused",
+         !browsersweep_filters_add(filters, &patterns, NULL, &error));
+    is_of_kind("that is a wrong argument", wrong, error);
+    error = NULL;
+    rule("dates of too small a size are refused",
+         !browsersweep_filters_add(filters, NULL, &dates, &error));
+    is_of_kind("that is a wrong argument", wrong, error);
+    browsersweep_filters_free(filters);
+
+    browsersweep_browser chrome = 0;
+    browsersweep_browser_from_raw_value("googleChrome", &chrome);
+    browsersweep_data* data = browsersweep_data_of_browser(home, chrome, NULL);
+    browsersweep_size size = {0, -1, -1, false, false};
+    error = NULL;
+    rule("a size without a size is refused",
+         !browsersweep_data_size(data, 1, NULL, 0, NULL, NULL, &size, &error));
+    is_of_kind("that is a wrong argument", wrong, error);
+    error = NULL;
+    rule("nothing is deleted for a result without a size",
+         !browsersweep_data_clean(data, 1, NULL, 0, NULL, NULL, &size, &error));
+    is_of_kind("that is a wrong argument", wrong, error);
+    rule("such a result is left as it was", size.items == -1 && size.bytes == -1);
+    size.struct_size = sizeof size;
+    rule("there is still something to delete",
+         browsersweep_data_size(data, 1, NULL, 0, NULL, NULL, &size, NULL) && size.items > 0);
+    browsersweep_data_free(data);
+}
+
+/** Structures of a later version, which have fields that this one does not know. */
+static void structures_of_later_versions(const browsersweep_home* home) {
+    struct {
+        browsersweep_size size;
+        int64_t later;
+    } grown = {{sizeof grown, -1, -1, true, true}, 7};
+    browsersweep_browser chrome = 0;
+    browsersweep_browser_from_raw_value("googleChrome", &chrome);
+    browsersweep_data* data = browsersweep_data_of_browser(home, chrome, NULL);
+    rule("a size of a later version is filled as far as it is known",
+         browsersweep_data_size(data, 1, NULL, 0, NULL, NULL, &grown.size, NULL) &&
+             grown.size.items > 0 && !grown.size.items_are_approximate);
+    rule("its size and what is not known are left as they were",
+         grown.size.struct_size == sizeof grown && grown.later == 7);
+    browsersweep_data_free(data);
 }
 
 /** Puts other contents into a file of Chrome's. */
@@ -64,7 +116,7 @@ static void broken_database(const browsersweep_home* home, const char* folder) {
     browsersweep_browser_from_raw_value("googleChrome", &chrome);
     browsersweep_data* data = browsersweep_data_of_browser(home, chrome, NULL);
     const browsersweep_categories cookies = BROWSERSWEEP_SET_OF(BROWSERSWEEP_HTTP_COOKIES);
-    browsersweep_size size = {-1, -1, false, false};
+    browsersweep_size size = {sizeof size, -1, -1, false, false};
     browsersweep_error* error = NULL;
     rule("a broken database cannot be measured",
          !browsersweep_data_size(data, cookies, NULL, 0, NULL, NULL, &size, &error));
@@ -119,6 +171,8 @@ int main(int count, char** arguments) {
     browsersweep_home* home = browsersweep_home_at(arguments[1], NULL);
     wrong_arguments(home);
     refused_patterns();
+    structures_without_size(home);
+    structures_of_later_versions(home);
     broken_database(home, arguments[1]);
     broken_file(home, arguments[1]);
     nothing();

@@ -10,7 +10,7 @@ int main(int count, char** arguments) {
         return 2;
     }
     browsersweep_error* error = NULL;
-    browsersweep_size removed = {0, 0, false, false};
+    browsersweep_size removed = {sizeof removed, 0, 0, false, false};
     browsersweep_home* home = browsersweep_home_at(arguments[1], &error);
     browsersweep_data* data = home ? browsersweep_data_of_browser(home, chrome, &error) : NULL;
     const bool cleaned = data && browsersweep_data_clean(data, BROWSERSWEEP_ALL_CATEGORIES, NULL, 0,
