@@ -1,7 +1,8 @@
 // swift-tools-version:5.7
 // The library for Swift's package manager: a module over the interface for C, compiled from the
 // sources here. SQLite and expat come with macOS; nlohmann-json, of which only headers are used, comes
-// from Homebrew, as scripts/setup build installs it. CMakeLists.txt is what everything else is built by.
+// from Homebrew, as scripts/setup build installs it. What sites left takes libraries that a package of
+// Swift could not bring along, so that room is left out. CMakeLists.txt is what everything else is built by.
 
 import PackageDescription
 
@@ -16,7 +17,10 @@ let systemLibraries: [LinkerSetting] = [.linkedLibrary("icuuc"), .linkedLibrary(
 let package = Package(
     name: "browsersweep",
     platforms: [.macOS(.v12)],
-    products: [.library(name: "browsersweep", targets: ["browsersweep"])],
+    products: [
+        .library(name: "browsersweep", targets: ["browsersweep"]),
+        .library(name: "BrowsersweepKit", targets: ["BrowsersweepKit"]),
+    ],
     targets: [
         .systemLibrary(
             name: "nlohmann_json",
@@ -28,7 +32,7 @@ let package = Package(
             name: "browsersweep",
             dependencies: ["nlohmann_json"],
             path: "browsersweep",
-            exclude: ["CMakeLists.txt"] + otherSystems,
+            exclude: ["CMakeLists.txt", "sites"] + otherSystems,
             publicHeadersPath: "c",
             cxxSettings: [
                 .headerSearchPath(".."),
@@ -36,6 +40,11 @@ let package = Package(
                 .define("BROWSERSWEEP_VERSION", to: "\"0.1.0\""),
             ],
             linkerSettings: [.linkedLibrary("sqlite3"), .linkedLibrary("expat")] + systemLibraries
+        ),
+        .target(
+            name: "BrowsersweepKit",
+            dependencies: ["browsersweep"],
+            path: "packaging/swift/BrowsersweepKit"
         ),
     ],
     cxxLanguageStandard: .cxx20

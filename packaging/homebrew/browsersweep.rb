@@ -11,6 +11,9 @@ class Browsersweep < Formula
   depends_on "fmt" => :build
   depends_on "ninja" => :build
   depends_on "nlohmann-json" => :build
+  depends_on "leveldb"
+  depends_on "libpsl"
+  depends_on "lz4"
   depends_on macos: :monterey
 
   uses_from_macos "expat"

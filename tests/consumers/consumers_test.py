@@ -130,12 +130,37 @@ def test_a_program_is_compiled_through_pkg_config(kind, compiler, standard, sour
     try_program(program, tmp_path, libraries)
 
 
-def test_the_package_of_debian_is_complete(prefixes, tmp_path):
-    """Unpacked beside the system rather than installed."""
+@pytest.fixture(scope="module")
+def packages(prefixes, tmp_path_factory):
+    """Debian's packages of the shared library: a package's name -> its file."""
     needs("dpkg-deb")
-    run("cpack", "-G", "DEB", "-B", tmp_path, cwd=ROOT / "build" / "shared")
-    package, = tmp_path.glob("*.deb")
-    assert "libsqlite3" in run("dpkg-deb", "--field", package, "Depends")
-    run("dpkg-deb", "-x", package, tmp_path / "unpacked")
-    find_package("deb", tmp_path / "unpacked" / "usr", tmp_path)
-    run(tmp_path / "unpacked" / "usr" / "bin" / "browsersweep", "--help")
+    folder = tmp_path_factory.mktemp("packages")
+    run("cpack", "-G", "DEB", "-B", folder, cwd=ROOT / "build" / "shared")
+    return {run("dpkg-deb", "--field", file, "Package").strip(): file for file in folder.glob("*.deb")}
+
+
+def unpacked(files, folder):
+    """The files of some packages, beside the system rather than installed."""
+    for file in files:
+        run("dpkg-deb", "-x", file, folder)
+    return folder / "usr"
+
+
+def test_debian_gets_the_library_its_development_files_and_the_program_apart(packages):
+    assert set(packages) == {"libbrowsersweep0.1", "libbrowsersweep-dev", "browsersweep"}
+    for name in ("libbrowsersweep-dev", "browsersweep"):
+        assert "libbrowsersweep0.1 (= 0.1.0)" in run("dpkg-deb", "--field", packages[name], "Depends")
+    assert "libsqlite3" in run("dpkg-deb", "--field", packages["libbrowsersweep0.1"], "Depends")
+
+
+def test_debians_program_needs_no_development_files(packages, tmp_path):
+    usr = unpacked([packages["libbrowsersweep0.1"], packages["browsersweep"]], tmp_path)
+    assert not list(usr.rglob("*.h")) and (usr / "share" / "man" / "man1").is_dir()
+    run(usr / "bin" / "browsersweep", "--help")
+
+
+def test_a_project_finds_debians_packages(packages, tmp_path):
+    chosen = [packages["libbrowsersweep0.1"], packages["libbrowsersweep-dev"]]
+    usr = unpacked(chosen, tmp_path / "unpacked")
+    assert not (usr / "bin").exists()
+    find_package("deb", usr, tmp_path)

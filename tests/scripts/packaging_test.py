@@ -85,6 +85,29 @@ class SwiftPackage(ScriptTest):
                 finished = subprocess.run(command, stderr=subprocess.PIPE, text=True, check=False)
                 self.assertEqual((finished.returncode, finished.stderr), (0, ""))
 
+    def test_its_notes_name_what_the_header_declares(self):
+        notes = (LIBRARY / "c" / "browsersweep.apinotes").read_text("utf-8")
+        header = (LIBRARY / "c" / "browsersweep.h").read_text("utf-8")
+        names = re.findall(r"^- Name: (\w+)$", notes, re.M)
+        self.assertEqual([name for name in names if not re.search(rf"\b{name}\b", header)], [])
+        enumerators = set(re.findall(r"^    (BROWSERSWEEP_\w+) = \d+,? ", header, re.M))
+        unnamed = enumerators - set(names) - {"BROWSERSWEEP_IGNORE_ERRORS"}
+        self.assertEqual(unnamed, set())
+
+    def test_clang_understands_its_notes(self):
+        compiler = next(filter(shutil.which, ["clang-19", "clang-18", "clang"]), None)
+        source = self.folder / "notes.m"
+        source.write_text("@import browsersweep;\n", encoding="utf-8")
+        command = [compiler or "", "-x", "objective-c", "-fmodules", "-fapinotes-modules", "-fsyntax-only",
+                   f"-fmodules-cache-path={self.folder}/notes"]
+        tried = compiler and subprocess.run([*command, "-"], input="", stderr=subprocess.PIPE, text=True,
+                                            check=False)
+        if not tried or tried.returncode != 0:
+            self.skipTest("no clang that reads notes")
+        finished = subprocess.run([*command, "-I", LIBRARY / "c", source], stderr=subprocess.PIPE, text=True,
+                                  check=False)
+        self.assertEqual((finished.returncode, finished.stderr), (0, ""))
+
     def xcframework_headers(self):
         """The folder of headers as scripts/release lays it out."""
         folder = self.folder / "headers"
@@ -105,7 +128,7 @@ class HomebrewFormula(ScriptTest):
     def test_it_asks_for_what_building_needs(self):
         text = FORMULA.read_text("utf-8")
         wanted = re.search(r'^macos_build="([^"]*)"$', (ROOT / "scripts/lib/packages.sh").read_text(), re.M)[1]
-        asked = set(re.findall(r'depends_on "([^"]+)" => :build', text))
+        asked = set(re.findall(r'depends_on "([^"]+)"', text))
         self.assertEqual(asked, set(wanted.split()) - {"ccache"})
 
     def test_its_options_are_the_projects(self):

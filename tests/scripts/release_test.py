@@ -18,6 +18,7 @@ case $1 in --install)
     mkdir -p "$4/bin" "$4/lib" "$4/include/browsersweep/c"
     : >"$4/lib/libbrowsersweep.a"
     : >"$4/include/browsersweep/c/module.modulemap"
+    : >"$4/include/browsersweep/c/browsersweep.apinotes"
     printf '#!/bin/sh\\n' >"$4/bin/browsersweep"
     chmod +x "$4/bin/browsersweep"
     ;;
