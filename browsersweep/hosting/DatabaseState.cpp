@@ -1,11 +1,13 @@
 #include "browsersweep/hosting/DatabaseState.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
-#include <fstream>
 #include <string_view>
 #include <system_error>
 
+#include "browsersweep/base/Bytes.h"
+#include "browsersweep/platform/FileManager.h"
 #include "browsersweep/platform/internal/Processes.h"
 
 namespace browsersweep {
@@ -21,12 +23,20 @@ bool isNotEmpty(const std::filesystem::path& file) {
     return !error && size > 0;
 }
 
-/** A finished transaction leaves its journal without contents or with a header of zeros. */
+/**
+ * A finished transaction leaves its journal without contents or with a header of zeros. What is no
+ * regular file is no journal: opening a pipe as one would wait for a writer that never comes.
+ */
 bool isHotJournal(const std::filesystem::path& file) {
-    constexpr std::string_view journalStart = "\xd9\xd5\x05\xf9\x20\xa1\x63\xd7";
-    std::array<char, journalStart.size()> start{};
-    std::ifstream(file, std::ios::binary).read(start.data(), start.size());
-    return std::string_view(start.data(), start.size()) == journalStart;
+    constexpr std::array<std::uint8_t, 8> journalStart{0xd9, 0xd5, 0x05, 0xf9,
+                                                       0x20, 0xa1, 0x63, 0xd7};
+    try {
+        const Bytes start =
+            FileManager::defaultManager()->firstBytes(file, journalStart.size());
+        return std::equal(start.begin(), start.end(), journalStart.begin(), journalStart.end());
+    } catch (const std::filesystem::filesystem_error&) {
+        return false;
+    }
 }
 
 }  // namespace

@@ -47,9 +47,10 @@ Obstacle obstacleToOpening(const fs::path& path) {
     }
 }
 
+/** A folder of a database's name holds no rows; what a link of that name leads to is not known. */
 bool isFolder(const fs::path& path) noexcept {
     std::error_code error;
-    return fs::is_directory(path, error);
+    return fs::is_directory(fs::symlink_status(path, error));
 }
 
 ItemVerdict verdictOfCode(const DatabaseInspection& found) noexcept {

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "browsersweep/cookies/CleanableSafariCookies.h"
 #include "browsersweep/hosting/DatabaseState.h"
@@ -34,6 +35,13 @@ TEST(DatabaseState, changesWaitInALogOrInAJournalThatWasNotFinished) {
     folder.write("d.sqlite-journal", "");
     folder.write("d.sqlite-wal", "frames");
     EXPECT_TRUE(hasPendingChanges(database));
+}
+
+TEST(DatabaseState, aPipeInThePlaceOfAJournalIsNoneAndIsNotWaitedFor) {
+    const tests::TemporaryFolder folder;
+    const auto database = folder.write("d.sqlite", "x");
+    ASSERT_EQ(::mkfifo((folder / "d.sqlite-journal").c_str(), 0600), 0);
+    EXPECT_FALSE(hasPendingChanges(database));
 }
 
 TEST(DatabaseState, aDatabaseIsHeldWhileAnotherProgramHasATransactionOpen) {
