@@ -9,7 +9,7 @@ namespace {
 volatile sig_atomic_t arrivedSignal = 0;
 
 void restoreDefault(int number) noexcept {
-    struct sigaction standard {};
+    struct sigaction standard = {};
     standard.sa_handler = SIG_DFL;  // NOLINT: a union and a cast, of the system's making
     sigaction(number, &standard, nullptr);
 }
@@ -62,7 +62,7 @@ void Interruption::letThrough() noexcept {
 }
 
 void Interruption::holdBack() noexcept {
-    struct sigaction noting {};
+    struct sigaction noting = {};
     noting.sa_handler = noteSignal;  // NOLINT: a union, of the system's making
     noting.sa_flags = SA_RESTART;
     sigemptyset(&noting.sa_mask);

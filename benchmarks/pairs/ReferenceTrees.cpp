@@ -33,7 +33,7 @@ void walk(int parent, const char* name, Visit& visit) {
 }
 
 std::uint64_t sizeOf(int directory, const char* name) {
-    struct stat status {};
+    struct stat status = {};
     ::fstatat(directory, name, &status, AT_SYMLINK_NOFOLLOW);
     return static_cast<std::uint64_t>(status.st_size) + 1;
 }
@@ -61,7 +61,7 @@ std::uint64_t sizeTreeExcluding(const std::string& root, const std::string& patt
 std::uint64_t sizeTreeByBirth(const std::string& root) {
     std::uint64_t sum = 0;
     const auto add = [&](int directory, const char* name) {
-        struct statx status {};
+        struct statx status = {};
         ::statx(directory, name, AT_SYMLINK_NOFOLLOW, STATX_SIZE | STATX_BTIME, &status);
         if (status.stx_btime.tv_sec >= 0) {
             sum += status.stx_size + 1;

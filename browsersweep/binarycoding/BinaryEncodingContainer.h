@@ -19,6 +19,7 @@ namespace browsersweep {
 /** A type with a member function `encode` that takes a `BinaryEncoder`. */
 template <typename T>
 concept EncodesItself = requires(const T& value, const BinaryEncoder& encoder) {
+    // What it returns does not matter.
     value.encode(encoder);
 };
 

@@ -10,10 +10,13 @@
 
 namespace browsersweep {
 
+/** Whether a type is one of those listed. */
+template <typename T, typename... Types>
+concept OneOf = (std::same_as<T, Types> || ...);
+
 /** The types that stand for characters and truth, which are no numbers here. */
 template <typename T>
-concept NoNumber = std::same_as<T, bool> || std::same_as<T, char> || std::same_as<T, wchar_t> ||
-    std::same_as<T, char8_t> || std::same_as<T, char16_t> || std::same_as<T, char32_t>;
+concept NoNumber = OneOf<T, bool, char, wchar_t, char8_t, char16_t, char32_t>;
 
 /** Integers of 8 to 64 bits, signed or not. */
 template <typename T>
@@ -21,8 +24,7 @@ concept BinaryInteger = std::integral<T> && !NoNumber<T> && sizeof(T) <= sizeof(
 
 /** Floating-point numbers of 32 and 64 bits in the IEEE format. */
 template <typename T>
-concept BinaryFloatingPoint = (std::same_as<T, float> ||
-                               std::same_as<T, double>)&&std::numeric_limits<T>::is_iec559;
+concept BinaryFloatingPoint = OneOf<T, float, double> && std::numeric_limits<T>::is_iec559;
 
 /** Numbers that are stored as they are, in little-endian order. */
 template <typename T>

@@ -17,12 +17,15 @@ namespace browsersweep {
 template <typename T>
 struct RawRepresentation;
 
-/** The general form: what the type itself says. */
+/** A type that says itself what stands for a value. */
 template <typename T>
-requires requires(const T& value, typename T::RawValue raw) {
+concept TellsRawValue = requires(const T& value, typename T::RawValue raw) {
     { value.rawValue() } -> std::convertible_to<typename T::RawValue>;
     { T::fromRawValue(raw) } -> std::same_as<std::optional<T>>;
-}
+};
+
+/** The general form: what the type itself says. */
+template <TellsRawValue T>
 struct RawRepresentation<T> {
     /** The number or text that stands for a value. */
     using RawValue = typename T::RawValue;
@@ -32,11 +35,14 @@ struct RawRepresentation<T> {
     static constexpr std::optional<T> fromRawValue(RawValue raw) { return T::fromRawValue(raw); }
 };
 
+/** What can stand for a value: a number or a text. */
+template <typename T>
+concept NumberOrText = BinaryNumber<T> || std::same_as<T, std::string>;
+
 /** Types that are read and written as their raw value. */
 template <typename T>
-concept RawRepresentable =
-    (BinaryNumber<typename RawRepresentation<T>::RawValue> ||
-     std::same_as<typename RawRepresentation<T>::RawValue, std::string>)&&requires(const T& value) {
+concept RawRepresentable = requires(const T& value) {
+    requires NumberOrText<typename RawRepresentation<T>::RawValue>;
     RawRepresentation<T>::rawValue(value);
     RawRepresentation<T>::fromRawValue(RawRepresentation<T>::rawValue(value));
 };

@@ -15,11 +15,10 @@
 namespace browsersweep {
 
 /** Runs a prepared statement and makes a result of it, or throws. */
-template <typename Evaluator>
-concept SQLiteStatementEvaluator = requires(const Evaluator& evaluator,
-                                            SQLiteStatement& statement) {
-    typename Evaluator::EvaluationResult;
-    { evaluator.evaluate(statement) } -> std::same_as<typename Evaluator::EvaluationResult>;
+template <typename T>
+concept SQLiteStatementEvaluator = requires(const T& evaluator, SQLiteStatement& statement) {
+    typename T::EvaluationResult;
+    { evaluator.evaluate(statement) } -> std::same_as<typename T::EvaluationResult>;
 };
 
 /** Whether the first row's first column is exactly 1. No row is false. */

@@ -59,7 +59,7 @@ TEST_F(NewFileTest, whatStoodThereIsReplacedOnlyAtTheEnd) {
 }
 
 TEST_F(NewFileTest, whatIsNotFinishedLeavesNothingBehind) {
-    { const NewFile file(folder_ / "a.html"); }
+    static_cast<void>(NewFile(folder_ / "a.html"));
     EXPECT_EQ(names(), Names{});
 }
 

@@ -22,7 +22,7 @@ using tests::bytes;
 using Lines = std::vector<std::string>;
 
 unsigned modeOf(const fs::path& path) {
-    struct stat status {};
+    struct stat status = {};
     EXPECT_EQ(::lstat(path.c_str(), &status), 0);
     return status.st_mode & 07777U;
 }
@@ -122,7 +122,7 @@ TEST_F(FileManagerTest, replacingKeepsTheOwner) {
     const auto file = folder.write("file", "old");
     ASSERT_EQ(::chown(file.c_str(), 12345, 54321), 0);
     manager->replace(file, bytes("new"));
-    struct stat status {};
+    struct stat status = {};
     ASSERT_EQ(::stat(file.c_str(), &status), 0);
     EXPECT_EQ(status.st_uid, 12345U);
     EXPECT_EQ(status.st_gid, 54321U);

@@ -125,11 +125,11 @@ std::vector<std::string> allNames(int directory) {
 }
 
 std::vector<char> packed(int directory, const std::string& name) {
-    struct stat status {};
+    struct stat status = {};
     if (::fstatat(directory, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
         return packedError(name, static_cast<std::uint32_t>(errno));
     }
-    struct statx born {};
+    struct statx born = {};
     const bool isKnown =
         !isOn("birth=no") &&
         ::statx(directory, name.c_str(), AT_SYMLINK_NOFOLLOW, STATX_BTIME, &born) == 0 &&

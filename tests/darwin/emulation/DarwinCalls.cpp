@@ -45,7 +45,7 @@ int failing(int error) noexcept {
 
 /** Zero where the file system keeps no birth time. */
 timespec birthOf(int directory, const char* name, int flags) noexcept {
-    struct statx status {};
+    struct statx status = {};
     const bool isKnown = !isOn("birth=no") &&
                          ::statx(directory, name, flags, STATX_BTIME, &status) == 0 &&
                          (status.stx_mask & STATX_BTIME) != 0;
@@ -54,7 +54,7 @@ timespec birthOf(int directory, const char* name, int flags) noexcept {
 
 /** There every mount has a number of its own; here what is mounted twice keeps that of its disk. */
 dev_t deviceOf(int descriptor, const struct stat& status) noexcept {
-    struct statx mounted {};
+    struct statx mounted = {};
     const bool isKnown = ::statx(descriptor, "", AT_EMPTY_PATH, STATX_MNT_ID, &mounted) == 0 &&
                          (mounted.stx_mask & STATX_MNT_ID) != 0;
     return isKnown ? status.st_dev ^ (mounted.stx_mnt_id << 32U) : status.st_dev;
@@ -139,8 +139,8 @@ int browsersweepEmulatedFstatat(int directory, const char* name, struct stat* st
 
 /** A clone has the mode and the flags of its source. `clone=no` is a file system without clones. */
 int fclonefileat(int source, int directory, const char* target, std::uint32_t flags) {
-    struct stat status {};
-    struct stat other {};
+    struct stat status = {};
+    struct stat other = {};
     if (isOn("clone=no")) {
         return failing(ENOTSUP);
     }
@@ -181,7 +181,7 @@ int changeFlags(const struct stat& status, unsigned flags) {
 }
 
 int changeFlagsOfPath(const char* path, unsigned flags, int statFlags) {
-    struct stat status {};
+    struct stat status = {};
     return ::fstatat(AT_FDCWD, path, &status, statFlags) == 0 ? changeFlags(status, flags) : -1;
 }
 
@@ -196,7 +196,7 @@ int lchflags(const char* path, unsigned flags) {
 }
 
 int fchflags(int descriptor, unsigned flags) {
-    struct stat status {};
+    struct stat status = {};
     return ::fstat(descriptor, &status) == 0 ? changeFlags(status, flags) : -1;
 }
 
@@ -258,7 +258,7 @@ int proc_listpids(std::uint32_t type, std::uint32_t typeinfo, void* buffer, int 
     if (DIR* const processes = type == PROC_UID_ONLY ? ::opendir("/proc") : nullptr) {
         while (const dirent* const entry = ::readdir(processes)) {
             const char* const name = static_cast<const char*>(entry->d_name);
-            struct stat status {};
+            struct stat status = {};
             const int process = std::atoi(name);
             if (process > 0 && ::fstatat(::dirfd(processes), name, &status, 0) == 0 &&
                 status.st_uid == typeinfo) {

@@ -50,7 +50,7 @@ int openFile(int directory, const char* path, int flags, mode_t mode) {
         return failing(error, -1);
     }
     const int opened = real(directory, meant.c_str(), flags, mode);
-    struct stat status {};
+    struct stat status = {};
     const bool mustNotFollow = (flags & O_DIRECTORY) != 0 && (flags & O_NOFOLLOW) != 0;
     if (opened < 0 && errno == ENOTDIR && mustNotFollow &&
         examine(directory, meant, status, AT_SYMLINK_NOFOLLOW) && S_ISLNK(status.st_mode)) {
@@ -87,7 +87,7 @@ int changing(int directory, const char* path, Call call, int statFlags = AT_SYML
 int removeEntry(int directory, const char* path, int flags) {
     static auto* const real = realCall<int(int, const char*, int)>("unlinkat");
     return changing(directory, path, [&](const char* meant) {
-        struct stat status {};
+        struct stat status = {};
         const bool isKnown = examine(directory, meant, status, AT_SYMLINK_NOFOLLOW);
         if (isKnown && S_ISDIR(status.st_mode) && (flags & AT_REMOVEDIR) == 0) {
             return failing(EPERM, -1);  // Linux says EISDIR
@@ -261,14 +261,14 @@ int symlink(const char* target, const char* path) noexcept {
 
 int chmod(const char* path, mode_t mode) noexcept {
     static auto* const real = realCall<int(const char*, mode_t)>("chmod");
-    return changing(
-        AT_FDCWD, path, [&](const char* meant) { return real(meant, mode); }, 0);
+    const auto change = [&](const char* meant) { return real(meant, mode); };
+    return changing(AT_FDCWD, path, change, 0);
 }
 
 int fchmodat(int directory, const char* path, mode_t mode, int flags) noexcept {
     static auto* const real = realCall<int(int, const char*, mode_t, int)>("fchmodat");
-    return changing(
-        directory, path, [&](const char* meant) { return real(directory, meant, mode, flags); }, 0);
+    const auto change = [&](const char* meant) { return real(directory, meant, mode, flags); };
+    return changing(directory, path, change, 0);
 }
 
 int fchmod(int descriptor, mode_t mode) noexcept {

@@ -49,7 +49,7 @@ void forgetFlags(const struct stat& file) {
 }
 
 bool isLocked(int directory, const char* path, int statFlags) {
-    struct stat status {};
+    struct stat status = {};
     return realStat(directory, path, status, statFlags) && (flagsOf(status) & immutable) != 0;
 }
 

@@ -27,7 +27,7 @@ namespace {
 
 /** Links are not followed: one that leads nowhere is there. */
 bool isThere(int directory, const std::string& path) noexcept {
-    struct statx status {};
+    struct statx status = {};
     return ::syscall(SYS_statx, directory, path.c_str(), AT_SYMLINK_NOFOLLOW, 0, &status) == 0;
 }
 

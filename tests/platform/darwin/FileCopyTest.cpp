@@ -18,7 +18,7 @@ TEST(FileCopy, theCopyOfALockedFileIsNotLocked) {
     manager->copy(file, folder / "copy");
     ::chflags(file.c_str(), 0);
     EXPECT_EQ(tests::readFile(folder / "copy"), "contents");
-    struct stat status {};
+    struct stat status = {};
     ASSERT_EQ(::stat((folder / "copy").c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777U, 0600U);
     manager->removeFile(folder / "copy");

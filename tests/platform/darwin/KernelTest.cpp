@@ -85,7 +85,7 @@ TEST_F(KernelTest, aCloneTakesModeAndFlagsOver) {
     const LockedFile source(folder, "file");
     ASSERT_EQ(clone("file", "copy", CLONE_NOFOLLOW), 0);
     const FileDescriptor copy = opened(folder / "copy");
-    struct stat status {};
+    struct stat status = {};
     ASSERT_EQ(::fstat(copy.number(), &status), 0);
     EXPECT_EQ(static_cast<unsigned>(status.st_flags) & UF_IMMUTABLE, UF_IMMUTABLE + 0U);
     EXPECT_EQ(errorOf([&] { return ::fchmod(copy.number(), 0600); }), EPERM);

@@ -146,7 +146,7 @@ TEST_F(FirefoxDatabaseStatesTest, readingLeavesTheProfileByteForByte) {
     tests::makePlacesDatabase(file("places.sqlite"))
         .execute("PRAGMA journal_mode = WAL; INSERT INTO moz_historyvisits(id) VALUES (1);");
     tests::makePermissionsDatabase(file("permissions.sqlite"));
-    { const OtherProcess killed(file("cookies.sqlite"), "DELETE FROM moz_cookies;"); }
+    static_cast<void>(OtherProcess(file("cookies.sqlite"), "DELETE FROM moz_cookies;"));
     const auto before = home_.snapshot();
     EXPECT_EQ(data().size().itemCount, 3 + 1);
     EXPECT_TRUE(profile().bookmarks().empty());

@@ -15,12 +15,9 @@ namespace browsersweep {
 namespace {
 
 SystemServices noServices() {
-    return {[] {
-                return OperatingSystemVersion{10, 15, 0};
-            },
-            [](std::string_view) { return std::shared_ptr<HTTPCookieStorage>(); },
-            {},
-            {}};
+    const auto version = [] { return OperatingSystemVersion{10, 15, 0}; };
+    const auto storage = [](std::string_view) { return std::shared_ptr<HTTPCookieStorage>(); };
+    return {version, storage, {}, {}};
 }
 
 TEST(SafariProfileReader, thereIsOneProfileWhetherOrNotSafariWasEverRun) {

@@ -9,7 +9,7 @@ namespace browsersweep::posix {
 
 std::optional<EntryStatus> entryStatus(int directory, const char* name,
                                        StatusFields /*fields*/) noexcept {
-    struct stat status {};
+    struct stat status = {};
     if (::fstatat(directory, name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
         return std::nullopt;
     }

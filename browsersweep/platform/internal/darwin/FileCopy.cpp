@@ -20,7 +20,7 @@ namespace {
 bool makePrivate(const std::filesystem::path& path) noexcept {
     const FileDescriptor file(
         restarting([&] { return ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC); }));
-    struct stat status {};
+    struct stat status = {};
     if (!file || ::fstat(file.number(), &status) != 0) {
         return false;
     }

@@ -9,7 +9,7 @@ namespace browsersweep::posix {
 
 /** Every mount has a device number of its own here: no part of a file system stands twice. */
 std::optional<FolderIdentity> folderIdentity(const FileDescriptor& folder) noexcept {
-    struct stat status {};
+    struct stat status = {};
     if (::fstat(folder.number(), &status) != 0) {
         return std::nullopt;
     }

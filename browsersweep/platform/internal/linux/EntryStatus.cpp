@@ -8,7 +8,7 @@ namespace browsersweep::posix {
 std::optional<EntryStatus> entryStatus(int directory, const char* name,
                                        StatusFields fields) noexcept {
     const unsigned mask = STATX_TYPE | STATX_SIZE | (fields == StatusFields::all ? STATX_BTIME : 0);
-    struct statx status {};
+    struct statx status = {};
     if (::statx(directory, name, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, mask, &status) != 0) {
         return std::nullopt;
     }

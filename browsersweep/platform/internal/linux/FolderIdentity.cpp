@@ -52,7 +52,7 @@ std::optional<std::uint64_t> mountOfDescriptor(int number) noexcept {
 }  // namespace
 
 std::optional<FolderIdentity> folderIdentity(const FileDescriptor& folder) noexcept {
-    struct statx status {};
+    struct statx status = {};
     if (::statx(folder.number(), "", AT_EMPTY_PATH, STATX_INO | mountField, &status) != 0) {
         return std::nullopt;
     }

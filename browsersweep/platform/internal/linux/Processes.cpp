@@ -19,7 +19,7 @@ bool isProcess(const std::filesystem::path& folder) {
 }
 
 bool isOwn(const std::filesystem::path& folder) {
-    struct stat status {};
+    struct stat status = {};
     return ::stat(folder.c_str(), &status) == 0 && status.st_uid == ::geteuid();
 }
 

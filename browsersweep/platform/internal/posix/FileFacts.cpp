@@ -36,7 +36,7 @@ std::size_t fill(const FileDescriptor& file, Bytes& bytes, const std::filesystem
 }  // namespace
 
 FileFacts factsOf(const char* path) noexcept {
-    struct stat status {};
+    struct stat status = {};
     if (::lstat(path, &status) != 0) {
         return {};
     }
@@ -54,7 +54,7 @@ FileFacts factsOf(const char* path) noexcept {
 
 std::int64_t allocatedBytes(const std::filesystem::path& file) noexcept {
     constexpr std::int64_t blockSize = 512;  // st_blocks counts in these, whatever the disk uses
-    struct stat status {};
+    struct stat status = {};
     const bool isCounted =
         ::lstat(file.c_str(), &status) == 0 && !S_ISDIR(status.st_mode) && status.st_nlink == 1;
     return isCounted ? static_cast<std::int64_t>(status.st_blocks) * blockSize : 0;
@@ -93,9 +93,9 @@ std::error_code errorOfOpening(const std::filesystem::path& path, bool forWritin
 bool hasNoRoomForCopy(const std::filesystem::path& folder,
                       const std::filesystem::path& file) noexcept {
     constexpr std::uint64_t blockSize = 512;
-    struct stat source {};
-    struct stat target {};
-    struct statvfs disk {};
+    struct stat source = {};
+    struct stat target = {};
+    struct statvfs disk = {};
     if (::stat(file.c_str(), &source) != 0 || ::stat(folder.c_str(), &target) != 0 ||
         source.st_dev == target.st_dev || ::statvfs(folder.c_str(), &disk) != 0) {
         return false;
@@ -115,7 +115,7 @@ std::optional<long> lockHolder(const std::filesystem::path& path, const LockRang
     if (number < 0) {
         return std::nullopt;
     }
-    struct flock lock {};
+    struct flock lock = {};
     lock.l_type = range.onlyAgainstReaders ? F_RDLCK : F_WRLCK;
     lock.l_whence = SEEK_SET;
     lock.l_start = range.start;

@@ -22,7 +22,7 @@ std::filesystem::path normal(const std::filesystem::path& path) {
 
 /** Systems do not agree on the error of a link where a folder is wanted. */
 int errorOfEntry(const FileDescriptor& parent, const char* name, int error) noexcept {
-    struct stat status {};
+    struct stat status = {};
     const bool isLink = ::fstatat(parent.number(), name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
                         S_ISLNK(status.st_mode);
     return isLink ? ELOOP : error;

@@ -32,7 +32,7 @@ FileDescriptor openRegularFile(const std::filesystem::path& path, struct stat& s
 }  // namespace
 
 FileExistence PosixFileManager::fileExists(const std::filesystem::path& path) const noexcept {
-    struct stat status {};
+    struct stat status = {};
     if (::stat(path.c_str(), &status) != 0) {
         return {};
     }
@@ -40,7 +40,7 @@ FileExistence PosixFileManager::fileExists(const std::filesystem::path& path) co
 }
 
 FileAttributes PosixFileManager::attributes(const std::filesystem::path& path) const {
-    struct stat status {};
+    struct stat status = {};
     if (::stat(path.c_str(), &status) != 0) {
         throwSystemError("cannot examine", path);
     }
@@ -48,7 +48,7 @@ FileAttributes PosixFileManager::attributes(const std::filesystem::path& path) c
 }
 
 Bytes PosixFileManager::contents(const std::filesystem::path& path) const {
-    struct stat status {};
+    struct stat status = {};
     const FileDescriptor file = openRegularFile(path, status);
     if (status.st_size > static_cast<off_t>(maximumContentsSize)) {
         throwSystemError("file is too large to be read", path, EFBIG);
@@ -70,7 +70,7 @@ Bytes PosixFileManager::contents(const std::filesystem::path& path) const {
 }
 
 Bytes PosixFileManager::firstBytes(const std::filesystem::path& path, std::size_t count) const {
-    struct stat status {};
+    struct stat status = {};
     const FileDescriptor file = openRegularFile(path, status);
     Bytes bytes(count);
     std::size_t used = 0;
@@ -87,7 +87,7 @@ void PosixFileManager::replace(const std::filesystem::path& path, BytesView cont
 
 void PosixFileManager::copy(const std::filesystem::path& from,
                             const std::filesystem::path& to) const {
-    struct stat status {};
+    struct stat status = {};
     const FileDescriptor source = openRegularFile(from, status);
     continueOrThrow(control_.get());
     copyFile(source, from, to, control_.get());
@@ -101,7 +101,7 @@ void PosixFileManager::removeFile(const std::filesystem::path& path) const {
 }
 
 void PosixFileManager::removeTemporaryFolder(const std::filesystem::path& path) const {
-    struct stat status {};
+    struct stat status = {};
     if (::lstat(path.c_str(), &status) != 0) {
         throwSystemError("cannot delete", path);
     }

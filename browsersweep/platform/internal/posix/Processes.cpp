@@ -20,7 +20,7 @@ bool isLockedByAnother(const std::filesystem::path& file) noexcept {
     if (descriptor < 0) {
         return false;
     }
-    struct flock lock {};
+    struct flock lock = {};
     lock.l_type = F_WRLCK;
     lock.l_whence = SEEK_SET;
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-vararg)

@@ -22,7 +22,7 @@ constexpr std::size_t uniqueLength = 32;
 FileDescriptor openOwnFolder(const std::filesystem::path& path) noexcept {
     FileDescriptor folder(posix::restarting(
         [&] { return ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC); }));
-    struct stat status {};
+    struct stat status = {};
     const bool isOwn = folder && ::fstat(folder.number(), &status) == 0 &&
                        status.st_uid == ::geteuid() && status.st_nlink > 0;
     return isOwn ? std::move(folder) : FileDescriptor();
@@ -34,8 +34,8 @@ bool tryToLock(const FileDescriptor& folder) noexcept {
 }
 
 bool isStillAt(const std::filesystem::path& path, const FileDescriptor& folder) noexcept {
-    struct stat there {};
-    struct stat own {};
+    struct stat there = {};
+    struct stat own = {};
     return ::lstat(path.c_str(), &there) == 0 && ::fstat(folder.number(), &own) == 0 &&
            there.st_dev == own.st_dev && there.st_ino == own.st_ino;
 }

@@ -20,7 +20,7 @@ std::optional<std::filesystem::path> homeInEnvironment(const char* variable) {
 std::optional<std::filesystem::path> homeInUserDatabase(int& error) {
     constexpr std::size_t generousSize = std::size_t{64} * 1024;
     std::string buffer(generousSize, '\0');
-    struct passwd record {};
+    struct passwd record = {};
     struct passwd* found = nullptr;
     error = ::getpwuid_r(::getuid(), &record, buffer.data(), buffer.size(), &found);
     if (found == nullptr || found->pw_dir == nullptr || *found->pw_dir == '\0') {
