@@ -9,6 +9,7 @@
 #include "browsersweep/platform/HTTPCookieStorage.h"
 #include "browsersweep/profiles/chromium/ChromiumBasedProfileReader.h"
 
+#include "tests/support/AccountCookies.h"
 #include "tests/support/GuardedFileManager.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -104,6 +105,9 @@ bool everyProfile(const BrowserProfile& /*profile*/) {
 }
 
 TEST(BrowserCleaners, cleaningAnotherHomeLeavesTheLiveUsersCookiesAlone) {
+    if (!tests::mayUseAccountCookies()) {
+        GTEST_SKIP() << tests::whyNoAccountCookies;
+    }
     const SharedCookie cookie;
     const tests::TemporaryFolder home;
     const auto fileManager = FileManager::forHome(home.path());

@@ -6,6 +6,7 @@
 
 #include "browsersweep/home/Home.h"
 
+#include "tests/support/AccountCookies.h"
 #include "tests/support/ForwardingFileManager.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -42,6 +43,9 @@ bool runsProcesses(const Home& home, const tests::TemporaryFolder& folder) {
 }
 
 TEST(Home, theCurrentUsersHasTheServicesOfTheRunningSystem) {
+    if (!tests::mayUseAccountCookies()) {
+        GTEST_SKIP() << tests::whyNoAccountCookies;
+    }
     const LiveCookie cookie;
     const tests::TemporaryFolder folder;
     EXPECT_EQ(LiveCookie::seenBy(Home::current()), 1U);
@@ -50,6 +54,9 @@ TEST(Home, theCurrentUsersHasTheServicesOfTheRunningSystem) {
 }
 
 TEST(Home, anotherOneTouchesNothingOfTheLiveUsers) {
+    if (!tests::mayUseAccountCookies()) {
+        GTEST_SKIP() << tests::whyNoAccountCookies;
+    }
     const LiveCookie cookie;
     const tests::TemporaryFolder folder;
     const Home home = Home::at(folder.path());

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cstdlib>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -9,25 +8,21 @@
 
 #include "browsersweep/platform/HTTPCookieStorage.h"
 
+#include "tests/support/AccountCookies.h"
+
 namespace browsersweep {
 namespace {
 
-/**
- * Two storages that the tests share with nobody, empty before and after. On macOS they are the
- * account's own, which only the account's owner may open to a test.
- */
+/** Two storages that the tests share with nobody, empty before and after. */
 class HTTPCookieStorageTest : public testing::Test {
 protected:
     static constexpr std::string_view first = "test.browsersweep.first";
     static constexpr std::string_view second = "test.browsersweep.second";
 
     void SetUp() override {
-#ifdef __APPLE__
-        if (std::getenv("BROWSERSWEEP_TEST_ACCOUNT_COOKIES") == nullptr) {
-            GTEST_SKIP() << "it would use the account's cookie storage; set "
-                            "BROWSERSWEEP_TEST_ACCOUNT_COOKIES to let it";
+        if (!tests::mayUseAccountCookies()) {
+            GTEST_SKIP() << tests::whyNoAccountCookies;
         }
-#endif
         clear();
     }
     void TearDown() override {
