@@ -1,3 +1,4 @@
+#include <cerrno>
 #include <csignal>
 #include <filesystem>
 #include <functional>
@@ -13,6 +14,7 @@
 #include <unistd.h>
 
 #include "browsersweep/cleanable/CleanableDirectory.h"
+#include "browsersweep/platform/internal/posix/FileDescriptor.h"
 
 #include "tests/support/ChildProcess.h"
 #include "tests/support/ForwardingFileManager.h"
@@ -214,11 +216,25 @@ TEST(Races, namesAsLongAsTheSystemAllowsAreCountedAndDeleted) {
     }
     home.write(fs::path("cache") / longest / longest / longest, "1");
     home.write(fs::path("cache") / wide, "22");
-    home.write(fs::path("cache") / "new\nline\\ \"quoted\" \xFF", "333");
+    home.write(fs::path("cache") / "new\nline\\ \"quoted\"", "333");
     const auto item = itemOver(home / "cache", tests::GuardedFileManager::forFixture(home));
     EXPECT_EQ(item.size(), (CleanableDataSize{3, 6}));
     item.clean();
     EXPECT_EQ(item.size(), CleanableDataSize::zero);
+}
+
+TEST(Races, namesThatAreNoTextAreCountedAndDeleted) {
+    const TemporaryFolder home(tests::folderInMemory());
+    const fs::path file = home.makeFolder("cache") / "\xFF";
+    const FileDescriptor made(::open(file.c_str(), O_CREAT | O_WRONLY | O_CLOEXEC, 0600));
+    if (!made && errno == EILSEQ) {
+        GTEST_SKIP() << "the file system takes UTF-8 alone";
+    }
+    ASSERT_TRUE(made);
+    const auto item = itemOver(home / "cache", tests::GuardedFileManager::forFixture(home));
+    EXPECT_EQ(item.size(), (CleanableDataSize{1, 0}));
+    item.clean();
+    EXPECT_FALSE(fs::exists(file));
 }
 
 TEST(Races, twentyThousandEntriesOfOneFolderAreCountedAndDeleted) {

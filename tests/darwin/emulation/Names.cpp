@@ -126,6 +126,15 @@ std::string meantPath(int directory, const char* path) {
     return meant;
 }
 
+bool isUTF8(const std::string& path) {
+    if (isASCII(path)) {
+        return true;
+    }
+    std::string text;
+    icu::UnicodeString::fromUTF8(path).toUTF8String(text);
+    return text == path;
+}
+
 std::string absolutePath(int directory, const std::string& path) {
     const int error = errno;
     std::filesystem::path whole = path;

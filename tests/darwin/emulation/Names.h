@@ -11,6 +11,9 @@ namespace browsersweep::emulation {
  */
 std::string meantPath(int directory, const char* path);
 
+/** Whether every name of a path is UTF-8: others cannot be made. */
+bool isUTF8(const std::string& path);
+
 /** The absolute path without "." and ".."; links are not followed. */
 std::string absolutePath(int directory, const std::string& path);
 

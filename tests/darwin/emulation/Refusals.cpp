@@ -49,6 +49,9 @@ int refusal(int directory, const std::string& path, Wish wish, int statFlags) {
         }
     }
     const bool changes = wish == Wish::write || wish == Wish::change;
+    if (changes && !isUTF8(path)) {
+        return EILSEQ;
+    }
     return changes && isLocked(directory, path.c_str(), statFlags) ? EPERM : 0;
 }
 

@@ -117,5 +117,12 @@ TEST_F(KernelTest, aLinkThatMustBeAFolderAndNotFollowedIsALink) {
               ELOOP);
 }
 
+TEST_F(KernelTest, aNameIsUTF8) {
+    const std::string path = (folder / "\xFF").string();
+    EXPECT_EQ(errorOf([&] { return ::open(path.c_str(), O_CREAT | O_WRONLY, 0600); }), EILSEQ);
+    EXPECT_EQ(errorOf([&] { return ::mkdir(path.c_str(), 0700); }), EILSEQ);
+    EXPECT_FALSE(fs::exists(path));
+}
+
 }  // namespace
 }  // namespace browsersweep
