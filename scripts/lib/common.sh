@@ -42,6 +42,19 @@ use_homebrew_llvm() {
     fi
 }
 
+# use_clang_with_fuzzer: lets clang++ be one that has libFuzzer. On a Mac that is Homebrew's: Apple's comes
+# without. Fails where there is none.
+use_clang_with_fuzzer() {
+    if is_macos; then
+        local folder
+        folder=$(brew --prefix llvm 2>/dev/null || true)/bin
+        [ -x "$folder/clang++" ] || return 1
+        PATH="$folder:$PATH"
+        export PATH
+    fi
+    have clang++
+}
+
 # python_of_tests: prints a Python that has the packages of the tests: the one that scripts/setup has put
 # into the build folder, the caller's, or the system's.
 python_of_tests() {

@@ -106,6 +106,16 @@ class CommonFunctions(ScriptTest):
         finished = self.common('use_homebrew_llvm; echo "$PATH"')
         self.assertEqual(finished.stdout, f"{self.commands}:{self.folder}/llvm/bin\n")
 
+    def test_fuzzing_is_done_by_the_compiler_of_homebrews_llvm(self):
+        tools = self.folder / "llvm" / "bin"
+        tools.mkdir(parents=True)
+        self.stand_in("clang++", records=False)
+        self.stand_in("brew", f"echo {self.folder}/llvm", records=False)
+        chosen = 'use_clang_with_fuzzer && command -v clang++'
+        self.assertEqual((self.common(chosen).returncode, self.common(chosen).stdout), (1, ""))
+        (self.commands / "clang++").rename(tools / "clang++")
+        self.assertEqual(self.common(chosen).stdout, f"{tools}/clang++\n")
+
     def test_a_private_home_is_new_empty_and_gone_afterwards(self):
         self.borrow("ls")
         finished = self.common('with_private_home bash -c \'ls -A "$HOME" "$TMPDIR"; '
