@@ -1,6 +1,8 @@
 """The library's decoder of Safari's cookie file in Python: containers in containers, each with its limit,
 that read whole models through one another. What the library is compared with in Python."""
 
+from __future__ import annotations
+
 import struct
 import sys
 from dataclasses import dataclass

@@ -8,6 +8,8 @@ Each row runs ours and its reference in turn and takes the median of the ratios 
 Peak memory is ours, above that of a program that does nothing; in rows of growth, of the larger run.
 """
 
+from __future__ import annotations
+
 import argparse
 import json
 import os
