@@ -164,3 +164,14 @@ def test_a_project_finds_debians_packages(packages, tmp_path):
     usr = unpacked(chosen, tmp_path / "unpacked")
     assert not (usr / "bin").exists()
     find_package("deb", usr, tmp_path)
+
+
+def test_the_archive_can_be_used_where_it_is_unpacked(prefixes, tmp_path):
+    run("cpack", "-G", "TGZ", "-B", tmp_path, cwd=ROOT / "build" / "shared")
+    archive, = tmp_path.glob("*.tar.gz")
+    (tmp_path / "unpacked").mkdir()
+    run("tar", "-xzf", archive, "-C", tmp_path / "unpacked")
+    folder, = (tmp_path / "unpacked").iterdir()
+    assert {path.name for path in folder.iterdir()} == {"bin", "include", "lib", "share"}
+    find_package("archive", folder, tmp_path)
+    run(folder / "bin" / "browsersweep", "--help")
