@@ -5,6 +5,7 @@
 #include <string_view>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 #include "browsersweep/binarycoding/BinaryDataDecoder.h"
 #include "browsersweep/binarycoding/BinaryDataEncoder.h"
@@ -13,6 +14,7 @@
 #include "browsersweep/hosting/FailureKind.h"
 #include "browsersweep/platform/Accessibility.h"
 #include "browsersweep/platform/internal/posix/FileFacts.h"
+#include "browsersweep/platform/internal/posix/WithoutDownloads.h"
 #include "browsersweep/sqlite/DatabaseInspection.h"
 #include "browsersweep/sqlite/SQLiteError.h"
 
@@ -164,20 +166,29 @@ fs::path fileOf(const CleanableData& item) {
     return places.empty() ? fs::path() : places.front().path;
 }
 
-std::int64_t allocatedBytesBelow(const fs::path& folder, OperationControl* control) {
-    std::int64_t sum = 0;
+/** Not by one deep walk: it ends at the first folder that it may not list. */
+std::int64_t allocatedBytesBelow(const fs::path& root, OperationControl* control) {
+    const posix::WithoutDownloads whileListing;
     std::error_code error;
+    std::vector<fs::path> folders;
     // A link in the folder's place is not entered by a clean either.
-    if (fs::is_symlink(folder.has_filename() ? folder : folder.parent_path(), error)) {
-        return 0;
+    if (!fs::is_symlink(root.has_filename() ? root : root.parent_path(), error)) {
+        folders.push_back(root);
     }
-    fs::recursive_directory_iterator entry(folder, fs::directory_options::skip_permission_denied,
-                                           error);
-    for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
-        if (control != nullptr && control->shouldStop()) {
-            return sum;
+    std::int64_t sum = 0;
+    while (!folders.empty()) {
+        fs::directory_iterator entry(folders.back(), error);
+        folders.pop_back();
+        for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+            if (control != nullptr && control->shouldStop()) {
+                return sum;
+            }
+            sum += posix::allocatedBytes(entry->path());
+            std::error_code unknown;
+            if (entry->symlink_status(unknown).type() == fs::file_type::directory) {
+                folders.push_back(entry->path());
+            }
         }
-        sum += posix::allocatedBytes(entry->path());
     }
     return sum;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -16,6 +17,8 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include "browsersweep/cleanable/CleanableDirectory.h"
+#include "browsersweep/hosting/ItemExamination.h"
 #include "browsersweep/platform/Accessibility.h"
 #include "browsersweep/platform/FileManager.h"
 #include "browsersweep/platform/OperatingSystemVersion.h"
@@ -201,6 +204,18 @@ TEST_F(EmulationTest, measuringFetchesNothingFromTheCloud) {
     // The policy was this thread's own again all the while.
     EXPECT_TRUE(fs::directory_iterator(folder / "root/cloud") != fs::directory_iterator());
     EXPECT_EQ(browsersweepEmulatedDownloads(), before + 1);
+}
+
+TEST_F(EmulationTest, whatTheDiskWouldGainIsSummedUpWithoutFetchingAnything) {
+    const std::string block(4096, 'x');
+    for (const char* place : {"root/cloud/file", "root/a/file", "root/z/file"}) {
+        folder.write(place, block);
+    }
+    const Setting dataless("DARWIN_DATALESS", (folder / "root/cloud").string());
+    const int before = browsersweepEmulatedDownloads();
+    const CleanableDirectory item{folder / "root", true, {}, manager};
+    EXPECT_EQ(allocatedBytes(item, nullptr), std::int64_t{2} * 4096);
+    EXPECT_EQ(browsersweepEmulatedDownloads(), before);
 }
 
 TEST_F(EmulationTest, theVersionOfTheSystemIsASetting) {
