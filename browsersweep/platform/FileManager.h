@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -31,6 +32,24 @@ struct FileAttributes {
     std::optional<std::uint64_t> size;  ///< in bytes; absent where the system gives none
     /** Whether all fields are equal. */
     friend bool operator==(const FileAttributes&, const FileAttributes&) = default;
+};
+
+/** One entry of a folder. A link is told as one and not followed. */
+struct FolderEntry {
+    /** What it is. */
+    enum class Kind {
+        file,    ///< a regular file
+        folder,  ///< a directory
+        other,   ///< a link, or a special file
+    };
+
+    std::string name;              ///< the last component of its path
+    Kind kind = Kind::other;       ///< what it is
+    std::uint64_t size = 0;        ///< in bytes; 0 for what is no file
+    std::optional<Date> modified;  ///< when it was last written, to the second
+
+    /** Whether all fields are equal. */
+    friend bool operator==(const FolderEntry&, const FolderEntry&) = default;
 };
 
 /** The user's directories that the system has a name for. The values are the platform's own. */
@@ -168,6 +187,34 @@ public:
     virtual void removeTemporaryFolder(const std::filesystem::path& path) const = 0;
 
     /**
+     * Deletes a folder with all it holds, by the walk that `enumerator` gives: links are deleted
+     * and not followed. A mount or a folder that may not be entered stays, with the folders above
+     * it, and the control is told of it. The control is asked between files. Returns whether all is
+     * gone. The folder is reached as by `removeFile`; a missing one, and one that is a link, is an
+     * error.
+     */
+    virtual bool removeFolder(const std::filesystem::path& path) const = 0;
+
+    /**
+     * Puts a new folder in the place of an existing one, all or nothing: whatever happens, the path
+     * leads to the old folder or to the new one. The new one has copies of the regular files of
+     * `contents`, which may hold nothing else, and owner, mode, access control list and extended
+     * attributes of the old one. It is made beside the old one, under a name that
+     * `isLeftByReplacing` knows, and made durable; then the two are exchanged, and the old one is
+     * deleted as by `removeFolder`. Where that is cut short, the other of the two stays behind
+     * under that name, and is of no use. A file system that cannot exchange is an error, and
+     * nothing is changed. Returns whether all of the old folder is gone.
+     */
+    virtual bool replaceFolder(const std::filesystem::path& path,
+                               const std::filesystem::path& contents) const = 0;
+
+    /**
+     * Whether a name is one that replacing gives, for a moment, to what it puts in the place of a
+     * file or folder of another name: what bears it was left behind.
+     */
+    static bool isLeftByReplacing(std::string_view name, std::string_view replaced) noexcept;
+
+    /**
      * Creates a directory for the user alone. One that exists already is an error, and so is a
      * missing one above it.
      */
@@ -188,6 +235,13 @@ public:
 
     /** The system's answer for one of the user's directories; empty where it has none. */
     virtual std::vector<std::filesystem::path> directories(SearchPathDirectory directory) const = 0;
+
+    /**
+     * What a folder holds, not what its folders hold, in no certain order. Nothing, where
+     * `enumerator` would produce nothing; the control is told as by that. What vanishes while it is
+     * listed is left out.
+     */
+    virtual std::vector<FolderEntry> entries(const std::filesystem::path& directory) const = 0;
 
     /**
      * Starts a deep enumeration of a directory. None is produced where the directory may not be

@@ -41,6 +41,13 @@ public:
     void removeTemporaryFolder(const std::filesystem::path& path) const override {
         target_->removeTemporaryFolder(path);
     }
+    bool removeFolder(const std::filesystem::path& path) const override {
+        return target_->removeFolder(path);
+    }
+    bool replaceFolder(const std::filesystem::path& path,
+                       const std::filesystem::path& contents) const override {
+        return target_->replaceFolder(path, contents);
+    }
     void createDirectory(const std::filesystem::path& path) const override {
         target_->createDirectory(path);
     }
@@ -50,6 +57,9 @@ public:
     std::filesystem::path homeDirectory() const override { return target_->homeDirectory(); }
     std::vector<std::filesystem::path> directories(SearchPathDirectory directory) const override {
         return target_->directories(directory);
+    }
+    std::vector<FolderEntry> entries(const std::filesystem::path& directory) const override {
+        return target_->entries(directory);
     }
     std::unique_ptr<DirectoryEnumerator> enumerator(
         const std::filesystem::path& directory) const override {

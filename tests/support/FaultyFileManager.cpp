@@ -103,9 +103,24 @@ void FaultyFileManager::removeTemporaryFolder(const fs::path& path) const {
     ForwardingFileManager::removeTemporaryFolder(path);
 }
 
+bool FaultyFileManager::removeFolder(const fs::path& path) const {
+    count("removeFolder", path);
+    return ForwardingFileManager::removeFolder(path);
+}
+
+bool FaultyFileManager::replaceFolder(const fs::path& path, const fs::path& contents) const {
+    count("replaceFolder", path);
+    return ForwardingFileManager::replaceFolder(path, contents);
+}
+
 void FaultyFileManager::createDirectory(const fs::path& path) const {
     count("createDirectory", path);
     ForwardingFileManager::createDirectory(path);
+}
+
+std::vector<FolderEntry> FaultyFileManager::entries(const fs::path& directory) const {
+    count("entries", directory);
+    return ForwardingFileManager::entries(directory);
 }
 
 std::unique_ptr<DirectoryEnumerator> FaultyFileManager::enumerator(

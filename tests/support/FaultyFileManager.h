@@ -66,7 +66,11 @@ public:
     void copy(const std::filesystem::path& from, const std::filesystem::path& to) const override;
     void removeFile(const std::filesystem::path& path) const override;
     void removeTemporaryFolder(const std::filesystem::path& path) const override;
+    bool removeFolder(const std::filesystem::path& path) const override;
+    bool replaceFolder(const std::filesystem::path& path,
+                       const std::filesystem::path& contents) const override;
     void createDirectory(const std::filesystem::path& path) const override;
+    std::vector<FolderEntry> entries(const std::filesystem::path& directory) const override;
     std::unique_ptr<DirectoryEnumerator> enumerator(
         const std::filesystem::path& directory) const override;
 

@@ -67,6 +67,14 @@ void GuardedFileManager::removeTemporaryFolder(const fs::path& path) const {
     ForwardingFileManager::removeTemporaryFolder(checked(path));
 }
 
+bool GuardedFileManager::removeFolder(const fs::path& path) const {
+    return ForwardingFileManager::removeFolder(checked(path));
+}
+
+bool GuardedFileManager::replaceFolder(const fs::path& path, const fs::path& contents) const {
+    return ForwardingFileManager::replaceFolder(checked(path), checked(contents));
+}
+
 void GuardedFileManager::createDirectory(const fs::path& path) const {
     ForwardingFileManager::createDirectory(checked(path));
 }
@@ -74,6 +82,10 @@ void GuardedFileManager::createDirectory(const fs::path& path) const {
 fs::path GuardedFileManager::temporaryDirectory() const {
     fs::create_directory(root_ / "tmp");
     return root_ / "tmp";
+}
+
+std::vector<FolderEntry> GuardedFileManager::entries(const fs::path& directory) const {
+    return ForwardingFileManager::entries(checked(directory));
 }
 
 std::unique_ptr<DirectoryEnumerator> GuardedFileManager::enumerator(

@@ -49,6 +49,16 @@ public:
     void removeTemporaryFolder(const std::filesystem::path& path) const override {
         GuardedFileManager::removeTemporaryFolder(onDisk(path));
     }
+    bool removeFolder(const std::filesystem::path& path) const override {
+        return GuardedFileManager::removeFolder(onDisk(path));
+    }
+    bool replaceFolder(const std::filesystem::path& path,
+                       const std::filesystem::path& contents) const override {
+        return GuardedFileManager::replaceFolder(onDisk(path), onDisk(contents));
+    }
+    std::vector<FolderEntry> entries(const std::filesystem::path& directory) const override {
+        return GuardedFileManager::entries(onDisk(directory));
+    }
     std::unique_ptr<DirectoryEnumerator> enumerator(
         const std::filesystem::path& directory) const override {
         return GuardedFileManager::enumerator(onDisk(directory));

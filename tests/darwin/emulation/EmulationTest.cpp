@@ -87,6 +87,19 @@ TEST_F(EmulationTest, clonesCanBeRefused) {
     EXPECT_EQ(tests::readFile(folder / "copy"), "x");
 }
 
+TEST_F(EmulationTest, exchangesCanBeRefusedAndThenAFolderStaysAsItIs) {
+    folder.write("Library/store/file", "old");
+    folder.write("new/file", "new");
+    const auto before = folder.snapshot();
+    {
+        const Setting without("DARWIN_EMULATION", "swap=no");
+        EXPECT_THROW(manager->replaceFolder(folder / "Library/store", folder / "new"),
+                     fs::filesystem_error);
+    }
+    EXPECT_EQ(folder.snapshot(), before);
+    EXPECT_TRUE(manager->replaceFolder(folder / "Library/store", folder / "new"));
+}
+
 TEST_F(EmulationTest, theStrongSyncsCanBeRefused) {
     const FileDescriptor file(::open(folder.write("file", "x").c_str(), O_RDONLY));
     EXPECT_EQ(::fcntl(file.number(), F_FULLFSYNC), 0);

@@ -243,6 +243,19 @@ int renameat(int fromDirectory, const char* from, int toDirectory, const char* t
     return renameEntry(fromDirectory, from, toDirectory, to);
 }
 
+// `swap=no` is a file system that cannot exchange two entries.
+int renameatx_np(int fromDirectory, const char* from, int toDirectory, const char* to,
+                 unsigned flags) {
+    if (flags != RENAME_SWAP || isOn("swap=no")) {
+        return failing(ENOTSUP, -1);
+    }
+    return changing(fromDirectory, from, [&](const char* meantFrom) {
+        return changing(toDirectory, to, [&](const char* meantTo) {
+            return ::renameat2(fromDirectory, meantFrom, toDirectory, meantTo, RENAME_EXCHANGE);
+        });
+    });
+}
+
 int mkdir(const char* path, mode_t mode) noexcept {
     static auto* const real = realCall<int(const char*, mode_t)>("mkdir");
     return changing(AT_FDCWD, path, [&](const char* meant) { return real(meant, mode); });

@@ -99,6 +99,41 @@ TEST_F(Mounts, aFileBelowAMountIsNeitherDeletedNorReplaced) {
     });
 }
 
+TEST_F(Mounts, aFolderWithAMountBelowItIsRemovedAroundTheMount) {
+    home.write("Library/Caches/browser/other/file", "x");
+    inOwnMounts([this] {
+        mountFolder(home / "Documents", cache / "sub");
+        const auto control = std::make_shared<OperationControl>();
+        EXPECT_FALSE(FileManager::forHome(home.path(), control)->removeFolder(cache));
+        EXPECT_EQ(control->takeLeftOut(), mounted(cache / "sub"));
+        EXPECT_FALSE(fs::exists(cache / "file"));
+        EXPECT_FALSE(fs::exists(cache / "other"));
+    });
+}
+
+TEST_F(Mounts, aFolderThatIsAMountIsNeitherRemovedNorReplacedNorListed) {
+    home.write("new/file", "x");
+    inOwnMounts([this] {
+        mountFolder(home / "Documents", cache);
+        const auto manager = FileManager::forHome(home.path());
+        EXPECT_THROW(manager->removeFolder(cache), fs::filesystem_error);
+        EXPECT_THROW(manager->removeFolder(cache / "deep"), fs::filesystem_error);
+        EXPECT_THROW(manager->replaceFolder(cache, home / "new"), fs::filesystem_error);
+        EXPECT_THROW(manager->replaceFolder(cache / "deep", home / "new"), fs::filesystem_error);
+        EXPECT_TRUE(manager->entries(cache).empty());
+    });
+}
+
+TEST_F(Mounts, aReplacedFolderWithAMountBelowItLeavesTheMountBeside) {
+    home.write("new/CURRENT", "new");
+    inOwnMounts([this] {
+        mountFolder(home / "Documents", cache / "sub");
+        EXPECT_FALSE(FileManager::forHome(home.path())->replaceFolder(cache, home / "new"));
+        EXPECT_EQ(tests::readFile(cache / "CURRENT"), "new");
+        EXPECT_FALSE(fs::exists(cache / "sub"));
+    });
+}
+
 TEST_F(Mounts, aMountThatAppearsInMidWalkIsNotEntered) {
     inOwnMounts([this] {
         const auto walk = FileManager::forHome(home.path())->enumerator(cache);

@@ -1,7 +1,9 @@
 // What the files for macOS rely on in its kernel. Both a Mac and the emulation must hold to it.
 #include <cerrno>
+#include <cstdio>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -101,6 +103,21 @@ TEST_F(KernelTest, aLockedFileCanNeitherBeChangedNorMovedNorDeleted) {
     EXPECT_EQ(errorOf([&] { return ::unlink(path); }), EPERM);
     EXPECT_EQ(errorOf([&] { return ::rename(path, (folder / "moved").c_str()); }), EPERM);
     EXPECT_EQ(tests::readFile(path), "locked");
+}
+
+TEST_F(KernelTest, twoFoldersAreExchangedInOneStep) {
+    folder.write("one/file", "1");
+    folder.write("other/file", "2");
+    const FileDescriptor parent = opened(folder.path());
+    const auto exchange = [&](const char* with) {
+        return errorOf([&] {
+            return ::renameatx_np(parent.number(), "one", parent.number(), with, RENAME_SWAP);
+        });
+    };
+    EXPECT_EQ(exchange("gone"), ENOENT);
+    EXPECT_EQ(exchange("other"), 0);
+    EXPECT_EQ(folder.snapshot(),
+              (std::vector<std::string>{"one/", "one/file: 2", "other/", "other/file: 1"}));
 }
 
 TEST_F(KernelTest, unlinkRefusesAFolderWithEPERM) {

@@ -191,6 +191,44 @@ TEST_F(RefusedSystemCalls, aReplacementThatCannotKeepTheOwnerKeepsTheOldFile) {
     EXPECT_EQ(folder.snapshot().size(), 2U);
 }
 
+TEST_F(RefusedSystemCalls, aReplacementOfAFolderThatFailsKeepsTheOldOneAndLeavesNothingBeside) {
+    const std::string made = "1234567";
+    folder.write("Library/store/file", "old");
+    folder.write("new/file", made);
+    const std::vector<std::string> before = folder.snapshot();
+    const std::vector<std::pair<Refusal, Failure>> cases{
+        {{SYS_mkdirat, ENOSPC}, {"cannot create directory", ENOSPC}},
+        {writingOf(made, ENOSPC), {"cannot write", ENOSPC}},
+        {{SYS_fsync, EIO}, {"cannot sync", EIO}},
+        {{SYS_fchmod, EPERM}, {"cannot keep the mode of", EPERM}},
+        {{SYS_renameat2, EINVAL}, {"cannot replace", EINVAL}},
+    };
+    for (const auto& [refusal, expected] : cases) {
+        const auto replace = [this] {
+            manager->replaceFolder(folder / "Library/store", folder / "new");
+        };
+        EXPECT_EQ(failureWithout({refusal}, replace), expected);
+        EXPECT_EQ(folder.snapshot(), before);
+    }
+}
+
+TEST_F(RefusedSystemCalls, anOldFolderThatCannotBeDeletedStaysBesideUnderANameThatIsKnown) {
+    folder.write("Library/store/file", "old");
+    folder.write("new/file", "new");
+    EXPECT_EQ(failureWithout(
+                  {{SYS_unlinkat, EIO}},
+                  [this] { manager->replaceFolder(folder / "Library/store", folder / "new"); }),
+              (Failure{"cannot delete", EIO}));
+    EXPECT_EQ(tests::readFile(folder / "Library/store/file"), "new");
+    std::vector<std::string> left;
+    for (const FolderEntry& entry : manager->entries(folder / "Library")) {
+        if (FileManager::isLeftByReplacing(entry.name, "store")) {
+            left.push_back(tests::readFile(folder / "Library" / entry.name / "file"));
+        }
+    }
+    EXPECT_EQ(left, std::vector<std::string>{"old"});
+}
+
 TEST_F(RefusedSystemCalls, aFolderThatCannotBeOpenedForLackOfDescriptorsIsAnError) {
     EXPECT_EQ(failureWithout({{SYS_openat, EMFILE}}, [&] { manager->enumerator(folder.path()); }),
               (Failure{"cannot open directory", EMFILE}));

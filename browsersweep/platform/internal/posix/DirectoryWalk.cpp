@@ -77,33 +77,49 @@ const char* DirectoryWalk::PendingNames::take() noexcept {
     return name;
 }
 
-std::unique_ptr<DirectoryWalk> DirectoryWalk::start(
-    const std::filesystem::path& root, const Gate& gate,
-    const std::shared_ptr<OperationControl>& control) {
+FileDescriptor DirectoryWalk::openRoot(const std::filesystem::path& root, const Gate& gate,
+                                       OperationControl* control) {
     try {
-        return std::make_unique<DirectoryWalk>(root, gate.openFolder(root), control);
+        return gate.openFolder(root);
     } catch (const std::filesystem::filesystem_error& error) {
         const int code = error.code().value();
         if (!meansUnseen(code)) {
             throw;
         }
-        leaveOut(error.path1(), code, control.get());
-        return nullptr;
+        leaveOut(error.path1(), code, control);
+        return {};
     }
 }
 
-void DirectoryWalk::removeTree(const std::filesystem::path& root, const Gate& gate) {
+std::unique_ptr<DirectoryWalk> DirectoryWalk::start(
+    const std::filesystem::path& root, const Gate& gate,
+    const std::shared_ptr<OperationControl>& control) {
+    FileDescriptor folder = openRoot(root, gate, control.get());
+    return folder ? std::make_unique<DirectoryWalk>(root, std::move(folder), control) : nullptr;
+}
+
+bool DirectoryWalk::removeTree(const std::filesystem::path& root, const Gate& gate,
+                               const std::shared_ptr<OperationControl>& control) {
     const FileDescriptor parent = gate.openParent(root);
-    DirectoryWalk walk(root, gate.openFolder(root), nullptr);
+    DirectoryWalk walk(root, gate.openFolder(root), control);
     walk.removesDirectories_ = true;
     while (walk.next()) {
-        if (walk.isDirectory() != true) {
-            walk.remove();
+        continueOrThrow(control.get());
+        if (walk.isDirectory() == true) {
+            continue;
         }
+        walk.remove();
+        if (control) {
+            control->count({1, 0, 0});
+        }
+    }
+    if (walk.rootHoldsLeftOut_) {
+        return false;
     }
     if (::unlinkat(parent.number(), entryName(root).c_str(), AT_REMOVEDIR) != 0) {
         throwSystemError("cannot delete", root);
     }
+    return true;
 }
 
 DirectoryWalk::DirectoryWalk(std::filesystem::path root, FileDescriptor descriptor,
@@ -159,6 +175,7 @@ void DirectoryWalk::enter(FileDescriptor descriptor, std::string name) {
     }
     if (!levels_.empty() && identity->mount != levels_.back().identity.mount) {
         leaveOut(path(name), EXDEV, control_.get());
+        levels_.back().holdsLeftOut = true;
         return;
     }
     listing_.start(descriptor.number());
@@ -181,6 +198,7 @@ bool DirectoryWalk::enterNextSubdirectory() {
         throwSystemError("cannot open directory", path(name), error);
     } else if (error != ELOOP) {  // a link in a folder's place is an entry of the next listing
         leaveOut(path(name), error, control_.get());
+        level.holdsLeftOut = level.holdsLeftOut || error != ENOENT;
     }
     return true;
 }
@@ -189,13 +207,22 @@ void DirectoryWalk::leave() {
     const Level child = std::move(levels_.back());
     levels_.pop_back();
     if (levels_.empty()) {
+        rootHoldsLeftOut_ = child.holdsLeftOut;
         return;
     }
     if (!levels_.back().descriptor) {
         reopenParent(child, levels_.back());
     }
-    if (removesDirectories_ &&
-        ::unlinkat(levels_.back().descriptor.number(), child.name.c_str(), AT_REMOVEDIR) != 0) {
+    if (removesDirectories_) {
+        removeLeft(child);
+    }
+}
+
+void DirectoryWalk::removeLeft(const Level& child) {
+    Level& parent = levels_.back();
+    if (child.holdsLeftOut) {
+        parent.holdsLeftOut = true;
+    } else if (::unlinkat(parent.descriptor.number(), child.name.c_str(), AT_REMOVEDIR) != 0) {
         throwSystemError("cannot delete", path(child.name));
     }
 }

@@ -34,8 +34,16 @@ public:
     static std::unique_ptr<DirectoryWalk> start(const std::filesystem::path& root, const Gate& gate,
                                                 const std::shared_ptr<OperationControl>& control);
 
-    /** Deletes a directory with all it holds on its mount. Throws `filesystem_error`. */
-    static void removeTree(const std::filesystem::path& root, const Gate& gate);
+    /** Opens a directory for such a walk; nothing where `start` would produce nothing. */
+    static FileDescriptor openRoot(const std::filesystem::path& root, const Gate& gate,
+                                   OperationControl* control);
+
+    /**
+     * Deletes a directory with all it holds. What is not entered stays, with the directories above
+     * it. Returns whether nothing stays. Throws `filesystem_error` and what the control throws.
+     */
+    static bool removeTree(const std::filesystem::path& root, const Gate& gate,
+                           const std::shared_ptr<OperationControl>& control);
 
     DirectoryWalk(std::filesystem::path root, FileDescriptor descriptor,
                   std::shared_ptr<OperationControl> control);
@@ -63,12 +71,14 @@ private:
         FolderIdentity identity;
         std::string name;
         PendingNames subdirectories;
+        bool holdsLeftOut = false;  ///< something below it was not entered
     };
 
     void enter(FileDescriptor descriptor, std::string name);
     bool nextListed();
     bool enterNextSubdirectory();
     void leave();
+    void removeLeft(const Level& child);
     void closeFarAncestor() noexcept;
     void reopenParent(const Level& child, Level& parent) const;
     void learnKind();
@@ -84,6 +94,7 @@ private:
     StatusFields statusFields_ = StatusFields::kindAndSize;
     bool isListing_ = false;
     bool removesDirectories_ = false;
+    bool rootHoldsLeftOut_ = false;
 };
 
 }  // namespace browsersweep::posix

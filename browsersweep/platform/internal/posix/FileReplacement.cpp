@@ -8,9 +8,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "browsersweep/platform/internal/UniqueString.h"
 #include "browsersweep/platform/internal/posix/Durability.h"
 #include "browsersweep/platform/internal/posix/ExtendedAttributes.h"
+#include "browsersweep/platform/internal/posix/OwnerAndMode.h"
+#include "browsersweep/platform/internal/posix/ReplacementNames.h"
 #include "browsersweep/platform/internal/posix/SystemCalls.h"
 
 namespace browsersweep::posix {
@@ -22,7 +23,7 @@ struct OldFile {
     FileDescriptor folder;
     std::string name;
     FileDescriptor file;
-    struct stat status = {};
+    struct stat status {};
 };
 
 FileDescriptor openWithin(const FileDescriptor& folder, const std::string& name, int flags,
@@ -41,7 +42,7 @@ OldFile openOld(const std::filesystem::path& path, const Gate& gate) {
     FileDescriptor folder = gate.openParent(path);
     std::string name = entryName(path).string();
     FileDescriptor file = openWithin(folder, name, O_RDONLY | O_NONBLOCK, path);
-    struct stat status = {};
+    struct stat status {};
     if (::fstat(file.number(), &status) != 0) {
         throwSystemError("cannot examine", path);
     }
@@ -56,7 +57,7 @@ class NewFile {
 public:
     explicit NewFile(const OldFile& old)
         : old_(old),
-          name_("." + old.name + "." + uniqueString()),
+          name_(newFileName(old.name)),
           path_(old.path.parent_path() / name_),
           file_(openWithin(old.folder, name_, O_WRONLY | O_CREAT | O_EXCL, path_)) {}
     NewFile(const NewFile&) = delete;
@@ -70,19 +71,9 @@ public:
     void fill(BytesView contents) const { writeAll(file_, contents, path_); }
 
     void adoptOwnerModeAndAttributes() const {
-        struct stat own = {};
-        if (::fstat(file_.number(), &own) != 0) {
-            throwSystemError("cannot examine", path_);
-        }
-        const struct stat& old = old_.status;
-        const bool sameOwner = own.st_uid == old.st_uid && own.st_gid == old.st_gid;
-        if (!sameOwner && ::fchown(file_.number(), old.st_uid, old.st_gid) != 0) {
-            throwSystemError("cannot keep the owner of", path_);
-        }
+        adoptOwner(old_.status, file_, path_);
         copyExtendedAttributes(old_.file, file_, path_);
-        if (::fchmod(file_.number(), old.st_mode & static_cast<mode_t>(~S_IFMT)) != 0) {
-            throwSystemError("cannot keep the mode of", path_);
-        }
+        adoptMode(old_.status, file_, path_);
     }
 
     void moveIntoPlace() {

@@ -11,6 +11,8 @@
 #include "browsersweep/platform/internal/posix/DirectoryWalk.h"
 #include "browsersweep/platform/internal/posix/FileCopy.h"
 #include "browsersweep/platform/internal/posix/FileReplacement.h"
+#include "browsersweep/platform/internal/posix/FolderEntries.h"
+#include "browsersweep/platform/internal/posix/FolderReplacement.h"
 #include "browsersweep/platform/internal/posix/SystemCalls.h"
 #include "browsersweep/platform/internal/posix/UserDirectories.h"
 
@@ -110,7 +112,18 @@ void PosixFileManager::removeTemporaryFolder(const std::filesystem::path& path) 
     if (!isOwn) {
         throwSystemError("not a temporary folder of this program's", path, EINVAL);
     }
-    DirectoryWalk::removeTree(path, gate());
+    if (!DirectoryWalk::removeTree(path, gate(), nullptr)) {
+        throwSystemError("cannot delete", path, ENOTEMPTY);
+    }
+}
+
+bool PosixFileManager::removeFolder(const std::filesystem::path& path) const {
+    return DirectoryWalk::removeTree(path, gate(), control_);
+}
+
+bool PosixFileManager::replaceFolder(const std::filesystem::path& path,
+                                     const std::filesystem::path& contents) const {
+    return posix::replaceFolder(path, contents, gate(), control_);
 }
 
 void PosixFileManager::createDirectory(const std::filesystem::path& path) const {
@@ -138,6 +151,11 @@ std::vector<std::filesystem::path> PosixFileManager::directories(
 Gate PosixFileManager::gate() const {
     const auto answers = directories(SearchPathDirectory::library);
     return Gate(answers.empty() ? homeDirectory() / "Library" : answers.front());
+}
+
+std::vector<FolderEntry> PosixFileManager::entries(const std::filesystem::path& directory) const {
+    const FileDescriptor folder = DirectoryWalk::openRoot(directory, gate(), control_.get());
+    return folder ? entriesOf(folder, directory, control_.get()) : std::vector<FolderEntry>();
 }
 
 std::unique_ptr<DirectoryEnumerator> PosixFileManager::enumerator(
