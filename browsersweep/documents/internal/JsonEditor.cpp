@@ -1,0 +1,151 @@
+#include "browsersweep/documents/internal/JsonEditor.h"
+
+#include <algorithm>
+#include <span>
+
+#include "browsersweep/documents/internal/Json.h"
+
+namespace browsersweep {
+namespace {
+
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
+bool isSpace(char letter) noexcept {
+    return letter == ' ' || letter == '\t' || letter == '\n' || letter == '\r';
+}
+
+BytesView bytesOf(std::string_view text) noexcept {
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the same bytes, unsigned
+    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
+
+}  // namespace
+
+// The text is checked once as a whole; what follows relies on it.
+JsonEditor::JsonEditor(BytesView bytes) : text_(bytes.begin(), bytes.end()) {
+    JsonDocument::parse(bytes);
+    const std::size_t mark = text_.starts_with(byteOrderMark) ? byteOrderMark.size() : 0;
+    root_.begin = afterSpace(mark);
+    root_.end = afterValue(root_.begin);
+}
+
+std::size_t JsonEditor::afterSpace(std::size_t place) const noexcept {
+    while (place < text_.size() && isSpace(text_[place])) {
+        ++place;
+    }
+    return place;
+}
+
+std::size_t JsonEditor::afterString(std::size_t place) const noexcept {
+    for (++place; text_[place] != '"'; ++place) {
+        place += text_[place] == '\\' ? 1 : 0;
+    }
+    return place + 1;
+}
+
+std::size_t JsonEditor::afterValue(std::size_t place) const noexcept {
+    std::size_t depth = 0;
+    do {
+        const char letter = text_[place];
+        if (letter == '"') {
+            place = afterString(place);
+        } else if (letter == '{' || letter == '[') {
+            ++depth;
+            ++place;
+        } else if (letter == '}' || letter == ']') {
+            --depth;
+            ++place;
+        } else if (depth > 0) {
+            ++place;
+        } else {
+            return std::min(text_.find_first_of(" \t\n\r,]}", place), text_.size());
+        }
+    } while (depth > 0);
+    return place;
+}
+
+std::string_view JsonEditor::text(Value value) const noexcept {
+    return std::string_view(text_).substr(value.begin, value.end - value.begin);
+}
+
+std::string JsonEditor::string(Value value) const {
+    const std::string_view whole = text(value);
+    if (!whole.starts_with('"')) {
+        return {};
+    }
+    if (whole.find('\\') == std::string_view::npos) {
+        return std::string(whole.substr(1, whole.size() - 2));
+    }
+    return std::string(JsonDocument::parse(bytesOf(whole)).root().string());
+}
+
+JsonEditor::Member JsonEditor::memberAt(std::size_t place, bool hasKey) const {
+    Member member;
+    member.begin = place;
+    std::size_t begin = afterSpace(place);
+    if (hasKey) {
+        const std::size_t end = afterString(begin);
+        member.key = string({begin, end});
+        begin = afterSpace(afterSpace(end) + 1);  // the colon
+    }
+    member.value = {begin, afterValue(begin)};
+    member.end = afterSpace(member.value.end);
+    return member;
+}
+
+std::vector<JsonEditor::Member> JsonEditor::members(Value value) const {
+    std::vector<Member> found;
+    const bool isObject = text_[value.begin] == '{';
+    const bool isEmpty = afterSpace(value.begin + 1) + 1 == value.end;
+    if ((!isObject && text_[value.begin] != '[') || isEmpty) {
+        return found;
+    }
+    for (std::size_t place = value.begin; place + 1 < value.end; place = found.back().end) {
+        found.push_back(memberAt(place + 1, isObject));
+    }
+    return found;
+}
+
+std::vector<JsonEditor::Member> JsonEditor::members(Value value, std::string_view key) const {
+    std::vector<Member> found;
+    if (text_[value.begin] != '{') {
+        return found;
+    }
+    for (Member& member : members(value)) {
+        if (member.key == key) {
+            found.push_back(std::move(member));
+        }
+    }
+    return found;
+}
+
+// The first that stays has no comma before it: those in front of it go with the comma after them,
+// those behind it with the one before them.
+void JsonEditor::remove(const std::vector<Member>& members, const std::vector<bool>& isRemoved) {
+    bool isBehindOne = false;
+    for (std::size_t index = 0; index < members.size(); ++index) {
+        const Member& member = members[index];
+        const bool isLast = index + 1 == members.size();
+        if (!isRemoved[index]) {
+            isBehindOne = true;
+        } else if (isBehindOne) {
+            cuts_.emplace_back(member.begin - 1, member.end);
+        } else {
+            cuts_.emplace_back(member.begin, isLast ? member.end : member.end + 1);
+        }
+    }
+}
+
+std::string JsonEditor::edited() const {
+    auto cuts = cuts_;
+    std::sort(cuts.begin(), cuts.end());
+    std::string result;
+    std::size_t place = 0;
+    for (const auto& cut : cuts) {
+        result.append(text_, place, cut.first - std::min(cut.first, place));
+        place = std::max(place, cut.second);
+    }
+    return result.append(text_, place);
+}
+
+}  // namespace browsersweep
