@@ -23,7 +23,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t bufferSize = std::size_t{64} << 20;
+constexpr std::size_t bufferSize = std::size_t{16} << 20;
 constexpr std::size_t batchSize = std::size_t{1} << 20;
 
 /** What LevelDB itself keeps a database in. It makes its lock and its log anew. */

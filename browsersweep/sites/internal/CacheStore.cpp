@@ -1,0 +1,153 @@
+#include "browsersweep/sites/internal/CacheStore.h"
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "browsersweep/sites/internal/SiteForm.h"
+#include "browsersweep/sites/internal/SiteMatcher.h"
+#include "browsersweep/sites/internal/StoreFiles.h"
+#include "browsersweep/sites/internal/TraceCollector.h"
+
+namespace browsersweep {
+namespace {
+
+constexpr std::string_view inBlocks =
+    "a cache in a format whose files hold parts of many entries: pages that any site loaded; "
+    "without it pages load more slowly once";
+
+/** Compiled scripts lie under a digest of their own, and what was loaded refers to that. */
+constexpr std::size_t digestLength = 64;
+constexpr std::size_t longestReference = 8192;
+
+bool isDigit(char letter) noexcept {
+    return (letter >= '0' && letter <= '9') || (letter >= 'A' && letter <= 'F');
+}
+
+bool isDigest(std::string_view text) noexcept {
+    return text.size() == digestLength && std::all_of(text.begin(), text.end(), isDigit);
+}
+
+std::optional<std::string> digestIn(std::string_view text) {
+    std::size_t run = 0;
+    for (std::size_t place = 0; place < text.size(); ++place) {
+        run = isDigit(text[place]) ? run + 1 : 0;
+        if (run == digestLength) {
+            return std::string(text.substr(place + 1 - digestLength, digestLength));
+        }
+    }
+    return std::nullopt;
+}
+
+/** A cache's entries: whose they are, those under a digest by who refers to them. */
+class Entries {
+public:
+    struct Entry {
+        SimpleCacheFile file;
+        std::vector<std::string> hosts;
+        std::vector<std::vector<std::string>> users;  ///< of one under a digest
+    };
+
+    Entries(const SimpleCache& cache, const FileManager& fileManager) {
+        cache.visit([&](const SimpleCacheFile& file) {
+            const std::string key = file.key.value_or("");
+            entries_.push_back({file, hostsIn(SiteForm::networkKey, key), {}});
+            hasDigests_ = hasDigests_ || isDigest(key);
+        });
+        if (hasDigests_) {
+            findUsers(cache, fileManager);
+        }
+    }
+
+    const std::vector<Entry>& all() const noexcept { return entries_; }
+
+private:
+    void findUsers(const SimpleCache& cache, const FileManager& fileManager) {
+        std::map<std::string, std::vector<std::vector<std::string>>, std::less<>> users;
+        for (const Entry& entry : entries_) {
+            const std::string key = entry.file.key.value_or("");
+            if (isDigest(key) || entry.file.size > longestReference) {
+                continue;
+            }
+            const Bytes bytes =
+                firstBytesIfThere(fileManager, cache.folder() / entry.file.name, longestReference);
+            if (const auto digest = digestIn(textOf(bytes))) {
+                users[*digest].push_back(entry.hosts);
+            }
+        }
+        for (Entry& entry : entries_) {
+            const auto found = users.find(entry.file.key.value_or(""));
+            if (found != users.end()) {
+                entry.users = found->second;
+            }
+        }
+    }
+
+    std::vector<Entry> entries_;
+    bool hasDigests_ = false;
+};
+
+/** What somebody who stays refers to, stays; what nobody refers to is of no use to anybody. */
+bool isGoing(const Entries::Entry& entry, SiteMatcher& matcher) {
+    if (!isDigest(entry.file.key.value_or(""))) {
+        return matcher.selectsHosts(entry.hosts);
+    }
+    return std::all_of(entry.users.begin(), entry.users.end(),
+                       [&](const auto& hosts) { return matcher.selectsHosts(hosts); });
+}
+
+}  // namespace
+
+CacheStore::CacheStore(std::filesystem::path folder, std::shared_ptr<const FileManager> fileManager)
+    : fileManager_(std::move(fileManager)), cache_(std::move(folder), fileManager_) {}
+
+TraceListing CacheStore::list(const KnownHosts& /*knownHosts*/) const {
+    if (cache_.isInBlocks()) {
+        return {{},
+                {{TraceKind::cachedFiles, path(), sizeOfAll(*fileManager_, path()),
+                  std::string(inBlocks)}}};
+    }
+    TraceCollector collector;
+    const Entries entries(cache_, *fileManager_);
+    for (const Entries::Entry& entry : entries.all()) {
+        const CleanableDataSize size{1, entry.file.size};
+        collector.add(TraceKind::cachedFiles, entry.hosts, size, entry.file.modified);
+        for (const auto& hosts : entry.users) {
+            collector.add(TraceKind::cachedFiles, hosts, size);
+        }
+    }
+    return {collector.traces(), {}};
+}
+
+std::set<std::string, std::less<>> CacheStore::namesOfGoing(const SiteSelection& selection) const {
+    std::set<std::string, std::less<>> names;
+    SiteMatcher matcher(selection);
+    const Entries entries(cache_, *fileManager_);
+    for (const Entries::Entry& entry : entries.all()) {
+        if (isGoing(entry, matcher)) {
+            names.insert(entry.file.name);
+        }
+    }
+    return names;
+}
+
+ForgetOutcome CacheStore::forget(const ForgetRequest& request) const {
+    if (!request.takes(TraceKind::cachedFiles)) {
+        return {};
+    }
+    const bool isInBlocks = cache_.isInBlocks();
+    if (request.sites.isEverything() ||
+        (isInBlocks && request.takesMixedOf(TraceKind::cachedFiles))) {
+        removeAll(*fileManager_, path());
+        return {};
+    }
+    if (isInBlocks) {
+        return {{{TraceKind::cachedFiles, path(), std::string(inBlocks)}}, true};
+    }
+    cache_.remove(namesOfGoing(request.sites));
+    return {};
+}
+
+}  // namespace browsersweep

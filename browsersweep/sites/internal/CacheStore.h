@@ -1,0 +1,35 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <set>
+#include <string>
+#include <string_view>
+
+#include "browsersweep/sites/TraceStore.h"
+#include "browsersweep/sites/internal/SimpleCache.h"
+
+namespace browsersweep {
+
+/**
+ * A cache in Chromium's "simple" format as a store, whose entries have addresses as their keys.
+ * Everything is the folder itself. A cache in the older format tells no site apart.
+ */
+class CacheStore : public TraceStore {
+public:
+    CacheStore(std::filesystem::path folder, std::shared_ptr<const FileManager> fileManager);
+
+    std::filesystem::path path() const override { return cache_.folder(); }
+    std::set<TraceKind> kinds() const override { return {TraceKind::cachedFiles}; }
+    TraceListing list(const KnownHosts& knownHosts) const override;
+    ForgetOutcome forget(const ForgetRequest& request) const override;
+
+private:
+    std::set<std::string, std::less<>> namesOfGoing(const SiteSelection& selection) const;
+
+    std::shared_ptr<const FileManager> fileManager_;
+    SimpleCache cache_;
+};
+
+}  // namespace browsersweep

@@ -1,0 +1,103 @@
+#include "browsersweep/sites/internal/HostDigests.h"
+
+#include <algorithm>
+#include <cstdint>
+
+#include "browsersweep/documents/internal/Digest.h"
+#include "browsersweep/sites/internal/StoreFiles.h"
+
+namespace browsersweep {
+namespace {
+
+constexpr std::string_view base64Digits =
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+constexpr unsigned bitsOfDigit = 6;
+constexpr unsigned bitsOfByte = 8;
+
+std::string toBase64(std::string_view bytes) {
+    constexpr unsigned mask = (1U << bitsOfDigit) - 1;
+    std::string text;
+    std::uint32_t waiting = 0;
+    unsigned count = 0;
+    for (const char byte : bytes) {
+        waiting = waiting << bitsOfByte | static_cast<unsigned char>(byte);
+        for (count += bitsOfByte; count >= bitsOfDigit; count -= bitsOfDigit) {
+            text += base64Digits[waiting >> (count - bitsOfDigit) & mask];
+        }
+    }
+    if (count > 0) {
+        text += base64Digits[waiting << (bitsOfDigit - count) & mask];
+    }
+    while (text.size() % 4 != 0) {
+        text += '=';
+    }
+    return text;
+}
+
+/** Each label after a byte with its length, and the root's empty one at the end. */
+std::string inWireForm(std::string_view host) {
+    std::string result;
+    while (!host.empty()) {
+        const std::string_view label = host.substr(0, host.find('.'));
+        result += static_cast<char>(label.size());
+        result += label;
+        host.remove_prefix(std::min(label.size() + 1, host.size()));
+    }
+    return result + '\0';
+}
+
+}  // namespace
+
+HostDigests::HostDigests(const KnownHosts& hosts, DigestOf digestOf) {
+    for (std::string host : hosts) {
+        // What holds for a domain is written once, for all hosts in it.
+        for (auto dot = host.find('.'); dot != std::string::npos; dot = host.find('.')) {
+            hosts_.emplace(digestOf(host), host);
+            host.erase(0, dot + 1);
+        }
+        if (hosts.contains(host)) {
+            hosts_.emplace(digestOf(host), host);
+        }
+    }
+}
+
+std::vector<std::string> HostDigests::hostsOf(std::string_view digest) const {
+    const auto found = hosts_.find(std::string(digest));
+    return found == hosts_.end() ? std::vector<std::string>() : std::vector{found->second};
+}
+
+std::string md5OfHost(const std::string& host) {
+    constexpr std::string_view digits = "0123456789abcdef";
+    std::string text;
+    for (const std::uint8_t byte : md5(host)) {
+        text += digits[byte / digits.size()];
+        text += digits[byte % digits.size()];
+    }
+    return text;
+}
+
+std::string sha256OfHost(const std::string& host) {
+    const auto digest = sha256(inWireForm(host));
+    return toBase64(textOf(digest));
+}
+
+std::string fromBase64(std::string_view text) {
+    std::string bytes;
+    std::uint32_t waiting = 0;
+    unsigned count = 0;
+    for (const char letter : text) {
+        const auto digit = base64Digits.find(letter);
+        if (digit == std::string_view::npos) {
+            break;
+        }
+        waiting = waiting << bitsOfDigit | static_cast<std::uint32_t>(digit);
+        count += bitsOfDigit;
+        if (count >= bitsOfByte) {
+            count -= bitsOfByte;
+            bytes += static_cast<char>(waiting >> count & 0xFFU);
+        }
+    }
+    return bytes;
+}
+
+}  // namespace browsersweep

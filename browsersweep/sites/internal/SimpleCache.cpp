@@ -1,0 +1,100 @@
+#include "browsersweep/sites/internal/SimpleCache.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "browsersweep/sites/internal/StoreFiles.h"
+
+namespace browsersweep {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t hashLength = 16;
+
+/** Magic number, version, length of the key, hash of the key, four bytes of nothing. */
+constexpr std::size_t headerSize = 24;
+constexpr std::size_t placeOfLength = 12;
+constexpr std::string_view magic = "\x30\x5C\x72\xA7\x1B\x6D\xFB\xFC";
+/** Nearly every key is shorter than this, and read with its header. */
+constexpr std::size_t usualSize = 1024;
+constexpr std::size_t largestKey = std::size_t{16} << 20;
+
+bool isEntryName(std::string_view name) noexcept {
+    return name.size() == hashLength + 2 && name[hashLength] == '_' &&
+           std::string_view("01s").find(name.back()) != std::string_view::npos &&
+           name.find_first_not_of("0123456789abcdef") == hashLength;
+}
+
+bool isPartOfBlocks(const FolderEntry& entry) noexcept {
+    return entry.name.starts_with("data_") && entry.kind == FolderEntry::Kind::file;
+}
+
+std::size_t lengthOfKey(std::string_view header) noexcept {
+    std::size_t length = 0;
+    for (std::size_t place = placeOfLength + 4; place > placeOfLength; --place) {
+        length = length << 8U | static_cast<unsigned char>(header[place - 1]);
+    }
+    return length;
+}
+
+/** What is damaged, or gone by now, has no key. */
+std::optional<std::string> keyOf(const FileManager& fileManager, const fs::path& file) {
+    Bytes bytes = firstBytesIfThere(fileManager, file, usualSize);
+    if (bytes.size() < headerSize || !textOf(bytes).starts_with(magic)) {
+        return std::nullopt;
+    }
+    const std::size_t length = lengthOfKey(textOf(bytes));
+    if (length > largestKey) {
+        return std::nullopt;
+    }
+    if (headerSize + length > usualSize) {
+        bytes = firstBytesIfThere(fileManager, file, headerSize + length);
+    }
+    if (bytes.size() < headerSize + length) {
+        return std::nullopt;
+    }
+    return std::string(textOf(bytes).substr(headerSize, length));
+}
+
+}  // namespace
+
+SimpleCache::SimpleCache(fs::path folder, std::shared_ptr<const FileManager> fileManager)
+    : folder_(std::move(folder)), fileManager_(std::move(fileManager)) {}
+
+bool SimpleCache::isInBlocks() const {
+    const auto entries = fileManager_->entries(folder_);
+    return std::any_of(entries.begin(), entries.end(), isPartOfBlocks);
+}
+
+void SimpleCache::visit(const std::function<void(const SimpleCacheFile&)>& visit) const {
+    const auto control = fileManager_->control();
+    for (FolderEntry& entry : fileManager_->entries(folder_)) {
+        continueOrThrow(control.get());
+        if (entry.kind == FolderEntry::Kind::file && isEntryName(entry.name)) {
+            auto key = keyOf(*fileManager_, folder_ / entry.name);
+            visit({std::move(entry.name), std::move(key), entry.size, entry.modified});
+        }
+    }
+}
+
+// By one walk, which resolves no path for each file. No file below has the name of an entry.
+void SimpleCache::remove(const std::set<std::string, std::less<>>& names) const {
+    if (names.empty()) {
+        return;
+    }
+    const auto control = fileManager_->control();
+    const auto walk = fileManager_->enumerator(folder_);
+    while (walk && walk->next()) {
+        continueOrThrow(control.get());
+        if (walk->isDirectory() == false && names.contains(walk->name())) {
+            walk->remove();
+            if (control) {
+                control->count({1, 0, 0});
+            }
+        }
+    }
+    removeAll(*fileManager_, index());
+}
+
+}  // namespace browsersweep

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string_view>
+
+#include "browsersweep/sites/Site.h"
+
+namespace browsersweep {
+
+/**
+ * Whether bytes of an unknown format hold the name of a host of a site, in ASCII or UTF-16: by
+ * whole labels, in any case of letters.
+ */
+bool namesSite(std::string_view bytes, const Site& site);
+
+}  // namespace browsersweep

@@ -1,0 +1,110 @@
+#include "browsersweep/sites/internal/StoreFiles.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <system_error>
+#include <utility>
+
+namespace browsersweep {
+namespace {
+
+namespace fs = std::filesystem;
+
+/** Its parent is asked: a link is not followed so. */
+std::optional<FolderEntry> entryAt(const FileManager& fileManager, const fs::path& path) {
+    const std::string name = path.filename().string();
+    for (FolderEntry& entry : fileManager.entries(path.parent_path())) {
+        if (entry.name == name) {
+            return std::move(entry);
+        }
+    }
+    return std::nullopt;
+}
+
+void removeEntry(const FileManager& fileManager, const fs::path& path, FolderEntry::Kind kind) {
+    if (kind == FolderEntry::Kind::folder) {
+        fileManager.removeFolder(path);
+        return;
+    }
+    fileManager.removeFile(path);
+    if (const auto control = fileManager.control()) {
+        control->count({1, 0, 0});
+    }
+}
+
+}  // namespace
+
+CleanableDataSize sizeOfAll(const FileManager& fileManager, const fs::path& path) {
+    const auto control = fileManager.control();
+    const auto entry = entryAt(fileManager, path);
+    if (!entry) {
+        return {};
+    }
+    if (entry->kind != FolderEntry::Kind::folder) {
+        return {1, entry->size};
+    }
+    CleanableDataSize sum;
+    const auto walk = fileManager.enumerator(path);
+    while (walk && walk->next()) {
+        continueOrThrow(control.get());
+        if (const auto bytes = walk->fileSize()) {
+            sum = sum + CleanableDataSize{1, *bytes};
+        }
+    }
+    return sum;
+}
+
+void removeAll(const FileManager& fileManager, const fs::path& path) {
+    continueOrThrow(fileManager.control().get());
+    if (const auto entry = entryAt(fileManager, path)) {
+        removeEntry(fileManager, path, entry->kind);
+    }
+}
+
+void removeLeftBeside(const FileManager& fileManager, const fs::path& path) {
+    const std::string name = path.filename().string();
+    for (const FolderEntry& entry : fileManager.entries(path.parent_path())) {
+        if (FileManager::isLeftByReplacing(entry.name, name)) {
+            removeEntry(fileManager, path.parent_path() / entry.name, entry.kind);
+        }
+    }
+}
+
+bool isBrowsersOwn(std::string_view origin) noexcept {
+    constexpr std::array<std::string_view, 5> schemes{
+        "chrome-extension", "chrome", "chrome-untrusted", "chrome-search", "devtools"};
+    const std::string_view scheme = origin.substr(0, origin.find_first_of(":_"));
+    return scheme.size() < origin.size() &&
+           std::find(schemes.begin(), schemes.end(), scheme) != schemes.end();
+}
+
+Bytes firstBytesIfThere(const FileManager& fileManager, const fs::path& file, std::size_t count) {
+    try {
+        return fileManager.firstBytes(file, count);
+    } catch (const fs::filesystem_error& error) {
+        if (error.code() != std::errc::no_such_file_or_directory) {
+            throw;
+        }
+        return {};
+    }
+}
+
+std::optional<Bytes> contentsIfThere(const FileManager& fileManager, const fs::path& file) {
+    const auto entry = entryAt(fileManager, file);
+    if (!entry) {
+        return std::nullopt;
+    }
+    if (entry->kind != FolderEntry::Kind::file) {
+        throw fs::filesystem_error("not a regular file", file,
+                                   std::make_error_code(std::errc::invalid_argument));
+    }
+    return fileManager.contents(file);
+}
+
+std::string_view textOf(BytesView bytes) noexcept {
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the same bytes, as text
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+}  // namespace browsersweep
