@@ -8,6 +8,7 @@
 
 #include "browsersweep/sites/internal/SiteForm.h"
 #include "browsersweep/sites/internal/SiteMatcher.h"
+#include "browsersweep/sites/internal/SiteText.h"
 #include "browsersweep/sites/internal/StoreFiles.h"
 #include "browsersweep/sites/internal/TraceCollector.h"
 
@@ -89,10 +90,16 @@ private:
     bool hasDigests_ = false;
 };
 
+/** An address of one site may hold another one's name, as what was typed into a search does. */
+bool isNamedIn(const std::string& key, const SiteSelection& selection) {
+    return selection.isOnly() && namesAny(key, selection.sites());
+}
+
 /** What somebody who stays refers to, stays; what nobody refers to is of no use to anybody. */
 bool isGoing(const Entries::Entry& entry, SiteMatcher& matcher) {
-    if (!isDigest(entry.file.key.value_or(""))) {
-        return matcher.selectsHosts(entry.hosts);
+    const std::string key = entry.file.key.value_or("");
+    if (!isDigest(key)) {
+        return matcher.selectsHosts(entry.hosts) || isNamedIn(key, matcher.selection());
     }
     return std::all_of(entry.users.begin(), entry.users.end(),
                        [&](const auto& hosts) { return matcher.selectsHosts(hosts); });

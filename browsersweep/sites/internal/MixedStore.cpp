@@ -1,6 +1,5 @@
 #include "browsersweep/sites/internal/MixedStore.h"
 
-#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -16,8 +15,8 @@ MixedStore::MixedStore(const MixedRow& row, const std::filesystem::path& folder,
 
 TraceListing MixedStore::list(const KnownHosts& /*knownHosts*/) const {
     const CleanableDataSize size = sizeOfAll(*fileManager_, path_);
-    if (size == CleanableDataSize::zero) {
-        return {};
+    if (size.byteCount.value == 0) {
+        return {};  // such as a database that was never used
     }
     return {{}, {{row_.kind, path_, size, std::string(row_.meaning)}}};
 }
@@ -29,9 +28,7 @@ void MixedStore::removeRecords(const SiteSelection& selection) const {
     }
     const auto& sites = selection.sites();
     database.rewrite([&sites](std::string_view key, std::string_view value) {
-        return std::none_of(sites.begin(), sites.end(), [&](const Site& site) {
-            return namesSite(key, site) || namesSite(value, site);
-        });
+        return !namesAny(key, sites) && !namesAny(value, sites);
     });
 }
 
@@ -40,7 +37,7 @@ ForgetOutcome MixedStore::forget(const ForgetRequest& request) const {
         return {};
     }
     removeLeftBeside(*fileManager_, path_);
-    if (request.takesMixedOf(row_.kind)) {
+    if (row_.isOfNoUse || request.takesMixedOf(row_.kind)) {
         removeAll(*fileManager_, path_);
         return {};
     }
@@ -48,7 +45,7 @@ ForgetOutcome MixedStore::forget(const ForgetRequest& request) const {
         removeRecords(request.sites);
         return {};
     }
-    if (sizeOfAll(*fileManager_, path_) == CleanableDataSize::zero) {
+    if (sizeOfAll(*fileManager_, path_).byteCount.value == 0) {
         return {};
     }
     return {{{row_.kind, path_, std::string(row_.meaning)}}, true};

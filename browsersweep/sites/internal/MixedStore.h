@@ -17,6 +17,8 @@ struct MixedRow {
     std::string_view meaning;  ///< what may stand there, and what removing it costs, for people
     /** It is a database of LevelDB: single records that name a site can be left out. */
     bool isOfRecords = false;
+    /** Nobody needs it any more: it goes with any site. */
+    bool isOfNoUse = false;
 };
 
 /** A file or folder that goes as a whole, or stays. */

@@ -78,23 +78,11 @@ void SimpleCache::visit(const std::function<void(const SimpleCacheFile&)>& visit
     }
 }
 
-// By one walk, which resolves no path for each file. No file below has the name of an entry.
 void SimpleCache::remove(const std::set<std::string, std::less<>>& names) const {
-    if (names.empty()) {
-        return;
+    if (!names.empty()) {
+        removeNamed(*fileManager_, folder_, names);
+        removeAll(*fileManager_, index());
     }
-    const auto control = fileManager_->control();
-    const auto walk = fileManager_->enumerator(folder_);
-    while (walk && walk->next()) {
-        continueOrThrow(control.get());
-        if (walk->isDirectory() == false && names.contains(walk->name())) {
-            walk->remove();
-            if (control) {
-                control->count({1, 0, 0});
-            }
-        }
-    }
-    removeAll(*fileManager_, index());
 }
 
 }  // namespace browsersweep

@@ -46,4 +46,9 @@ bool namesSite(std::string_view bytes, const Site& site) {
     return isNamedIn(text, site.name());
 }
 
+bool namesAny(std::string_view bytes, const std::set<Site>& sites) {
+    return std::any_of(sites.begin(), sites.end(),
+                       [bytes](const Site& site) { return namesSite(bytes, site); });
+}
+
 }  // namespace browsersweep

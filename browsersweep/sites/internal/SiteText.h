@@ -1,5 +1,6 @@
 #pragma once
 
+#include <set>
 #include <string_view>
 
 #include "browsersweep/sites/Site.h"
@@ -11,5 +12,8 @@ namespace browsersweep {
  * whole labels, in any case of letters.
  */
 bool namesSite(std::string_view bytes, const Site& site);
+
+/** The same for any of several sites. */
+bool namesAny(std::string_view bytes, const std::set<Site>& sites);
 
 }  // namespace browsersweep

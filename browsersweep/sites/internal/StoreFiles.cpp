@@ -62,6 +62,22 @@ void removeAll(const FileManager& fileManager, const fs::path& path) {
     }
 }
 
+// The names are such that no file in a folder below has one of them.
+void removeNamed(const FileManager& fileManager, const fs::path& folder,
+                 const std::set<std::string, std::less<>>& names) {
+    const auto control = fileManager.control();
+    const auto walk = names.empty() ? nullptr : fileManager.enumerator(folder);
+    while (walk && walk->next()) {
+        continueOrThrow(control.get());
+        if (walk->isDirectory() == false && names.contains(walk->name())) {
+            walk->remove();
+            if (control) {
+                control->count({1, 0, 0});
+            }
+        }
+    }
+}
+
 void removeLeftBeside(const FileManager& fileManager, const fs::path& path) {
     const std::string name = path.filename().string();
     for (const FolderEntry& entry : fileManager.entries(path.parent_path())) {

@@ -2,7 +2,10 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <functional>
 #include <optional>
+#include <set>
+#include <string>
 #include <string_view>
 
 #include "browsersweep/cleanable/CleanableDataSize.h"
@@ -16,6 +19,10 @@ CleanableDataSize sizeOfAll(const FileManager& fileManager, const std::filesyste
 
 /** Deletes a file, or a folder with all it holds; nothing where it is missing. */
 void removeAll(const FileManager& fileManager, const std::filesystem::path& path);
+
+/** Deletes the files in a folder that have one of these names: no path is resolved for each. */
+void removeNamed(const FileManager& fileManager, const std::filesystem::path& folder,
+                 const std::set<std::string, std::less<>>& names);
 
 /** Deletes what a replacement of a file or folder left beside it when it was cut short. */
 void removeLeftBeside(const FileManager& fileManager, const std::filesystem::path& path);

@@ -242,6 +242,15 @@ TEST_P(Caches, onlyTheEntriesOfASiteGoAndWithThemTheIndex) {
     EXPECT_EQ(namesIn(folder()), (Lines{"00000000000000bb_s", "index", "index-dir"}));
 }
 
+TEST_P(Caches, anEntryWhoseAddressHoldsTheNameOfASiteGoesWithIt) {
+    home.write(
+        at("00000000000000cc_0"),
+        cacheEntry("1/0/_dk_https://b.com https://b.com https://b.com/?q=www.a.com%2Fx", ""));
+    inCache(GetParam())->forget(only({"a.com"}));
+    EXPECT_EQ(namesIn(folder()),
+              (Lines{"00000000000000bb_s", "00000000000000dd_0", "index", "index-dir"}));
+}
+
 TEST_P(Caches, whereNothingGoesTheIndexStays) {
     const auto before = home.folder.snapshot();
     inCache(GetParam())->forget(only({"other.com"}));
@@ -272,7 +281,8 @@ TEST_P(Caches, aFolderOrLinkWithTheNameOfAnEntryIsNone) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Each, Caches,
-                         testing::Values("Cache/Cache_Data", "Code Cache/js", "Code Cache/wasm"));
+                         testing::Values("Cache/Cache_Data", "Code Cache/js", "Code Cache/wasm",
+                                         "Code Cache/webui_js"));
 
 TEST_F(FolderStores, compiledScriptsUnderADigestGoWithTheLastWhoRefersToThem) {
     const std::string shared(64, 'A');

@@ -159,7 +159,7 @@ DocumentForm networkPersistentState() {
 DocumentForm transportSecurity() {
     return {"TransportSecurity",
             {TraceKind::networkState},
-            {{"sts", networkState, promiseIn}, {"expect_ct", networkState, promiseIn}},
+            {{"sts", networkState, promiseIn}},
             true,
             sha256OfHost,
             "sites that asked to be loaded by https alone, under digests of their hosts: these are "

@@ -1,0 +1,123 @@
+#include "browsersweep/sites/firefox/internal/FirefoxCacheStore.h"
+
+#include <cstdint>
+#include <string_view>
+#include <utility>
+
+#include "browsersweep/sites/internal/SiteForm.h"
+#include "browsersweep/sites/internal/SiteMatcher.h"
+#include "browsersweep/sites/internal/SiteText.h"
+#include "browsersweep/sites/internal/StoreFiles.h"
+#include "browsersweep/sites/internal/TraceCollector.h"
+
+namespace browsersweep {
+namespace {
+
+constexpr std::size_t numberSize = 4;
+
+/** Numbers begin with their highest byte; none stands beyond the end. */
+std::uint64_t numberAt(BytesView file, std::uint64_t place) noexcept {
+    std::uint64_t number = 0;
+    for (std::uint64_t end = place + numberSize; place < end && place < file.size(); ++place) {
+        number = number << 8U | file[static_cast<std::size_t>(place)];
+    }
+    return number;
+}
+
+bool isNamedIn(const std::string& key, const SiteSelection& selection) {
+    return selection.isOnly() && namesAny(key, selection.sites());
+}
+
+}  // namespace
+
+// The last number says where the contents end. A digest follows, two bytes for each piece of them,
+// seven or eight numbers, the sixth of which after the version is the key's length, and the key.
+std::string keyOfFirefoxCacheEntry(BytesView file) {
+    constexpr std::uint64_t pieceSize = 262144;
+    constexpr std::uint64_t bytesOfPiece = 2;
+    constexpr std::uint64_t numbersBefore = 6;
+    constexpr std::uint64_t withFlags = 2;
+    if (file.size() < numberSize) {
+        return {};
+    }
+    const std::uint64_t contents = numberAt(file, file.size() - numberSize);
+    const std::uint64_t pieces = (contents + pieceSize - 1) / pieceSize;
+    const std::uint64_t header = contents + numberSize + pieces * bytesOfPiece;
+    const std::uint64_t length = numberAt(file, header + numbersBefore * numberSize);
+    const bool hasFlags = numberAt(file, header) >= withFlags;
+    const std::uint64_t key = header + (numbersBefore + (hasFlags ? 2 : 1)) * numberSize;
+    if (key > file.size() || length > file.size() - key) {
+        return {};
+    }
+    return std::string(
+        textOf(file.subspan(static_cast<std::size_t>(key), static_cast<std::size_t>(length))));
+}
+
+std::vector<std::string> hostsInFirefoxCacheKey(const std::string& key) {
+    std::vector<std::string> hosts;
+    const auto colon = key.find(':');  // what stands before it has none
+    if (colon != std::string::npos) {
+        hosts = hostsIn(SiteForm::address, std::string_view(key).substr(colon + 1));
+    }
+    for (std::string& host : hostsIn(SiteForm::originAttributes, key.substr(0, colon))) {
+        hosts.push_back(std::move(host));
+    }
+    return hosts;
+}
+
+FirefoxCacheStore::FirefoxCacheStore(std::filesystem::path folder,
+                                     std::shared_ptr<const FileManager> fileManager)
+    : folder_(std::move(folder)), fileManager_(std::move(fileManager)) {}
+
+void FirefoxCacheStore::visitEntries(const Visit& visit) const {
+    const auto control = fileManager_->control();
+    const auto entries = folder_ / "entries";
+    for (const FolderEntry& entry : fileManager_->entries(entries)) {
+        continueOrThrow(control.get());
+        if (entry.kind == FolderEntry::Kind::file) {
+            const Bytes file = firstBytesIfThere(*fileManager_, entries / entry.name,
+                                                 static_cast<std::size_t>(entry.size));
+            visit(entry, keyOfFirefoxCacheEntry(file));
+        }
+    }
+}
+
+TraceListing FirefoxCacheStore::list(const KnownHosts& /*knownHosts*/) const {
+    TraceCollector collector;
+    visitEntries([&](const FolderEntry& entry, const std::string& key) {
+        collector.add(TraceKind::cachedFiles, hostsInFirefoxCacheKey(key), {1, entry.size},
+                      entry.modified);
+    });
+    return {collector.traces(), {}};
+}
+
+/** Entries on their way out, and the index, which has a digest of each key. */
+void FirefoxCacheStore::removeWhatNobodyNeeds() const {
+    for (const FolderEntry& entry : fileManager_->entries(folder_)) {
+        if (entry.name != "entries") {
+            removeAll(*fileManager_, folder_ / entry.name);
+        }
+    }
+}
+
+ForgetOutcome FirefoxCacheStore::forget(const ForgetRequest& request) const {
+    if (!request.takes(TraceKind::cachedFiles)) {
+        return {};
+    }
+    if (request.sites.isEverything()) {
+        removeAll(*fileManager_, folder_);
+        return {};
+    }
+    SiteMatcher matcher(request.sites);
+    std::set<std::string, std::less<>> names;
+    visitEntries([&](const FolderEntry& entry, const std::string& key) {
+        if (matcher.selectsHosts(hostsInFirefoxCacheKey(key)) || isNamedIn(key, request.sites)) {
+            names.insert(entry.name);
+        }
+    });
+    removeNamed(*fileManager_, folder_ / "entries", names);
+    removeWhatNobodyNeeds();
+    return {};
+}
+
+}  // namespace browsersweep

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "browsersweep/platform/FileManager.h"
+#include "browsersweep/sites/TraceStore.h"
+
+namespace browsersweep {
+
+/**
+ * Firefox's cache: a folder with one file for each response, which ends with its key, and an index
+ * that Firefox makes anew where it is missing. Everything is the folder itself.
+ */
+class FirefoxCacheStore : public TraceStore {
+public:
+    FirefoxCacheStore(std::filesystem::path folder, std::shared_ptr<const FileManager> fileManager);
+
+    std::filesystem::path path() const override { return folder_; }
+    std::set<TraceKind> kinds() const override { return {TraceKind::cachedFiles}; }
+    TraceListing list(const KnownHosts& knownHosts) const override;
+    ForgetOutcome forget(const ForgetRequest& request) const override;
+
+private:
+    using Visit = std::function<void(const FolderEntry&, const std::string& key)>;
+
+    void visitEntries(const Visit& visit) const;
+    void removeWhatNobodyNeeds() const;
+
+    std::filesystem::path folder_;
+    std::shared_ptr<const FileManager> fileManager_;
+};
+
+/** The key of an entry, which stands in the last part of its file; empty where that is damaged. */
+std::string keyOfFirefoxCacheEntry(BytesView file);
+
+/** Whose an entry is: the site that it is from, and the one in which it was loaded. */
+std::vector<std::string> hostsInFirefoxCacheKey(const std::string& key);
+
+}  // namespace browsersweep
