@@ -51,11 +51,15 @@ std::string nameForSQLite(const std::filesystem::path& file) {
 class ConfinedFiles::Hooks {
 public:
     Hooks(const std::filesystem::path& database, DatabaseAccess access,
-          std::shared_ptr<OperationControl> control)
+          std::shared_ptr<OperationControl> control,
+          const std::filesystem::path& folderForTemporaryDatabases)
         : system_(systemFiles()),
           given_(nameForSQLite(database)),
           database_(trueName(database)),
           index_(database_ + std::string(indexSuffix)),
+          temporary_(folderForTemporaryDatabases.empty()
+                         ? std::string()
+                         : (folderForTemporaryDatabases / "database").string()),
           access_(access),
           control_(std::move(control)),
           name_("browsersweep-" + std::to_string(reinterpret_cast<std::uintptr_t>(this))),
@@ -78,12 +82,20 @@ public:
     Hooks& operator=(const Hooks&) = delete;
 
     int openDatabase(sqlite3** database) {
+        int code = SQLITE_OK;
+        const int known = whileKnown(
+            [&] { code = sqlite3_open_v2(given_.c_str(), database, writeFlags, name_.c_str()); });
+        return known == SQLITE_OK ? code : known;
+    }
+
+    int whileKnown(const std::function<void()>& work) {
         if (const int code = sqlite3_vfs_register(&vfs_, 0); code != SQLITE_OK) {
             return code;
         }
-        const int code = sqlite3_open_v2(given_.c_str(), database, writeFlags, name_.c_str());
-        sqlite3_vfs_unregister(&vfs_);
-        return code;
+        const auto forget = [](sqlite3_vfs* vfs) { sqlite3_vfs_unregister(vfs); };
+        const std::unique_ptr<sqlite3_vfs, decltype(forget)> known(&vfs_, forget);
+        work();
+        return SQLITE_OK;
     }
 
 private:
@@ -167,16 +179,25 @@ private:
         return code;
     }
 
+    int openNameless(ConfinedFile& file, int flags, int* flagsGiven) {
+        if (temporary_.empty() || (flags & SQLITE_OPEN_TEMP_DB) == 0) {
+            file.keepInMemory();
+            return SQLITE_OK;
+        }
+        const int code = file.open(*system_, temporary_.c_str(), flags, flagsGiven);
+        if (code == SQLITE_OK) {
+            file.confine({false, {}, control_});
+        }
+        return code;
+    }
+
     static int openFile(sqlite3_vfs* vfs, const char* name, sqlite3_file* raw, int flags,
                         int* flagsGiven) {
         ConfinedFile& file = ConfinedFile::prepare(raw);
         const bool isNameless = name == nullptr || (flags & SQLITE_OPEN_SUPER_JOURNAL) != 0;
         try {
-            if (isNameless) {
-                file.keepInMemory();
-                return SQLITE_OK;
-            }
-            return of(vfs).openNamed(name, file, flags, flagsGiven);
+            return isNameless ? of(vfs).openNameless(file, flags, flagsGiven)
+                              : of(vfs).openNamed(name, file, flags, flagsGiven);
         } catch (const std::exception&) {
             file.close();
             return SQLITE_NOMEM;
@@ -219,6 +240,7 @@ private:
     std::string given_;
     std::string database_;
     std::string index_;
+    std::string temporary_;
     DatabaseAccess access_;
     std::shared_ptr<OperationControl> control_;
     std::string name_;
@@ -228,13 +250,19 @@ private:
 };
 
 ConfinedFiles::ConfinedFiles(const std::filesystem::path& database, DatabaseAccess access,
-                             std::shared_ptr<OperationControl> control)
-    : hooks_(std::make_unique<Hooks>(database, access, std::move(control))) {}
+                             std::shared_ptr<OperationControl> control,
+                             const std::filesystem::path& folderForTemporaryDatabases)
+    : hooks_(std::make_unique<Hooks>(database, access, std::move(control),
+                                     folderForTemporaryDatabases)) {}
 
 ConfinedFiles::~ConfinedFiles() = default;
 
 int ConfinedFiles::open(sqlite3** database) {
     return hooks_->openDatabase(database);
+}
+
+int ConfinedFiles::whileKnown(const std::function<void()>& work) {
+    return hooks_->whileKnown(work);
 }
 
 }  // namespace browsersweep

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -27,7 +28,8 @@ enum class DatabaseAccess {
  *   empty one, and it stays.
  * - The database must be a regular file, and a companion one with a single name: another name
  *   would be another file that is overwritten. No link at the end of a path is followed.
- * - Files without a name, in which SQLite puts rows aside, are kept in memory.
+ * - Files without a name, in which SQLite puts rows aside, are kept in memory. A whole database of
+ *   this kind, as `VACUUM` makes one, may be given a folder instead.
  * - Reading can be stopped by a control.
  *
  * What is refused is SQLite's "unable to open database file". A file that takes another's place
@@ -36,9 +38,13 @@ enum class DatabaseAccess {
  */
 class ConfinedFiles {
 public:
-    /** The control may be null. */
+    /**
+     * The control may be null. The folder, if one is given, must be for this alone: a file in it
+     * has lost its name before anything is written to it.
+     */
     ConfinedFiles(const std::filesystem::path& database, DatabaseAccess access,
-                  std::shared_ptr<OperationControl> control);
+                  std::shared_ptr<OperationControl> control,
+                  const std::filesystem::path& folderForTemporaryDatabases = {});
     ConfinedFiles(const ConfinedFiles&) = delete;
     ConfinedFiles& operator=(const ConfinedFiles&) = delete;
     ~ConfinedFiles();
@@ -50,6 +56,12 @@ public:
      * later.
      */
     int open(sqlite3** database);
+
+    /**
+     * Makes the way known for the time of some work: `VACUUM` attaches a database that has no name.
+     * Returns SQLite's code; where that is an error the work was not begun.
+     */
+    int whileKnown(const std::function<void()>& work);
 
 private:
     class Hooks;
