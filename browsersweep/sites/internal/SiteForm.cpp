@@ -4,6 +4,8 @@
 #include <array>
 #include <cstddef>
 
+#include "browsersweep/sites/internal/MessageHosts.h"
+
 namespace browsersweep {
 namespace {
 
@@ -237,6 +239,10 @@ std::vector<std::string> hostsIn(SiteForm form, std::string_view text) {
             return inFirefoxFolder(text);
         case SiteForm::originAttributes:
             return inOriginAttributes(text);
+        case SiteForm::hostOrAddress:
+            return text.find("://") == std::string_view::npos ? inHost(text) : inAddress(text);
+        case SiteForm::message:
+            return hostsInMessage(text);
     }
     return {};
 }

@@ -18,6 +18,8 @@ enum class SiteForm {
     firefoxOrigin,       ///< Firefox: "https://a.com^partitionKey=%28https%2Cb.com%29"
     firefoxFolder,       ///< Firefox: "https+++a.com+8080^partitionKey=%28https%2Cb.com%29"
     originAttributes,    ///< Firefox: "^userContextId=1&partitionKey=%28https%2Cb.com%29"
+    hostOrAddress,       ///< either of the two
+    message,             ///< a protocol buffer: the hosts and addresses among its texts
 };
 
 /**

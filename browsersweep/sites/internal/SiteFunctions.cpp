@@ -1,0 +1,99 @@
+#include "browsersweep/sites/internal/SiteFunctions.h"
+
+#include <array>
+#include <cstddef>
+#include <exception>
+#include <span>
+#include <utility>
+
+#include <sqlite3.h>
+
+#include "browsersweep/sqlite/SQLiteError.h"
+
+namespace browsersweep {
+namespace {
+
+using Values = std::span<sqlite3_value*>;
+
+std::string_view textOf(sqlite3_value* value) noexcept {
+    const void* const bytes = sqlite3_value_type(value) == SQLITE_BLOB
+                                  ? sqlite3_value_blob(value)
+                                  : static_cast<const void*>(sqlite3_value_text(value));
+    const auto count = static_cast<std::size_t>(sqlite3_value_bytes(value));
+    return bytes == nullptr ? std::string_view()
+                            : std::string_view(static_cast<const char*>(bytes), count);
+}
+
+/** Answers with true or false, and with SQLite's error where memory runs out. */
+template <typename Answer>
+void answer(sqlite3_context* context, int count, sqlite3_value** values, Answer ask) {
+    try {
+        auto& functions = *static_cast<SiteFunctions*>(sqlite3_user_data(context));
+        const bool yes = ask(functions, Values(values, static_cast<std::size_t>(count)));
+        sqlite3_result_int(context, yes ? 1 : 0);
+    } catch (const std::exception&) {
+        sqlite3_result_error_nomem(context);
+    }
+}
+
+void namesSite(sqlite3_context* context, int count, sqlite3_value** values) {
+    answer(context, count, values, [](SiteFunctions& functions, Values given) {
+        for (std::size_t index = 0; index + 1 < given.size(); index += 2) {
+            const auto form = static_cast<SiteForm>(sqlite3_value_int(given[index]));
+            if (functions.names(form, textOf(given[index + 1]))) {
+                return true;
+            }
+        }
+        return false;
+    });
+}
+
+void isProtectedAddress(sqlite3_context* context, int count, sqlite3_value** values) {
+    answer(context, count, values, [](const SiteFunctions& functions, Values given) {
+        return functions.isProtected(textOf(given.front()));
+    });
+}
+
+struct KnownFunction {
+    const char* name;
+    int argumentCount;  // negative: any
+    void (*call)(sqlite3_context*, int, sqlite3_value**);
+};
+
+constexpr std::array<KnownFunction, 2> knownFunctions{{
+    {"namesSite", -1, namesSite},
+    {"isProtected", 1, isProtectedAddress},
+}};
+
+}  // namespace
+
+SiteFunctions::SiteFunctions(sqlite3* database, const SiteSelection& selection,
+                             ProtectedAddresses protectedAddresses)
+    : database_(database),
+      matcher_(SiteSelection::only(selection.sites())),
+      protectedAddresses_(std::move(protectedAddresses)) {
+    for (const auto& [name, count, call] : knownFunctions) {
+        const int code = sqlite3_create_function(
+            database_, name, count, SQLITE_UTF8 | SQLITE_DIRECTONLY, this, call, nullptr, nullptr);
+        if (code != SQLITE_OK) {
+            throw SQLiteError(sqlite3_errmsg(database_), code);
+        }
+    }
+}
+
+SiteFunctions::~SiteFunctions() {
+    for (const KnownFunction& known : knownFunctions) {
+        sqlite3_create_function(database_, known.name, known.argumentCount, SQLITE_UTF8, nullptr,
+                                nullptr, nullptr, nullptr);
+    }
+}
+
+bool SiteFunctions::names(SiteForm form, std::string_view text) {
+    return matcher_.selects(form, text);
+}
+
+bool SiteFunctions::isProtected(std::string_view address) const {
+    return protectedAddresses_.contains(address);
+}
+
+}  // namespace browsersweep

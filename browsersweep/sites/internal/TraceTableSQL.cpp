@@ -1,0 +1,214 @@
+#include "browsersweep/sites/internal/TraceTableSQL.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace browsersweep {
+namespace {
+
+// The names are this library's own or come from the database, so any character may be in them.
+std::string quoted(std::string_view name) {
+    std::string result = "\"";
+    for (const char letter : name) {
+        result.append(letter == '"' ? 2 : 1, letter);
+    }
+    return result + '"';
+}
+
+std::string formAndColumn(const SiteColumn& column) {
+    return std::to_string(static_cast<int>(column.form)) + ", " + quoted(column.name);
+}
+
+void append(std::string& text, std::string_view between, const std::string& more) {
+    text.append(text.empty() || more.empty() ? "" : between).append(more);
+}
+
+std::string withWhere(const std::string& condition) {
+    return condition.empty() ? std::string() : " WHERE " + condition;
+}
+
+}  // namespace
+
+TraceTableSQL::TraceTableSQL(const TraceTable& table, TableColumns columns)
+    : table_(table), columns_(std::move(columns)) {}
+
+bool TraceTableSQL::has(std::string_view column) const {
+    return !column.empty() && columns_.own.contains(column);
+}
+
+bool TraceTableSQL::hasRelation() const {
+    return has(table_.relation.column) && columns_.other.contains(table_.relation.otherColumn);
+}
+
+bool TraceTableSQL::isNamedByRelation() const {
+    return hasRelation() && columns_.other.contains(table_.relation.names.name);
+}
+
+bool TraceTableSQL::applies() const {
+    if (columns_.own.empty()) {
+        return false;
+    }
+    switch (table_.rule) {
+        case TableRule::orphans:
+            return hasRelation();
+        case TableRule::follows:
+            return isNamedByRelation();
+        case TableRule::resets:
+            return !isMixed() && !resetCondition().empty();
+        default:
+            return true;
+    }
+}
+
+bool TraceTableSQL::isMixed() const {
+    return table_.rule != TableRule::orphans && namesAny(true).empty();
+}
+
+std::string TraceTableSQL::ownNames() const {
+    std::string arguments;
+    for (const SiteColumn& column : table_.columns) {
+        if (has(column.name)) {
+            append(arguments, ", ", formAndColumn(column));
+        }
+    }
+    return arguments.empty() ? arguments : "namesSite(" + arguments + ")";
+}
+
+// Asked once for all rows: the other table is searched once. NULL is in no table.
+std::string TraceTableSQL::relatedNames() const {
+    if (!isNamedByRelation()) {
+        return {};
+    }
+    const TableRelation& relation = table_.relation;
+    return "coalesce(" + quoted(relation.column) + " IN (SELECT " + quoted(relation.otherColumn) +
+           " FROM " + quoted(relation.other) + " WHERE namesSite(" + formAndColumn(relation.names) +
+           ") AND " + quoted(relation.otherColumn) + " IS NOT NULL), 0)";
+}
+
+std::string TraceTableSQL::namesAny(bool alsoWhatOnlyRemoves) const {
+    std::string names = ownNames();
+    if (table_.relation.keeps || alsoWhatOnlyRemoves) {
+        append(names, " OR ", relatedNames());
+    }
+    return names;
+}
+
+std::string TraceTableSQL::selected(const SiteSelection& selection) const {
+    if (selection.isEverything() || isMixed()) {
+        return {};
+    }
+    const std::string names = namesAny(selection.isOnly());
+    return (selection.isOnly() ? "(" : "NOT (") + (names.empty() ? "0" : names) + ")";
+}
+
+std::string TraceTableSQL::isTrace() const {
+    return table_.condition.empty() ? std::string() : "(" + std::string(table_.condition) + ")";
+}
+
+std::string TraceTableSQL::orphanCondition() const {
+    const TableRelation& relation = table_.relation;
+    std::string parents =
+        "SELECT " + quoted(relation.otherColumn) + " FROM " + quoted(relation.other);
+    if (!columns_.otherIsRowNumber) {
+        parents += " WHERE " + quoted(relation.otherColumn) + " IS NOT NULL";
+    }
+    return quoted(relation.column) + " NOT IN (" + parents + ")";
+}
+
+std::string TraceTableSQL::resetCondition() const {
+    std::string condition;
+    for (const ColumnReset& reset : table_.resets) {
+        if (reset.tellsOfUse && has(reset.name)) {
+            append(condition, " OR ", quoted(reset.name) + " IS NOT " + std::string(reset.value));
+        }
+    }
+    return condition.empty() ? condition : "(" + condition + ")";
+}
+
+std::string TraceTableSQL::condition(const SiteSelection& selection) const {
+    std::string condition = isTrace();
+    if (table_.rule == TableRule::orphans) {
+        append(condition, " AND ", orphanCondition());
+        return condition;
+    }
+    if (table_.rule == TableRule::resets) {
+        append(condition, " AND ", resetCondition());
+    }
+    append(condition, " AND ", selected(selection));
+    return condition;
+}
+
+std::string TraceTableSQL::removal(const SiteSelection& selection) const {
+    if (table_.rule != TableRule::resets) {
+        return "DELETE FROM " + quoted(table_.name) + withWhere(condition(selection));
+    }
+    std::string changes;
+    for (const ColumnReset& reset : table_.resets) {
+        if (has(reset.name)) {
+            append(changes, ", ", quoted(reset.name) + " = " + std::string(reset.value));
+        }
+    }
+    return "UPDATE " + quoted(table_.name) + " SET " + changes + withWhere(condition(selection));
+}
+
+std::string TraceTableSQL::parentQuestion() const {
+    const bool mayRowsStay =
+        table_.rule != TableRule::orphans || !columns_.ownIsRequired || !table_.condition.empty();
+    return mayRowsStay ? std::string()
+                       : "SELECT EXISTS (SELECT 1 FROM " + quoted(table_.relation.other) + ")";
+}
+
+std::string TraceTableSQL::removalOfAll() const {
+    return "DELETE FROM " + quoted(table_.name);
+}
+
+std::string TraceTableSQL::question(const SiteSelection& selection) const {
+    return "SELECT EXISTS (SELECT 1 FROM " + quoted(table_.name) + withWhere(condition(selection)) +
+           ")";
+}
+
+std::string TraceTableSQL::bytes() const {
+    std::string sum;
+    for (const std::string& column : columns_.own) {
+        append(sum, " + ", "coalesce(length(" + quoted(column) + "), 0)");
+    }
+    return sum;
+}
+
+std::string TraceTableSQL::listing() const {
+    const TableRelation& relation = table_.relation;
+    std::string result = has(table_.lastUsed.name) ? quoted(table_.lastUsed.name) : "NULL";
+    result += ", " + bytes();
+    for (const SiteColumn& column : table_.columns) {
+        if (has(column.name)) {
+            result += ", " + quoted(column.name);
+        }
+    }
+    if (isNamedByRelation()) {
+        result += ", (SELECT group_concat(o." + quoted(relation.names.name) + ", char(10)) FROM " +
+                  quoted(relation.other) + " AS o WHERE o." + quoted(relation.otherColumn) +
+                  " = t." + quoted(relation.column) + ")";
+    }
+    return "SELECT " + result + " FROM " + quoted(table_.name) + " AS t" +
+           withWhere(condition(SiteSelection::everything()));
+}
+
+std::vector<SiteForm> TraceTableSQL::listedForms() const {
+    std::vector<SiteForm> forms;
+    for (const SiteColumn& column : table_.columns) {
+        if (has(column.name)) {
+            forms.push_back(column.form);
+        }
+    }
+    if (isNamedByRelation()) {
+        forms.push_back(table_.relation.names.form);
+    }
+    return forms;
+}
+
+std::string TraceTableSQL::totals() const {
+    return "SELECT count(*), coalesce(sum(" + bytes() + "), 0) FROM " + quoted(table_.name) +
+           withWhere(condition(SiteSelection::everything()));
+}
+
+}  // namespace browsersweep

@@ -1,0 +1,322 @@
+#include <algorithm>
+#include <cstddef>
+#include <filesystem>
+#include <iterator>
+#include <memory>
+#include <ostream>
+#include <set>
+#include <span>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "browsersweep/sites/chromium/internal/ChromiumDatabases.h"
+
+#include "tests/support/ChromiumSchemas.h"
+#include "tests/support/Database.h"
+#include "tests/support/DatabaseContents.h"
+#include "tests/support/GuardedFileManager.h"
+#include "tests/support/PlantedRows.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace browsersweep {
+namespace {
+
+namespace fs = std::filesystem;
+
+using Lines = std::vector<std::string>;
+
+using tests::contentsOf;
+using tests::Database;
+using tests::filesHolding;
+using tests::PlantedRows;
+using tests::TemporaryFolder;
+
+/** What is planted in one database. */
+struct Planting {
+    std::string file;
+    PlantedRows ofBrowser;  ///< stay whatever is forgotten
+    PlantedRows ofSite;     ///< for each of two sites
+    /** Each names the first site in one column alone, and the second, "{t}", in all others. One
+     * entry may be several rows that belong together, with ";;" between them. */
+    PlantedRows crossing;
+    PlantedRows orphans;  ///< what they refer to is gone; they tell no site
+};
+
+void PrintTo(const Planting& planting, std::ostream* stream) {
+    *stream << planting.file;
+}
+
+// clang-format off
+const std::vector<Planting> plantings{
+    {"History",
+     {"meta|key='version'|value='70'", "history_sync_metadata|storage_key=7"},
+     {"urls|id={n}|url='https://www.{s}/page'|title='title {s}'|last_visit_time=13300000000000000",
+      "visits|id={n}|url={n}|visit_time=13300000000000000",
+      "visit_source|id={n}|source=1",
+      "content_annotations|visit_id={n}|alternative_title='annotated {s}'",
+      "context_annotations|visit_id={n}",
+      "keyword_search_terms|keyword_id=2|url_id={n}|term='words on {s}'|normalized_term='words'",
+      "segments|id={n}|name='https://{s}/'|url_id={n}",
+      "segment_usage|id={n}|segment_id={n}",
+      "visited_links|id={n}|link_url_id={n}|top_level_url='https://{s}/'|frame_url='https://{s}/'",
+      "clusters|cluster_id={n}|label='cluster {s}'",
+      "clusters_and_visits|cluster_id={n}|visit_id={n}|url_for_deduping='https://{s}/'|normalized_url='https://{s}/'",
+      "cluster_keywords|cluster_id={n}|keyword='keyword {s}'",
+      "cluster_visit_duplicates|visit_id={n}|duplicate_visit_id={n}",
+      "downloads|id={n}|tab_url='https://{s}/'|site_url='https://{s}/'|referrer='https://{s}/'|tab_referrer_url='https://{s}/'|target_path='/downloads/{s}'|start_time=13300000000000000",
+      "downloads_url_chains|id={n}|chain_index=0|url='https://cdn.{s}/file'",
+      "downloads_slices|download_id={n}|offset={n}"},
+     {"segments|id=21|name='https://{s}/'|url_id=2",
+      "segment_usage|id=21|segment_id=21",
+      "visited_links|id=21|link_url_id=2|top_level_url='https://{s}/'|frame_url='https://{t}/'",
+      "visited_links|id=22|link_url_id=2|top_level_url='https://{t}/'|frame_url='https://{s}/'",
+      "visited_links|id=23|link_url_id=1|top_level_url='https://{t}/'|frame_url='https://{t}/'",
+      "clusters_and_visits|cluster_id=21|visit_id=2|url_for_deduping='https://{s}/'|normalized_url='https://{t}/'",
+      "clusters_and_visits|cluster_id=22|visit_id=2|url_for_deduping='https://{t}/'|normalized_url='https://{s}/'",
+      "cluster_visit_duplicates|visit_id=1|duplicate_visit_id=2",
+      "cluster_visit_duplicates|visit_id=2|duplicate_visit_id=1",
+      "clusters|cluster_id=21", "cluster_keywords|cluster_id=21",
+      "downloads|id=21|tab_url='https://{s}/'|site_url='https://{t}/'|referrer='https://{t}/'|tab_referrer_url='https://{t}/'",
+      "downloads|id=22|tab_url='https://{t}/'|site_url='https://{s}/'|referrer='https://{t}/'|tab_referrer_url='https://{t}/'",
+      "downloads|id=23|tab_url='https://{t}/'|site_url='https://{t}/'|referrer='https://{s}/'|tab_referrer_url='https://{t}/'",
+      "downloads|id=24|tab_url='https://{t}/'|site_url='https://{t}/'|referrer='https://{t}/'|tab_referrer_url='https://{s}/'",
+      "downloads|id=25|tab_url='https://{t}/'|site_url='https://{t}/'|referrer='https://{t}/'|tab_referrer_url='https://{t}/';;"
+      "downloads_url_chains|id=25|chain_index=0|url='https://{t}/';;"
+      "downloads_url_chains|id=25|chain_index=1|url='https://{s}/'"},
+     {"visits|id=91|url=91|visit_time=1", "visit_source|id=92|source=1", "content_annotations|visit_id=92",
+      "context_annotations|visit_id=92", "keyword_search_terms|keyword_id=2|url_id=91|term='lost'|normalized_term='lost'",
+      "segments|id=91|name=''|url_id=91", "segment_usage|id=91|segment_id=92", "visited_links|id=91|link_url_id=91|top_level_url=''|frame_url=''",
+      "clusters_and_visits|cluster_id=91|visit_id=91|url_for_deduping=''|normalized_url=''", "clusters|cluster_id=92", "cluster_keywords|cluster_id=93",
+      "journey_history_entries|journey_id='lost'|visit_timestamp_micros=1", "journey_continuation_queries|id=1|journey_id='lost'",
+      "downloads_url_chains|id=91|chain_index=0|url=''", "downloads_slices|download_id=91|offset=0"}},
+    {"Favicons",
+     {"meta|key='version'|value='8'",
+      "icon_mapping|id=50|page_url='https://www.bookmarked.test/page'|icon_id=50",
+      "favicons|id=50|url='https://www.bookmarked.test/icon'", "favicon_bitmaps|id=50|icon_id=50"},
+     {"icon_mapping|id={n}|page_url='https://www.{s}/page'|icon_id={n}",
+      "favicons|id={n}|url='https://www.{s}/icon'", "favicon_bitmaps|id={n}|icon_id={n}|image_data='bitmap {s}'"},
+     {"icon_mapping|id=21|page_url='https://{s}/'|icon_id=2",
+      "icon_mapping|id=22|page_url='https://{t}/'|icon_id=22", "favicons|id=22|url='https://{s}/other'",
+      "favicons|id=23|url='https://{s}/unmapped'"},
+     {"icon_mapping|id=91|page_url=''|icon_id=91", "favicons|id=92|url=''", "favicon_bitmaps|id=93|icon_id=93"}},
+    {"Network Action Predictor",
+     {"resource_prefetch_predictor_metadata|key='version'|value=10"},
+     {"network_action_predictor|id='{n}'|user_text='{s}'|url='https://{s}/'",
+      "resource_prefetch_predictor_url|key='https://{s}/'|proto={m}",
+      "resource_prefetch_predictor_url_redirect|key='https://{s}/'|proto={m}",
+      "resource_prefetch_predictor_host|key='{s}'|proto={m}",
+      "resource_prefetch_predictor_host_redirect|key='{s}'|proto={m}",
+      "resource_prefetch_predictor_manifest|key='{s}'|proto={m}",
+      "resource_prefetch_predictor_origin|key='{s}'|proto={m}",
+      "lcp_critical_path_predictor|key='{s}'|proto={m}",
+      "lcp_critical_path_predictor_initiator_origin|key='https://{s}'|proto={m}"},
+     {"resource_prefetch_predictor_url|key='https://{t}/x'|proto={m}", "resource_prefetch_predictor_url|key='https://x.{s}/'",
+      "resource_prefetch_predictor_url_redirect|key='https://{t}/x'|proto={m}", "resource_prefetch_predictor_url_redirect|key='https://x.{s}/'",
+      "resource_prefetch_predictor_host|key='x.{t}'|proto={m}", "resource_prefetch_predictor_host|key='x.{s}'",
+      "resource_prefetch_predictor_host_redirect|key='x.{t}'|proto={m}", "resource_prefetch_predictor_host_redirect|key='x.{s}'",
+      "resource_prefetch_predictor_manifest|key='x.{t}'|proto={m}", "resource_prefetch_predictor_manifest|key='x.{s}'",
+      "resource_prefetch_predictor_origin|key='x.{t}'|proto={m}", "resource_prefetch_predictor_origin|key='x.{s}'",
+      "lcp_critical_path_predictor|key='x.{t}'|proto={m}", "lcp_critical_path_predictor|key='x.{s}'",
+      "lcp_critical_path_predictor_initiator_origin|key='https://x.{t}'|proto={m}", "lcp_critical_path_predictor_initiator_origin|key='https://x.{s}'"},
+     {}},
+    {"Top Sites", {"meta|key='version'|value='5'"},
+     {"top_sites|url='https://www.{s}/'|title='title {s}'", "thumbnails|url='https://www.{s}/'|title='title {s}'"}, {}, {}},
+    {"Shortcuts", {"meta|key='version'|value='2'"},
+     {"omni_box_shortcuts|id='{n}'|text='{s}'|url='https://www.{s}/'|contents='title {s}'|last_access_time=13300000000000000"}, {}, {}},
+    {"Cookies", {"meta|key='version'|value='24'"},
+     {"cookies|host_key='.{s}'|name='name'|value='value {s}'|last_access_utc=13300000000000000"},
+     {"cookies|host_key='.{t}'|top_frame_site_key='https://{s}'|name='framed'", "cookies|host_key='x.{s}'|top_frame_site_key='https://{t}'|name='framed'"}, {}},
+    {"DIPS", {"meta|key='version'|value='8'", "config|key='prepopulated'|int_value=1"},
+     {"bounces|site='{s}'|last_user_activation_time=13300000000000000", "popups|opener_site='{s}'|popup_site='{s}'"},
+     {"popups|opener_site='{s}'|popup_site='{t}'", "popups|opener_site='{t}'|popup_site='{s}'"}, {}},
+    {"Reporting and NEL", {"meta|key='version'|value='3'"},
+     {"nel_policies|origin_host='www.{s}'|nik='https://{s} https://{s}'",
+      "reporting_endpoints|origin_host='www.{s}'|nik='https://{s} https://{s}'|url='https://report.{s}/'",
+      "reporting_endpoint_groups|origin_host='www.{s}'|nik='https://{s} https://{s}'"},
+     {"nel_policies|origin_host='x.{s}'|nik='https://{t} https://{t}'", "nel_policies|origin_host='x.{t}'|nik='https://{s} https://{t}'",
+      "reporting_endpoints|origin_host='x.{s}'|nik='https://{t}'|url='https://{t}/'", "reporting_endpoints|origin_host='x.{t}'|nik='https://{s}'|url='https://{t}/'",
+      "reporting_endpoints|origin_host='x.{t}'|nik='https://{t}'|url='https://{s}/'",
+      "reporting_endpoint_groups|origin_host='x.{s}'|nik='https://{t}'", "reporting_endpoint_groups|origin_host='x.{t}'|nik='https://{s}'"}, {}},
+    {"Trust Tokens", {"meta|key='version'|value='1'"},
+     {"trust_tokens_issuer_config|key='https://{s}'|proto={m}", "trust_tokens_toplevel_config|key='https://{s}'|proto={m}",
+      "trust_tokens_issuer_toplevel_pair_config|key='https://{s} https://{s}'|proto={m}"},
+     {"trust_tokens_issuer_config|key='https://x.{s}'", "trust_tokens_issuer_config|key='https://x.{t}'|proto={m}",
+      "trust_tokens_toplevel_config|key='https://x.{s}'", "trust_tokens_toplevel_config|key='https://x.{t}'|proto={m}",
+      "trust_tokens_issuer_toplevel_pair_config|key='https://{s} https://{t}'", "trust_tokens_issuer_toplevel_pair_config|key='https://x.{t}'|proto={m}"}, {}},
+    {"heavy_ad_intervention_opt_out.db", {"enabled_previews_v1|type=1|version=1"}, {"previews_v1|host_name='{s}'|time=13300000000000000"}, {}, {}},
+    {"declarative_performance_observer.db", {},
+     {"declarative_performance_observer_policies|origin='https://{s}'", "declarative_performance_observer_reports|id={n}|origin='https://{s}'|payload='of {s}'"}, {}, {}},
+    {"WebStorage/QuotaManager",
+     {"meta|key='version'|value='10'", "buckets|id=50|storage_key='chrome-extension://abcdefghijklmnop/'|host='abcdefghijklmnop'|name='x'",
+      "eviction_info|origin='chrome-extension://abcdefghijklmnop/'"},
+     {"buckets|id={n}|storage_key='https://www.{s}/'|host='www.{s}'|name='_default'|last_accessed=13300000000000000",
+      "quota|host='www.{s}'", "eviction_info|origin='https://www.{s}/'"},
+     {"buckets|id=21|storage_key='https://{s}/^0https://{t}'|host='{s}'|name='_default'", "buckets|id=22|storage_key='https://{t}/^0https://{s}'|host='{t}'|name='_default'"}, {}},
+    {"segmentation_platform/ukm_db", {"uma_metrics|id=1|metric_hash='kept'"},
+     {"urls|url_id={n}|url='https://www.{s}/'|title='title {s}'|last_timestamp=13300000000000000", "metrics|id={n}|url_id={n}|event_hash='event {s}'"},
+     {}, {"metrics|id=91|url_id=91"}},
+};
+// clang-format on
+
+PlantedRows withSecondSite(PlantedRows rows, const std::string& site) {
+    for (std::string& row : rows) {
+        for (auto at = row.find("{t}"); at != std::string::npos; at = row.find("{t}")) {
+            row.replace(at, 3, site);
+        }
+    }
+    return rows;
+}
+
+class ChromiumDatabases : public testing::TestWithParam<Planting> {
+protected:
+    static constexpr const char* gone = "gonehost.test";
+    static constexpr const char* kept = "kepthost.test";
+
+    ChromiumDatabases() {
+        home_.makeFolder("tmp");
+        home_.write("profile/Bookmarks",
+                    R"({"roots": {"bookmark_bar": {"type": "folder", "children": [
+                        {"type": "url", "name": "b", "url": "https://www.bookmarked.test/page"}]}}})");
+    }
+
+    const Planting& planting() const { return GetParam(); }
+
+    /** The database in a folder of this name, with what stays and what a site left. */
+    Database made(const std::string& folder, const std::vector<std::string>& sites) const {
+        Database database = tests::makeChromiumDatabase(home_ / folder, planting().file);
+        tests::plant(database, planting().ofBrowser, "bookmarked.test", 50);
+        for (const std::string& site : sites) {
+            tests::plant(database, planting().ofSite, site, site == gone ? 1 : 2);
+        }
+        return database;
+    }
+
+    Lines contentsMade(const std::vector<std::string>& sites) const {
+        made("expected", sites);
+        Lines contents = contentsOf(home_ / "expected" / planting().file);
+        fs::remove_all(home_ / "expected");
+        return contents;
+    }
+
+    fs::path file() const { return home_ / "profile" / planting().file; }
+
+    std::shared_ptr<const TraceStore> store() const {
+        for (const TraceStores& stores : {databaseStores(home_ / "profile", manager_),
+                                          sharedDatabaseStores(home_ / "profile", manager_)}) {
+            for (const auto& each : stores) {
+                if (each->path() == file()) {
+                    return each;
+                }
+            }
+        }
+        return nullptr;
+    }
+
+    ForgetRequest request(const SiteSelection& selection) const {
+        return {selection, {}, false, false, {}};
+    }
+
+    TemporaryFolder home_{tests::folderInMemory()};
+    std::shared_ptr<const FileManager> manager_ = tests::GuardedFileManager::forFixture(home_);
+};
+
+TEST_P(ChromiumDatabases, oneSiteIsForgottenInEveryColumnAndTheOtherStaysAsItIs) {
+    {
+        const Database database = made("profile", {kept});
+        tests::plantDeleted(database, planting().ofSite, gone, 1);
+        tests::plant(database, planting().ofSite, gone, 1);
+        tests::plant(database, withSecondSite(planting().crossing, kept), gone, 1);
+        tests::plant(database, planting().orphans, gone, 1);
+    }
+    EXPECT_EQ(store()->forget(request(SiteSelection::only({*Site::ofHost(gone)}))),
+              ForgetOutcome{});
+    EXPECT_EQ(contentsOf(file()), contentsMade({kept}));
+    EXPECT_EQ(filesHolding(file(), gone), Lines{});
+}
+
+TEST_P(ChromiumDatabases, eachRowThatNamesASiteInOneColumnIsForgottenByItself) {
+    for (const std::string& row : withSecondSite(planting().crossing, kept)) {
+        SCOPED_TRACE(row);
+        {
+            const Database database = made("profile", {kept, gone});
+            tests::plant(database, {row}, gone, 1);
+        }
+        store()->forget(request(SiteSelection::only({*Site::ofHost(gone)})));
+        EXPECT_EQ(contentsOf(file()), contentsMade({kept}));
+        fs::remove_all(file().parent_path());
+    }
+}
+
+TEST_P(ChromiumDatabases, allButOneSiteIsForgotten) {
+    {
+        const Database database = made("profile", {kept, gone});
+        tests::plant(database, planting().orphans, gone, 1);
+    }
+    store()->forget(request(SiteSelection::allBut({*Site::ofHost(kept)})));
+    EXPECT_EQ(contentsOf(file()), contentsMade({kept}));
+    EXPECT_EQ(filesHolding(file(), gone), Lines{});
+}
+
+TEST_P(ChromiumDatabases, everythingIsForgottenButWhatTheBrowserNeeds) {
+    {
+        const Database database = made("profile", {kept, gone});
+        tests::plant(database, withSecondSite(planting().crossing, kept), gone, 1);
+        tests::plant(database, planting().orphans, gone, 1);
+    }
+    store()->forget(request(SiteSelection::everything()));
+    EXPECT_EQ(contentsOf(file()), contentsMade({}));
+    EXPECT_EQ(filesHolding(file(), gone), Lines{});
+    EXPECT_EQ(filesHolding(file(), kept), Lines{});
+}
+
+TEST_P(ChromiumDatabases, listingChangesNothingAndKnowsTheSites) {
+    made("profile", {kept, gone});
+    const auto before = home_.snapshot();
+    std::set<std::string> names;
+    for (const Trace& trace : store()->list({}).bySite) {
+        names.insert(trace.site.name());
+    }
+    EXPECT_EQ(names, (std::set<std::string>{gone, kept}));
+    const auto after = home_.snapshot();
+    Lines changed;
+    std::set_symmetric_difference(before.begin(), before.end(), after.begin(), after.end(),
+                                  std::back_inserter(changed));
+    for (std::string& each : changed) {
+        each.resize(std::min(each.size(), std::size_t{60}));
+    }
+    EXPECT_EQ(changed, Lines{});
+}
+
+TEST_P(ChromiumDatabases, everyTableOfTheRulesIsPlanted) {
+    made("profile", {kept});
+    const auto rowsOf = [this](std::span<const ChromiumDatabase> databases) {
+        for (const ChromiumDatabase& database : databases) {
+            if (database.file == planting().file) {
+                return database.tables;
+            }
+        }
+        return std::span<const TraceTable>();
+    };
+    const auto own = rowsOf(chromiumDatabases());
+    for (const TraceTable& table : own.empty() ? rowsOf(sharedChromiumDatabases()) : own) {
+        if (!table.name.starts_with("journey")) {
+            EXPECT_GT(Database(file()).number("SELECT COUNT(*) FROM " + std::string(table.name)), 0)
+                << table.name;
+        }
+    }
+}
+
+std::string nameOf(const testing::TestParamInfo<Planting>& info) {
+    std::string name = info.param.file;
+    name.erase(std::remove_if(name.begin(), name.end(),
+                              [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); }),
+               name.end());
+    return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(OfAllFiles, ChromiumDatabases, testing::ValuesIn(plantings), nameOf);
+
+}  // namespace
+}  // namespace browsersweep
