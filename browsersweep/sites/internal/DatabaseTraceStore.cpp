@@ -233,6 +233,17 @@ DatabaseTraceStore::Survey DatabaseTraceStore::surveyOfSnapshot(
     return survey;
 }
 
+bool DatabaseTraceStore::hasRemains(const SiteDatabase& database,
+                                    const ForgetRequest& request) const {
+    if (request.sites.isOnly()) {
+        return false;
+    }
+    const auto rules = rulesIn(database.handle(), database_.tables, fileManager_->control().get());
+    return std::any_of(rules.begin(), rules.end(), [&](const Rule& rule) {
+        return isTaken(rule, request) && database.hasRemains(rule.table.name);
+    });
+}
+
 void DatabaseTraceStore::remove(const SiteDatabase& database, const ForgetRequest& request) const {
     OperationControl* const control = fileManager_->control().get();
     const SiteFunctions functions(database.handle(), request.sites, protectedAddresses());
@@ -265,7 +276,7 @@ ForgetOutcome DatabaseTraceStore::forget(const ForgetRequest& request) const {
         SiteDatabase database(database_.file, fileManager_);
         Survey survey = surveyOf(database.handle(), request);
         outcome.kept = std::move(survey.kept);
-        if (!survey.isAnythingToDo) {
+        if (!survey.isAnythingToDo && !hasRemains(database, request)) {
             return outcome;
         }
         remove(database, request);

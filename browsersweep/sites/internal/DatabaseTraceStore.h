@@ -68,6 +68,7 @@ private:
     Survey surveyOf(sqlite3* database, const ForgetRequest& request) const;
     Survey surveyOfSnapshot(const ForgetRequest& request) const;
     std::vector<KeptTrace> keptIn(sqlite3* database, const ForgetRequest& request) const;
+    bool hasRemains(const SiteDatabase& database, const ForgetRequest& request) const;
     void remove(const SiteDatabase& database, const ForgetRequest& request) const;
     void removeColdJournal() const;
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -83,11 +84,45 @@ std::int64_t SiteDatabase::number(const std::string& sql) const {
     return numberOf(handle_, sql, control_.get());
 }
 
+// A page without cells that is a leaf has nothing behind its header.
+bool SiteDatabase::isBlank(std::int64_t page) const {
+    constexpr std::size_t headerSize = 8;
+    sqlite3_file* file = nullptr;
+    sqlite3_file_control(handle_, "main", SQLITE_FCNTL_FILE_POINTER, static_cast<void*>(&file));
+    Bytes bytes(static_cast<std::size_t>(number("PRAGMA page_size")));
+    const auto offset = (page - 1) * static_cast<sqlite3_int64>(bytes.size());
+    const int code =
+        file->pMethods->xRead(file, bytes.data(), static_cast<int>(bytes.size()), offset);
+    if (code != SQLITE_OK) {
+        throw SQLiteError(sqlite3_errstr(code), code);
+    }
+    return std::all_of(bytes.begin() + headerSize, bytes.end(),
+                       [](std::uint8_t each) { return each == 0; });
+}
+
+bool SiteDatabase::hasRemains(std::string_view table) const {
+    const std::string name(table);
+    if (number("SELECT EXISTS (SELECT 1 FROM \"" + name + "\")") != 0) {
+        return false;
+    }
+    DatabaseQuery pages(
+        handle_,
+        "SELECT rootpage FROM sqlite_master WHERE tbl_name = '" + name + "' AND rootpage > 0",
+        control_.get());
+    while (pages.next()) {
+        if (!isBlank(pages.number(0))) {
+            return true;
+        }
+    }
+    return false;
+}
+
 void SiteDatabase::checkWholeness() const {
     DatabaseQuery query(handle_, "PRAGMA quick_check", control_.get());
     while (query.next()) {
         const std::string remark(query.text(0));
         if (remark != "ok" && !isAboutValues(remark)) {
+            continueOrThrow(control_.get());  // a check that is stopped takes pages for damaged
             throw SQLiteError("the database is damaged: " + remark, SQLITE_CORRUPT);
         }
     }

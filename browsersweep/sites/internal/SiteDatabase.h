@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "browsersweep/platform/FileManager.h"
 #include "browsersweep/platform/internal/TemporaryFolder.h"
@@ -42,6 +43,12 @@ public:
     std::int64_t number(const std::string& sql) const;
 
     /**
+     * Whether rows that were deleted earlier still stand in the page that a table without rows, or
+     * an index of it, begins with: such a page is never free. False for a table that has rows.
+     */
+    bool hasRemains(std::string_view table) const;
+
+    /**
      * Makes changes in one transaction that no other program can come between, in a database that
      * is whole: a damaged one is refused as it is. What goes is overwritten. Whatever is thrown,
      * nothing is changed then.
@@ -57,6 +64,7 @@ public:
 
 private:
     void checkWholeness() const;
+    bool isBlank(std::int64_t page) const;
     void emptyLog() const;
     void vacuum();
     bool hasRoomToCompact() const;
