@@ -254,6 +254,21 @@ CREATE TABLE quota (host TEXT NOT NULL, type INTEGER NOT NULL, quota INTEGER NOT
 CREATE TABLE eviction_info (origin TEXT NOT NULL, type INTEGER NOT NULL, last_eviction_time
   INTEGER NOT NULL, PRIMARY KEY(origin, type));
 )sql"},
+    {"Shared Dictionary/db", R"sql(
+CREATE TABLE meta(key LONGVARCHAR NOT NULL UNIQUE PRIMARY KEY, value LONGVARCHAR);
+CREATE TABLE dictionaries(primary_key INTEGER NOT NULL PRIMARY KEY AUTOINCREMENT,frame_origin
+  TEXT NOT NULL,top_frame_site TEXT NOT NULL,host TEXT NOT NULL,match TEXT NOT NULL,match_dest
+  TEXT NOT NULL,id TEXT NOT NULL,url TEXT NOT NULL,last_fetch_time INTEGER NOT NULL,res_time
+  INTEGER NOT NULL,exp_time INTEGER NOT NULL,last_used_time INTEGER NOT NULL,size INTEGER NOT
+  NULL,sha256 BLOB NOT NULL,token_high INTEGER NOT NULL,token_low INTEGER NOT NULL);
+CREATE UNIQUE INDEX unique_index ON
+  dictionaries(frame_origin,top_frame_site,host,match,match_dest);
+CREATE INDEX top_frame_site_index ON dictionaries(top_frame_site);
+CREATE INDEX isolation_index ON dictionaries(frame_origin,top_frame_site);
+CREATE INDEX token_index ON dictionaries(token_high, token_low);
+CREATE INDEX exp_time_index ON dictionaries(exp_time);
+CREATE INDEX last_used_time_index ON dictionaries(last_used_time);
+)sql"},
     {"segmentation_platform/ukm_db", R"sql(
 PRAGMA journal_mode = WAL;
 CREATE TABLE metrics(id INTEGER PRIMARY KEY NOT NULL,event_timestamp INTEGER NOT

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "browsersweep/profiles/chromium/ChromiumBookmarks.h"
+#include "browsersweep/sites/chromium/internal/ChromiumRowFiles.h"
 
 namespace browsersweep {
 namespace {
@@ -145,6 +146,11 @@ constexpr std::array quotaTables{
                .condition = "origin NOT LIKE 'chrome%'"},
 };
 
+constexpr std::array dictionaryTables{
+    TraceTable{.name = "dictionaries", .kind = Kind::cachedFiles,
+               .columns = {{{"frame_origin"}, {"top_frame_site"}, {"host", Form::hostOrAddress}, {"url"}}}, .lastUsed = {"last_used_time"}},
+};
+
 constexpr std::array metricTables{
     TraceTable{.name = "urls", .columns = {{{"url"}}}, .lastUsed = {"last_timestamp"}},
     TraceTable{.name = "metrics", .rule = Rule::orphans, .relation = {"url_id", "urls", "url_id", {}}},
@@ -168,7 +174,8 @@ constexpr std::array databases{
     ChromiumDatabase{"Network/Trust Tokens",              tokenTables},
     ChromiumDatabase{"heavy_ad_intervention_opt_out.db",  heavyAdTables},
     ChromiumDatabase{"declarative_performance_observer.db", performanceTables},
-    ChromiumDatabase{"WebStorage/QuotaManager",           quotaTables, {"buckets", "id"}},
+    ChromiumDatabase{"WebStorage/QuotaManager",           quotaTables, bucketFolders},
+    ChromiumDatabase{"Shared Dictionary/db",              dictionaryTables, dictionaryEntries},
 };
 
 constexpr std::array sharedDatabases{
@@ -201,7 +208,7 @@ TraceStores storesOf(std::span<const ChromiumDatabase> rows, const std::filesyst
                      const std::shared_ptr<const FileManager>& fileManager) {
     TraceStores stores;
     for (const ChromiumDatabase& row : rows) {
-        TraceDatabase database{folder / row.file, row.tables, {}, row.folders};
+        TraceDatabase database{folder / row.file, row.tables, {}, row.files};
         database.protectedAddresses = [folder, fileManager] {
             return bookmarkedAddresses(folder, *fileManager);
         };

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <utility>
@@ -81,19 +84,45 @@ CleanableDataSize rowsOf(std::int64_t count, std::int64_t bytes) {
     return {count, {bytes, true}};
 }
 
-void listRows(TraceCollector& traces, sqlite3* database, const Rule& rule,
-              OperationControl* control) {
+using SizesByKey = std::map<std::string, CleanableDataSize, std::less<>>;
+
+SizesByKey sizesOf(const RowFiles& rowFiles, const std::filesystem::path& database,
+                   const FileManager& fileManager) {
+    SizesByKey sizes;
+    for (const RowFile& file : rowFiles.find(fileManager, database)) {
+        CleanableDataSize& size = sizes[file.key];
+        size = size + sizeOf(file, fileManager);
+    }
+    return sizes;
+}
+
+void listRows(TraceCollector& traces, sqlite3* database, const Rule& rule, const RowFiles& files,
+              const SizesByKey& sizes, OperationControl* control) {
     const std::vector<SiteForm> forms = rule.sql.listedForms();
-    DatabaseQuery query(database, rule.sql.listing(), control);
+    const bool hasFiles = files.table == rule.table.name;
+    DatabaseQuery query(database, rule.sql.listing(hasFiles ? files.key : "NULL"), control);
     std::vector<std::string> hosts;
     while (query.next()) {
         hosts.clear();
         for (std::size_t index = 0; index < forms.size(); ++index) {
-            appendHosts(hosts, forms[index], query.text(static_cast<int>(index) + 2));
+            appendHosts(hosts, forms[index], query.text(static_cast<int>(index) + 3));
         }
-        traces.add(rule.table.kind, hosts, rowsOf(1, query.number(1)),
-                   dateOf(query.real(0), rule.table.lastUsed.form));
+        CleanableDataSize size = rowsOf(1, query.number(1));
+        if (hasFiles) {
+            const auto found = sizes.find(query.text(2));
+            size = found == sizes.end() ? size : size + found->second;
+        }
+        traces.add(rule.table.kind, hosts, size, dateOf(query.real(0), rule.table.lastUsed.form));
     }
+}
+
+RowKeys keysOf(sqlite3* database, const std::string& sql, OperationControl* control) {
+    RowKeys keys;
+    DatabaseQuery query(database, sql, control);
+    while (query.next()) {
+        keys.emplace(query.text(0));
+    }
+    return keys;
 }
 
 std::string meaningOf(const TraceTable& table) {
@@ -126,7 +155,11 @@ std::set<TraceKind> DatabaseTraceStore::kinds() const {
 }
 
 std::vector<std::filesystem::path> DatabaseTraceStore::places() const {
-    return {database_.file};
+    std::vector<std::filesystem::path> places{database_.file};
+    if (!database_.files.table.empty()) {
+        places.push_back(database_.files.place(database_.file));
+    }
+    return places;
 }
 
 // An error of asking is thrown: what cannot be looked at is not nothing.
@@ -163,6 +196,9 @@ TraceListing DatabaseTraceStore::list(const KnownHosts& /*knownHosts*/) const {
 TraceListing DatabaseTraceStore::listingOf(sqlite3* database) const {
     OperationControl* const control = fileManager_->control().get();
     const SiteFunctions functions(database, SiteSelection::everything(), protectedAddresses());
+    const SizesByKey sizes = database_.files.table.empty()
+                                 ? SizesByKey()
+                                 : sizesOf(database_.files, database_.file, *fileManager_);
     TraceCollector traces;
     TraceListing listing;
     for (const Rule& rule : rulesIn(database, database_.tables, control)) {
@@ -174,7 +210,7 @@ TraceListing DatabaseTraceStore::listingOf(sqlite3* database) const {
                                              meaningOf(rule.table)});
             }
         } else if (isListed(rule)) {
-            listRows(traces, database, rule, control);
+            listRows(traces, database, rule, database_.files, sizes, control);
         }
     }
     listing.bySite = traces.traces();
@@ -238,6 +274,9 @@ bool DatabaseTraceStore::hasRemains(const SiteDatabase& database,
     if (request.sites.isOnly()) {
         return false;
     }
+    if (!goingFiles(database.handle(), request).empty()) {
+        return true;
+    }
     const auto rules = rulesIn(database.handle(), database_.tables, fileManager_->control().get());
     return std::any_of(rules.begin(), rules.end(), [&](const Rule& rule) {
         return isTaken(rule, request) && database.hasRemains(rule.table.name);
@@ -248,6 +287,7 @@ void DatabaseTraceStore::remove(const SiteDatabase& database, const ForgetReques
     OperationControl* const control = fileManager_->control().get();
     const SiteFunctions functions(database.handle(), request.sites, protectedAddresses());
     database.change([&] {
+        removeRowFiles(goingFiles(database.handle(), request), *fileManager_);
         for (const Rule& rule : rulesIn(database.handle(), database_.tables, control)) {
             if (!isTaken(rule, request)) {
                 continue;
@@ -258,6 +298,27 @@ void DatabaseTraceStore::remove(const SiteDatabase& database, const ForgetReques
                                           : rule.sql.removal(request.sites));
         }
     });
+}
+
+// A row without its files is of no use to the browser, and forgotten by the next run; files without
+// their row would stay for ever. So they go first. Where more than certain sites is meant, those
+// go too whose row is gone already.
+std::vector<RowFile> DatabaseTraceStore::goingFiles(sqlite3* database,
+                                                    const ForgetRequest& request) const {
+    const RowFiles& files = database_.files;
+    OperationControl* const control = fileManager_->control().get();
+    for (const Rule& rule : rulesIn(database, database_.tables, control)) {
+        if (rule.table.name != files.table || !isTaken(rule, request)) {
+            continue;
+        }
+        const RowKeys going = keysOf(database, rule.sql.values(files.key, request.sites), control);
+        const RowKeys known = keysOf(database, rule.sql.allValues(files.key), control);
+        const bool takesLost = !request.sites.isOnly();
+        return chosenFiles(files.find(*fileManager_, database_.file), [&](const std::string& key) {
+            return going.contains(key) || (takesLost && !known.contains(key));
+        });
+    }
+    return {};
 }
 
 ForgetOutcome DatabaseTraceStore::forget(const ForgetRequest& request) const {

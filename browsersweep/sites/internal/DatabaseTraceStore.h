@@ -10,6 +10,7 @@
 
 #include "browsersweep/platform/FileManager.h"
 #include "browsersweep/sites/TraceStore.h"
+#include "browsersweep/sites/internal/RowFiles.h"
 #include "browsersweep/sites/internal/SiteFunctions.h"
 #include "browsersweep/sites/internal/TraceTable.h"
 
@@ -19,19 +20,13 @@ namespace browsersweep {
 
 class SiteDatabase;
 
-/** Rows that have a folder each, beside the database, named by a number of theirs. */
-struct RowFolders {
-    std::string_view table;   ///< without a name there are none
-    std::string_view column;  ///< the number
-};
-
 /** A database, and what is to be known of it. */
 struct TraceDatabase {
     std::filesystem::path file;
     std::span<const TraceTable> tables;
     /** The addresses that `isProtected` knows, found afresh each time; empty: none. */
     std::function<ProtectedAddresses()> protectedAddresses{};
-    RowFolders folders{};
+    RowFiles files{};
 };
 
 /**
@@ -52,9 +47,9 @@ public:
     TraceListing list(const KnownHosts& knownHosts) const override;
 
     /**
-     * One transaction for all rows, then the file is written anew. Where nothing is selected no
-     * byte is written; only where more than certain sites is meant the file is also freed of what
-     * earlier deletions left in it.
+     * Files that belong to rows go first. One transaction for all rows, then the file is written
+     * anew. Where nothing is selected no byte is written; only where more than certain sites is
+     * meant the file is also freed of what earlier deletions left in it.
      */
     ForgetOutcome forget(const ForgetRequest& request) const override;
 
@@ -70,6 +65,7 @@ private:
     std::vector<KeptTrace> keptIn(sqlite3* database, const ForgetRequest& request) const;
     bool hasRemains(const SiteDatabase& database, const ForgetRequest& request) const;
     void remove(const SiteDatabase& database, const ForgetRequest& request) const;
+    std::vector<RowFile> goingFiles(sqlite3* database, const ForgetRequest& request) const;
     void removeColdJournal() const;
 
     TraceDatabase database_;

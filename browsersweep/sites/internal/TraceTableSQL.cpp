@@ -175,10 +175,19 @@ std::string TraceTableSQL::bytes() const {
     return sum;
 }
 
-std::string TraceTableSQL::listing() const {
+std::string TraceTableSQL::allValues(std::string_view expression) const {
+    return "SELECT " + std::string(expression) + " FROM " + quoted(table_.name);
+}
+
+std::string TraceTableSQL::values(std::string_view expression,
+                                  const SiteSelection& selection) const {
+    return allValues(expression) + withWhere(condition(selection));
+}
+
+std::string TraceTableSQL::listing(std::string_view expression) const {
     const TableRelation& relation = table_.relation;
     std::string result = has(table_.lastUsed.name) ? quoted(table_.lastUsed.name) : "NULL";
-    result += ", " + bytes();
+    result += ", " + bytes() + ", " + std::string(expression);
     for (const SiteColumn& column : table_.columns) {
         if (has(column.name)) {
             result += ", " + quoted(column.name);

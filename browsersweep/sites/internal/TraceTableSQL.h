@@ -53,11 +53,15 @@ public:
     std::string question(const SiteSelection& selection) const;
 
     /**
-     * The traces: the last use, the bytes of the row's values, then the columns that name sites in
-     * the order of `listedForms`.
+     * The traces: the last use, the bytes of the row's values, an expression over the row, then the
+     * columns that name sites in the order of `listedForms`.
      */
-    std::string listing() const;
+    std::string listing(std::string_view expression) const;
     std::vector<SiteForm> listedForms() const;
+
+    /** An expression over each row that the rule takes with a selection; over each row at all. */
+    std::string values(std::string_view expression, const SiteSelection& selection) const;
+    std::string allValues(std::string_view expression) const;
 
     /** The number of rows and the bytes of their values. */
     std::string totals() const;

@@ -15,7 +15,7 @@ namespace browsersweep {
 struct ChromiumDatabase {
     std::string_view file;  ///< below the profile's folder
     std::span<const TraceTable> tables;
-    RowFolders folders{};
+    RowFiles files{};
 };
 
 /** The databases of a profile, in the order of their stores. */
