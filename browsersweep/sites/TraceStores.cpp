@@ -2,6 +2,7 @@
 
 #include "browsersweep/base/internal/BrowserTable.h"
 #include "browsersweep/sites/chromium/internal/ChromiumStores.h"
+#include "browsersweep/sites/firefox/internal/FirefoxDatabases.h"
 
 namespace browsersweep {
 
@@ -14,6 +15,7 @@ TraceStores traceStores(const BrowserProfile& profile, const Home& home) {
         case BrowserFamily::chromium:
             return chromiumStores(*folders, home.fileManager());
         case BrowserFamily::firefox:
+            return firefoxDatabaseStores(folders->data, home.fileManager());
         case BrowserFamily::safari:
             return {};
     }

@@ -67,6 +67,15 @@ std::string forSite(const std::string& row, const std::string& site, int number)
 
 }  // namespace
 
+PlantedRows withSecondSite(PlantedRows rows, const std::string& site) {
+    for (std::string& row : rows) {
+        for (auto at = row.find("{t}"); at != std::string::npos; at = row.find("{t}")) {
+            row.replace(at, 3, site);
+        }
+    }
+    return rows;
+}
+
 void plant(const Database& database, const PlantedRows& rows, const std::string& site, int number) {
     for (std::string rest : rows) {
         while (!rest.empty()) {

@@ -15,6 +15,9 @@ namespace browsersweep::tests {
  */
 using PlantedRows = std::vector<std::string>;
 
+/** The same rows with a name in place of each "{t}". */
+PlantedRows withSecondSite(PlantedRows rows, const std::string& site);
+
 /** Inserts the rows for one site. */
 void plant(const Database& database, const PlantedRows& rows, const std::string& site, int number);
 

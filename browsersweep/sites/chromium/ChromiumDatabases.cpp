@@ -159,7 +159,7 @@ constexpr std::array metricTables{
 // Some of the files lie in a folder of their own where the browser confines its network service.
 constexpr std::array databases{
     ChromiumDatabase{"History",                           historyTables},
-    ChromiumDatabase{"Favicons",                          iconTables},
+    ChromiumDatabase{"Favicons",                          iconTables, {}, true},
     ChromiumDatabase{"Network Action Predictor",          predictionTables},
     ChromiumDatabase{"Top Sites",                         topSiteTables},
     ChromiumDatabase{"Shortcuts",                         shortcutTables},
@@ -209,9 +209,11 @@ TraceStores storesOf(std::span<const ChromiumDatabase> rows, const std::filesyst
     TraceStores stores;
     for (const ChromiumDatabase& row : rows) {
         TraceDatabase database{folder / row.file, row.tables, {}, row.files};
-        database.protectedAddresses = [folder, fileManager] {
-            return bookmarkedAddresses(folder, *fileManager);
-        };
+        if (row.keepsBookmarked) {
+            database.protectedAddresses = [folder, fileManager] {
+                return bookmarkedAddresses(folder, *fileManager);
+            };
+        }
         stores.push_back(std::make_shared<DatabaseTraceStore>(std::move(database), fileManager));
     }
     return stores;

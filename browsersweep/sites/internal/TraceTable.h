@@ -22,7 +22,8 @@ struct TableRelation {
     std::string_view other;        ///< the other table; without a name there is no relation
     std::string_view otherColumn;  ///< what the own column refers to, or what refers to it
     SiteColumn names;              ///< a column of the other table that names sites
-    /** What the other table names keeps the row, too; else it only makes it go. */
+    /** What the other table names keeps the row, too; else it only makes it go where just certain
+     * sites are meant. */
     bool keeps = true;
 };
 

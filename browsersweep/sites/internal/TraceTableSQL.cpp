@@ -98,7 +98,10 @@ std::string TraceTableSQL::selected(const SiteSelection& selection) const {
         return {};
     }
     const std::string names = namesAny(selection.isOnly());
-    return (selection.isOnly() ? "(" : "NOT (") + (names.empty() ? "0" : names) + ")";
+    if (names.empty()) {
+        return "0";  // what only makes rows go says nothing of which are kept
+    }
+    return (selection.isOnly() ? "(" : "NOT (") + names + ")";
 }
 
 std::string TraceTableSQL::isTrace() const {

@@ -32,6 +32,7 @@ using tests::Database;
 using tests::filesHolding;
 using tests::PlantedRows;
 using tests::TemporaryFolder;
+using tests::withSecondSite;
 
 /** What is planted in one database. */
 struct Planting {
@@ -165,15 +166,6 @@ const std::vector<Planting> plantings{
      {}, {"metrics|id=91|url_id=91"}},
 };
 // clang-format on
-
-PlantedRows withSecondSite(PlantedRows rows, const std::string& site) {
-    for (std::string& row : rows) {
-        for (auto at = row.find("{t}"); at != std::string::npos; at = row.find("{t}")) {
-            row.replace(at, 3, site);
-        }
-    }
-    return rows;
-}
 
 class ChromiumDatabases : public testing::TestWithParam<Planting> {
 protected:

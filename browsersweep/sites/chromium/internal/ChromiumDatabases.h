@@ -16,6 +16,7 @@ struct ChromiumDatabase {
     std::string_view file;  ///< below the profile's folder
     std::span<const TraceTable> tables;
     RowFiles files{};
+    bool keepsBookmarked = false;  ///< what is bookmarked is protected
 };
 
 /** The databases of a profile, in the order of their stores. */
