@@ -35,20 +35,6 @@ std::string withKind(const std::exception& error) {
     return withKind(failureKind(error), error.what());
 }
 
-/** Why what lies at a path cannot be opened; absent where it can, or where nothing is there. */
-Obstacle obstacleToOpening(const fs::path& path) {
-    try {
-        const Accessibility found = accessibility(path);
-        if (found == Accessibility::reachable || found == Accessibility::missing) {
-            return std::nullopt;
-        }
-        return ItemObstacle{ItemVerdict::couldNotLook, path,
-                            withKind(FailureKind::noPermission, explanation(found))};
-    } catch (const fs::filesystem_error& error) {
-        return ItemObstacle{ItemVerdict::couldNotLook, path, withKind(error)};
-    }
-}
-
 /** A folder of a database's name holds no rows; what a link of that name leads to is not known. */
 bool isFolder(const fs::path& path) noexcept {
     std::error_code error;
@@ -193,7 +179,29 @@ std::int64_t allocatedBytesBelow(const fs::path& root, OperationControl* control
     return sum;
 }
 
+std::int64_t allocatedBytesOfDatabase(const fs::path& file) {
+    constexpr std::array<std::string_view, 4> parts{"", "-wal", "-shm", "-journal"};
+    std::int64_t sum = 0;
+    for (const std::string_view part : parts) {
+        sum += posix::allocatedBytes(fs::path(file) += part);
+    }
+    return sum;
+}
+
 }  // namespace
+
+std::optional<ItemObstacle> obstacleToOpening(const fs::path& path) {
+    try {
+        const Accessibility found = accessibility(path);
+        if (found == Accessibility::reachable || found == Accessibility::missing) {
+            return std::nullopt;
+        }
+        return ItemObstacle{ItemVerdict::couldNotLook, path,
+                            withKind(FailureKind::noPermission, explanation(found))};
+    } catch (const fs::filesystem_error& error) {
+        return ItemObstacle{ItemVerdict::couldNotLook, path, withKind(error)};
+    }
+}
 
 ItemExamination examine(const CleanableData& item, CleanableDataFilters filters) {
     if (const auto* const database = dynamic_cast<const InspectableDatabase*>(&item)) {
@@ -235,7 +243,6 @@ bool saysNoRoom(const std::exception& error) noexcept {
 }
 
 std::int64_t allocatedBytes(const CleanableData& item, OperationControl* control) {
-    constexpr std::array<std::string_view, 4> parts{"", "-wal", "-shm", "-journal"};
     std::int64_t sum = 0;
     for (const CleanableDataLocation& place : item.locations()) {
         if (place.kind == Kind::folder) {
@@ -243,12 +250,14 @@ std::int64_t allocatedBytes(const CleanableData& item, OperationControl* control
         } else if (place.kind == Kind::file) {
             sum += posix::allocatedBytes(place.path);
         } else {
-            for (const std::string_view part : parts) {
-                sum += posix::allocatedBytes(fs::path(place.path) += part);
-            }
+            sum += allocatedBytesOfDatabase(place.path);
         }
     }
     return sum;
+}
+
+std::int64_t allocatedBytes(const fs::path& place, OperationControl* control) {
+    return isFolder(place) ? allocatedBytesBelow(place, control) : allocatedBytesOfDatabase(place);
 }
 
 }  // namespace browsersweep

@@ -49,6 +49,13 @@ BROWSERSWEEP_EXPORT ItemExamination examine(const CleanableData& item,
 BROWSERSWEEP_EXPORT std::optional<CleanableDataSize> sizeWithoutCopy(const CleanableData& item,
                                                                      CleanableDataFilters filters);
 
+/**
+ * Why what lies at a path cannot be opened; absent where it can be, or where nothing is there.
+ * Never fails but for want of memory.
+ */
+BROWSERSWEEP_EXPORT std::optional<ItemObstacle> obstacleToOpening(
+    const std::filesystem::path& path);
+
 /** Whether an error says that a disk has no room. */
 BROWSERSWEEP_EXPORT bool saysNoRoom(const std::exception& error) noexcept;
 
@@ -58,6 +65,10 @@ BROWSERSWEEP_EXPORT bool saysNoRoom(const std::exception& error) noexcept;
  * since they stay under it. Stops early where the control says so. Never fails.
  */
 BROWSERSWEEP_EXPORT std::int64_t allocatedBytes(const CleanableData& item,
+                                                OperationControl* control);
+
+/** The same of a folder with all that is below it, or of a file with a database's companions. */
+BROWSERSWEEP_EXPORT std::int64_t allocatedBytes(const std::filesystem::path& place,
                                                 OperationControl* control);
 
 }  // namespace browsersweep

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -20,6 +21,11 @@ struct Trace {
     std::set<std::string> hosts;          ///< the site's hosts that it names
     CleanableDataSize size;               ///< rows, entries or files, and their bytes
     std::optional<Date> lastUsed;         ///< when the site was last used, as far as known
+    /**
+     * How much of it belongs to other sites too, as the storage of a site that is embedded in
+     * another: by all the others that a part belongs to. Each of them has it in a trace of its own.
+     */
+    std::map<std::set<Site>, CleanableDataSize> shared{};
 
     /** Whether all fields are equal. */
     friend bool operator==(const Trace&, const Trace&) = default;

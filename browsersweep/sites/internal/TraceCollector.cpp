@@ -1,7 +1,7 @@
 #include "browsersweep/sites/internal/TraceCollector.h"
 
 #include <algorithm>
-#include <set>
+#include <utility>
 
 namespace browsersweep {
 
@@ -14,21 +14,37 @@ const Site* TraceCollector::siteOf(const std::string& host) {
     return found->second ? &*found->second : nullptr;
 }
 
+Trace& TraceCollector::traceOf(const Site& site, TraceKind kind) {
+    return traces_.try_emplace({site, kind}, Trace{site, kind, {}, {}, {}}).first->second;
+}
+
 void TraceCollector::add(TraceKind kind, std::span<const std::string> hosts,
                          const CleanableDataSize& size, std::optional<Date> lastUsed) {
-    std::set<const Trace*> counted;  // two hosts may be of one site
+    std::set<Site> sites;  // two hosts may be of one site
     for (const std::string& host : hosts) {
         const Site* const site = siteOf(host);
         if (site == nullptr) {
             continue;
         }
-        const auto entry = traces_.try_emplace({*site, kind}, Trace{*site, kind, {}, {}, {}});
-        Trace& trace = entry.first->second;
+        Trace& trace = traceOf(*site, kind);
         trace.hosts.insert(host);
-        if (counted.insert(&trace).second) {
+        if (sites.insert(*site).second) {
             trace.size = trace.size + size;
             trace.lastUsed = std::max(trace.lastUsed, lastUsed);
         }
+    }
+    if (sites.size() > 1) {
+        addShared(kind, sites, size);
+    }
+}
+
+void TraceCollector::addShared(TraceKind kind, const std::set<Site>& sites,
+                               const CleanableDataSize& size) {
+    for (const Site& site : sites) {
+        auto others = sites;
+        others.erase(site);
+        auto& part = traceOf(site, kind).shared[std::move(others)];
+        part = part + size;
     }
 }
 

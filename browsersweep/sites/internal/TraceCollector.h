@@ -2,6 +2,7 @@
 
 #include <map>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
 #include <unordered_map>
@@ -19,7 +20,7 @@ class TraceCollector {
 public:
     /**
      * Adds what belongs to these hosts, as `hostsIn` gives them. What belongs to two sites counts
-     * for both; what belongs to none counts for nothing.
+     * for both, and is noted as shared; what belongs to none counts for nothing.
      */
     void add(TraceKind kind, std::span<const std::string> hosts, const CleanableDataSize& size,
              std::optional<Date> lastUsed = {});
@@ -29,6 +30,8 @@ public:
 
 private:
     const Site* siteOf(const std::string& host);
+    Trace& traceOf(const Site& site, TraceKind kind);
+    void addShared(TraceKind kind, const std::set<Site>& sites, const CleanableDataSize& size);
 
     std::map<std::pair<Site, TraceKind>, Trace> traces_;
     std::unordered_map<std::string, std::optional<Site>> sites_;

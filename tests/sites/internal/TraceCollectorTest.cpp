@@ -35,8 +35,13 @@ TEST(TraceCollector, countsWhatBelongsToTwoSitesForBothAndTwoHostsOfOneSiteOnce)
     collector.add(TraceKind::siteStorage, Hosts{"a.example.com", "other.org"}, one);
     collector.add(TraceKind::siteStorage, Hosts{"a.example.com", "b.example.com"}, one);
     const std::vector<Trace> expected{
-        {example, TraceKind::siteStorage, {"a.example.com", "b.example.com"}, {2, 20}, {}},
-        {other, TraceKind::siteStorage, {"other.org"}, {1, 10}, {}},
+        {example,
+         TraceKind::siteStorage,
+         {"a.example.com", "b.example.com"},
+         {2, 20},
+         {},
+         {{{other}, one}}},
+        {other, TraceKind::siteStorage, {"other.org"}, {1, 10}, {}, {{{example}, one}}},
     };
     EXPECT_EQ(collector.traces(), expected);
 }

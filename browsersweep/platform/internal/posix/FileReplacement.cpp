@@ -23,7 +23,7 @@ struct OldFile {
     FileDescriptor folder;
     std::string name;
     FileDescriptor file;
-    struct stat status {};
+    struct stat status = {};
 };
 
 FileDescriptor openWithin(const FileDescriptor& folder, const std::string& name, int flags,
@@ -42,7 +42,7 @@ OldFile openOld(const std::filesystem::path& path, const Gate& gate) {
     FileDescriptor folder = gate.openParent(path);
     std::string name = entryName(path).string();
     FileDescriptor file = openWithin(folder, name, O_RDONLY | O_NONBLOCK, path);
-    struct stat status {};
+    struct stat status = {};
     if (::fstat(file.number(), &status) != 0) {
         throwSystemError("cannot examine", path);
     }

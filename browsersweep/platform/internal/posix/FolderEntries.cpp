@@ -22,7 +22,7 @@ FolderEntry::Kind kindOf(const struct stat& status) noexcept {
 /** Nothing, where the entry is gone by now. */
 std::optional<FolderEntry> examined(const FileDescriptor& folder, const char* name,
                                     const std::filesystem::path& path) {
-    struct stat status {};
+    struct stat status = {};
     if (::fstatat(folder.number(), name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
         if (errno != ENOENT) {
             throwSystemError("cannot examine", path / name);

@@ -51,7 +51,7 @@ struct OldFolder {
     FileDescriptor parent;
     std::string name;
     FileDescriptor folder;
-    struct stat status {};
+    struct stat status = {};
 };
 
 /** A folder beside the old one that is deleted again unless it was put in its place. */

@@ -8,7 +8,7 @@ namespace browsersweep::posix {
 
 void adoptOwner(const struct stat& old, const FileDescriptor& file,
                 const std::filesystem::path& path) {
-    struct stat own {};
+    struct stat own = {};
     if (::fstat(file.number(), &own) != 0) {
         throwSystemError("cannot examine", path);
     }
