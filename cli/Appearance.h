@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>
@@ -19,6 +20,8 @@ struct Appearance {
     CharacterSet drawing = CharacterSet::ascii;
     /** Of names and titles, which are never changed on their way to a file or another program. */
     CharacterSet text = CharacterSet::utf8;
+    /** How wide lines may be; 0 where nothing limits them. */
+    std::size_t columns = 0;
 };
 
 /** Gives the value of an environment variable; absent where it is not set. */

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "cli/SiteCommands.h"
+
 namespace browsersweep::cli {
 namespace {
 
@@ -21,10 +23,8 @@ A filter in JSON, of which every part may be left out:
 The other rules are exclude and outsideRange.
 )";
 
-}  // namespace
-
-const std::vector<CommandRow>& commandTable() {
-    static const std::vector<CommandRow> table = {
+std::vector<CommandRow> ownCommands() {
+    return {
         {"browsers",
          Command::browsers,
          "list the thirteen browsers",
@@ -68,6 +68,23 @@ const std::vector<CommandRow>& commandTable() {
          {{"browsersweep doctor", "what is kept from the program, browser by browser"}},
          {}},
     };
+}
+
+/** With the commands about sites after those that measure and delete. */
+std::vector<CommandRow> allCommands() {
+    auto rows = ownCommands();
+    const auto& more = siteCommands();
+    const auto last = std::find_if(rows.begin(), rows.end(), [](const CommandRow& row) {
+        return row.command == Command::clean;
+    });
+    rows.insert(last + 1, more.begin(), more.end());
+    return rows;
+}
+
+}  // namespace
+
+const std::vector<CommandRow>& commandTable() {
+    static const std::vector<CommandRow> table = allCommands();
     return table;
 }
 

@@ -5,7 +5,20 @@
 
 namespace browsersweep::cli {
 
-enum class Command { browsers, profiles, size, clean, bookmarks, notifications, doctor };
+enum class Command {
+    browsers,
+    profiles,
+    size,
+    clean,
+    bookmarks,
+    notifications,
+    doctor,
+    sites,
+    forget,
+};
+
+/** The name of the command that shows the help, which is no row of the table. */
+inline constexpr std::string_view helpCommand = "help";
 
 struct Example {
     std::string_view line;
@@ -18,7 +31,8 @@ struct CommandRow {
     Command command;
     std::string_view description;
     std::vector<Example> examples;
-    std::string_view notes;  ///< what its options do not say, in lines that fit a terminal
+    std::string_view notes;       ///< what its options do not say, in lines that fit a terminal
+    std::string_view operands{};  ///< what follows its name, for the line of its usage
 };
 
 /** All commands, in the order in which the help shows them. */

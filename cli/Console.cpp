@@ -19,6 +19,13 @@ int errorOfClosing(int descriptor) noexcept {
     return copy < 0 || ::close(copy) != 0 ? errno : 0;
 }
 
+/** How many columns a terminal has; 0 where it is none or does not say. */
+std::size_t columnsOf(int descriptor) noexcept {
+    winsize size{};
+    const bool isKnown = ::ioctl(descriptor, TIOCGWINSZ, &size) == 0;  // NOLINT: variadic
+    return isKnown ? size.ws_col : 0;
+}
+
 }  // namespace
 
 int writeAll(int descriptor, std::string_view text) noexcept {
@@ -57,9 +64,12 @@ bool Console::errorIsTerminal() const noexcept {
 
 std::size_t Console::errorColumns() const noexcept {
     constexpr std::size_t usual = 80;
-    winsize size{};
-    const bool isKnown = ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0;  // NOLINT: variadic
-    return isKnown && size.ws_col > 0 ? size.ws_col : usual;
+    const auto columns = columnsOf(STDERR_FILENO);
+    return columns > 0 ? columns : usual;
+}
+
+std::size_t Console::outputColumns() const noexcept {
+    return columnsOf(STDOUT_FILENO);
 }
 
 void Console::writeOutput(std::string_view text) const {

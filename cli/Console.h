@@ -26,6 +26,9 @@ public:
     /** How many columns the terminal of standard error has; 80 where nothing says so. */
     std::size_t errorColumns() const noexcept;
 
+    /** How many columns the terminal of standard output has; 0 where it is none or does not say. */
+    std::size_t outputColumns() const noexcept;
+
     /** Writes all of the text to standard output. Throws a `std::system_error` if any is not. */
     void writeOutput(std::string_view text) const;
 

@@ -320,7 +320,9 @@ Report gather(const Options& options, const CleanerFactory& cleanerOf, Observer&
         case Command::notifications:
             return gatherNotifications(options, cleanerOf, observer);
         case Command::doctor:
-            break;  // it gathers no data
+        case Command::sites:
+        case Command::forget:
+            break;  // gathered elsewhere, or not at all
     }
     throw std::logic_error("a command that gathers nothing");
 }

@@ -4,48 +4,19 @@
 #include <cstdint>
 #include <optional>
 #include <string_view>
+#include <variant>
 #include <vector>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
 #include "cli/Figures.h"
-#include "cli/HTMLStyle.h"
+#include "cli/HTMLPieces.h"
+#include "cli/SiteHTML.h"
 #include "cli/Text.h"
 
 namespace browsersweep::cli {
 namespace {
-
-std::string escaped(std::string_view text) {
-    std::string html;
-    for (const char c : printable(text)) {
-        switch (c) {
-            case '&':
-                html += "&amp;";
-                break;
-            case '<':
-                html += "&lt;";
-                break;
-            case '>':
-                html += "&gt;";
-                break;
-            case '"':
-                html += "&quot;";
-                break;
-            case '\'':
-                html += "&#39;";
-                break;
-            default:
-                html += c;
-        }
-    }
-    return html;
-}
-
-/** A name from a browser's file, whose writing direction must not affect the text around it. */
-std::string isolated(std::string_view name) {
-    return fmt::format("<bdi>{}</bdi>", escaped(name));
-}
 
 std::int64_t bytesOf(const std::optional<CleanableDataSize>& size) noexcept {
     return size ? size->byteCount.value : 0;
@@ -148,11 +119,6 @@ std::string cards(const SizesReport& report) {
         html);
 }
 
-std::string figureCells(const CleanableDataSize& size) {
-    return fmt::format(R"(<td class="figure">{}</td><td class="figure">{}</td>)",
-                       countText(size.itemCount), bytesText(size.byteCount));
-}
-
 std::string tableRow(Browser browser, const ProfileRow& profile, const CategorySize& part) {
     const auto figures = part.size
                              ? figureCells(*part.size)
@@ -225,25 +191,19 @@ std::string summary(const SizesReport& report, const PageFacts& facts) {
                       : "");
 }
 
-std::string head() {
-    return fmt::format(
-        "<head>\n<meta charset=\"utf-8\">\n"
-        "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; "
-        "style-src 'sha256-{}'; base-uri 'none'; form-action 'none'\">\n"
-        "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
-        "<meta name=\"referrer\" content=\"no-referrer\">\n"
-        "<title>What web browsers keep</title>\n<style>{}</style>\n</head>\n",
-        pageStyleDigest, pageStyle);
-}
-
 }  // namespace
 
 std::string htmlText(const SizesReport& report, const PageFacts& facts) {
-    return fmt::format(
-        "<!DOCTYPE html>\n<html lang=\"en\">\n{}<body>\n<main>\n{}<h2>By browser</h2>\n{}{}{}{}"
-        "</main>\n</body>\n</html>\n",
-        head(), summary(report, facts), overview(report), emptyBrowsers(report), cards(report),
-        table(report));
+    return fmt::format("{}<main>\n{}<h2>By browser</h2>\n{}{}{}{}</main>\n{}",
+                       pageStart("What web browsers keep"), summary(report, facts),
+                       overview(report), emptyBrowsers(report), cards(report), table(report),
+                       pageEnd());
+}
+
+std::string pageText(const Report& report, const PageFacts& facts) {
+    const auto* const sites = std::get_if<SiteListReport>(&report);
+    return sites != nullptr ? sitesPage(*sites, facts)
+                            : htmlText(std::get<SizesReport>(report), facts);
 }
 
 }  // namespace browsersweep::cli

@@ -18,4 +18,7 @@ struct PageFacts {
  */
 std::string htmlText(const SizesReport& report, const PageFacts& facts);
 
+/** The page of a report that has one: of `size` and of `sites`. */
+std::string pageText(const Report& report, const PageFacts& facts);
+
 }  // namespace browsersweep::cli

@@ -45,11 +45,14 @@ thead th { border-bottom: 2px solid var(--edge); }
 tbody th { font-weight: 400; white-space: nowrap; }
 tbody { border-bottom: 1px solid var(--edge); }
 .sum th, .sum td, tfoot th, tfoot td { font-weight: 700; }
+.search { width: 100%; max-width: 24rem; margin: .5rem 0 1rem; padding: .4rem .6rem; font: inherit;
+  border: 1px solid var(--edge); border-radius: .5rem; background: var(--card);
+  color: var(--text); }
 .figure { text-align: right; white-space: nowrap; font-variant-numeric: tabular-nums; }
 @media (forced-colors: active) { .bar { fill: CanvasText; } .track { fill: GrayText; } }
 @media print { body { max-width: none; padding: 0; } .card { break-inside: avoid; } }
 )css";
 
-const std::string_view pageStyleDigest = "+FXTF36Lu9uANDf2xDZFgZUM09tvuDcArKqlmycwj5A=";
+const std::string_view pageStyleDigest = "tDwclkhhtoPpduHWBD5AE4j38NXNXHlRRisJfi2vbeA=";
 
 }  // namespace browsersweep::cli

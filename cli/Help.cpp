@@ -107,7 +107,11 @@ std::string HelpFormatter::overview(const CLI::App& app) const {
 
 std::string HelpFormatter::helpOf(const CLI::App& command) const {
     const auto& name = command.get_name();
+    const CommandRow* const row = findCommand(name);
     std::string usage = "browsersweep " + name;
+    if (row != nullptr && !row->operands.empty()) {
+        usage.append(" ").append(row->operands);
+    }
     std::string options;
     for (const auto& [group, placeholder] : groups) {
         const auto rows = groupText(*command.get_parent(), group, [&](const CLI::Option& option) {
@@ -118,7 +122,7 @@ std::string HelpFormatter::helpOf(const CLI::App& command) const {
     }
     std::string text = fmt::format("browsersweep {} - {}\n\nusage\n  {}\n{}", name,
                                    command.get_description(), usage, options);
-    if (const CommandRow* const row = findCommand(name)) {
+    if (row != nullptr) {
         text += row->notes.empty() ? "" : fmt::format("\n{}", row->notes);
         text += "\nexamples\n";
         for (const auto& example : row->examples) {

@@ -4,40 +4,14 @@
 #include <optional>
 #include <string_view>
 
-#include <nlohmann/json.hpp>
-
+#include "cli/JSONValues.h"
+#include "cli/SiteJSON.h"
 #include "cli/Text.h"
 
 namespace browsersweep::cli {
 namespace {
 
-using JSON = nlohmann::ordered_json;
-
-template <typename Value>
-JSON orNull(const std::optional<Value>& value) {
-    return value ? JSON(*value) : JSON(nullptr);
-}
-
-JSON toJSON(const CleanableDataSize::Measurement& measurement) {
-    return {{"value", measurement.value}, {"isApproximate", measurement.isApproximate}};
-}
-
-JSON toJSON(const CleanableDataSize& size) {
-    return {{"itemCount", toJSON(size.itemCount)}, {"byteCount", toJSON(size.byteCount)}};
-}
-
-JSON toJSON(const std::optional<CleanableDataSize>& size) {
-    return size ? toJSON(*size) : JSON(nullptr);
-}
-
-template <typename Rows, typename ToJSON>
-JSON listOf(const Rows& rows, const ToJSON& rowToJSON) {
-    JSON list = JSON::array();
-    for (const auto& row : rows) {
-        list.push_back(rowToJSON(row));
-    }
-    return list;
-}
+using cli::toJSON;  // beside those of this file
 
 JSON toJSON(const BrowsersReport& report) {
     return {{"browsers", listOf(report.browsers, [](const BrowserRow& row) {

@@ -1,7 +1,6 @@
 #include "cli/Options.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <map>
 #include <memory>
@@ -11,9 +10,9 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
-#include "cli/Filters.h"
 #include "cli/Help.h"
-#include "cli/Names.h"
+#include "cli/OptionTable.h"
+#include "cli/SiteCommands.h"
 #include "cli/Suggestion.h"
 #include "cli/Text.h"
 #include "cli/UsageError.h"
@@ -21,155 +20,10 @@
 namespace browsersweep::cli {
 namespace {
 
-using Rule = CleanableDataFilter::Rule;
-using DatesRule = CleanableDataFilter::Dates::Rule;
-
-/** The commands that an option is for; one of the whole program may stand without any. */
-enum class Scope { program, everyCommand, sizeAndClean, size, clean };
-
-struct OptionRow {
-    std::string_view name;
-    const char* names;  ///< as the parser takes them
-    const char* value;  ///< what the help calls the value; empty for a flag
-    const char* group;
-    Scope scope;
-    const char* help;
-    void (*take)(const std::string& value, Options& options);
-    std::string (*fault)(const std::string& value);  ///< what is wrong with a value; may be null
-};
-
-template <typename Cases>
-std::vector<std::string_view> rawValues(const Cases& cases) {
-    std::vector<std::string_view> names;
-    names.reserve(cases.size());
-    for (const auto value : cases) {
-        names.push_back(rawValue(value));
-    }
-    return names;
-}
-
-std::string faultOfBrowser(const std::string& name) {
-    return browserNamed(name) ? ""
-                              : fmt::format("'{}' is no browser; {}", printable(name),
-                                            suggestion(name, rawValues(allBrowsers)));
-}
-
-std::string faultOfCategory(const std::string& name) {
-    return categoryNamed(name)
-               ? ""
-               : fmt::format("'{}' is no category; {}", printable(name),
-                             suggestion(name, rawValues(allCleanableDataCategories)));
-}
-
-std::string faultOfFolder(const std::string& path) {
-    return path.empty() ? "the value is empty; give the folder that holds Library" : "";
-}
-
-std::string faultOfFile(const std::string& path) {
-    return path.empty() ? "the value is empty; give the file to write" : "";
-}
-
-// clang-format off
-constexpr std::array optionTable{
-    OptionRow{"--browser", "-b,--browser", "BROWSER", "selection", Scope::everyCommand,
-              "a browser, such as firefox or chrome; 'browsersweep browsers' lists them",
-              [](const std::string& value, Options& options) {
-                  options.selection.browsers.push_back(browserNamed(value).value());
-              }, faultOfBrowser},
-    OptionRow{"--profile", "--profile", "PROFILE", "selection", Scope::everyCommand,
-              "the profiles of exactly this name, or else the one in this folder",
-              [](const std::string& value, Options& options) {
-                  options.selection.profileNames.push_back(value);
-              }, nullptr},
-    OptionRow{"--primary-only", "--primary-only", "", "selection", Scope::everyCommand,
-              "primary profiles only",
-              [](const std::string& /*value*/, Options& options) {
-                  options.selection.primaryOnly = true;
-              }, nullptr},
-    OptionRow{"--category", "-c,--category", "CATEGORY", "selection", Scope::sizeAndClean,
-              "cache, history, httpCookies (or cookies), flashCookies (flash), formData (forms) "
-              "or localStorage (storage)",
-              [](const std::string& value, Options& options) {
-                  options.selection.categories.push_back(categoryNamed(value).value());
-              }, faultOfCategory},
-    OptionRow{"--include", "--include", "PATTERN", "filters", Scope::sizeAndClean,
-              "only what holds this text, such as a part of a host name",
-              [](const std::string& value, Options& options) {
-                  options.filters.push_back(patternFilter(Rule::include, value));
-              }, nullptr},
-    OptionRow{"--exclude", "--exclude", "PATTERN", "filters", Scope::sizeAndClean,
-              "only what does not hold it",
-              [](const std::string& value, Options& options) {
-                  options.filters.push_back(patternFilter(Rule::exclude, value));
-              }, nullptr},
-    OptionRow{"--inside", "--inside", "START..END", "filters", Scope::sizeAndClean,
-              "only what is dated in the range; either end may be left empty",
-              [](const std::string& value, Options& options) {
-                  options.filters.push_back(datesFilter(DatesRule::insideRange, value));
-              }, nullptr},
-    OptionRow{"--outside", "--outside", "START..END", "filters", Scope::sizeAndClean,
-              "only what is dated outside it",
-              [](const std::string& value, Options& options) {
-                  options.filters.push_back(datesFilter(DatesRule::outsideRange, value));
-              }, nullptr},
-    OptionRow{"--filter", "--filter", "JSON", "filters", Scope::sizeAndClean,
-              "any filter; filters apply in the order given",
-              [](const std::string& value, Options& options) {
-                  options.filters.push_back(filterFromJSON(value));
-              }, nullptr},
-    OptionRow{"--ignore-errors", "--ignore-errors", "", "options", Scope::sizeAndClean,
-              "carry on over errors; the figures become approximate",
-              [](const std::string& /*value*/, Options& options) {
-                  options.ignoreErrors = true;
-              }, nullptr},
-    OptionRow{"--keep-going", "--keep-going", "", "options", Scope::sizeAndClean,
-              "go on with the next item where one fails",
-              [](const std::string& /*value*/, Options& options) {
-                  options.keepGoing = true;
-              }, nullptr},
-    OptionRow{"--html", "--html", "FILE", "options", Scope::size,
-              "write a page with charts and a table to FILE as well; - is standard output, in "
-              "place of the report",
-              [](const std::string& value, Options& options) {
-                  options.html = value == Options::standardOutput
-                                     ? std::filesystem::path(value)
-                                     : std::filesystem::absolute(value);
-              }, faultOfFile},
-    OptionRow{"--dry-run", "-n,--dry-run", "", "options", Scope::clean,
-              "say what would be removed and delete nothing",
-              [](const std::string& /*value*/, Options& options) {
-                  options.dryRun = true;
-              }, nullptr},
-    OptionRow{"--yes", "-y,--yes", "", "options", Scope::clean,
-              "do not ask (needed when standard input is no terminal)",
-              [](const std::string& /*value*/, Options& options) {
-                  options.yes = true;
-              }, nullptr},
-    OptionRow{"--force", "--force", "", "options", Scope::clean,
-              "go on although a selected browser seems to be running, or the home is another "
-              "user's",
-              [](const std::string& /*value*/, Options& options) {
-                  options.force = true;
-              }, nullptr},
-    OptionRow{"--home", "--home", "DIR", "options", Scope::program,
-              "act on the Library folder under DIR instead of the user's home",
-              [](const std::string& value, Options& options) {
-                  options.home = std::filesystem::absolute(value);
-              }, faultOfFolder},
-    OptionRow{"--json", "--json", "", "options", Scope::program,
-              "machine output on standard output",
-              [](const std::string& /*value*/, Options& options) {
-                  options.json = true;
-              }, nullptr},
-};
-// clang-format on
-
-constexpr const char* helpCommand = "help";
-
 std::vector<std::string_view> optionNames() {
     std::vector<std::string_view> names{"--help", "--version"};
-    names.reserve(names.size() + optionTable.size());
-    for (const auto& row : optionTable) {
+    names.reserve(names.size() + optionTable().size());
+    for (const auto& row : optionTable()) {
         names.push_back(row.name);
     }
     return names;
@@ -181,46 +35,12 @@ std::vector<std::string_view> commandNames() {
     for (const auto& row : commandTable()) {
         names.push_back(row.name);
     }
-    names.emplace_back(helpCommand);
+    names.push_back(helpCommand);
     return names;
-}
-
-/** The row of an option by its long or its short name. */
-const OptionRow* findOption(std::string_view name) {
-    const auto* const found =
-        std::find_if(optionTable.begin(), optionTable.end(), [name](const OptionRow& row) {
-            const std::string_view names = row.names;
-            return row.name == name ||
-                   (names.size() > row.name.size() && names.substr(0, names.find(',')) == name);
-        });
-    return found == optionTable.end() ? nullptr : &*found;
 }
 
 bool takesValue(const OptionRow& row) noexcept {
     return *row.value != '\0';
-}
-
-bool isAllowed(Scope scope, std::string_view command) noexcept {
-    switch (scope) {
-        case Scope::program:
-            return true;
-        case Scope::everyCommand:
-            return command != helpCommand;
-        case Scope::sizeAndClean:
-            return command == "size" || command == "clean";
-        case Scope::size:
-            return command == "size";
-        case Scope::clean:
-            return command == "clean";
-    }
-    return false;
-}
-
-std::string_view commandsOf(Scope scope) noexcept {
-    constexpr std::array<std::string_view, 5> names{"any command", "the commands that look at data",
-                                                    "the commands size and clean",
-                                                    "the command size", "the command clean"};
-    return names.at(static_cast<std::size_t>(scope));
 }
 
 /**
@@ -267,7 +87,7 @@ std::string oneLine(std::string_view text) {
 class Parser {
 public:
     Parser() : app_("browsersweep - finds, measures and deletes the data that web browsers keep") {
-        for (const auto& row : optionTable) {
+        for (const auto& row : optionTable()) {
             rows_.emplace(add(row), &row);
         }
         app_.set_help_flag("-h,--help", "this help; after a command, that of the command");
@@ -284,7 +104,8 @@ public:
         for (const auto& row : commandTable()) {
             app_.add_subcommand(std::string(row.name), std::string(row.description));
         }
-        help_ = app_.add_subcommand(helpCommand, "show the help, or that of the command named");
+        help_ = app_.add_subcommand(std::string(helpCommand),
+                                    "show the help, or that of the command named");
         help_->add_option("COMMAND", topic_);
     }
 
@@ -389,7 +210,9 @@ private:
             throwUnknownCommand(words_.front());
         }
         const CommandRow& row = *findCommand(parsed.front()->get_name());
-        requireNoWordBeside(row.name);
+        if (row.command != Command::forget) {
+            requireNoWordBeside(row.name);
+        }
         return row;
     }
 
@@ -399,14 +222,19 @@ private:
         requireOptionsOf(command.name);
         requireOnce("--home", "folder");
         requireOnce("--html", "file");
+        requireOnce("--keep-list", "file");
+        requireOnce("--sort", "order");
+        requireOnce("--older-than", "age");
         Options options;
         options.command = command.command;
+        options.sites.names = words_;
         std::map<const CLI::Option*, std::size_t> read;
         for (const CLI::Option* const option : app_.parse_order()) {
             if (const auto row = rows_.find(option); row != rows_.end()) {
                 row->second->take(option->results().at(read[option]++), options);
             }
         }
+        requireSites(options);
         if (options.json && options.html == Options::standardOutput) {
             throw UsageError(
                 "--json and --html - both write to standard output; give a file to --html");
@@ -424,7 +252,8 @@ private:
     }
 
     void requireOnce(const std::string& name, std::string_view value) const {
-        if (app_.get_option(name)->count() > 1) {
+        const auto* const option = app_.get_option_no_throw(name);
+        if (option != nullptr && option->count() > 1) {
             throw UsageError(fmt::format("{} is given twice; give one {}", name, value));
         }
     }

@@ -10,6 +10,7 @@
 
 #include "cli/Commands.h"
 #include "cli/Selection.h"
+#include "cli/SiteOptions.h"
 
 namespace browsersweep::cli {
 
@@ -22,7 +23,8 @@ struct Options {
     Selection selection;
     std::vector<CleanableDataFilter> filters;  ///< in the order of the command line
     std::optional<std::filesystem::path> home;
-    std::optional<std::filesystem::path> html;  ///< where a page of the sizes is written
+    std::optional<std::filesystem::path> html;  ///< where a page is written
+    SiteOptions sites;                          ///< of the commands about sites
     bool ignoreErrors = false;
     bool keepGoing = false;
     bool dryRun = false;

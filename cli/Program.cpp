@@ -8,20 +8,19 @@
 #include <optional>
 #include <string_view>
 #include <system_error>
+#include <utility>
 #include <variant>
 
 #include <fmt/chrono.h>
 #include <fmt/format.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include "browsersweep/catalogue/BrowserCleaners.h"
 #include "browsersweep/home/Home.h"
-#include "browsersweep/hosting/RunningBrowsers.h"
 
 #include "cli/Appearance.h"
 #include "cli/BoundedFileManager.h"
 #include "cli/Console.h"
+#include "cli/DeletionGuard.h"
 #include "cli/Doctor.h"
 #include "cli/ErrorText.h"
 #include "cli/Gather.h"
@@ -33,6 +32,7 @@
 #include "cli/ProfileNames.h"
 #include "cli/Progress.h"
 #include "cli/Report.h"
+#include "cli/SiteCommands.h"
 #include "cli/TextReport.h"
 #include "cli/UsageError.h"
 
@@ -41,22 +41,27 @@ namespace {
 
 enum ExitStatus { allDone = 0, somethingFailed = 1, wrongUsage = 2, interrupted = 128 };
 
-constexpr std::array<std::string_view, 6> verbs{
+constexpr std::array<std::string_view, 9> verbs{
     "Looking at", "Reading profiles of",  "Measuring",
     "Cleaning",   "Reading bookmarks of", "Reading permissions of",
+    "Looking at", "Listing the sites of", "Forgetting the sites of",
 };
+
+/** What a command is doing while it deletes nothing. */
+Command readingPartOf(Command command) noexcept {
+    return command == Command::forget ? Command::sites : Command::size;
+}
 
 constexpr std::string_view fullDiskAccess =
     "macOS guards Safari's data: the terminal or application that runs this program needs Full "
     "Disk Access, in the privacy settings.";
 
-std::string reasonOf(const RunningBrowser& found) {
-    return found.program ? fmt::format("a program named '{}' is running", *found.program)
-                         : "its data folder is locked";
-}
-
 bool isGuarded(const Failure& failure) noexcept {
     return failure.browser == Browser::safari && saysNoPermission(failure.error);
+}
+
+bool isDeleting(Command command) noexcept {
+    return command == Command::clean || command == Command::forget;
 }
 
 /** One run of one command. */
@@ -66,14 +71,16 @@ public:
         : options_(std::move(options)),
           home_(std::make_shared<BoundedFileManager>(
               options_.home ? FileManager::forHome(*options_.home, control_)
-                            : FileManager::controlledBy(control_))) {}
+                            : FileManager::controlledBy(control_))),
+          guard_(options_, home_, cleanerFactory(), console_) {}
 
     int execute() {
         if (options_.home && !isHomeThere()) {
             console_.note(options_.home->string() + " is not an existing folder");
         }
         const bool areProfilesFound = settleProfilesOfSelection();
-        if (isDeletion() && (!mayDelete() || !isConfirmed())) {
+        std::optional<Report> settled;
+        if (isDeletion() && (!guard_.mayDelete() || !isConfirmed(settled))) {
             return somethingFailed;
         }
         std::optional<NewFile> page;
@@ -84,7 +91,8 @@ public:
         // where the library could not make one.
         home_.fileManager()->removeStaleTemporaryFolders();
         tellOfProtection();
-        const Report report = gatherWithProgress();
+        const Report report = settled ? *settled : gatherWithProgress();
+        tellRemarks(report);
         home_.fileManager()->removeStaleTemporaryFolders();
         const bool isPageWritten = !page || writePage(report, *page);
         const auto signal = interruption_.take();
@@ -117,7 +125,9 @@ private:
         const auto date = fmt::format(
             "{:%Y-%m-%d %H:%M}", fmt::gmtime(std::chrono::time_point_cast<std::chrono::minutes>(
                                      std::chrono::system_clock::now())));
-        return htmlText(std::get<SizesReport>(report), {date, !options_.filters.empty()});
+        const bool isFiltered = !options_.filters.empty() || !options_.sites.kinds.empty() ||
+                                options_.sites.olderThan.has_value();
+        return pageText(report, {date, isFiltered});
     }
 
     /** The report is still worth printing where the page cannot be written. */
@@ -133,9 +143,11 @@ private:
 
     /** Says before the first figure that the system keeps data from this program. */
     void tellOfProtection() {
-        const bool isMeasuring =
-            options_.command == Command::size || options_.command == Command::clean;
-        if (isProtectionTold_ || !isMeasuring) {
+        constexpr std::array lookingCommands{Command::size, Command::clean, Command::sites,
+                                             Command::forget};
+        const bool isLooking = std::find(lookingCommands.begin(), lookingCommands.end(),
+                                         options_.command) != lookingCommands.end();
+        if (isProtectionTold_ || !isLooking) {
             return;
         }
         isProtectionTold_ =
@@ -146,81 +158,97 @@ private:
         }
     }
 
-    bool isDeletion() const noexcept {
-        return options_.command == Command::clean && !options_.dryRun;
-    }
+    bool isDeletion() const noexcept { return isDeleting(options_.command) && !options_.dryRun; }
 
     Appearance outputAppearance() const {
-        return appearanceOf(console_.outputIsTerminal(), environmentVariable);
+        auto appearance = appearanceOf(console_.outputIsTerminal(), environmentVariable);
+        appearance.columns = areLinesFitted() ? console_.outputColumns() : 0;
+        return appearance;
+    }
+
+    Appearance errorAppearance() const {
+        auto appearance = appearanceOf(console_.errorIsTerminal(), environmentVariable);
+        appearance.columns =
+            areLinesFitted() && console_.errorIsTerminal() ? console_.errorColumns() : 0;
+        return appearance;
+    }
+
+    /** Tables of sites are fitted to the terminal; other tables stay as they are. */
+    bool areLinesFitted() const noexcept {
+        return options_.command == Command::sites || options_.command == Command::forget;
+    }
+
+    SiteWork siteWork() const {
+        return {home_, cleanerFactory(),
+                [this](Browser browser) { return guard_.refusal(browser); }};
     }
 
     Report gatherWithProgress() {
-        const auto verb = options_.dryRun ? verbs[static_cast<std::size_t>(Command::size)]
-                                          : verbs[static_cast<std::size_t>(options_.command)];
+        const auto doing = options_.dryRun ? readingPartOf(options_.command) : options_.command;
+        Progress progress(verbs[static_cast<std::size_t>(doing)], console_, control_);
+        if (options_.command == Command::sites) {
+            return gatherSites(options_, siteWork(), progress);
+        }
+        return options_.command == Command::forget ? gatherForget(options_, siteWork(), progress)
+                                                   : gather(options_, cleanerFactory(), progress);
+    }
+
+    Report planWithProgress() {
+        const auto verb = verbs[static_cast<std::size_t>(readingPartOf(options_.command))];
         Progress progress(verb, console_, control_);
-        return gather(options_, cleanerFactory(), progress);
+        if (options_.command == Command::forget) {
+            return previewForget(options_, siteWork(), progress);
+        }
+        return preview(options_, cleanerFactory(), progress);
     }
 
-    /** Whether what is selected of the browser can be cleaned only while it is closed. */
-    bool mustBeClosed(const BrowserCleaner& cleaner) const {
-        try {
-            const auto data = cleaner.cleanableData([this](const BrowserProfile& profile) {
-                return options_.selection.includes(profile);
-            });
-            return std::any_of(data.lists().begin(), data.lists().end(), [this](const auto& entry) {
-                return options_.selection.includes(entry.first) &&
-                       entry.second.requiresClosedBrowserToClean();
-            });
-        } catch (const std::exception&) {
-            return false;  // nothing of it will be cleaned either, and the report says why
+    /** What is to be said of sites as they were typed; once, before they are asked about. */
+    void tellRemarks(const Report& report) {
+        const auto* const forgetting = std::get_if<ForgetReport>(&report);
+        if (forgetting == nullptr || areRemarksTold_) {
+            return;
+        }
+        areRemarksTold_ = true;
+        for (const auto& remark : forgetting->remarks) {
+            console_.note(remark);
         }
     }
 
-    /** Says which selected browsers seem to be running; deleting under them is refused. */
-    bool mayDelete() const {
-        if (options_.force) {
-            return true;
-        }
-        if (!isHomeOfUser()) {
-            console_.note(
-                "the home folder belongs to another user, whose links would be followed; nothing "
-                "was deleted. Run as that user, or add --force.");
-            return false;
-        }
-        bool isFree = true;
-        const RunningBrowsers running(home_);
-        const auto cleanerOf = cleanerFactory();
-        for (const Browser browser : options_.selection.selectedBrowsers()) {
-            const auto cleaner = cleanerOf(browser);
-            const auto found = running.find(browser);
-            if (found && mustBeClosed(*cleaner)) {
-                console_.note(fmt::format(
-                    "{} seems to be running ({}); nothing was deleted. Quit it, or add --force.",
-                    displayName(browser), reasonOf(*found)));
-                isFree = false;
+    /** What could not be looked at is no part of the plan: nobody should take it for nothing. */
+    void tellFailuresOfPlan(const Report& planned) const {
+        if (options_.command == Command::forget) {
+            for (const auto& failure : failures(planned)) {
+                console_.note(fmt::format("{}: {}", failure.where, failure.error));
             }
         }
-        return isFree;
     }
 
-    bool isConfirmed() {
+    /**
+     * Whether the user wants what is planned, and it may still be done. Where there is nothing to
+     * do, the plan is settled as the report, and nobody is asked.
+     */
+    bool isConfirmed(std::optional<Report>& settled) {
         if (options_.yes) {
             return true;
         }
         tellOfProtection();
-        {
-            Progress progress("Measuring", console_, control_);
-            const auto planned = preview(options_, cleanerFactory(), progress);
-            progress.wipe();
-            console_.writeError(
-                peopleText(planned, appearanceOf(console_.errorIsTerminal(), environmentVariable)));
+        const Report planned = planWithProgress();
+        tellRemarks(planned);
+        if (const auto* const plan = std::get_if<ForgetReport>(&planned);
+            plan != nullptr && plan->isPointless) {
+            settled = planned;
+            std::get<ForgetReport>(*settled).isPlan = false;
+            return true;
         }
+        tellFailuresOfPlan(planned);
+        console_.writeError(peopleText(planned, errorAppearance()));
         console_.writeError("Delete this? [y/N] ");
         interruption_.letThrough();
         const auto answer = console_.readLine();
         interruption_.holdBack();
         if (answer == "y" || answer == "Y" || answer == "yes" || answer == "Yes") {
-            return true;
+            // A browser may have been started while the question waited.
+            return guard_.mayDelete();
         }
         console_.note("nothing was deleted");
         return false;
@@ -252,29 +280,25 @@ private:
         return files.fileExists(files.homeDirectory()).isDirectory;
     }
 
-    /** Whether the home folder, where it is there, is that of the user who runs the program. */
-    bool isHomeOfUser() const {
-        struct stat status = {};
-        return ::stat(home_.fileManager()->homeDirectory().c_str(), &status) != 0 ||
-               status.st_uid == ::geteuid();
-    }
-
     Options options_;
     bool isProtectionTold_ = false;
+    bool areRemarksTold_ = false;
     Console console_;
     Interruption interruption_;
     /** Stops what is under way in the home once a signal has come. */
     std::shared_ptr<OperationControl> control_ = std::make_shared<OperationControl>(
         [this](const OperationProgress&) { return interruption_.hasCome(); });
     Home home_;
+    DeletionGuard guard_;
 };
 
 void requireSomebodyToAsk(const Options& options, const Console& console) {
-    if (options.command == Command::clean && !options.yes && !options.dryRun &&
+    if (isDeleting(options.command) && !options.yes && !options.dryRun &&
         !console.inputIsTerminal()) {
-        throw UsageError(
-            "clean cannot ask because standard input is no terminal; add --yes to delete without "
-            "a question, or --dry-run to delete nothing");
+        throw UsageError(fmt::format(
+            "{} cannot ask because standard input is no terminal; add --yes to delete without a "
+            "question, or --dry-run to delete nothing",
+            options.command == Command::clean ? "clean" : "forget"));
     }
 }
 
@@ -296,12 +320,13 @@ int dispatch(const std::vector<std::string>& arguments, const Console& console) 
         console.writeOutput(information->text);
         return allDone;
     }
-    const auto& options = std::get<Options>(commandLine);
+    auto options = std::get<Options>(commandLine);
     if (options.command == Command::doctor) {
         return runDoctor(options, console);
     }
     requireSomebodyToAsk(options, console);
-    return Run(options).execute();
+    readKeepList(options.sites);
+    return Run(std::move(options)).execute();
 }
 
 }  // namespace

@@ -42,14 +42,15 @@ bool saysKind(std::string_view text) noexcept {
                        [text](FailureKind kind) { return text.starts_with(displayName(kind)); });
 }
 
-/** What became of an item, with its file, each thing said once. */
-std::string verdictText(const ItemRow& item) {
-    std::string text = item.detail.value_or("");
+/** What became of an item or a store, with its file, each thing said once. */
+std::string verdictText(ItemVerdict verdict, const std::optional<std::string>& detail,
+                        const std::string& what) {
+    std::string text = detail.value_or("");
     if (!saysKind(text)) {
-        const std::string verdict(displayName(item.verdict));
-        text = text.empty() ? verdict : verdict + ": " + text;
+        const std::string name(displayName(verdict));
+        text = text.empty() ? name : name + ": " + text;
     }
-    return text.find(item.what) == std::string::npos ? text + ": " + item.what : text;
+    return text.find(what) == std::string::npos ? text + ": " + what : text;
 }
 
 /** Adds the items that something is wrong with; those that were never begun have no line. */
@@ -60,7 +61,8 @@ bool addItems(Browser browser, const CategorySize& part, Failures& found) {
             continue;
         }
         const std::string profile = item.profile ? *item.profile + ", " : "";
-        add(browser, profile + std::string(displayName(part.category)), verdictText(item), found);
+        add(browser, profile + std::string(displayName(part.category)),
+            verdictText(item.verdict, item.detail, item.what), found);
         isAnyAdded |= item.verdict != ItemVerdict::leftOut;
     }
     return isAnyAdded;
@@ -98,10 +100,41 @@ void addParts(const BrowserNotifications& row, Failures& found) {
     }
 }
 
+std::string nameOfOwner(const SiteOwner& owner) {
+    return owner.profile.value_or(owner.folder.value_or(""));
+}
+
+void addErrors(const std::vector<SiteErrorRow>& errors, Failures& found) {
+    for (const auto& row : errors) {
+        const std::string what = row.what.value_or("");
+        const bool isNamed = what.empty() || row.error.find(what) != std::string::npos;
+        add(row.owner.browser, nameOfOwner(row.owner),
+            isNamed ? row.error : row.error + ": " + what, found);
+    }
+}
+
+/** Adds the stores that something is wrong with; those that were never begun have no line. */
+void addStores(const std::vector<StoreRow>& stores, Failures& found) {
+    for (const auto& row : stores) {
+        const bool hadNoTurn = row.verdict == ItemVerdict::cancelled && !row.detail;
+        if (!isSuccess(row.verdict) && !hadNoTurn) {
+            add(row.owner.browser, nameOfOwner(row.owner),
+                verdictText(row.verdict, row.detail, row.what), found);
+        }
+    }
+}
+
 struct Collect {
     Failures& found;
 
     void operator()(const BrowsersReport& /*report*/) const {}
+
+    void operator()(const SiteListReport& report) const { addErrors(report.errors, found); }
+
+    void operator()(const ForgetReport& report) const {
+        addErrors(report.errors, found);
+        addStores(report.stores, found);
+    }
 
     template <typename AnyReport>
     void operator()(const AnyReport& report) const {

@@ -15,6 +15,8 @@
 #include "browsersweep/profiles/Bookmark.h"
 #include "browsersweep/profiles/BrowserProfile.h"
 
+#include "cli/SiteReport.h"
+
 namespace browsersweep::cli {
 
 // What the commands found, before anything is written for people or machines. Every browser, every
@@ -120,8 +122,8 @@ struct NotificationsReport {
     std::vector<BrowserNotifications> browsers;
 };
 
-using Report =
-    std::variant<BrowsersReport, ProfilesReport, SizesReport, BookmarksReport, NotificationsReport>;
+using Report = std::variant<BrowsersReport, ProfilesReport, SizesReport, BookmarksReport,
+                            NotificationsReport, SiteListReport, ForgetReport>;
 
 /** One thing that failed: of which browser, where, for people, and the text of its error. */
 struct Failure {

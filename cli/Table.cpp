@@ -23,18 +23,89 @@ Cells printableCells(Cells cells, const Appearance& appearance) {
     return cells;
 }
 
-std::string line(const std::vector<Table::Column>& columns, const std::vector<std::size_t>& widths,
+constexpr std::size_t gap = 2;
+
+/** A column that is shown: which one of all, and how wide. */
+struct Place {
+    std::size_t index = 0;
+    std::size_t width = 0;
+};
+
+std::size_t widthOf(const std::vector<Place>& places) noexcept {
+    std::size_t width = 0;
+    for (const auto& place : places) {
+        width += place.width + gap;
+    }
+    return width - std::min(width, gap);
+}
+
+std::size_t leastWidthOf(const Place& place, const Table::Column& column) noexcept {
+    return column.least == 0 ? place.width : std::min(place.width, column.least);
+}
+
+/** Leaves out columns until the rest can be made to fit, or none may be left out. */
+void leaveOut(std::vector<Place>& places, const std::vector<Table::Column>& columns,
+              std::size_t limit) {
+    const auto rank = [&columns](const Place& place) { return columns[place.index].expendable; };
+    while (true) {
+        auto narrowest = places;
+        for (auto& place : narrowest) {
+            place.width = leastWidthOf(place, columns[place.index]);
+        }
+        const auto next = std::max_element(
+            places.begin(), places.end(),
+            [&rank](const Place& one, const Place& other) { return rank(one) < rank(other); });
+        if (widthOf(narrowest) <= limit || rank(*next) == 0) {
+            return;
+        }
+        places.erase(next);
+    }
+}
+
+/** Takes from the widest of the columns that may be narrowed, until all of them fit. */
+void narrow(std::vector<Place>& places, const std::vector<Table::Column>& columns,
+            std::size_t limit) {
+    while (widthOf(places) > limit) {
+        Place* widest = nullptr;
+        for (auto& place : places) {
+            const bool isNarrowable = place.width > leastWidthOf(place, columns[place.index]);
+            if (isNarrowable && (widest == nullptr || place.width > widest->width)) {
+                widest = &place;
+            }
+        }
+        if (widest == nullptr) {
+            return;
+        }
+        --widest->width;
+    }
+}
+
+std::vector<Place> placesFor(const std::vector<Table::Column>& columns,
+                             const std::vector<std::size_t>& widths, std::size_t limit) {
+    std::vector<Place> places;
+    for (std::size_t i = 0; i < widths.size(); ++i) {
+        places.push_back({i, widths[i]});
+    }
+    if (limit > 0) {
+        leaveOut(places, columns, limit);
+        narrow(places, columns, limit);
+    }
+    return places;
+}
+
+std::string line(const std::vector<Table::Column>& columns, const std::vector<Place>& places,
                  const Cells& cells, const Appearance& appearance) {
-    constexpr std::size_t gap = 2;
     std::string text;
     std::size_t owed = 0;  // spaces are written only before something visible
-    for (std::size_t i = 0; i < cells.size(); ++i) {
-        const std::size_t padding = widths[i] - displayWidth(cells[i].text);
-        const bool isRight = columns[i].alignment == Alignment::right;
+    for (const auto& place : places) {
+        const auto& cell = cells[place.index];
+        const auto shown = shortened(cell.text, place.width, appearance.drawing);
+        const std::size_t padding = place.width - displayWidth(shown);
+        const bool isRight = columns[place.index].alignment == Alignment::right;
         owed += isRight ? padding : 0;
-        if (!cells[i].text.empty()) {
+        if (!shown.empty()) {
             text.append(owed, ' ');
-            text += styled(cells[i].text, cells[i].style, appearance);
+            text += styled(shown, cell.style, appearance);
             owed = 0;
         }
         owed += (isRight ? 0 : padding) + gap;
@@ -67,9 +138,10 @@ std::string Table::text(const Appearance& appearance) const {
             widths[i] = std::max(widths[i], displayWidth(rows.back()[i].text));
         }
     }
+    const auto places = placesFor(columns_, widths, appearance.columns);
     std::string text;
     for (const auto& row : rows) {
-        text += line(columns_, widths, row, appearance);
+        text += line(columns_, places, row, appearance);
     }
     return text;
 }

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cli/Appearance.h"
@@ -9,12 +11,19 @@ namespace browsersweep::cli {
 
 enum class Alignment { left, right };
 
-/** A table for people: columns as wide as their widest cell, two spaces apart. */
+/**
+ * A table for people: columns as wide as their widest cell, two spaces apart. Where that is wider
+ * than the terminal, the columns that may be are narrowed, or left out.
+ */
 class Table {
 public:
     struct Column {
         std::string header;
         Alignment alignment = Alignment::left;
+        /** How narrow it may become, its cells cut; 0: never narrower than its widest cell. */
+        std::size_t least = 0;
+        /** Of the columns that may be left out, that of the highest rank goes first; 0: never. */
+        int expendable = 0;
     };
 
     struct Cell {

@@ -203,4 +203,22 @@ std::size_t displayWidth(std::string_view text) noexcept {
     return width;
 }
 
+std::string shortened(std::string_view text, std::size_t width, CharacterSet characters) {
+    if (displayWidth(text) <= width) {
+        return std::string(text);
+    }
+    const std::string_view sign = characters == CharacterSet::utf8 ? "\u2026" : "..";
+    const std::size_t room = width - std::min(width, displayWidth(sign));
+    std::string kept;
+    while (!text.empty()) {
+        const auto length = characterAt(text, 0).length;
+        if (displayWidth(kept) + displayWidth(text.substr(0, length)) > room) {
+            break;
+        }
+        kept += text.substr(0, length);
+        text.remove_prefix(length);
+    }
+    return kept.append(sign);
+}
+
 }  // namespace browsersweep::cli

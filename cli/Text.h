@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "cli/Appearance.h"
+
 namespace browsersweep::cli {
 
 /** One character read from the front of a text. */
@@ -40,5 +42,8 @@ std::string asciiOf(std::string_view text);
 
 /** How many columns of a terminal the text takes: two for wide characters, none for accents. */
 std::size_t displayWidth(std::string_view text) noexcept;
+
+/** The text, or as much of it as fits with a sign that something is missing. */
+std::string shortened(std::string_view text, std::size_t width, CharacterSet characters);
 
 }  // namespace browsersweep::cli

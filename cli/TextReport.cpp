@@ -11,6 +11,7 @@
 #include <fmt/ranges.h>
 
 #include "cli/Figures.h"
+#include "cli/SiteText.h"
 #include "cli/Table.h"
 #include "cli/Text.h"
 
@@ -192,6 +193,14 @@ std::string peopleTextOf(const NotificationsReport& report, const Appearance& ap
         }
     }
     return table.text(appearance);
+}
+
+std::string peopleTextOf(const SiteListReport& report, const Appearance& appearance) {
+    return peopleText(report, appearance);
+}
+
+std::string peopleTextOf(const ForgetReport& report, const Appearance& appearance) {
+    return peopleText(report, appearance);
 }
 
 }  // namespace

@@ -14,7 +14,8 @@ _browsersweep_command() {
         case $word in
         --home | --browser | -b | --profile | --category | -c | --html) is_value=yes ;;
         --include | --exclude | --inside | --outside | --filter) is_value=yes ;;
-        browsers | profiles | size | clean | bookmarks | notifications | doctor | help)
+        --kind | --sort | --older-than | --keep | --keep-list) is_value=yes ;;
+        browsers | profiles | size | clean | sites | forget | bookmarks | notifications | doctor | help)
             printf '%s\n' "$word"
             return
             ;;
@@ -32,8 +33,11 @@ _browsersweep_options() {
         printf '%s\n' --keep-going
         ;;
     esac
-    case $1 in "" | size) printf '%s\n' --html ;; esac
-    case $1 in "" | clean) printf '%s\n' --dry-run --yes --force ;; esac
+    case $1 in "" | size | sites) printf '%s\n' --html ;; esac
+    case $1 in "" | sites | forget) printf '%s\n' --kind ;; esac
+    case $1 in "" | sites) printf '%s\n' --sort --older-than ;; esac
+    case $1 in "" | forget) printf '%s\n' --all --keep --keep-list --mixed --settings ;; esac
+    case $1 in "" | clean | forget) printf '%s\n' --dry-run --yes --force ;; esac
 }
 
 # _browsersweep_offer WORDS: offers those that begin with what is typed.
@@ -57,7 +61,9 @@ _browsersweep() {
     local browsers="quenbySecureBrowser tarrowSecureBrowser brave chromium firefox googleChrome
         microsoftEdge orvo brellisPrivateBrowser opera safari vivaldi yandexBrowser"
     local categories="cache history httpCookies flashCookies formData localStorage"
-    local commands="browsers profiles size clean bookmarks notifications doctor"
+    local kinds="history downloads icons cookies siteStorage serviceWorkers cachedFiles openTabs
+        formData settings networkState predictions"
+    local commands="browsers profiles size clean sites forget bookmarks notifications doctor"
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]} command
     COMPREPLY=()
     if [ "$current" = "=" ]; then
@@ -68,9 +74,12 @@ _browsersweep() {
     case $previous in
     --browser | -b) _browsersweep_offer "$browsers" && return ;;
     --category | -c) _browsersweep_offer "$categories" && return ;;
+    --kind) _browsersweep_offer "$kinds" && return ;;
+    --sort) _browsersweep_offer "size last name" && return ;;
     --home) _browsersweep_offer_paths directory && return ;;
-    --html) _browsersweep_offer_paths file && return ;;
+    --html | --keep-list) _browsersweep_offer_paths file && return ;;
     --profile | --include | --exclude | --inside | --outside | --filter) return ;;
+    --older-than | --keep) return ;;
     esac
     command=$(_browsersweep_command "${COMP_WORDS[@]:1:COMP_CWORD-1}")
     case $current in

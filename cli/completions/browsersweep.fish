@@ -1,24 +1,32 @@
 # Completion of browsersweep for fish.
 # The words here are checked against the program's own parser by the tests.
 
-set -l commands browsers profiles size clean bookmarks notifications doctor
+set -l commands browsers profiles size clean sites forget bookmarks notifications doctor
 set -l browsers quenbySecureBrowser tarrowSecureBrowser brave chromium firefox googleChrome \
     microsoftEdge orvo brellisPrivateBrowser opera safari vivaldi yandexBrowser
 set -l categories cache history httpCookies flashCookies formData localStorage
+set -l kinds history downloads icons cookies siteStorage serviceWorkers cachedFiles openTabs \
+    formData settings networkState predictions
 
 # Before the command is typed, the options of all commands are offered.
 set -l no_command "not __fish_seen_subcommand_from $commands help"
 set -l asking "__fish_seen_subcommand_from help; and not __fish_seen_subcommand_from $commands"
 set -l selecting "not __fish_seen_subcommand_from help"
-set -l measuring "not __fish_seen_subcommand_from browsers profiles bookmarks notifications doctor help"
-set -l sizing "not __fish_seen_subcommand_from browsers profiles clean bookmarks notifications doctor help"
-set -l cleaning "not __fish_seen_subcommand_from browsers profiles size bookmarks notifications doctor help"
+set -l listing browsers profiles bookmarks notifications doctor help
+set -l measuring "not __fish_seen_subcommand_from $listing sites forget"
+set -l showing "not __fish_seen_subcommand_from $listing clean forget"
+set -l cleaning "not __fish_seen_subcommand_from $listing size sites"
+set -l tracing "not __fish_seen_subcommand_from $listing size clean"
+set -l surveying "not __fish_seen_subcommand_from $listing size clean forget"
+set -l forgetting "not __fish_seen_subcommand_from $listing size clean sites"
 
 complete -c browsersweep -f
 complete -c browsersweep -n $no_command -a browsers -d 'List the thirteen browsers'
 complete -c browsersweep -n $no_command -a profiles -d 'List the profiles of the selected browsers'
 complete -c browsersweep -n $no_command -a size -d 'Measure the selected data'
 complete -c browsersweep -n $no_command -a clean -d 'Delete the selected data'
+complete -c browsersweep -n $no_command -a sites -d 'List what each site left'
+complete -c browsersweep -n $no_command -a forget -d 'Remove all that sites left'
 complete -c browsersweep -n $no_command -a bookmarks -d 'List bookmarks'
 complete -c browsersweep -n $no_command -a notifications -d 'List the sites that may send notifications'
 complete -c browsersweep -n $no_command -a doctor -d 'Say which data can be reached'
@@ -41,7 +49,15 @@ complete -c browsersweep -n $measuring -l outside -x -d 'Only what is dated outs
 complete -c browsersweep -n $measuring -l filter -x -d 'Any filter, in JSON'
 complete -c browsersweep -n $measuring -l ignore-errors -d 'Carry on over errors'
 complete -c browsersweep -n $measuring -l keep-going -d 'Go on with the next item where one fails'
-complete -c browsersweep -n $sizing -l html -r -F -d 'Write a page with charts and a table as well'
+complete -c browsersweep -n $showing -l html -r -F -d 'Write a page for a web browser as well'
+complete -c browsersweep -n $tracing -l kind -x -a "$kinds" -d 'A kind of traces'
+complete -c browsersweep -n $surveying -l sort -x -a 'size last name' -d 'The order of the sites'
+complete -c browsersweep -n $surveying -l older-than -x -d 'Only sites not used for so long'
+complete -c browsersweep -n $forgetting -l all -d 'Every site, but those that are kept'
+complete -c browsersweep -n $forgetting -l keep -x -d 'A site to keep'
+complete -c browsersweep -n $forgetting -l keep-list -r -F -d 'A file with the sites to keep'
+complete -c browsersweep -n $forgetting -l mixed -d 'Also what tells no site apart'
+complete -c browsersweep -n $forgetting -l settings -d 'Also what you decided for the sites'
 complete -c browsersweep -n $cleaning -s n -l dry-run -d 'Say what would be removed and delete nothing'
 complete -c browsersweep -n $cleaning -s y -l yes -d 'Do not ask'
 complete -c browsersweep -n $cleaning -l force -d 'Go on although a selected browser seems to be running'

@@ -1,3 +1,5 @@
+#include <string>
+
 #include <gtest/gtest.h>
 
 #include "cli/Table.h"
@@ -39,6 +41,49 @@ TEST(Table, aCellStaysOnItsLine) {
     Table table({{"A"}, {"B"}});
     table.addRow({"a\nb", "\x1B[0m"});
     EXPECT_EQ(table.text({}), "A    B\na�b  �[0m\n");
+}
+
+/** A table whose columns may be narrowed or left out, for so many columns of a terminal. */
+std::string fitted(std::size_t columns) {
+    Table table({{"Site", Alignment::left, 6},
+                 {"Browsers", Alignment::left, 4, 2},
+                 {"Items", Alignment::right, 0, 1},
+                 {"Size", Alignment::right}});
+    table.addRow({"a-long-name.example", "Chromium", "12", "1.0 KB"});
+    table.addRow({"b.org", "Firefox", "3", "2.0 KB"});
+    Appearance appearance;
+    appearance.columns = columns;
+    return table.text(appearance);
+}
+
+TEST(Table, staysAsItIsWhereItFits) {
+    EXPECT_EQ(fitted(0), fitted(44));
+    EXPECT_EQ(fitted(44),
+              "Site                 Browsers  Items    Size\n"
+              "a-long-name.example  Chromium     12  1.0 KB\n"
+              "b.org                Firefox       3  2.0 KB\n");
+}
+
+TEST(Table, cutsTheWidestOfTheCellsThatMayBeCut) {
+    EXPECT_EQ(fitted(36),
+              "Site         Browsers  Items    Size\n"
+              "a-long-na..  Chromium     12  1.0 KB\n"
+              "b.org        Firefox       3  2.0 KB\n");
+}
+
+TEST(Table, leavesOutColumnsWhereCuttingIsNotEnough) {
+    EXPECT_EQ(fitted(26),
+              "Site         Items    Size\n"
+              "a-long-na..     12  1.0 KB\n"
+              "b.org            3  2.0 KB\n");
+    EXPECT_EQ(fitted(14),
+              "Site      Size\n"
+              "a-lo..  1.0 KB\n"
+              "b.org   2.0 KB\n");
+}
+
+TEST(Table, isWiderThanTheTerminalWhereNothingMoreMayBeTaken) {
+    EXPECT_EQ(fitted(5), fitted(14));
 }
 
 }  // namespace

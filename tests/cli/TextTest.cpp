@@ -57,5 +57,13 @@ TEST(Text, wideCharactersTakeTwoColumnsAndAccentsNone) {
     }
 }
 
+TEST(Text, isShortenedToWhatFitsWithASign) {
+    EXPECT_EQ(shortened("abcdef", 6, CharacterSet::utf8), "abcdef");
+    EXPECT_EQ(shortened("abcdef", 5, CharacterSet::utf8), "abcd\u2026");
+    EXPECT_EQ(shortened("abcdef", 5, CharacterSet::ascii), "abc..");
+    EXPECT_EQ(shortened("日本語", 5, CharacterSet::utf8), "日本\u2026");
+    EXPECT_EQ(shortened("日本語", 4, CharacterSet::utf8), "日\u2026");
+}
+
 }  // namespace
 }  // namespace browsersweep::cli

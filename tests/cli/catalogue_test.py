@@ -8,7 +8,7 @@ somewhere fails in this one place.
 import json
 import re
 
-from fixture import BROWSERS, CATEGORIES, ROOT, HostProgramTest
+from fixture import BROWSERS, CATEGORIES, KINDS, ROOT, HostProgramTest
 
 COMPLETIONS = {
     "browsersweep.bash": r'local {}="([^"]*)"',
@@ -39,7 +39,8 @@ class Catalogue(HostProgramTest):
     def test_the_completions_offer_them_in_their_order(self):
         for name, pattern in COMPLETIONS.items():
             text = (ROOT / "cli" / "completions" / name).read_text()
-            for variable, expected in (("browsers", BROWSERS), ("categories", CATEGORIES)):
+            for variable, expected in (("browsers", BROWSERS), ("categories", CATEGORIES),
+                                       ("kinds", KINDS)):
                 with self.subTest(file=name, variable=variable):
                     found = re.search(pattern.format(variable), text, re.M)
                     self.assertEqual(found[1].replace("\\\n", " ").split(), expected)
@@ -52,13 +53,15 @@ class Catalogue(HostProgramTest):
                 for values in lists:
                     if set(values) & set(BROWSERS):
                         self.assertEqual(values, BROWSERS)
+                    elif set(values) - set(CATEGORIES) and set(values) & set(KINDS):
+                        self.assertEqual(values, KINDS)
                     elif set(values) & set(CATEGORIES):
                         self.assertEqual(values, CATEGORIES)
 
     def test_the_manual_names_them_in_their_order(self):
         bold = re.findall(r"^\.BR? (\w+)", (ROOT / "docs/man/browsersweep.1").read_text(), re.M)
-        for expected in (BROWSERS, CATEGORIES):
-            start = bold.index(expected[0])
+        for expected in (BROWSERS, CATEGORIES, KINDS):
+            start = next(i for i, name in enumerate(bold) if bold[i:i + 2] == expected[:2])
             self.assertEqual(bold[start:start + len(expected)], expected)
 
     def test_the_readme_names_the_family_of_chromium(self):

@@ -21,7 +21,11 @@ BROWSERS = ["quenbySecureBrowser", "tarrowSecureBrowser", "brave", "chromium", "
             "googleChrome", "microsoftEdge", "orvo", "brellisPrivateBrowser", "opera", "safari",
             "vivaldi", "yandexBrowser"]
 
-COMMANDS = ["browsers", "profiles", "size", "clean", "bookmarks", "notifications", "doctor"]
+COMMANDS = ["browsers", "profiles", "size", "clean", "sites", "forget", "bookmarks",
+            "notifications", "doctor"]
+
+KINDS = ["history", "downloads", "icons", "cookies", "siteStorage", "serviceWorkers", "cachedFiles",
+         "openTabs", "formData", "settings", "networkState", "predictions"]
 
 CATEGORIES = ["cache", "history", "httpCookies", "flashCookies", "formData", "localStorage"]
 

@@ -4,7 +4,7 @@ import re
 import shutil
 import subprocess
 
-from fixture import BROWSERS, CATEGORIES, COMMANDS, ROOT, HostProgramTest
+from fixture import BROWSERS, CATEGORIES, COMMANDS, KINDS, ROOT, HostProgramTest
 
 MANUAL = ROOT / "docs" / "man" / "browsersweep.1"
 COMPLETIONS = ROOT / "cli" / "completions"
@@ -79,7 +79,7 @@ class Completions(ShellTest):
             text = file.read_text()
             with self.subTest(file=file.name):
                 words = set(re.findall(r"[A-Za-z]+", text))
-                self.assertEqual(set([*COMMANDS, "help", *BROWSERS, *CATEGORIES]) - words, set())
+                self.assertEqual(set([*COMMANDS, "help", *BROWSERS, *CATEGORIES, *KINDS]) - words, set())
                 pattern = r"^complete .*-l ([a-z-]+)" if file == FISH else r"--([a-z][a-z-]+)"
                 found = {f"--{name}" for name in re.findall(pattern, text, re.M)} - {"--option"}
                 self.assertEqual(found, set(self.options()))
@@ -90,14 +90,14 @@ class Offers(ShellTest):
 
     LINES = (
         ("", [*COMMANDS, "help"]),
-        ("si", ["size"]),
+        ("si", ["size", "sites"]),
         ("--json pro", ["profiles"]),
         ("size --browser xyz", []),
         ("size --browser goo", ["googleChrome"]),
         ("size -b goo", ["googleChrome"]),
         ("clean -c hi", ["history"]),
         ("help ", COMMANDS),
-        ("help si", ["size"]),
+        ("help si", ["size", "sites"]),
         ("size --category ", CATEGORIES),
         ("--browser ", BROWSERS),
         ("clean --f", ["--filter", "--force"]),
@@ -106,13 +106,16 @@ class Offers(ShellTest):
         ("bookmarks --h", ["--help", "--home"]),
         ("size --h", ["--help", "--home", "--html"]),
         ("clean --profile size --h", ["--help", "--home"]),
+        ("sites --kind ", KINDS),
+        ("sites --sort ", ["size", "last", "name"]),
+        ("forget --keep a.com --ke", ["--keep", "--keep-list"]),
     )
 
     def check(self, offers):
         for line, expected in self.LINES:
             with self.subTest(line=line):
                 self.assertEqual(sorted(offers(line)), sorted(expected))
-        for command in ("profiles", "size", "clean"):
+        for command in ("profiles", "size", "clean", "sites", "forget"):
             with self.subTest(command=command):
                 self.assertEqual(set(offers(f"{command} --")), self.options_of(command))
 
@@ -160,10 +163,11 @@ class Offers(ShellTest):
 
     def test_zsh(self):
         self.require("zsh")
-        for command in ("profiles", "size", "clean"):
+        for command in ("profiles", "size", "clean", "sites", "forget"):
             with self.subTest(command=command):
                 offered = re.findall(r"--[a-z][a-z-]+", self.zsh(f"{command} "))
                 self.assertEqual(set(offered), self.options_of(command))
         self.assertEqual(set(re.findall(r"--[a-z][a-z-]+", self.zsh(""))), set(self.options()))
         self.assertIn(f":browser:({' '.join(BROWSERS)})\n", self.zsh("size "))
         self.assertIn(f":category:({' '.join(CATEGORIES)})\n", self.zsh("size "))
+        self.assertIn(f":kind:({' '.join(KINDS)})\n", self.zsh("sites "))

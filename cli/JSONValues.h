@@ -1,0 +1,37 @@
+#pragma once
+
+#include <optional>
+
+#include <nlohmann/json.hpp>
+
+#include "browsersweep/cleanable/CleanableDataSize.h"
+
+namespace browsersweep::cli {
+
+/** A value of a document, whose keys stay in the order in which they were added. */
+using JSON = nlohmann::ordered_json;
+
+/** The value, or null where it is absent. */
+template <typename Value>
+JSON orNull(const std::optional<Value>& value) {
+    return value ? JSON(*value) : JSON(nullptr);
+}
+
+/** A list with an element for each row. */
+template <typename Rows, typename ToJSON>
+JSON listOf(const Rows& rows, const ToJSON& rowToJSON) {
+    JSON list = JSON::array();
+    for (const auto& row : rows) {
+        list.push_back(rowToJSON(row));
+    }
+    return list;
+}
+
+/** A number of items, or of bytes. */
+JSON toJSON(const CleanableDataSize::Measurement& measurement);
+/** A size. */
+JSON toJSON(const CleanableDataSize& size);
+/** A size, or null where it is absent. */
+JSON toJSON(const std::optional<CleanableDataSize>& size);
+
+}  // namespace browsersweep::cli

@@ -1,0 +1,215 @@
+#include "cli/OptionTable.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <iterator>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "cli/Commands.h"
+#include "cli/Filters.h"
+#include "cli/Names.h"
+#include "cli/SiteCommands.h"
+#include "cli/Suggestion.h"
+#include "cli/Text.h"
+
+namespace browsersweep::cli {
+namespace {
+
+using Rule = CleanableDataFilter::Rule;
+using DatesRule = CleanableDataFilter::Dates::Rule;
+
+template <typename Cases>
+std::vector<std::string_view> rawValues(const Cases& cases) {
+    std::vector<std::string_view> names;
+    names.reserve(cases.size());
+    for (const auto value : cases) {
+        names.push_back(rawValue(value));
+    }
+    return names;
+}
+
+std::string faultOfBrowser(const std::string& name) {
+    return browserNamed(name) ? ""
+                              : fmt::format("'{}' is no browser; {}", printable(name),
+                                            suggestion(name, rawValues(allBrowsers)));
+}
+
+std::string faultOfCategory(const std::string& name) {
+    return categoryNamed(name)
+               ? ""
+               : fmt::format("'{}' is no category; {}", printable(name),
+                             suggestion(name, rawValues(allCleanableDataCategories)));
+}
+
+std::string faultOfFolder(const std::string& path) {
+    return path.empty() ? "the value is empty; give the folder that holds Library" : "";
+}
+
+std::string faultOfFile(const std::string& path) {
+    return path.empty() ? "the value is empty; give the file to write" : "";
+}
+
+// clang-format off
+constexpr std::array ownOptions{
+    OptionRow{"--browser", "-b,--browser", "BROWSER", "selection", Scope::everyCommand,
+              "a browser, such as firefox or chrome; 'browsersweep browsers' lists them",
+              [](const std::string& value, Options& options) {
+                  options.selection.browsers.push_back(browserNamed(value).value());
+              }, faultOfBrowser},
+    OptionRow{"--profile", "--profile", "PROFILE", "selection", Scope::everyCommand,
+              "the profiles of exactly this name, or else the one in this folder",
+              [](const std::string& value, Options& options) {
+                  options.selection.profileNames.push_back(value);
+              }, nullptr},
+    OptionRow{"--primary-only", "--primary-only", "", "selection", Scope::everyCommand,
+              "primary profiles only",
+              [](const std::string& /*value*/, Options& options) {
+                  options.selection.primaryOnly = true;
+              }, nullptr},
+    OptionRow{"--category", "-c,--category", "CATEGORY", "selection", Scope::sizeAndClean,
+              "cache, history, httpCookies (or cookies), flashCookies (flash), formData (forms) "
+              "or localStorage (storage)",
+              [](const std::string& value, Options& options) {
+                  options.selection.categories.push_back(categoryNamed(value).value());
+              }, faultOfCategory},
+    OptionRow{"--include", "--include", "PATTERN", "filters", Scope::sizeAndClean,
+              "only what holds this text, such as a part of a host name",
+              [](const std::string& value, Options& options) {
+                  options.filters.push_back(patternFilter(Rule::include, value));
+              }, nullptr},
+    OptionRow{"--exclude", "--exclude", "PATTERN", "filters", Scope::sizeAndClean,
+              "only what does not hold it",
+              [](const std::string& value, Options& options) {
+                  options.filters.push_back(patternFilter(Rule::exclude, value));
+              }, nullptr},
+    OptionRow{"--inside", "--inside", "START..END", "filters", Scope::sizeAndClean,
+              "only what is dated in the range; either end may be left empty",
+              [](const std::string& value, Options& options) {
+                  options.filters.push_back(datesFilter(DatesRule::insideRange, value));
+              }, nullptr},
+    OptionRow{"--outside", "--outside", "START..END", "filters", Scope::sizeAndClean,
+              "only what is dated outside it",
+              [](const std::string& value, Options& options) {
+                  options.filters.push_back(datesFilter(DatesRule::outsideRange, value));
+              }, nullptr},
+    OptionRow{"--filter", "--filter", "JSON", "filters", Scope::sizeAndClean,
+              "any filter; filters apply in the order given",
+              [](const std::string& value, Options& options) {
+                  options.filters.push_back(filterFromJSON(value));
+              }, nullptr},
+    OptionRow{"--ignore-errors", "--ignore-errors", "", "options", Scope::sizeAndClean,
+              "carry on over errors; the figures become approximate",
+              [](const std::string& /*value*/, Options& options) {
+                  options.ignoreErrors = true;
+              }, nullptr},
+    OptionRow{"--keep-going", "--keep-going", "", "options", Scope::sizeAndClean,
+              "go on with the next item where one fails",
+              [](const std::string& /*value*/, Options& options) {
+                  options.keepGoing = true;
+              }, nullptr},
+    OptionRow{"--html", "--html", "FILE", "options", Scope::sizeAndSites,
+              "write a page for a web browser to FILE as well; - is standard output, in place of "
+              "the report",
+              [](const std::string& value, Options& options) {
+                  options.html = value == Options::standardOutput
+                                     ? std::filesystem::path(value)
+                                     : std::filesystem::absolute(value);
+              }, faultOfFile},
+    OptionRow{"--dry-run", "-n,--dry-run", "", "options", Scope::cleanAndForget,
+              "say what would be removed and delete nothing",
+              [](const std::string& /*value*/, Options& options) {
+                  options.dryRun = true;
+              }, nullptr},
+    OptionRow{"--yes", "-y,--yes", "", "options", Scope::cleanAndForget,
+              "do not ask (needed when standard input is no terminal)",
+              [](const std::string& /*value*/, Options& options) {
+                  options.yes = true;
+              }, nullptr},
+    OptionRow{"--force", "--force", "", "options", Scope::cleanAndForget,
+              "go on although a selected browser seems to be running, or the home is another "
+              "user's",
+              [](const std::string& /*value*/, Options& options) {
+                  options.force = true;
+              }, nullptr},
+    OptionRow{"--home", "--home", "DIR", "options", Scope::program,
+              "act on the Library folder under DIR instead of the user's home",
+              [](const std::string& value, Options& options) {
+                  options.home = std::filesystem::absolute(value);
+              }, faultOfFolder},
+    OptionRow{"--json", "--json", "", "options", Scope::program,
+              "machine output on standard output",
+              [](const std::string& /*value*/, Options& options) {
+                  options.json = true;
+              }, nullptr},
+};
+// clang-format on
+
+/** The commands of the scopes that are not about all of them; an empty place at the end. */
+using Commands = std::array<std::string_view, 2>;
+
+Commands namesOf(Scope scope) noexcept {
+    // clang-format off
+    constexpr std::array<Commands, 8> table{{
+        {},
+        {},
+        {"size", "clean"},
+        {"size", "sites"},
+        {"clean", "forget"},
+        {"sites"},
+        {"forget"},
+        {"sites", "forget"},
+    }};
+    // clang-format on
+    return table.at(static_cast<std::size_t>(scope));
+}
+
+std::vector<OptionRow> allOptions() {
+    std::vector<OptionRow> rows(ownOptions.begin(), ownOptions.end());
+    const auto& more = siteOptions();
+    const auto end = std::find_if(rows.begin(), rows.end(), [](const OptionRow& row) {
+        return row.scope == Scope::cleanAndForget;
+    });
+    rows.insert(end, more.begin(), more.end());
+    return rows;
+}
+
+}  // namespace
+
+const std::vector<OptionRow>& optionTable() {
+    static const std::vector<OptionRow> table = allOptions();
+    return table;
+}
+
+const OptionRow* findOption(std::string_view name) {
+    const auto& table = optionTable();
+    const auto found = std::find_if(table.begin(), table.end(), [name](const OptionRow& row) {
+        const std::string_view names = row.names;
+        return row.name == name ||
+               (names.size() > row.name.size() && names.substr(0, names.find(',')) == name);
+    });
+    return found == table.end() ? nullptr : &*found;
+}
+
+bool isAllowed(Scope scope, std::string_view command) noexcept {
+    if (scope == Scope::program || scope == Scope::everyCommand) {
+        return scope == Scope::program || command != helpCommand;
+    }
+    const auto names = namesOf(scope);
+    return std::find(names.begin(), names.end(), command) != names.end();
+}
+
+std::string commandsOf(Scope scope) {
+    if (scope == Scope::program || scope == Scope::everyCommand) {
+        return scope == Scope::program ? "any command" : "the commands that look at data";
+    }
+    const auto names = namesOf(scope);
+    std::vector<std::string_view> known;
+    std::copy_if(names.begin(), names.end(), std::back_inserter(known),
+                 [](std::string_view name) { return findCommand(name) != nullptr; });
+    return fmt::format("the command{} {}", known.size() == 1 ? "" : "s", fmt::join(known, " and "));
+}
+
+}  // namespace browsersweep::cli

@@ -1,0 +1,233 @@
+#include "cli/SiteText.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <map>
+#include <set>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "cli/Figures.h"
+#include "cli/Table.h"
+#include "cli/Text.h"
+
+namespace browsersweep::cli {
+namespace {
+
+constexpr std::size_t leastSite = 12;
+constexpr std::size_t leastName = 8;
+/** A table of more sites tells of each kind how many there are. */
+constexpr std::size_t mostSitesInDetail = 20;
+constexpr std::string_view anySite = "(any site)";
+
+std::string remark(const std::string& text, const Appearance& appearance) {
+    return text.empty() ? "" : styled(text, Style::faint, appearance) + "\n";
+}
+
+bool isApproximate(const CleanableDataSize& size) noexcept {
+    return size.itemCount.isApproximate || size.byteCount.isApproximate;
+}
+
+template <typename Rows>
+bool isAnyApproximate(const Rows& rows) {
+    return std::any_of(rows.begin(), rows.end(),
+                       [](const auto& row) { return isApproximate(row.size); });
+}
+
+template <typename AnyReport>
+std::string legend(const std::vector<SiteRow>& sites, const AnyReport& report) {
+    return isAnyApproximate(sites) || isAnyApproximate(report.notBySite)
+               ? "~ approximate: files are shared by sites, or counted in part"
+               : "";
+}
+
+std::string countOf(std::size_t count, std::string_view thing) {
+    return fmt::format("{} {}{}", countText({static_cast<std::int64_t>(count)}), thing,
+                       count == 1 ? "" : "s");
+}
+
+std::string sitesTable(const SiteListReport& report, const Appearance& appearance) {
+    Table table({{"Site", Alignment::left, leastSite},
+                 {"Browsers", Alignment::left, leastName, 2},
+                 {"Items", Alignment::right, 0, 1},
+                 {"Size", Alignment::right},
+                 {"Last use"}});
+    for (const auto& row : report.sites) {
+        table.addRow({row.site, browsersOf(row), countText(row.size.itemCount),
+                      bytesText(row.size.byteCount), row.lastUsed ? dayText(*row.lastUsed) : ""});
+    }
+    return table.text(appearance);
+}
+
+std::string mixedTable(const SiteListReport& report, const Appearance& appearance) {
+    Table table({{"Of no single site", Alignment::left, leastSite},
+                 {"Where", Alignment::left, leastName, 2},
+                 {"Items", Alignment::right, 0, 1},
+                 {"Size", Alignment::right}});
+    for (const auto& row : report.notBySite) {
+        table.addRow({std::string(row.kind.display), displayName(row.owner),
+                      countText(row.size.itemCount), bytesText(row.size.byteCount)});
+    }
+    return table.text(appearance);
+}
+
+std::string_view figureHeader(const ForgetReport& report) noexcept {
+    return report.isPlan ? "To be removed" : "Removed";
+}
+
+/** A row for each site, kind and profile. */
+std::string detailTable(const ForgetReport& report, const Appearance& appearance) {
+    Table table({{"Site", Alignment::left, leastSite},
+                 {"Kind", Alignment::left, leastName},
+                 {"Where", Alignment::left, leastName, 2},
+                 {"Items", Alignment::right, 0, 1},
+                 {std::string(figureHeader(report)), Alignment::right}});
+    const auto add = [&table](const std::string& site, const KindName& kind, const SiteOwner& owner,
+                              const CleanableDataSize& size) {
+        table.addRow({site, std::string(kind.display), displayName(owner),
+                      countText(size.itemCount), bytesText(size.byteCount)});
+    };
+    for (const auto& site : report.forgotten) {
+        for (const auto& row : site.traces) {
+            add(site.site, row.kind, row.owner, row.size);
+        }
+    }
+    for (const auto& row : report.notBySite) {
+        add(std::string(anySite), row.kind, row.owner, row.size);
+    }
+    table.addRow({{"Total", Style::strong},
+                  "",
+                  "",
+                  {countText(report.total.itemCount), Style::strong},
+                  {bytesText(report.total.byteCount), Style::strong}});
+    return table.text(appearance);
+}
+
+/** How much of one kind went from one profile. */
+struct KindSum {
+    std::string_view kind;
+    std::size_t sites = 0;
+    CleanableDataSize size;
+};
+
+/** A row for each kind and profile, where there are too many sites to name. */
+std::string summaryTable(const ForgetReport& report, const Appearance& appearance) {
+    using Key = std::tuple<Browser, std::optional<std::string>, std::optional<std::string>,
+                           std::string_view>;
+    std::map<Key, KindSum> sums;
+    const auto sumOf = [&sums](const SiteOwner& owner, const KindName& kind) -> KindSum& {
+        auto& sum = sums[{owner.browser, owner.folder, owner.profile, kind.display}];
+        sum.kind = kind.display;
+        return sum;
+    };
+    for (const auto& site : report.forgotten) {
+        for (const auto& row : site.traces) {
+            auto& sum = sumOf(row.owner, row.kind);
+            sum.size = sum.size + row.size;
+            ++sum.sites;
+        }
+    }
+    for (const auto& row : report.notBySite) {
+        auto& sum = sumOf(row.owner, row.kind);
+        sum.size = sum.size + row.size;
+    }
+    Table table({{"Where", Alignment::left, leastName, 2},
+                 {"Kind", Alignment::left, leastSite},
+                 {"Sites", Alignment::right},
+                 {"Items", Alignment::right, 0, 1},
+                 {std::string(figureHeader(report)), Alignment::right}});
+    for (const auto& [key, sum] : sums) {
+        const SiteOwner owner{std::get<0>(key), std::get<2>(key), std::get<1>(key)};
+        table.addRow({displayName(owner), std::string(sum.kind),
+                      countText({static_cast<std::int64_t>(sum.sites)}),
+                      countText(sum.size.itemCount), bytesText(sum.size.byteCount)});
+    }
+    table.addRow({{"Total", Style::strong},
+                  "",
+                  {countText({static_cast<std::int64_t>(report.forgotten.size())}), Style::strong},
+                  {countText(report.total.itemCount), Style::strong},
+                  {bytesText(report.total.byteCount), Style::strong}});
+    return table.text(appearance);
+}
+
+std::string goneText(const ForgetReport& report, const Appearance& appearance) {
+    if (report.forgotten.empty() && report.notBySite.empty()) {
+        return remark(report.isPlan ? "Nothing would be removed." : "Nothing was removed.",
+                      appearance);
+    }
+    return report.forgotten.size() > mostSitesInDetail ? summaryTable(report, appearance)
+                                                       : detailTable(report, appearance);
+}
+
+std::string keptText(const ForgetReport& report) {
+    std::string text;
+    for (const auto& row : report.kept) {
+        text += fmt::format("  {}, {}: {}\n      {}\n", printable(displayName(row.owner)),
+                            row.kind.display, printable(row.why), printable(row.what));
+    }
+    return text.empty() ? "" : "Stays:\n" + text;
+}
+
+std::string remainsText(const ForgetReport& report) {
+    std::string text;
+    for (const auto& row : report.stores) {
+        if (!row.isWithoutRemains) {
+            text +=
+                fmt::format("  {}: {}\n", printable(displayName(row.owner)), printable(row.what));
+        }
+    }
+    return text.empty() ? ""
+                        : "The disk had no room to write these files anew, so remains of what went "
+                          "may be left in them:\n" +
+                              text;
+}
+
+std::string freedText(const ForgetReport& report) {
+    if (report.isPlan || report.freedBytes <= 0) {
+        return {};
+    }
+    return fmt::format("The disk gained {}.", bytesText({report.freedBytes}));
+}
+
+}  // namespace
+
+std::string displayName(const SiteOwner& owner) {
+    const std::string browser(displayName(owner.browser));
+    const auto& profile = owner.profile ? owner.profile : owner.folder;
+    return profile ? browser + ", " + *profile : browser;
+}
+
+std::string browsersOf(const SiteRow& row) {
+    std::vector<std::string_view> names;
+    for (const auto& trace : row.traces) {
+        const auto name = displayName(trace.owner.browser);
+        if (std::find(names.begin(), names.end(), name) == names.end()) {
+            names.push_back(name);
+        }
+    }
+    return fmt::format("{}", fmt::join(names, ", "));
+}
+
+std::string peopleText(const SiteListReport& report, const Appearance& appearance) {
+    std::string text = report.sites.empty() ? remark("No traces of sites were found.", appearance)
+                                            : sitesTable(report, appearance);
+    if (!report.notBySite.empty()) {
+        text += "\n" + mixedTable(report, appearance);
+    }
+    if (report.sites.size() > 1) {
+        text += remark(countOf(report.sites.size(), "site"), appearance);
+    }
+    return text + remark(legend(report.sites, report), appearance);
+}
+
+std::string peopleText(const ForgetReport& report, const Appearance& appearance) {
+    return goneText(report, appearance) + keptText(report) + remainsText(report) +
+           remark(freedText(report), appearance) +
+           remark(legend(report.forgotten, report), appearance);
+}
+
+}  // namespace browsersweep::cli

@@ -1,0 +1,225 @@
+#include "cli/SiteCommands.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <fstream>
+#include <iterator>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "browsersweep/sites/TraceKind.h"
+
+#include "cli/OptionTable.h"
+#include "cli/Suggestion.h"
+#include "cli/Text.h"
+#include "cli/UsageError.h"
+#include "cli/sites/SiteNames.h"
+
+namespace browsersweep::cli {
+namespace {
+
+using Order = SiteOptions::Order;
+
+constexpr std::string_view sitesNotes =
+    R"(It is not known of every site when it was last used; --older-than leaves such
+sites out. What tells no site apart has a table of its own.
+)";
+
+constexpr std::string_view forgetNotes =
+    R"(A site is a registrable domain with all its hosts: www.example.com names
+example.com. What tells no site apart (open tabs, words typed into forms) stays
+when single sites are forgotten, and the plan names it; --mixed takes it too.
+What you decided for sites (permissions, zoom) stays without --settings.
+Bookmarks, passwords and extensions are never touched. The file of --keep-list
+has one site in a line; # begins a comment.
+)";
+
+constexpr std::array orders{
+    std::pair{std::string_view("size"), Order::size},
+    std::pair{std::string_view("last"), Order::last},
+    std::pair{std::string_view("name"), Order::name},
+};
+
+constexpr double hour = 3600;
+constexpr std::array ages{
+    std::pair{'h', hour},
+    std::pair{'d', 24 * hour},
+    std::pair{'w', 7 * 24 * hour},
+    std::pair{'y', 365 * 24 * hour},
+};
+
+std::optional<Order> orderNamed(std::string_view name) {
+    const auto* const found = std::find_if(orders.begin(), orders.end(),
+                                           [name](const auto& each) { return each.first == name; });
+    return found == orders.end() ? std::nullopt : std::optional(found->second);
+}
+
+/** The seconds of a text such as "30d". */
+std::optional<double> secondsOf(std::string_view age) {
+    constexpr std::size_t mostDigits = 6;
+    if (age.size() < 2 || age.size() > mostDigits + 1) {
+        return std::nullopt;
+    }
+    double number = 0;
+    for (const char digit : age.substr(0, age.size() - 1)) {
+        if (std::isdigit(static_cast<unsigned char>(digit)) == 0) {
+            return std::nullopt;
+        }
+        number = 10 * number + (digit - '0');
+    }
+    const auto* const unit = std::find_if(
+        ages.begin(), ages.end(), [age](const auto& each) { return each.first == age.back(); });
+    return unit == ages.end() ? std::nullopt : std::optional(number * unit->second);
+}
+
+std::string faultOfKind(const std::string& name) {
+    if (traceKindFromRawValue(name)) {
+        return {};
+    }
+    std::vector<std::string_view> names;
+    for (const auto kind : allTraceKinds) {
+        names.push_back(rawValue(kind));
+    }
+    return fmt::format("'{}' is no kind; {}", printable(name), suggestion(name, names));
+}
+
+std::string faultOfOrder(const std::string& name) {
+    return orderNamed(name) ? ""
+                            : fmt::format("'{}' is no order; {}", printable(name),
+                                          suggestion(name, {"size", "last", "name"}));
+}
+
+std::string faultOfAge(const std::string& age) {
+    return secondsOf(age) ? ""
+                          : fmt::format(
+                                "'{}' is no age; write a number and h, d, w or y, such as "
+                                "30d for thirty days",
+                                printable(age));
+}
+
+std::string faultOfList(const std::string& path) {
+    return path.empty() ? "the value is empty; give a file with one site in a line" : "";
+}
+
+// clang-format off
+constexpr std::array optionRows{
+    OptionRow{"--kind", "--kind", "KIND", "selection", Scope::sitesAndForget,
+              "a kind of traces: history, downloads, icons, cookies, siteStorage, "
+              "serviceWorkers, cachedFiles, openTabs, formData, settings, networkState or "
+              "predictions",
+              [](const std::string& value, Options& options) {
+                  options.sites.kinds.push_back(value);
+              }, faultOfKind},
+    OptionRow{"--sort", "--sort", "ORDER", "options", Scope::sites,
+              "size, the largest first; last, the latest used first; or name",
+              [](const std::string& value, Options& options) {
+                  options.sites.order = orderNamed(value).value();
+              }, faultOfOrder},
+    OptionRow{"--older-than", "--older-than", "AGE", "options", Scope::sites,
+              "only sites that were not used for so long, such as 12h, 30d, 8w or 1y",
+              [](const std::string& value, Options& options) {
+                  options.sites.olderThan = secondsOf(value);
+              }, faultOfAge},
+    OptionRow{"--all", "--all", "", "options", Scope::forget,
+              "every site, but those that are kept",
+              [](const std::string& /*value*/, Options& options) {
+                  options.sites.all = true;
+              }, nullptr},
+    OptionRow{"--keep", "--keep", "SITE", "options", Scope::forget,
+              "with --all: a site to keep",
+              [](const std::string& value, Options& options) {
+                  options.sites.kept.push_back(value);
+              }, faultOfSite},
+    OptionRow{"--keep-list", "--keep-list", "FILE", "options", Scope::forget,
+              "with --all: a file with the sites to keep",
+              [](const std::string& value, Options& options) {
+                  options.sites.keepList = std::filesystem::absolute(value);
+              }, faultOfList},
+    OptionRow{"--mixed", "--mixed", "", "options", Scope::forget,
+              "also what tells no site apart, such as open tabs, which other sites lose too",
+              [](const std::string& /*value*/, Options& options) {
+                  options.sites.takesMixed = true;
+              }, nullptr},
+    OptionRow{"--settings", "--settings", "", "options", Scope::forget,
+              "also what you decided for the sites: permissions, zoom",
+              [](const std::string& /*value*/, Options& options) {
+                  options.sites.takesSettings = true;
+              }, nullptr},
+};
+// clang-format on
+
+void requireSitesToForget(const SiteOptions& sites) {
+    for (const auto& name : sites.names) {
+        if (const auto fault = faultOfSite(name); !fault.empty()) {
+            throw UsageError(fault);
+        }
+    }
+    if (sites.names.empty() && !sites.all) {
+        throw UsageError("forget needs a site, or --all for every site");
+    }
+    if (!sites.names.empty() && sites.all) {
+        throw UsageError("--all is every site; leave out --all or the names of sites");
+    }
+    if (!sites.all && (!sites.kept.empty() || sites.keepList)) {
+        throw UsageError(
+            "--keep and --keep-list belong to --all; without it only the named sites "
+            "are forgotten");
+    }
+}
+
+}  // namespace
+
+const std::vector<CommandRow>& siteCommands() {
+    static const std::vector<CommandRow> rows{
+        {"sites",
+         Command::sites,
+         "list what each site left in the browsers",
+         {{"browsersweep sites", "every site, the one that takes the most room first"},
+          {"browsersweep sites --kind cookies --older-than 30d --sort last",
+           "the sites with cookies that were not used for thirty days"}},
+         sitesNotes},
+        {"forget",
+         Command::forget,
+         "remove all that sites left, and report what stays",
+         {{"browsersweep forget example.com", "one site, after a question"},
+          {"browsersweep forget --all --keep example.com --dry-run",
+           "what forgetting every site but one would remove"}},
+         forgetNotes,
+         "SITE... | --all"},
+    };
+    return rows;
+}
+
+const std::vector<OptionRow>& siteOptions() {
+    static const std::vector<OptionRow> rows(optionRows.begin(), optionRows.end());
+    return rows;
+}
+
+void requireSites(const Options& options) {
+    if (options.command == Command::forget) {
+        requireSitesToForget(options.sites);
+    }
+}
+
+void readKeepList(SiteOptions& options) {
+    if (!options.keepList) {
+        return;
+    }
+    std::ifstream file(*options.keepList, std::ios::binary);
+    std::error_code error;
+    if (!file.is_open() || std::filesystem::is_directory(*options.keepList, error)) {
+        throw UsageError(
+            fmt::format("{} cannot be read; give --keep-list a file with one site in "
+                        "a line",
+                        printable(options.keepList->string())));
+    }
+    const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    const auto sites = sitesInList(text, *options.keepList);
+    options.kept.insert(options.kept.end(), sites.begin(), sites.end());
+}
+
+}  // namespace browsersweep::cli

@@ -1,0 +1,40 @@
+#include "cli/SiteCommands.h"
+
+#include <stdexcept>
+
+#include "cli/OptionTable.h"
+
+// The parser knows none of the commands, so none of the last functions is ever called.
+
+namespace browsersweep::cli {
+
+const std::vector<CommandRow>& siteCommands() {
+    static const std::vector<CommandRow> none;
+    return none;
+}
+
+const std::vector<OptionRow>& siteOptions() {
+    static const std::vector<OptionRow> none;
+    return none;
+}
+
+void requireSites(const Options& /*options*/) {}
+
+void readKeepList(SiteOptions& /*options*/) {}
+
+SiteListReport gatherSites(const Options& /*options*/, const SiteWork& /*work*/,
+                           Observer& /*observer*/) {
+    throw std::logic_error("a program without sites");
+}
+
+ForgetReport gatherForget(const Options& /*options*/, const SiteWork& /*work*/,
+                          Observer& /*observer*/) {
+    throw std::logic_error("a program without sites");
+}
+
+ForgetReport previewForget(const Options& /*options*/, const SiteWork& /*work*/,
+                           Observer& /*observer*/) {
+    throw std::logic_error("a program without sites");
+}
+
+}  // namespace browsersweep::cli

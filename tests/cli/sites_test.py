@@ -1,0 +1,106 @@
+"""The commands about sites, as far as they go without any data: what they take, say and refuse."""
+
+import base64
+import hashlib
+import re
+
+from fixture import HostProgramTest
+from html_test import Page
+
+
+class SitesTest(HostProgramTest):
+    """A home whose browsers hold nothing of any site."""
+
+    def make_home(self):
+        (self.home / "Library").mkdir(parents=True)
+
+
+class Sites(SitesTest):
+    def test_an_empty_home_has_no_sites(self):
+        self.assertEqual(self.document("sites"), {"sites": [], "notBySite": [], "errors": []})
+        result = self.run_program("sites")
+        self.assertEqual((result.status, result.text, result.error),
+                         (0, "No traces of sites were found.\n", ""))
+
+    def test_the_page_says_that_there_are_none(self):
+        page = Page(self.run_program("sites", "--html", "-").text)
+        self.assertEqual(page.problems, [])
+        self.assertIn("No traces of sites were found.", page.texts("p"))
+
+    def test_the_page_is_written_beside_the_report(self):
+        file = self.root / "page.html"
+        result = self.run_program("sites", "--html", file)
+        self.assertEqual((result.status, result.text), (0, "No traces of sites were found.\n"))
+        text = file.read_text()
+        style = re.search(r"<style>(.*?)</style>", text, re.S)[1]
+        digest = base64.b64encode(hashlib.sha256(style.encode()).digest()).decode()
+        self.assertIn(f"style-src 'sha256-{digest}'", text)
+
+    def test_profiles_are_chosen_as_for_other_commands(self):
+        result = self.run_program("sites", "--browser", "chromium", "--profile", "nobody")
+        self.assertEqual(result.status, 1)
+        self.assertIn("nobody", result.error)
+
+
+class Forget(SitesTest):
+    def test_of_nothing_nothing_is_forgotten_and_nobody_is_asked(self):
+        status, output, screen = self.run_on_terminal("forget", "example.com")
+        self.assertEqual((status, output), (0, b"Nothing was removed.\n"))
+        self.assertIn("nothing of example.com was found", screen)
+        self.assertNotIn("[y/N]", screen)
+
+    def test_the_document_of_nothing(self):
+        for extra, is_dry in (("--yes", False), ("--dry-run", True)):
+            document = self.document("forget", "example.com", extra)
+            self.assertEqual(document["dryRun"], is_dry)
+            for key in ("forgotten", "notBySite", "kept", "errors"):
+                self.assertEqual(document[key], [], key)
+
+    def test_a_host_names_its_site(self):
+        result = self.run_program("forget", "--dry-run", "www.Example.co.uk")
+        self.assertIn("browsersweep: www.Example.co.uk: all of example.co.uk\n", result.error)
+
+    def test_letters_beyond_ascii_are_written_as_browsers_do(self):
+        result = self.run_program("forget", "--dry-run", "münchen.de")
+        self.assertIn("münchen.de: all of xn--mnchen-3ya.de\n", result.error)
+        self.assert_usage_error("forget", "--dry-run", "mu\u0308nchen.de", says=("is no site",))
+
+    def test_all_is_asked_about_and_a_no_ends_it(self):
+        status, output, screen = self.run_on_terminal("forget", "--all", answer=b"n\n")
+        self.assertEqual((status, output), (1, b""))
+        self.assertIn("nothing was deleted", screen)
+        status, _, _ = self.run_on_terminal("forget", "--all", answer=b"y\n")
+        self.assertEqual(status, 0)
+
+    def test_without_a_terminal_it_needs_yes_or_a_dry_run(self):
+        self.assert_usage_error("forget", "example.com", says=("--yes", "--dry-run"))
+        self.assert_usage_error("forget", "--all", "--json", says=("--yes",))
+
+    def test_a_running_browser_is_told_of(self):
+        data = self.support / "Chromium"
+        (data / "Default").mkdir(parents=True)
+        (data / "SingletonLock").symlink_to("host-1")
+        result = self.run_program("forget", "--all", "--yes", "--browser", "chromium")
+        self.assertEqual((result.status, result.output), (1, b""))
+        self.assertIn("Chromium seems to be running", result.error)
+        self.assertEqual(self.run_program("forget", "--all", "--yes", "--force", "--browser",
+                                          "chromium").status, 0)
+
+    def test_the_list_of_sites_to_keep(self):
+        file = self.root / "keep"
+        file.write_text("# mine\nexample.com\n\nwww.other.org # shop\n")
+        result = self.run_program("forget", "--all", "--dry-run", "--keep-list", file)
+        self.assertEqual(result.status, 0, result.error)
+        self.assertIn("www.other.org: all of other.org", result.error)
+        file.write_text("example.com\n\nno site\n")
+        self.assert_usage_error("forget", "--all", "--dry-run", "--keep-list", file,
+                                says=(f"{file}, line 3: 'no site' is no site",))
+        for path in (self.root / "missing", self.root):
+            self.assert_usage_error("forget", "--all", "--yes", "--keep-list", path,
+                                    says=("cannot be read", "--keep-list"))
+
+    def test_what_does_not_fit_together_is_refused(self):
+        self.assert_usage_error("forget", "--yes", says=("--all",))
+        self.assert_usage_error("forget", "--yes", "--all", "a.com", says=("leave out",))
+        self.assert_usage_error("forget", "--yes", "a.com", "--keep", "b.com", says=("--all",))
+        self.assert_usage_error("forget", "--yes", "a/b", says=("'a/b' is no site",))
