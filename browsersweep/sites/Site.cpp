@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "browsersweep/sites/internal/PublicSuffixes.h"
+#include "browsersweep/sites/internal/Punycode.h"
 #include "browsersweep/sites/internal/SiteForm.h"
 
 namespace browsersweep {
@@ -32,7 +33,9 @@ std::optional<Site> Site::ofAddress(std::string_view address) {
 }
 
 std::optional<Site> Site::ofText(std::string_view text) {
-    return text.find("://") == std::string_view::npos ? ofHost(text) : ofAddress(text);
+    const bool isAddress = text.find("://") != std::string_view::npos;
+    const auto hosts = hostsIn(isAddress ? SiteForm::address : SiteForm::host, text);
+    return hosts.empty() ? std::nullopt : ofHost(asciiHost(hosts.front()));
 }
 
 bool Site::hasHost(std::string_view host) const {

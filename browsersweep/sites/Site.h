@@ -26,7 +26,10 @@ public:
     /** The site of a web address (http, https, ws, wss, ftp); absent for any other text. */
     static std::optional<Site> ofAddress(std::string_view address);
 
-    /** What people type: a host or a web address. Absent where it is neither. */
+    /**
+     * What people type: a host, perhaps with a port, or a web address. Letters beyond ASCII are
+     * written as browsers do ("xn--..."). Absent where it is neither.
+     */
     static std::optional<Site> ofText(std::string_view text);
 
     /** The site's name in small letters, such as "example.co.uk". Never empty. */

@@ -64,7 +64,12 @@ TEST(Site, isReadFromWebAddressesOnly) {
 TEST(Site, isReadFromWhatPeopleType) {
     EXPECT_EQ(nameOf(Site::ofText("www.example.com")), "example.com");
     EXPECT_EQ(nameOf(Site::ofText("https://www.example.com/path")), "example.com");
+    EXPECT_EQ(nameOf(Site::ofText("localhost:8080")), "localhost");
+    EXPECT_EQ(nameOf(Site::ofText("[::1]:8080")), "::1");
+    EXPECT_EQ(nameOf(Site::ofText("www.münchen.de")), "xn--mnchen-3ya.de");
+    EXPECT_EQ(nameOf(Site::ofText("https://www.münchen.de/")), "xn--mnchen-3ya.de");
     EXPECT_EQ(nameOf(Site::ofText("example.com/path")), "none");
+    EXPECT_EQ(nameOf(Site::ofText("m\xFCnchen.de")), "none");
 }
 
 TEST(Site, hasHostsByWholeLabels) {
