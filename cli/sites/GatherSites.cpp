@@ -47,8 +47,9 @@ struct SelectedStores {
     std::vector<SiteErrorRow> errors;
 };
 
-void addStores(Browser browser, const Options& options, const SiteWork& work,
+void addStores(Browser browser, const Options& options, const SiteWork& work, Observer& observer,
                SelectedStores& selected) {
+    bool hasProfile = false;
     const auto isSelected = [&](const BrowserProfile& profile) {
         const bool isChosen = options.selection.includes(profile);
         const auto reason = isChosen ? profile.leftOutReason() : std::nullopt;
@@ -56,11 +57,16 @@ void addStores(Browser browser, const Options& options, const SiteWork& work,
             selected.errors.push_back(
                 {ownerOf(browser, &profile), profile.folder(), "left out, " + *reason});
         }
+        hasProfile |= isChosen && !reason;
         return isChosen;
     };
     try {
         const auto found = sweepStores(browser, *work.cleanerOf(browser), isSelected, work.home);
         selected.stores.insert(selected.stores.end(), found.begin(), found.end());
+        if (hasProfile && found.empty()) {
+            observer.note(fmt::format("{}: what sites left there is not known to this version",
+                                      displayName(browser)));
+        }
     } catch (const OperationCancelled&) {
         selected.errors.push_back({{browser, {}, {}}, {}, std::string(stoppedText)});
     } catch (const std::exception& error) {
@@ -68,10 +74,10 @@ void addStores(Browser browser, const Options& options, const SiteWork& work,
     }
 }
 
-SelectedStores selectedStores(const Options& options, const SiteWork& work) {
+SelectedStores selectedStores(const Options& options, const SiteWork& work, Observer& observer) {
     SelectedStores selected;
     for (const Browser browser : options.selection.selectedBrowsers()) {
-        addStores(browser, options, work, selected);
+        addStores(browser, options, work, observer, selected);
     }
     return selected;
 }
@@ -250,7 +256,7 @@ ForgetReport reportOf(const std::vector<SweepStore>& stores, const ForgetResult&
 enum class Work { plan, deletion };
 
 ForgetReport work(Work kind, const Options& options, const SiteWork& work, Observer& observer) {
-    auto selected = selectedStores(options, work);
+    auto selected = selectedStores(options, work, observer);
     ForgetOptions how{requestOf(options.sites), observer.control(), {}};
     if (!options.force) {
         how.refusal = work.refusal;
@@ -269,7 +275,7 @@ ForgetReport work(Work kind, const Options& options, const SiteWork& work, Obser
 }  // namespace
 
 SiteListReport gatherSites(const Options& options, const SiteWork& work, Observer& observer) {
-    auto selected = selectedStores(options, work);
+    auto selected = selectedStores(options, work, observer);
     const auto kinds = kindsOf(options.sites);
     const auto inventory =
         SiteInventory(selected.stores, {kinds, {}, observer.control()}, progressOf(observer))

@@ -19,8 +19,7 @@ class Sites(SitesTest):
     def test_an_empty_home_has_no_sites(self):
         self.assertEqual(self.document("sites"), {"sites": [], "notBySite": [], "errors": []})
         result = self.run_program("sites")
-        self.assertEqual((result.status, result.text, result.error),
-                         (0, "No traces of sites were found.\n", ""))
+        self.assertEqual((result.status, result.text), (0, "No traces of sites were found.\n"))
 
     def test_the_page_says_that_there_are_none(self):
         page = Page(self.run_program("sites", "--html", "-").text)
@@ -40,6 +39,15 @@ class Sites(SitesTest):
         result = self.run_program("sites", "--browser", "chromium", "--profile", "nobody")
         self.assertEqual(result.status, 1)
         self.assertIn("nobody", result.error)
+
+
+class Unknown(HostProgramTest):
+    def test_a_browser_whose_sites_are_not_known_is_named(self):
+        for command in (("sites",), ("forget", "--all", "--dry-run")):
+            result = self.run_program(*command, "--browser", "safari")
+            self.assertEqual((result.status, result.error),
+                             (0, "browsersweep: Safari: what sites left there is not known to this "
+                                 "version\n"))
 
 
 class Forget(SitesTest):
