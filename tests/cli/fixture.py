@@ -95,6 +95,10 @@ def write(path, text):
         path.write_text(text, encoding="utf-8")
 
 
+# What is said of a home that has nothing of a site, or a browser whose sites are not known.
+NOTES_ON_SITES = (" was found", "is not known to this version")
+
+
 class Result:
     def __init__(self, completed):
         self.status = completed.returncode
@@ -104,6 +108,11 @@ class Result:
     @property
     def text(self):
         return self.output.decode("utf-8")
+
+    @property
+    def error_without_notes_on_sites(self):
+        return "".join(line for line in self.error.splitlines(keepends=True)
+                       if not line.rstrip().endswith(NOTES_ON_SITES))
 
 
 class HostProgramTest(unittest.TestCase):
