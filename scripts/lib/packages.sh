@@ -12,7 +12,8 @@ debian_test="clang clang-format clang-tidy lld libclang-rt-14-dev libc++-dev lib
     libgtest-dev libgmock-dev librapidcheck-dev libbenchmark-dev
     libgnustep-base-dev gobjc-12 gnustep-base-runtime
     shellcheck strace procps valgrind gcovr doxygen locales-all pkg-config zlib1g-dev dpkg-dev file
-    groff-base zsh fish python3-pytest python3-pytest-xdist python3-jsonschema"
+    groff-base zsh fish python3-pytest python3-pytest-xdist python3-jsonschema
+    tcl python3-cryptography python3-lz4 python3-plyvel python3-snappy"
 
 # Real browsers, and a second version of clang-format: without them the tests that need them are skipped,
 # and reported so.
