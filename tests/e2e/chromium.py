@@ -81,7 +81,7 @@ class ChromiumPage:
     """One tab."""
 
     def __init__(self, tools, target):
-        self.tools = tools
+        self.tools, self.target = tools, target
         self.session = tools.call("Target.attachToTarget",
                                   {"targetId": target, "flatten": True})["sessionId"]
         tools.call("Page.enable", session=self.session)
@@ -105,6 +105,17 @@ class ChromiumPage:
             raise BrowserError(f"script failed: {text}")
         return result["result"].get("value")
 
+    def click(self, selector):
+        """As a person does it, which counts as using the page, and wait for the page it leads to."""
+        self.tools.forget_events()
+        place = self.evaluate("(() => { const box = document.querySelector(%s).getBoundingClientRect();"
+                              "return {x: box.x + box.width / 2, y: box.y + box.height / 2}; })()"
+                              % json.dumps(selector))
+        for kind in ("mousePressed", "mouseReleased"):
+            self.tools.call("Input.dispatchMouseEvent", {
+                **place, "type": kind, "button": "left", "clickCount": 1}, self.session)
+        self.tools.wait_event("Page.loadEventFired", self.session)
+
     def type_text(self, element_id, text):
         self.evaluate(f"document.getElementById({json.dumps(element_id)}).focus()")
         for character in text:
@@ -122,12 +133,12 @@ class ChromiumPage:
 class Chromium(RunningBrowser):
     """A running Chromium, which DevTools drives."""
 
-    def __init__(self, binary, layout, profile_directory, proxy_port, log):
+    def __init__(self, binary, layout, profile_directory, proxy_port, log, flags=()):
         super().__init__(layout)
         env = {**self.environment, "XDG_CONFIG_HOME": str(layout.application_support),
                "XDG_CACHE_HOME": str(layout.caches),
                "BREAKPAD_DUMP_LOCATION": self.environment["HOME"] + "/crashes"}
-        flags = [*CHROMIUM_FLAGS, f"--user-data-dir={layout.chromium}",
+        flags = [*CHROMIUM_FLAGS, *flags, f"--user-data-dir={layout.chromium}",
                  f"--profile-directory={profile_directory}",
                  f"--proxy-server=http://127.0.0.1:{proxy_port}"]
         if os.geteuid() == 0:
