@@ -6,7 +6,6 @@ import contextlib
 import json
 import sqlite3
 import tempfile
-import time
 from pathlib import Path
 
 from browser import BrowserError, Layout
@@ -16,7 +15,6 @@ from plantedweb import PlantedWeb
 
 PROFILES = ("Default", "Profile 1")
 SCRIPTS = Path(__file__).parent
-WRITING_TIMEOUT = 120.0
 
 EXTENSION = {"manifest.json": json.dumps({"manifest_version": 3, "name": "planted", "version": "1",
                                           "permissions": ["storage"]}),
@@ -64,6 +62,19 @@ def add_bookmarks(page: ChromiumPage) -> None:
     page.navigate("chrome://bookmarks/")
     page.evaluate("chrome.bookmarks.create({parentId: '1', title: %s, url: %s})"
                   % (json.dumps(MARKED.marker("bmrk")), json.dumps(MARKED.bookmark)))
+
+
+def add_search_engine(page: ChromiumPage) -> None:
+    page.navigate("chrome://settings/searchEngines")
+    page.evaluate("""(async url => {
+        const {SearchEnginesBrowserProxyImpl: Proxy} =
+            await import('chrome://settings/settings.js');
+        const proxy = Proxy.getInstance();
+        await proxy.getSearchEnginesList();
+        proxy.searchEngineEditStarted(-1);
+        proxy.searchEngineEditCompleted('planted', 'planted', url);
+        await proxy.getSearchEnginesList();
+    })(%s)""" % json.dumps(f"{MARKED.origin}/find?q=%s"))
 
 
 def fill_extension(browser: Chromium, page: ChromiumPage) -> None:
@@ -123,15 +134,6 @@ def open_tab(browser: Chromium, url: str) -> str:
     return page.target
 
 
-def wait_for(folder: Path, name: str) -> None:
-    """Some files are written late, and there is no event for it."""
-    deadline = time.monotonic() + WRITING_TIMEOUT
-    while not (folder / name).is_file() or GONE.word.encode() not in (folder / name).read_bytes():
-        if time.monotonic() > deadline:
-            raise BrowserError(f"Chromium does not write {name}")
-        time.sleep(0.2)
-
-
 def first_run(browser: Chromium, layout: Layout, profile: str) -> None:
     page = browser.new_page()
     allow(page)
@@ -144,6 +146,7 @@ def first_run(browser: Chromium, layout: Layout, profile: str) -> None:
     page.navigate(f"{KEPT.origin}/qzpath{KEPT.word}/bounce")
     page.click("#bounce")
     add_bookmarks(page)
+    add_search_engine(page)
     save_passwords(page)
     for site in (GONE, KEPT):
         closed = open_tab(browser, f"{site.origin}/qzclos{site.word}/tab")
@@ -156,7 +159,8 @@ def second_run(browser: Chromium) -> None:
     page = browser.new_page()
     for site in (GONE, KEPT):
         page.navigate(f"{site.origin}/qzlate{site.word}/0")
-        page.evaluate("localStorage.setItem('qzls2k%(w)s', 'qzls2v%(w)s')" % {"w": site.word})
+        page.evaluate("localStorage.setItem('qzls2k%(w)s', 'qzls2v%(w)s');"
+                      "sessionStorage.setItem('qzss2k%(w)s', 'qzss2v%(w)s')" % {"w": site.word})
         open_tab(browser, f"{site.origin}/qzopen{site.word}/again")
 
 

@@ -9,10 +9,11 @@ from pathlib import Path
 from browser import BrowserError, Layout
 from firefox import Firefox, Marionette, create_firefox_profile
 from planted import FRAME, GONE, KEPT, MARKED, Site
-from plantedchromium import WRITING_TIMEOUT, script
+from plantedchromium import script
 from plantedweb import PlantedWeb
 
 PROFILES = (("default-release", "a1b2c3d4.default-release"), ("work", "e5f6a7b8.work"))
+ICON_TIMEOUT = 120.0
 PREFERENCES = {
     "permissions.default.desktop-notification": 0,
     "browser.pagethumbnails.capturing_disabled": False,
@@ -105,7 +106,7 @@ def visit(remote: Marionette, site: Site, web: PlantedWeb) -> None:
     failed = run_script(remote, f"{script('plant.js')}({json.dumps(site.word)})")
     if failed:
         raise BrowserError(f"{site.host} could not plant everything: {failed}")
-    deadline = time.monotonic() + WRITING_TIMEOUT
+    deadline = time.monotonic() + ICON_TIMEOUT
     while not web.has_served(site, f"/qzicou{site.word}.png"):
         if time.monotonic() > deadline:
             raise BrowserError(f"the icon of {site.host} is not fetched")

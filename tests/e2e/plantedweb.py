@@ -47,24 +47,32 @@ def signed(name: x509.Name, issuer: x509.Name, key: rsa.RSAPrivateKey, signer: r
 
 
 def make_certificates(folder: Path) -> str:
-    """Writes ca.pem, leaf.key and leaf.pem; the hash of the key that Chromium is told to trust."""
+    """Writes ca.pem, leaf.key and a certificate for each site, which browsers keep beside its responses;
+    the hash of the key that Chromium is told to trust."""
     ca_key, key = new_key(), new_key()
     ca_name, name = (x509.Name([x509.NameAttribute(x509.oid.NameOID.COMMON_NAME, text)])
-                     for text in (f"browsersweep {x509.random_serial_number()}", "planted sites"))
+                     for text in (f"browsersweep {x509.random_serial_number()}", "planted site"))
     ca = signed(ca_name, ca_name, ca_key, ca_key, [x509.BasicConstraints(ca=True, path_length=None)])
-    hosts = [name for site in SITES for name in (site.registrable, f"*.{site.registrable}")]
-    leaf = signed(name, ca_name, key, ca_key, [
-        x509.SubjectAlternativeName([x509.DNSName(host) for host in hosts]),
-        x509.ExtendedKeyUsage([x509.oid.ExtendedKeyUsageOID.SERVER_AUTH]),
-        x509.BasicConstraints(ca=False, path_length=None)])
+    for site in SITES:
+        leaf = signed(name, ca_name, key, ca_key, [
+            x509.SubjectAlternativeName([x509.DNSName(site.registrable),
+                                         x509.DNSName(f"*.{site.registrable}")]),
+            x509.ExtendedKeyUsage([x509.oid.ExtendedKeyUsageOID.SERVER_AUTH]),
+            x509.BasicConstraints(ca=False, path_length=None)])
+        (folder / f"{site.host}.pem").write_bytes(leaf + ca)
     (folder / "ca.pem").write_bytes(ca)
-    (folder / "leaf.pem").write_bytes(leaf + ca)
     (folder / "leaf.key").write_bytes(key.private_bytes(
         serialization.Encoding.PEM, serialization.PrivateFormat.TraditionalOpenSSL,
         serialization.NoEncryption()))
     public = key.public_key().public_bytes(serialization.Encoding.DER,
                                            serialization.PublicFormat.SubjectPublicKeyInfo)
     return base64.b64encode(hashlib.sha256(public).digest()).decode()
+
+
+def tls_of(folder: Path, site: Site) -> ssl.SSLContext:
+    context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+    context.load_cert_chain(folder / f"{site.host}.pem", folder / "leaf.key")
+    return context
 
 
 # --- What the sites answer ----------------------------------------------------------------------
@@ -227,7 +235,8 @@ class _Handler(BaseHTTPRequestHandler):
         pass
 
     def do_CONNECT(self):
-        if self.path.split(":")[0] not in BY_HOST:
+        tls = self.server.tls.get(self.path.split(":")[0])
+        if tls is None:
             self._send(403, "text/plain", b"no\n")
             self.close_connection = True
             return
@@ -235,7 +244,7 @@ class _Handler(BaseHTTPRequestHandler):
         self.end_headers()
         self.wfile.flush()
         try:
-            connection = self.server.tls.wrap_socket(self.connection, server_side=True)
+            connection = tls.wrap_socket(self.connection, server_side=True)
         except OSError:  # the browser has changed its mind
             self.close_connection = True
             return
@@ -294,8 +303,7 @@ class PlantedWeb:
             folder = Path(name)
             self.spki = make_certificates(folder)
             self.authority = (folder / "ca.pem").read_text("ascii")
-            tls = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
-            tls.load_cert_chain(folder / "leaf.pem", folder / "leaf.key")
+            tls = {site.host: tls_of(folder, site) for site in SITES}
         self._server = _Server(("127.0.0.1", 0), _Handler)
         self._server.tls, self._server.served = tls, set()
         self.port = self._server.server_address[1]

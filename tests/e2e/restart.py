@@ -12,7 +12,7 @@ from pathlib import Path
 from urllib.parse import urlsplit
 
 from browser import Layout
-from chromium import Chromium
+from chromium import Chromium, ChromiumPage
 from counts import (EPOCH_1601, EPOCH_1970, Profile, has_table, opened, profile_bookmarks,
                     profile_subscriptions)
 from firefox import Firefox
@@ -61,15 +61,20 @@ def by_host(urls: list[str]) -> dict[str, int]:
 
 # --- What the browsers say ----------------------------------------------------------------------
 
-def ask_chromium(browser: Chromium, scratch: Path) -> dict:
+def probed_chromium(browser: Chromium, page: ChromiumPage, scratch: Path) -> dict:
+    """What an extension is told, loaded for this."""
     extension = scratch / "probe-extension"
     extension.mkdir(exist_ok=True)
     (extension / "manifest.json").write_text(json.dumps(PROBE_MANIFEST), "utf-8")
     (extension / "probe.html").write_text("<!doctype html><title>probe</title>", "utf-8")
     number = browser.tools.call("Extensions.loadUnpacked", {"path": str(extension)})["id"]
-    page = browser.new_page()
     page.navigate(f"chrome-extension://{number}/probe.html")
-    answer = page.evaluate(CHROMIUM_PROBE)
+    return page.evaluate(CHROMIUM_PROBE)
+
+
+def ask_chromium(browser: Chromium, scratch: Path) -> dict:
+    page = browser.new_page()
+    answer = probed_chromium(browser, page, scratch)
     cookies = browser.tools.call("Storage.getCookies")["cookies"]
     page.navigate("chrome://settings/content/notifications")
     allowed = page.evaluate("""(async () => {
