@@ -7,7 +7,7 @@ import shutil
 import subprocess
 import tempfile
 from contextlib import contextmanager
-from dataclasses import dataclass
+from dataclasses import dataclass, field
 from pathlib import Path
 
 import counts
@@ -26,6 +26,7 @@ class Bench:
     binary: str
     original: Path
     scratch: Path
+    environment: dict[str, str] = field(default_factory=dict)
 
     @contextmanager
     def copy(self):
@@ -42,7 +43,7 @@ class Bench:
             done = subprocess.run(
                 [str(self.program), "--home", str(layout.home), *arguments,
                  "--browser", self.family],
-                env={**os.environ, "TMPDIR": temporary, "TZ": zone}, stdin=subprocess.DEVNULL,
+                env={**os.environ, **self.environment, "TMPDIR": temporary, "TZ": zone}, stdin=subprocess.DEVNULL,
                 capture_output=True, text=True, timeout=RUN_TIMEOUT, check=False)
             same(os.listdir(temporary), [], "left behind in TMPDIR")
         return done

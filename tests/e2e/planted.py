@@ -7,10 +7,10 @@ beside its own. No word lies inside another.
 | kinds | what leaves them |
 |---|---|
 | host titl path quer push stat late | addresses, titles and states of pages |
-| form fldn mail inpu keyt typd | what was typed: into forms, and at the address bar |
+| form fldn done mail typd inpu srch | what was typed: into forms, and at the address bar |
 | cknm ckvl ckdn ckdv sckn sckv jckn jckv bckn bckv | cookies: of a response, of a domain, of a session, of a script, of a redirect |
 | 3ckn 3ckv pckn pckv plsk plsv pidb pidv | what a frame of another site stores: cookies, partitioned ones, storage |
-| lsky lsvl lsbg lsbv lsgn lsgo ssky ssvl | local and session storage; `lsgn` was removed by its page |
+| lsky lsvl lsbg lsbv ls2k ls2v lsgn lsgo ssky ssvl | local and session storage; `lsgn` was removed by its page |
 | idbn idbs idbk idbv idbg idbb | IndexedDB: names, keys, values and a blob |
 | capn capu capp capr capb opfn opfs swsc noti notb sync | cache storage, private files, service workers, notifications |
 | reso jscr jsbo csbo imgu icou icon body etag dict diid bigb | the HTTP cache, icons, dictionaries |
@@ -25,11 +25,11 @@ from __future__ import annotations
 
 from dataclasses import dataclass
 
-KINDS = """host titl path quer push stat late form fldn mail inpu keyt typd
+KINDS = """host titl path quer push stat late form fldn done mail typd inpu srch
 cknm ckvl ckdn ckdv sckn sckv jckn jckv bckn bckv 3ckn 3ckv pckn pckv plsk plsv pidb pidv
-lsky lsvl lsbg lsbv lsgn lsgo ssky ssvl idbn idbs idbk idbv idbg idbb
+lsky lsvl lsbg lsbv ls2k ls2v lsgn lsgo ssky ssvl idbn idbs idbk idbv idbg idbb
 capn capu capp capr capb opfn opfs swsc noti notb sync
-reso jscr jsbo csbo imgu icou icon body etag dict diid bigb down dcon repo rend open clos done
+reso jscr jsbo csbo imgu icou icon body etag dict diid bigb down dcon repo rend open clos hsts hmd5
 bmrk bmru keyw pwus pwpw exls exlv exst exsv exib exiv""".split()
 
 

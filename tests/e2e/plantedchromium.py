@@ -2,17 +2,19 @@
 
 from __future__ import annotations
 
-import contextlib
 import json
-import sqlite3
 import tempfile
+import time
 from pathlib import Path
 
 from browser import BrowserError, Layout
 from chromium import Chromium, ChromiumPage
+from markers import markers_in
 from planted import FRAME, GONE, KEPT, MARKED, Site
+from plantedrows import add_rows
 from plantedweb import PlantedWeb
 
+WRITING_TIMEOUT = 120.0
 PROFILES = ("Default", "Profile 1")
 SCRIPTS = Path(__file__).parent
 
@@ -62,19 +64,6 @@ def add_bookmarks(page: ChromiumPage) -> None:
     page.navigate("chrome://bookmarks/")
     page.evaluate("chrome.bookmarks.create({parentId: '1', title: %s, url: %s})"
                   % (json.dumps(MARKED.marker("bmrk")), json.dumps(MARKED.bookmark)))
-
-
-def add_search_engine(page: ChromiumPage) -> None:
-    page.navigate("chrome://settings/searchEngines")
-    page.evaluate("""(async url => {
-        const {SearchEnginesBrowserProxyImpl: Proxy} =
-            await import('chrome://settings/settings.js');
-        const proxy = Proxy.getInstance();
-        await proxy.getSearchEnginesList();
-        proxy.searchEngineEditStarted(-1);
-        proxy.searchEngineEditCompleted('planted', 'planted', url);
-        await proxy.getSearchEnginesList();
-    })(%s)""" % json.dumps(f"{MARKED.origin}/find?q=%s"))
 
 
 def fill_extension(browser: Chromium, page: ChromiumPage) -> None:
@@ -146,7 +135,6 @@ def first_run(browser: Chromium, layout: Layout, profile: str) -> None:
     page.navigate(f"{KEPT.origin}/qzpath{KEPT.word}/bounce")
     page.click("#bounce")
     add_bookmarks(page)
-    add_search_engine(page)
     save_passwords(page)
     for site in (GONE, KEPT):
         closed = open_tab(browser, f"{site.origin}/qzclos{site.word}/tab")
@@ -154,54 +142,33 @@ def first_run(browser: Chromium, layout: Layout, profile: str) -> None:
         open_tab(browser, f"{site.origin}/qzopen{site.word}/tab")
 
 
-def second_run(browser: Chromium) -> None:
-    """What is left by a browser that finds traces already."""
+def wait_for(marker: str, folder: Path) -> None:
+    """Some files are written seconds later, and there is no event for it."""
+    deadline = time.monotonic() + WRITING_TIMEOUT
+    while not any(markers_in(path.read_bytes())[marker] for path in folder.glob("*.log")):
+        if time.monotonic() > deadline:
+            raise BrowserError(f"{marker} is not written to {folder.name}")
+        time.sleep(0.1)
+
+
+def second_run(browser: Chromium, folder: Path) -> None:
+    """What is left by a browser that finds traces already. What a session kept goes when the next one
+    starts."""
     page = browser.new_page()
     for site in (GONE, KEPT):
         page.navigate(f"{site.origin}/qzlate{site.word}/0")
         page.evaluate("localStorage.setItem('qzls2k%(w)s', 'qzls2v%(w)s');"
-                      "sessionStorage.setItem('qzss2k%(w)s', 'qzss2v%(w)s')" % {"w": site.word})
+                      "sessionStorage.setItem('qzssky%(w)s', 'qzssvl%(w)s')" % {"w": site.word})
         open_tab(browser, f"{site.origin}/qzopen{site.word}/again")
-
-
-# --- What only a keyboard reaches ---------------------------------------------------------------
-
-def type_addresses(folder: Path) -> None:
-    """Rows that the address bar makes, which no protocol can type into; zoom and the pages visited most,
-    which take a person's time."""
-    history = rows_of(folder / "History", "SELECT id, url FROM urls ORDER BY id")
-    for site in (GONE, KEPT):
-        number, url = next(row for row in history if site.word in row[1])
-        typed = f"{site.host}/{site.marker('typd')}"
-        add_row(folder / "History", "keyword_search_terms", keyword_id=2, url_id=number,
-                term=site.marker("srch"), normalized_term=site.marker("srch"))
-        add_row(folder / "Shortcuts", "omni_box_shortcuts", id=site.word, text=site.marker("typd"),
-                fill_into_edit=typed, url=f"{site.scheme}://{typed}", document_type=0,
-                contents=typed, contents_class="0,1", description=site.marker("titl"),
-                description_class="0,0", transition=1, type=1, keyword="",
-                last_access_time=13439821254805914, number_of_hits=1)
-        add_row(folder / "Network Action Predictor", "network_action_predictor", id=site.word,
-                user_text=site.marker("typd"), url=url, number_of_hits=1, number_of_misses=0)
-        add_row(folder / "Top Sites", "top_sites", url=url, url_rank=len(site.word),
-                title=site.marker("titl"))
-
-
-def rows_of(path: Path, sql: str) -> list:
-    with contextlib.closing(sqlite3.connect(path)) as database:
-        return database.execute(sql).fetchall()
-
-
-def add_row(path: Path, table: str, **values: object) -> None:
-    with contextlib.closing(sqlite3.connect(path)) as database, database:
-        database.execute(f"INSERT OR REPLACE INTO {table} ({','.join(values)})"
-                         f" VALUES ({','.join('?' * len(values))})", tuple(values.values()))
+        wait_for(site.marker("ssvl"), folder / "Session Storage")
 
 
 def make_chromium(layout: Layout, binary: str, web: PlantedWeb, log: Path) -> None:
     for profile in PROFILES:
-        for run in (lambda browser: first_run(browser, layout, profile), second_run):
+        for run in (lambda browser: first_run(browser, layout, profile),
+                    lambda browser: second_run(browser, layout.chromium / profile)):
             with open_chromium(binary, layout, profile, web, log) as browser:
                 run(browser)
             if browser.exit_status:
                 raise BrowserError(f"Chromium ended with status {browser.exit_status}")
-        type_addresses(layout.chromium / profile)
+        add_rows(layout.chromium / profile)

@@ -13,6 +13,8 @@ from plantedchromium import script
 from plantedweb import PlantedWeb
 
 PROFILES = (("default-release", "a1b2c3d4.default-release"), ("work", "e5f6a7b8.work"))
+# The second profile keeps local storage where Firefox kept it before version 68.
+OLD_STORAGE = {"dom.storage.enable_unsupported_legacy_implementation": True}
 ICON_TIMEOUT = 120.0
 PREFERENCES = {
     "permissions.default.desktop-notification": 0,
@@ -25,14 +27,16 @@ PREFERENCES = {
 def open_firefox(binary: str, layout: Layout, profile: tuple[str, str], web: PlantedWeb,
                  log: Path) -> Firefox:
     name, folder = profile
-    return _Trusting(binary, layout, name, layout.firefox / "Profiles" / folder, web, log)
+    preferences = {**PREFERENCES, **(OLD_STORAGE if profile == PROFILES[1] else {})}
+    return _Trusting(binary, layout, name, layout.firefox / "Profiles" / folder, web, log,
+                     preferences)
 
 
 class _Trusting(Firefox):
     """A Firefox that knows the authority of the server's certificates."""
 
-    def __init__(self, binary, layout, name, folder, web, log):
-        super().__init__(binary, layout, name, folder, web.port, log, PREFERENCES)
+    def __init__(self, binary, layout, name, folder, web, log, preferences):
+        super().__init__(binary, layout, name, folder, web.port, log, preferences)
         self._authority = web.authority
 
     def _connect(self):

@@ -7,9 +7,9 @@ profiles. Not looked into: blocks of the disk that no file has, and bodies that 
 
 from __future__ import annotations
 
+import json
 import os
 import re
-import sqlite3
 from collections import Counter
 from collections.abc import Iterable, Iterator
 from dataclasses import dataclass
@@ -71,8 +71,28 @@ def in_database(path: Path, data: bytes) -> Iterator[tuple[str, Iterable[str]]]:
     with carriers.copied(path) as database:
         for table, values in carriers.table_values(database).items():
             yield f"row of {table}", markers_in(values)
-        whole, dense = markers_in(data), markers_in(carriers.compacted(database))
+        whole = markers_in(data)
+        dense = markers_in(carriers.compacted(database)) if whole else whole
     yield "free space", [marker for marker in whole if whole[marker] > dense[marker]]
+
+
+def keys_with_markers(value: object, keys: tuple[str, ...] = ()) -> Iterator[tuple[str, str]]:
+    """Of a document: where markers stand, without the key that names the site itself."""
+    if isinstance(value, dict):
+        for key, inner in value.items():
+            for marker in markers_in(key.encode()):
+                yield ".".join(keys), marker
+            yield from keys_with_markers(inner, (*keys, key))
+    elif isinstance(value, list):
+        for inner in value:
+            yield from keys_with_markers(inner, keys)
+    else:
+        for marker in markers_in(str(value).encode()):
+            yield ".".join(keys), marker
+
+
+def in_preferences(data: bytes) -> Iterator[tuple[str, Iterable[str]]]:
+    yield from ((f"key {keys}", [marker]) for keys, marker in keys_with_markers(json.loads(data)))
 
 
 def in_file(path: Path) -> Iterator[tuple[str, Iterable[str]]]:
@@ -82,6 +102,8 @@ def in_file(path: Path) -> Iterator[tuple[str, Iterable[str]]]:
         yield "journal", markers_in(data)
     elif data.startswith(carriers.SQLITE):
         yield from in_database(path, data)
+    elif path.name in ("Preferences", "Secure Preferences"):
+        yield from in_preferences(data)
     else:
         why = "leveldb" if LEVELDB_FILE.search(str(path)) else "file"
         yield why, markers_in(data) + markers_in(carriers.decoded(path, data))
@@ -105,21 +127,34 @@ LIVE_LEVELDB = ("Local Storage/leveldb", "Session Storage", "Platform Notificati
                 "File System/Origins", "Service Worker/Database")
 
 
-def alive(profile: Path) -> Counter:
-    """How often each marker stands in what is alive in a profile's databases: rows and records."""
-    found: Counter = Counter()
+def databases_of(profile: Path) -> Iterator[Path]:
     for path in files_of(profile):
-        if path.stat().st_size and path.open("rb").read(16) == carriers.SQLITE:
-            with carriers.copied(path) as database:
-                for table, values in carriers.table_values(database).items():
-                    name = f"{path.relative_to(profile)}: {table}"
-                    found.update({(name, marker): count
-                                  for marker, count in markers_in(values).items()})
+        with path.open("rb") as file:
+            if file.read(len(carriers.SQLITE)) == carriers.SQLITE:
+                yield path
+
+
+def contents(profile: Path) -> dict[str, dict[str, bytes]]:
+    """What is alive in a profile's databases, by database and by table; leveldb has one."""
+    found = {}
+    for path in databases_of(profile):
+        with carriers.copied(path) as database:
+            found[str(path.relative_to(profile))] = carriers.table_values(database)
     for name in LIVE_LEVELDB:
         if (profile / name).is_dir():
-            records = b"\n".join(key + b" " + value
-                                 for key, value in carriers.leveldb_records(profile / name))
-            found.update({(name, marker): count for marker, count in markers_in(records).items()})
+            found[name] = {"records": b"\n".join(
+                key + b" " + value for key, value in carriers.leveldb_records(profile / name))}
+    return found
+
+
+def alive(profile: Path, folder: str) -> Counter:
+    """How often each marker stands in each place of what is alive in a profile."""
+    found: Counter = Counter()
+    for name, tables in contents(profile).items():
+        place = place_of(f"{folder}{name}/" if name in LIVE_LEVELDB else f"{folder}{name}")
+        for table, values in tables.items():
+            for marker, count in markers_in(values).items():
+                found[place, table, marker] += count
     return found
 
 
@@ -129,18 +164,20 @@ def of_words(found: Iterable[Found], *words: str) -> set[Found]:
 
 @dataclass(frozen=True)
 class Allowed:
-    """What of a place may stay."""
+    """What may stay: markers of these words and kinds in a place, for a reason."""
 
     place: str
     why: str
     kinds: str
+    words: str
 
     def holds(self, found: Found) -> bool:
         return (re.fullmatch(self.place, found.place) is not None
                 and re.fullmatch(self.why, found.why) is not None
-                and kind_of(found.marker) in self.kinds.split())
+                and kind_of(found.marker) in self.kinds.split()
+                and word_of(found.marker) in self.words.split())
 
 
-def beyond(found: Iterable[Found], allowed: Iterable[Allowed]) -> list[str]:
+def beyond(found: Iterable[Found], *allowed: Allowed) -> list[str]:
     """What stands where it may not, as text."""
     return sorted(str(each) for each in found if not any(rule.holds(each) for rule in allowed))
