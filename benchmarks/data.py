@@ -9,6 +9,8 @@ import struct
 import subprocess
 from pathlib import Path
 
+from home import make_home
+
 TREE_FOLDERS = 256
 HOSTS = [f"www.host{number}.test" for number in range(1000)]
 
@@ -125,6 +127,7 @@ def make_all(folder: Path) -> dict[str, Path]:
         "cookies": make_cookies(folder / "cookies", 100_000),
         "bookmarks": make_bookmarks(folder / "bookmarks", 20_000_000),
         "preferences": make_preferences(folder / "preferences", 20_000_000),
+        "used-home": make_home(folder / "used-home"),
     }
 
 

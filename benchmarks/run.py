@@ -54,6 +54,7 @@ class Row:
     limit: float | None = None
     same_output: bool = False
     floor_ms: float | None = None
+    limit_mb: float | None = None
     results: dict = field(default_factory=dict)
 
 
@@ -95,6 +96,7 @@ class Workloads:
     def __init__(self, programs: Path, host: Path, paths: dict, scratch: Path):
         self.ours = programs / "browsersweep_bench_ours"
         self.other = programs / "browsersweep_bench_reference"
+        self.peak = programs / "browsersweep_bench_peak"
         self.host, self.paths, self.scratch = host, paths, scratch
         self.empty_home = scratch / "home"
         self.empty_home.mkdir(parents=True, exist_ok=True)
@@ -119,7 +121,7 @@ class Workloads:
 
     def rows(self) -> list[Row]:
         return [*self.tree_rows(), *self.database_rows(), *self.file_rows(), *self.host_rows(),
-                *self.growth_rows()]
+                *self.site_rows(), *self.growth_rows()]
 
     def tree_rows(self) -> list[Row]:
         tree = self.paths["tree"]
@@ -207,6 +209,33 @@ class Workloads:
                 lambda: true, "<= 10 ms more", floor_ms=10),
         ]
 
+    def on_home(self, *arguments: str) -> list:
+        return [self.peak, self.host, "--home", self.paths["used-home"], *arguments,
+                "--browser", "chromium"]
+
+    def on_used_home(self, *arguments: str) -> Callable[[], list]:
+        """The host program on a fresh copy. Forced: a browser may be running on this machine."""
+        def command() -> list:
+            copy = data.fresh_copy(self.paths["used-home"], self.scratch / "used-home")
+            return [self.peak, self.host, "--home", copy, *arguments, "--yes", "--force",
+                    "--browser", "chromium"]
+        return command
+
+    def site_rows(self) -> list[Row]:
+        one = self.on_used_home("forget", "host7.test")
+        return [
+            Row("sites of a home of 1,000,000 visits", lambda: self.on_home("sites", "--json"),
+                lambda: ["sh", "-c", "true"], "<= 3 s, 64 MB", floor_ms=3000, limit_mb=64),
+            Row("forget --all of it, against clean", self.on_used_home("forget", "--all"),
+                self.on_used_home("clean"), "<= 1.2 x", 1.2),
+            Row("forget of one site of it, against compact statements", one,
+                self.on_copy(self.other, "forget-site-compact", "used-home", "www.host7.test"),
+                "<= 1.5 x", 1.5),
+            Row("  against plain statements, which leave the bytes", one,
+                self.on_copy(self.other, "forget-site", "used-home", "www.host7.test"),
+                "for comparison"),
+        ]
+
     def growth_rows(self) -> list[Row]:
         return [
             Row("2,000,000 files against 200,000", self.on(self.ours, "tree-size", "tree-large"),
@@ -222,6 +251,8 @@ class Workloads:
 def verdict(row: Row) -> str:
     if row.limit is None and row.floor_ms is None:
         return ""
+    if row.limit_mb is not None and row.results["peakMemoryKiB"] > 1024 * row.limit_mb:
+        return "NO"
     if row.floor_ms is not None:
         return "yes" if row.results["moreMilliseconds"] <= row.floor_ms else "NO"
     return "yes" if row.results["ratio"] <= row.limit else "NO"

@@ -24,6 +24,8 @@ int main(int argc, char** argv) {
         {"count-on-copy",    [&] { return reference::countOnCopy(path, argument); }},
         {"count",            [&] { return reference::count(path, argument); }},
         {"execute",          [&] { return reference::execute(path, argument); }},
+        {"forget-site",      [&] { return reference::forgetSite(path, argument, false); }},
+        {"forget-site-compact", [&] { return reference::forgetSite(path, argument, true); }},
         {"json",             [&] { return reference::parseJson(path); }},
         {"cookies-read",     [&] { return reference::readCookies(path); }},
         {"cookies-rewrite",  [&] { return reference::rewriteCookies(path, std::atof(argument.c_str())); }},

@@ -23,6 +23,12 @@ std::uint64_t count(const std::string& database, const std::string& sql);
 /** Runs statements in place. */
 std::uint64_t execute(const std::string& database, const std::string& sql);
 
+/**
+ * Deletes what a host has in the benchmark's home: its rows, its folder and its cached files.
+ * Compact: so that no byte of them stays in the databases.
+ */
+std::uint64_t forgetSite(const std::string& home, const std::string& host, bool isCompact);
+
 /** Parses a JSON file into the JSON library's own tree: the number of bytes. */
 std::uint64_t parseJson(const std::string& file);
 
