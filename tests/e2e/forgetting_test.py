@@ -1,7 +1,7 @@
 """`sites` and `forget` beside the real Chromium and Firefox.
 
 As in browsers_test.py each browser makes one home, every test works on a copy of it, and
-BROWSERSWEEP_E2E_PLANTED is a folder where homes of an earlier run are taken from, or kept. The program
+BROWSERSWEEP_E2E_PLANTED is a folder where homes are kept for later runs. The program
 runs with an SQLite that leaves deleted rows in a file, as the one of macOS does: beside Debian's no test
 could find any. BROWSERSWEEP_KILLS is how often the program is killed.
 """
