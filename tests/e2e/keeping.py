@@ -55,8 +55,8 @@ EMBEDDED = {
 # Files that tell no site apart, or whose form cannot be written anew, by place and reason.
 MIXED = {
     "chromium": (
-        ("C:(Sessions|Sessions_Encrypted)", "file"),
-        ("C:shared_proto_db", "leveldb"),
+        ("C:(Sessions|Sessions_Encrypted|Visited Links|SCT Auditing Pending Reports|blob_storage)", "file"),
+        ("C:(shared_proto_db|BudgetDatabase|Download Service)", "leveldb"),
         ("C:Web Data", "row of autofill"),
     ),
     "firefox": (

@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import json
+import struct
 import time
 from pathlib import Path
 
@@ -223,6 +224,33 @@ def second_run(browser: Firefox) -> None:
         open_tabs(remote, site)
 
 
+# --- What is written after long use alone -------------------------------------------------------
+
+KEY_SIZE = 256
+# The sizes of their values differ.
+SLOTTED = (
+    ("SiteSecurityServiceState.bin", "{host}:HSTS", "1795348454000,1,1", 24),
+    ("AlternateServices.bin", "https:{host}:443:.::", "https:alt.{domain}:443", 1024),
+)
+
+
+def slot(key: str, value: str, value_size: int) -> bytes:
+    """A sum over all its numbers, how often it was used, the day of its last use, a key and a value."""
+    body = struct.pack(">HH", 1, 20_000) + key.encode().ljust(KEY_SIZE, b"\0") \
+        + value.encode().ljust(value_size, b"\0")
+    total = 0
+    for (number,) in struct.iter_unpack(">H", body):
+        total ^= number
+    return struct.pack(">H", total) + body
+
+
+def add_files(folder: Path) -> None:
+    for name, key, value, size in SLOTTED:
+        (folder / name).write_bytes(b"".join(
+            slot(*(text.format(host=site.host, domain=site.registrable) for text in (key, value)), size)
+            for site in (GONE, KEPT)))
+
+
 def make_firefox(layout: Layout, binary: str, web: PlantedWeb, log: Path) -> None:
     for profile in PROFILES:
         create_firefox_profile(binary, layout, *profile)
@@ -231,3 +259,4 @@ def make_firefox(layout: Layout, binary: str, web: PlantedWeb, log: Path) -> Non
                 run(browser)
             if browser.exit_status:
                 raise BrowserError(f"Firefox ended with status {browser.exit_status}")
+        add_files(layout.firefox / "Profiles" / profile[1])

@@ -1,11 +1,13 @@
-"""Rows that Chromium writes for what no protocol can do, such as typing at the address bar, and for what
-takes it days of use. They are added to the databases of a closed browser that has made them itself."""
+"""What Chromium writes for what no protocol can do, such as typing at the address bar, and for what takes it
+days of use. Rows are added to the databases of a closed browser that has made them itself."""
 
 from __future__ import annotations
 
 import contextlib
 import sqlite3
 from pathlib import Path
+
+import plyvel
 
 from planted import FRAME, GONE, KEPT, MARKED, Site
 
@@ -96,9 +98,22 @@ def add_search_engine(folder: Path) -> None:
         database.execute("INSERT INTO keywords SELECT * FROM made")
 
 
+def add_files(folder: Path) -> None:
+    """Files that know no site, and databases of those who wait for an occasion."""
+    addresses = "\n".join(site.bookmark for site in (GONE, KEPT)).encode()
+    for name in ("Visited Links", "SCT Auditing Pending Reports", "blob_storage/planted/0"):
+        (folder / name).parent.mkdir(exist_ok=True)
+        (folder / name).write_bytes(addresses)
+    for name in ("BudgetDatabase", "Download Service/EntryDB"):
+        with contextlib.closing(plyvel.DB(str(folder / name), create_if_missing=True)) as database:
+            for site in (GONE, KEPT):
+                database.put(site.origin.encode(), message(site.bookmark))
+
+
 def add_rows(folder: Path) -> None:
     for site in (GONE, KEPT):
         rows = (*typed(site), *predicted(site), *of_visits(site, *visit_of(folder, site)))
         for name, table, values in rows:
             add_row(folder, name, table, values)
     add_search_engine(folder)
+    add_files(folder)

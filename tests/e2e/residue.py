@@ -33,7 +33,7 @@ STORES = (
     (r"C:WebStorage/.*", "C:WebStorage/*"),
     (r"C:(Sessions|Sessions_Encrypted|IndexedDB|Local Storage|Session Storage|File System"
      r"|Platform Notifications|Shared Dictionary|shared_proto_db|Site Characteristics Database"
-     r"|Local Extension Settings)/.*", r"C:\1"),
+     r"|Local Extension Settings|BudgetDatabase|Download Service|blob_storage)/.*", r"C:\1"),
     (r"F:storage/([\w-]+)/[^/]+/(idb|ls|cache|fs)/.*", r"F:storage/\1/*/\2"),
     (r"F:storage/([\w-]+)/[^/]+(/.*|$)", r"F:storage/\1/*\2"),
     (r"F:(sessionstore-backups|bookmarkbackups)/.*", r"F:\1"),
