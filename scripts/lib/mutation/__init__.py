@@ -1,0 +1,1 @@
+"""What scripts/mutate is made of: points of change, changed sources, their build, and the runs of the tests."""
