@@ -53,6 +53,14 @@ TEST(CleanableDataFilterDates, startOnlyOutsideRangeMatchesStrictlyOlder) {
     EXPECT_FALSE(dates.matches(at(10)));
 }
 
+TEST(CleanableDataFilterDates, anAbsentBoundDoesNotRestrictDatesBefore2001) {
+    EXPECT_TRUE(Dates(Dates::Rule::insideRange, std::nullopt, at(20)).matches(at(-1)));
+}
+
+TEST(CleanableDataFilterDates, areInsideTheRangeUnlessSaidOtherwise) {
+    EXPECT_EQ(Dates{}, Dates(Dates::Rule::insideRange, std::nullopt, std::nullopt));
+}
+
 TEST(CleanableDataFilterDates, aRangeSetsTheBoundsThatItHas) {
     const auto rule = Dates::Rule::outsideRange;
     EXPECT_EQ(Dates(rule, Dates::ClosedRange{at(1), at(2)}), Dates(rule, at(1), at(2)));
@@ -74,6 +82,10 @@ TEST(CleanableDataFilterPatterns, areMadeOfAnyRangeOfTexts) {
         EXPECT_EQ(made.patterns, expected);
     }
     EXPECT_EQ(Patterns(rule, std::vector<std::string>{}).patterns, std::set<std::string>{});
+}
+
+TEST(CleanableDataFilterPatterns, areExcludedUnlessSaidOtherwise) {
+    EXPECT_EQ(Patterns{}, Patterns(Patterns::Rule::exclude, {}));
 }
 
 TEST(CleanableDataFilterPatterns, aTextIsNoRangeOfTexts) {
@@ -120,6 +132,12 @@ TEST(CleanableDataFilter, withoutPatternsTheRuleIsExcludeAndThePatternsAreNone) 
     const CleanableDataFilter filter(std::nullopt, Dates{});
     EXPECT_EQ(filter.rule(), CleanableDataFilter::Rule::exclude);
     EXPECT_EQ(filter.patterns(), std::set<std::string>{});
+}
+
+TEST(CleanableDataFilter, patternsThatWereTakenAwayLeaveNoRule) {
+    CleanableDataFilter filter(CleanableDataFilter::Rule::include, {"x"});
+    filter.patternsData.reset();
+    EXPECT_EQ(filter.rule(), CleanableDataFilter::Rule::exclude);
 }
 
 }  // namespace

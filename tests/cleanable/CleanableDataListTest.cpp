@@ -143,6 +143,43 @@ TEST_F(CleanableDataListTest, dictionaryNeedsAClosedBrowserIfAnyOfItsListsDoes) 
     EXPECT_TRUE(map.requiresClosedBrowserToClean());
 }
 
+/** An item at one place. */
+class PlacedItem : public RecordingItem {
+public:
+    PlacedItem(const std::filesystem::path& path, const Record& record)
+        : RecordingItem(path.string(), {}, record), path_(path) {}
+
+    std::vector<CleanableDataLocation> locations() const override {
+        return {{CleanableDataLocation::Kind::file, path_}};
+    }
+
+private:
+    std::filesystem::path path_;
+};
+
+TEST_F(CleanableDataListTest, theLocationsAreThoseOfAllItemsInTheirOrder) {
+    const CleanableDataList first(
+        {std::make_shared<PlacedItem>("b", record), std::make_shared<PlacedItem>("a", record)});
+    const CleanableDataList second({std::make_shared<PlacedItem>("c", record)});
+    constexpr auto kind = CleanableDataLocation::Kind::file;
+    using Locations = std::vector<CleanableDataLocation>;
+    EXPECT_EQ(first.locations(), (Locations{{kind, "b"}, {kind, "a"}}));
+    const CleanableDataMap map(
+        {{CleanableDataCategory::cache, first}, {CleanableDataCategory::history, second}});
+    EXPECT_EQ(map.locations(), (Locations{{kind, "b"}, {kind, "a"}, {kind, "c"}}));
+}
+
+TEST_F(CleanableDataListTest, aLocationIsAFileWithoutPendingChangesUnlessItSaysSo) {
+    EXPECT_EQ(CleanableDataLocation{},
+              (CleanableDataLocation{CleanableDataLocation::Kind::file, "", false}));
+}
+
+TEST_F(CleanableDataListTest, theListsOfADictionaryThatGoesAwayAreAllOfThem) {
+    const auto lists = dictionary(false).lists();
+    ASSERT_EQ(lists.size(), 3U);
+    EXPECT_EQ(lists.at(CleanableDataCategory::formData).items().size(), 1U);
+}
+
 TEST_F(CleanableDataListTest, mergingAppendsListsOfACommonKeyAndInsertsOthers) {
     CleanableDataMap merged = dictionary(false);
     merged.merge(CleanableDataMap(

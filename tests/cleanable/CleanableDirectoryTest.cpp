@@ -285,6 +285,19 @@ TEST_F(CleanableDirectoryTest, aCleanThatIsToldToStopDeletesNothingMoreAndCounts
     EXPECT_THROW(item.size(), OperationCancelled);  // the answer is kept
 }
 
+TEST_F(CleanableDirectoryTest, aCleanCountsFilesAlone) {
+    const auto control = std::make_shared<OperationControl>();
+    CleanableDirectory(folder / "cache", true, {}, FileManager::forHome(folder.path(), control))
+        .clean();
+    EXPECT_EQ(control->progress(), (OperationProgress{2, 0, 0}));
+}
+
+TEST_F(CleanableDirectoryTest, itsOneLocationIsTheFolder) {
+    const std::vector<CleanableDataLocation> expected{
+        {CleanableDataLocation::Kind::folder, folder / "cache"}};
+    EXPECT_EQ(directory().locations(), expected);
+}
+
 /** Runs an operation with the n-th call failing, for every n until nothing fails any more. */
 template <typename Operation>
 std::size_t forEveryFailure(const std::shared_ptr<const FileManager>& target, Operation operation) {
