@@ -443,11 +443,12 @@ class Finder:
         self.add("argument", context, span, "(empty)", [Insertion(*span, f"(@ ? {value} : ", ")")])
 
     def swapped(self, left, right, context):
-        (_, first, type_of_first), (_, second, type_of_second) = left, right
+        (one_node, first, type_of_first), (other_node, second, type_of_second) = left, right
         one, other = on_one_line(self.code(first)), on_one_line(self.code(second))
         if type_of_first != type_of_second or "dependent" in type_of_first or one == other:
             return
-        if NEVER_EMPTY.search(type_of_first):
+        # A choice between two types would be of a third one, for the original too.
+        if NEVER_EMPTY.search(type_of_first) or self.type_of(one_node) != self.type_of(other_node):
             return
         self.add("swapped", context, (first[0], second[1]), f"{other}, {one}",
                  [Insertion(*first, f"(@ ? ({other}) : ", ")"),

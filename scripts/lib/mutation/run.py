@@ -125,7 +125,9 @@ class Tests:
         made = pool.map(record, [(program, part, parts, len(names), width) for part in range(parts)],
                         chunksize=1)
         outcome = {}
-        for _, report in made:
+        for seen, report in made:
+            if not os.path.exists(report):
+                raise RuntimeError("the tests end early although no mutant is chosen")
             outcome.update(self.passed(report, root))
         self.all = [Test(index, name, *outcome[name]) for index, name in enumerate(names, 1)
                     if name in outcome]

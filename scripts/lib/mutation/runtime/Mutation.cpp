@@ -22,8 +22,14 @@ unsigned numberIn(const char* variable) noexcept {
 /** The number of each test in the order in which the program lists them; 0 is outside of tests. */
 std::size_t currentTest() {
     static std::map<const testing::TestInfo*, std::size_t> numbers;
+    static const testing::TestInfo* last = nullptr;
+    static std::size_t numberOfLast = 0;
     const testing::UnitTest& all = *testing::UnitTest::GetInstance();
-    if (all.current_test_info() == nullptr) {
+    const testing::TestInfo* const current = all.current_test_info();
+    if (current == last) {
+        return numberOfLast;
+    }
+    if (current == nullptr) {
         return 0;  // while variables are made, not all tests are known yet
     }
     if (numbers.empty()) {
@@ -34,8 +40,9 @@ std::size_t currentTest() {
             }
         }
     }
-    const auto found = numbers.find(all.current_test_info());
-    return found == numbers.end() ? 0 : found->second;
+    last = current;
+    numberOfLast = numbers.at(current);
+    return numberOfLast;
 }
 
 /** A byte for each test and mutant, in a file that child processes write to as well. */
