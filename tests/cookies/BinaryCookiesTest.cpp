@@ -303,6 +303,26 @@ TEST(BinaryCookies, refusesToWriteSizesThatDoNotAddUp) {
     EXPECT_THROW(encoded(cookies), std::length_error);
 }
 
+TEST(BinaryCookies, writesSizesThatJustAddUp) {
+    BinaryCookies::Page page = decoded(smallFile()).pages.at(0);
+    ASSERT_EQ(page.cookies.size(), 2U);
+    page.cookies.at(0).size = 0xFFFFFFFF - 20;
+    const Bytes data = BinaryDataEncoder().encode(page);
+    EXPECT_EQ(slice(data, 8, 8), ByteText().little(20, 4).little(0xFFFFFFFF, 4).data());
+}
+
+TEST(BinaryCookies, aCookieThatIsMadeAnewIsEmpty) {
+    const BinaryCookies::Cookie cookie;
+    EXPECT_EQ(cookie.size, 0U);
+    EXPECT_EQ(cookie.version, 0U);
+    EXPECT_TRUE(cookie.flags.isEmpty());
+    for (const std::uint32_t offset :
+         {cookie.urlOffset, cookie.nameOffset, cookie.pathOffset, cookie.valueOffset,
+          cookie.commentOffset, cookie.commentURLOffset}) {
+        EXPECT_EQ(offset, 0U);
+    }
+}
+
 TEST(BinaryCookies, writesAPageWhoseLastRecordClaimsAnySize) {
     BinaryCookies::Page page = decoded(smallFile()).pages.at(0);
     const std::uint32_t written = page.cookies.at(0).size;
@@ -434,6 +454,10 @@ TEST(BinaryCookies, keepsTheOrderOfTheCookiesThatStay) {
     cookies.remove([](const BinaryCookies::Cookie& cookie) { return cookie.name == "b"; });
     EXPECT_EQ(encoded(cookies),
               cookieFile({cookiePage({named("a").data(), named("c").data()})}, emptyDictionary()));
+}
+
+TEST(BinaryCookiesFlags, areMadeOfAnyNumber) {
+    EXPECT_EQ(Flags::fromRawValue(0xFFFFFFFF), Flags(0xFFFFFFFF));
 }
 
 TEST(BinaryCookiesFlags, areASet) {

@@ -1,5 +1,8 @@
 #include <algorithm>
+#include <cstdint>
+#include <limits>
 #include <memory>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -67,6 +70,20 @@ public:
         throw fs::filesystem_error("no attributes", path,
                                    std::make_error_code(std::errc::io_error));
     }
+};
+
+class TellingSize final : public tests::ForwardingFileManager {
+public:
+    TellingSize(std::shared_ptr<const FileManager> target, std::optional<std::uint64_t> size)
+        : ForwardingFileManager(std::move(target)), size_(size) {}
+    FileAttributes attributes(const fs::path& path) const override {
+        FileAttributes told = ForwardingFileManager::attributes(path);
+        told.size = size_;
+        return told;
+    }
+
+private:
+    std::optional<std::uint64_t> size_;
 };
 
 class UnableToChange final : public tests::ForwardingFileManager {
@@ -282,6 +299,59 @@ TEST_F(CleanableSafariCookiesTest, isApproximateWithoutTheSizeOfTheFile) {
     writeFirst(oldAndNew());
     fileManager_ = std::make_shared<const WithoutAttributes>(fileManager_);
     EXPECT_EQ(item().size(), (CleanableDataSize{2, {0, true}}));
+}
+
+TEST_F(CleanableSafariCookiesTest, isApproximateWhereTheSizeIsAbsentOrBeyond63Bits) {
+    writeFirst(oldAndNew());
+    const auto sizeTold = [this](std::optional<std::uint64_t> size) {
+        return itemOver(std::make_shared<const TellingSize>(fileManager_, size)).size();
+    };
+    constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
+    EXPECT_EQ(sizeTold(std::nullopt), (CleanableDataSize{2, {0, true}}));
+    EXPECT_EQ(sizeTold(std::uint64_t{largest} + 1), (CleanableDataSize{2, {0, true}}));
+    EXPECT_EQ(sizeTold(std::uint64_t{largest}), (CleanableDataSize{2, largest}));
+}
+
+TEST_F(CleanableSafariCookiesTest, countsCookiesThatItMeasuresOrTakesOutAndFilesThatItDeletes) {
+    const auto control = std::make_shared<OperationControl>();
+    const CleanableSafariCookies counted(Home::at(folder_.path(), control).withServices(services_));
+    writeFirst(oldAndNew());
+    counted.size();
+    EXPECT_EQ(control->progress(), (OperationProgress{0, 0, 2}));
+    control->restart({});
+    counted.clean(std::vector{since(150)});
+    EXPECT_EQ(control->progress(), (OperationProgress{0, 0, 1}));
+    control->restart({});
+    counted.clean();
+    EXPECT_EQ(control->progress(), (OperationProgress{1, 0, 0}));
+}
+
+TEST_F(CleanableSafariCookiesTest, stopsBetweenTheCookiesOfTheStorage) {
+    fillStorage();
+    const auto control = std::make_shared<OperationControl>(
+        [this](const OperationProgress& /*done*/) { return storageDomains().size() < 2; });
+    const CleanableSafariCookies controlled(
+        Home::at(folder_.path(), control).withServices(services_));
+    EXPECT_THROW(controlled.clean(), OperationCancelled);
+    EXPECT_EQ(storageDomains().size(), 1U);
+}
+
+TEST_F(CleanableSafariCookiesTest, datesThatWereTakenAwaySelectNothing) {
+    writeFirst(oldAndNew());
+    CleanableDataFilter filter = since(1000);
+    filter.datesData.reset();
+    EXPECT_EQ(item().size(std::vector{filter}).itemCount, CleanableDataSize::Measurement(2));
+}
+
+TEST_F(CleanableSafariCookiesTest, thePathInTheLogIsAURLWithEscapes) {
+    const fs::path home = folder_.makeFolder("\xC3\xAF? \x1F");
+    folder_.write(fs::path("\xC3\xAF? \x1F") / first, "bad");
+    CleanableSafariCookies(
+        Home(std::make_shared<const tests::GuardedFileManager>(home)).withServices(services_))
+        .size();
+    EXPECT_EQ(log_, std::vector<std::string>{"Could not read cookies at " + urlOf(folder_.path()) +
+                                             "/%C3%AF%3F%20%1F/" + first +
+                                             ": Magic number is missing or incorrect"});
 }
 
 TEST_F(CleanableSafariCookiesTest, logsWhatCannotBeChangedAndStillCleansTheStorage) {

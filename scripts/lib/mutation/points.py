@@ -27,6 +27,7 @@ REMOVABLE = CALLS | {"CXXOperatorCallExpr", "CompoundAssignOperator", "CXXThrowE
 # Room for what comes has no effect that a test could see; a process that ends for a programmer's
 # mistake says why in words that are nobody's contract.
 WITHOUT_EFFECT = {"reserve", "shrink_to_fit"}
+ONLY_FOR_ROOM = {("BinaryCookies", "makeRoom"), ("BinaryCookies", "writtenLength")}
 WITHOUT_WORDS = {"fatalError", "log"}
 SYMMETRIC = {"min", "max", "equal", "__builtin_add_overflow"}
 OPERATORS = {
@@ -159,7 +160,7 @@ class Finder:
                 self.visit(child, context)
 
     def in_function(self, node):
-        if "explicitlyDefaulted" in node:
+        if "explicitlyDefaulted" in node or (self.source.path.stem, node.get("name")) in ONLY_FOR_ROOM:
             return None
         result = node.get("type", {}).get("qualType", "").split("(")[0]
         return Context(constant=bool(node.get("constexpr")), returns_reference="&" in result)
@@ -331,10 +332,10 @@ class Finder:
         if code == '""':
             self.choice("text", context, span, '"x"')
         elif '"' in code:
-            self.choice("text", context, span, '""')
-            # Without its last character, unless that is written as several.
-            if re.search(r'[^"\\][^"\\]"$', code) and not code.startswith("R"):
-                self.choice("text", context, span, code[:-2] + '"')
+            # Without its last character, which is harder to notice than no text at all; but that may be
+            # written as several.
+            shorter = re.search(r'[^"\\][^"\\]"$', code) and not code.startswith("R")
+            self.choice("text", context, span, code[:-2] + '"' if shorter else '""')
 
     def atUserDefinedLiteral(self, node, context):
         span = self.span(node)
@@ -364,7 +365,8 @@ class Finder:
             ends = kind == "CXXThrowExpr" and index + 1 == len(children)
             steps = kind == "UnaryOperator" and bare.get("opcode") in ("++", "--")
             assigns = kind == "BinaryOperator" and bare.get("opcode") == "="
-            if (kind in REMOVABLE and not ends and name not in WITHOUT_EFFECT) or steps or assigns:
+            room = name in WITHOUT_EFFECT or (self.source.path.stem, name) in ONLY_FOR_ROOM
+            if (kind in REMOVABLE and not ends and not room) or steps or assigns:
                 self.add("removed", context, span, "", [Insertion(*span, "if (!@) ")] if span else [])
         return context
 
@@ -390,7 +392,7 @@ class Finder:
 
     def at_call(self, node, context):
         name = self.called(node)
-        if name in WITHOUT_EFFECT:
+        if name in WITHOUT_EFFECT or (self.source.path.stem, name) in ONLY_FOR_ROOM:
             return None
         if name in WITHOUT_WORDS:
             context = dataclasses.replace(context, wordless=True)
@@ -429,7 +431,8 @@ class Finder:
         """An argument that does not arrive: an empty value of its type takes its place."""
         kind = bare["kind"]
         named = bare.get("referencedDecl", {}).get("kind", "")
-        if kind in LITERALS or kind in ("CXXThisExpr", "DependentScopeDeclRefExpr") or (
+        # What is worked out on the spot is changed where it is worked out.
+        if kind in LITERALS or bare.get("valueCategory") == "prvalue" or (
                 named in ("EnumConstantDecl", "FunctionDecl", "CXXMethodDecl")):
             return
         # Iterators, and what is an empty value already.
@@ -437,6 +440,8 @@ class Finder:
                 r"\b(begin|end)\(\)$|\{\}$|::zero$", self.code(span)):
             return
         code = on_one_line(self.code(span))
+        if code in ("*this", "this"):
+            return
         empty = "emptyLike" if bare.get("valueCategory") == "lvalue" else "emptyOf"
         argument = f"({code})" if empty == "emptyLike" else f"<decltype({code})>()"
         value = f"browsersweep::mutation::{empty}{argument}"

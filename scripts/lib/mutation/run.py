@@ -14,9 +14,9 @@ import time
 
 from . import confine
 
-# Tests that take longer than this are left out where others reach a mutant; and of the tests of other
-# rooms so many seconds are run, the quickest first.
-SLOW = 1.0
+# Quick tests are run first. Those of other files that are slow are left out where others reach a mutant;
+# and of the tests of other rooms so many seconds are run, the quickest first.
+QUICK, SLOW = 0.2, 1.0
 OF_OTHER_ROOMS = 1.5
 # In a process for itself a test may take so many times as long as it did among all, and seconds more.
 TIMES, SECONDS = 4, 3
@@ -170,13 +170,16 @@ class Tests:
         room = f"tests/{pathlib.PurePath(file).parts[1]}/"
         if number in self.outside and not own:
             own = {each for each in self.all if each.file.startswith(room)}
-        quick = {each for each in own if each.seconds <= SLOW} or own
         path = pathlib.PurePath(file)
-        groups = {"file": [], "room": [], "rest": []}
-        for each in sorted(quick, key=lambda test: test.number):
+        groups = {"file": [], "room": [], "slow": [], "rest": []}
+        for each in sorted(own, key=lambda test: test.number):
             of_file = pathlib.PurePath(each.file).stem in (f"{path.stem}Test",
                                                            f"{path.stem}PropertiesTest")
-            groups["file" if of_file else "room" if each.file.startswith(room) else "rest"].append(each)
+            near = "file" if of_file else "room" if each.file.startswith(room) else "rest"
+            groups["slow" if near != "rest" and each.seconds > QUICK else near].append(each)
+        others = [each for each in groups["slow"] if each.seconds <= SLOW or
+                  pathlib.PurePath(each.file).stem.startswith(path.stem)]
+        groups["slow"] = others if others or groups["file"] or groups["room"] else groups["slow"]
         groups["rest"] = quickest(groups["rest"], OF_OTHER_ROOMS)
         return [(name, tests) for name, tests in groups.items() if tests]
 
