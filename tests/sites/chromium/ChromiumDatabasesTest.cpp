@@ -43,6 +43,8 @@ struct Planting {
      * entry may be several rows that belong together, with ";;" between them. */
     PlantedRows crossing;
     PlantedRows orphans;  ///< what they refer to is gone; they tell no site
+    PlantedRows mixed{};  ///< they tell no site and go with everything
+    PlantedRows alone{};  ///< of the first site, planted without anything else of it
 };
 
 void PrintTo(const Planting& planting, std::ostream* stream) {
@@ -91,7 +93,8 @@ const std::vector<Planting> plantings{
       "segments|id=91|name=''|url_id=91", "segment_usage|id=91|segment_id=92", "visited_links|id=91|link_url_id=91|top_level_url=''|frame_url=''",
       "clusters_and_visits|cluster_id=91|visit_id=91|url_for_deduping=''|normalized_url=''", "clusters|cluster_id=92", "cluster_keywords|cluster_id=93",
       "journey_history_entries|journey_id='lost'|visit_timestamp_micros=1", "journey_continuation_queries|id=1|journey_id='lost'",
-      "downloads_url_chains|id=91|chain_index=0|url=''", "downloads_slices|download_id=91|offset=0"}},
+      "downloads_url_chains|id=91|chain_index=0|url=''", "downloads_slices|download_id=91|offset=0"},
+     {"journeys|journey_id='j'|title='of any site'", "journey_history_entries|journey_id='j'|visit_timestamp_micros=2", "journey_continuation_queries|id=2|journey_id='j'"}},
     {"Favicons",
      {"meta|key='version'|value='8'",
       "icon_mapping|id=50|page_url='https://www.bookmarked.test/page'|icon_id=50",
@@ -101,7 +104,8 @@ const std::vector<Planting> plantings{
      {"icon_mapping|id=21|page_url='https://{s}/'|icon_id=2",
       "icon_mapping|id=22|page_url='https://{t}/'|icon_id=22", "favicons|id=22|url='https://{s}/other'",
       "favicons|id=23|url='https://{s}/unmapped'"},
-     {"icon_mapping|id=91|page_url=''|icon_id=91", "favicons|id=92|url=''", "favicon_bitmaps|id=93|icon_id=93"}},
+     {"icon_mapping|id=91|page_url=''|icon_id=91", "favicons|id=92|url=''", "favicon_bitmaps|id=93|icon_id=93"},
+     {}, {"favicons|id=23|url='https://{s}/unmapped'"}},
     {"Network Action Predictor",
      {"resource_prefetch_predictor_metadata|key='version'|value=10"},
      {"network_action_predictor|id='{n}'|user_text='{s}'|url='https://{s}/'",
@@ -129,6 +133,8 @@ const std::vector<Planting> plantings{
     {"Cookies", {"meta|key='version'|value='24'"},
      {"cookies|host_key='.{s}'|name='name'|value='value {s}'|last_access_utc=13300000000000000"},
      {"cookies|host_key='.{t}'|top_frame_site_key='https://{s}'|name='framed'", "cookies|host_key='x.{s}'|top_frame_site_key='https://{t}'|name='framed'"}, {}},
+    {"Web Data", {"meta|key='version'|value='140'", "keywords|id=1|short_name='engine'", "addresses|guid='1'", "credit_cards|guid='1'"}, {}, {}, {},
+     {"autofill|name='f'|value='typed'", "autocomplete|name='f'|value='typed'|label=''"}},
     {"DIPS", {"meta|key='version'|value='8'", "config|key='prepopulated'|int_value=1"},
      {"bounces|site='{s}'|last_user_activation_time=13300000000000000", "popups|opener_site='{s}'|popup_site='{s}'"},
      {"popups|opener_site='{s}'|popup_site='{t}'", "popups|opener_site='{t}'|popup_site='{s}'"}, {}},
@@ -212,6 +218,49 @@ protected:
         return nullptr;
     }
 
+    std::span<const TraceTable> rules() const {
+        for (const auto& databases : {chromiumDatabases(), sharedChromiumDatabases()}) {
+            for (const ChromiumDatabase& database : databases) {
+                if (database.file == planting().file) {
+                    return database.tables;
+                }
+            }
+        }
+        return {};
+    }
+
+    /** Whether a site goes by these rules as it should: with all its rows, and with each. */
+    bool isAllForgottenBy(std::span<const TraceTable> tried) const {
+        const auto only = SiteSelection::only({*Site::ofHost(gone)});
+        const PlantedRows& own = planting().ofSite;
+        const PlantedRows first(own.begin(), own.begin() + (own.empty() ? 0 : 1));
+        std::vector<PlantedRows> trials{own, planting().alone,
+                                        withFirst(first, planting().orphans)};
+        for (const std::string& row : withSecondSite(planting().crossing, kept)) {
+            trials.push_back(withFirst(first, {row}));
+        }
+        return isForgottenBy(tried, planting().mixed, SiteSelection::everything(), {}) &&
+               std::all_of(trials.begin(), trials.end(), [&](const PlantedRows& rows) {
+                   return isForgottenBy(tried, rows, only, {kept});
+               });
+    }
+
+    static PlantedRows withFirst(PlantedRows first, const PlantedRows& others) {
+        first.insert(first.end(), others.begin(), others.end());
+        return first;
+    }
+
+    bool isForgottenBy(std::span<const TraceTable> tried, const PlantedRows& rows,
+                       const SiteSelection& selection,
+                       const std::vector<std::string>& sitesThatStay) const {
+        tests::plant(made("profile", {kept}), rows, gone, 1);
+        const auto marks = [] { return ProtectedAddresses{"https://www.bookmarked.test/page"}; };
+        DatabaseTraceStore({file(), tried, marks}, manager_).forget(request(selection));
+        const bool isForgotten = contentsOf(file()) == contentsMade(sitesThatStay);
+        fs::remove(file());
+        return isForgotten;
+    }
+
     ForgetRequest request(const SiteSelection& selection) const {
         return {selection, {}, false, false, {}};
     }
@@ -262,6 +311,7 @@ TEST_P(ChromiumDatabases, everythingIsForgottenButWhatTheBrowserNeeds) {
         const Database database = made("profile", {kept, gone});
         tests::plant(database, withSecondSite(planting().crossing, kept), gone, 1);
         tests::plant(database, planting().orphans, gone, 1);
+        tests::plant(database, planting().mixed, gone, 1);
     }
     store()->forget(request(SiteSelection::everything()));
     EXPECT_EQ(contentsOf(file()), contentsMade({}));
@@ -276,7 +326,8 @@ TEST_P(ChromiumDatabases, listingChangesNothingAndKnowsTheSites) {
     for (const Trace& trace : store()->list({}).bySite) {
         names.insert(trace.site.name());
     }
-    EXPECT_EQ(names, (std::set<std::string>{gone, kept}));
+    EXPECT_EQ(names, planting().ofSite.empty() ? std::set<std::string>{}
+                                               : (std::set<std::string>{gone, kept}));
     const auto after = home_.snapshot();
     Lines changed;
     std::set_symmetric_difference(before.begin(), before.end(), after.begin(), after.end(),
@@ -287,23 +338,58 @@ TEST_P(ChromiumDatabases, listingChangesNothingAndKnowsTheSites) {
     EXPECT_EQ(changed, Lines{});
 }
 
+TEST_P(ChromiumDatabases, everyRuleIsNeeded) {
+    const std::span<const TraceTable> all = rules();
+    for (std::size_t left = 0; left < all.size(); ++left) {
+        std::vector<TraceTable> others(all.begin(), all.end());
+        others.erase(others.begin() + static_cast<std::ptrdiff_t>(left));
+        const bool isTriedElsewhere = all[left].rule == TableRule::resets;
+        EXPECT_TRUE(isTriedElsewhere || !isAllForgottenBy(others)) << left << " " << all[left].name;
+    }
+    EXPECT_TRUE(isAllForgottenBy(all));
+}
+
 TEST_P(ChromiumDatabases, everyTableOfTheRulesIsPlanted) {
-    made("profile", {kept});
-    const auto rowsOf = [this](std::span<const ChromiumDatabase> databases) {
-        for (const ChromiumDatabase& database : databases) {
-            if (database.file == planting().file) {
-                return database.tables;
-            }
-        }
-        return std::span<const TraceTable>();
-    };
-    const auto own = rowsOf(chromiumDatabases());
-    for (const TraceTable& table : own.empty() ? rowsOf(sharedChromiumDatabases()) : own) {
-        if (!table.name.starts_with("journey")) {
-            EXPECT_GT(Database(file()).number("SELECT COUNT(*) FROM " + std::string(table.name)), 0)
-                << table.name;
+    tests::plant(made("profile", {kept}), planting().mixed, kept, 2);
+    for (const TraceTable& table : rules()) {
+        EXPECT_GT(Database(file()).number("SELECT COUNT(*) FROM " + std::string(table.name)), 0)
+            << table.name;
+    }
+}
+
+class ChromiumHistory : public testing::Test {
+protected:
+    ChromiumHistory() { home_.makeFolder("tmp"); }
+
+    TemporaryFolder home_{tests::folderInMemory()};
+    std::shared_ptr<const FileManager> manager_ = tests::GuardedFileManager::forFixture(home_);
+};
+
+TEST_F(ChromiumHistory, aVisitOfAnotherSiteForgetsFromWhereItCame) {
+    tests::plant(tests::makeChromiumDatabase(home_.path(), "History"),
+                 {"urls|id=1|url='https://kept.test/'",
+                  "visits|id=1|url=1|visit_time=5|external_referrer_url='https://gone.test/'",
+                  "visits|id=2|url=1|visit_time=6|external_referrer_url='https://kept.test/x'"},
+                 "", 0);
+    const TraceStores stores = databaseStores(home_.path(), manager_);
+    stores.front()->forget(
+        {SiteSelection::only({*Site::ofHost("gone.test")}), {}, false, false, {}});
+    const Database database(home_ / "History");
+    EXPECT_EQ(database.text("SELECT group_concat(id || external_referrer_url) FROM visits"),
+              "1,2https://kept.test/x");
+    EXPECT_EQ(filesHolding(home_ / "History", "gone.test"), Lines{});
+}
+
+TEST_F(ChromiumHistory, iconsOfBookmarksThatCannotBeReadStay) {
+    tests::plant(tests::makeChromiumDatabase(home_.path(), "Favicons"),
+                 {"icon_mapping|id=1|page_url='https://a.test/'|icon_id=1"}, "", 0);
+    home_.write("Bookmarks", "damaged");
+    for (const auto& store : databaseStores(home_.path(), manager_)) {
+        if (store->path() == home_ / "Favicons") {
+            EXPECT_ANY_THROW(store->forget({SiteSelection::everything(), {}, false, false, {}}));
         }
     }
+    EXPECT_EQ(Database(home_ / "Favicons").number("SELECT COUNT(*) FROM icon_mapping"), 1);
 }
 
 /** The folders and files that belong to rows of two databases. */
