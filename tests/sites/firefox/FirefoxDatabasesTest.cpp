@@ -1,10 +1,13 @@
 #include <algorithm>
 #include <cctype>
+#include <cstddef>
 #include <filesystem>
 #include <memory>
 #include <ostream>
 #include <set>
+#include <span>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -155,9 +158,60 @@ protected:
         return {{}, false};
     }
 
+    std::span<const TraceTable> rules() const {
+        for (const FirefoxDatabase& database : firefoxDatabases()) {
+            if (database.file == planting().file) {
+                return database.tables;
+            }
+        }
+        return {};
+    }
+
+    /** Whether a site goes by these rules as it should: with all its rows, and with each. */
+    bool isAllForgottenBy(std::span<const TraceTable> tried) const {
+        const PlantedRows own = ofSite(planting().ofSite, gone);
+        std::vector<PlantedRows> trials{own, planting().lost};
+        for (const std::string& row : withSecondSite(planting().crossing, kept)) {
+            trials.push_back(own);
+            trials.back().push_back(row);
+        }
+        trials.at(1).insert(trials.at(1).end(), own.begin(), own.end());
+        return std::all_of(trials.begin(), trials.end(),
+                           [&](const PlantedRows& rows) { return isForgottenBy(tried, rows); });
+    }
+
+    bool isForgottenBy(std::span<const TraceTable> tried, const PlantedRows& rows) const {
+        tests::plant(made("profile", {kept}), rows, gone, 1);
+        const auto held = [] {
+            return ProtectedAddresses{"https://www.bookmarked.test/page",
+                                      "https://www.bookmarked.test/favicon.ico"};
+        };
+        DatabaseTraceStore({file(), tried, held}, manager_)
+            .forget({SiteSelection::only({*Site::ofHost(gone)}), {}, true, true, {}});
+        const bool isForgotten = contentsOf(file()) == contentsMade({kept});
+        fs::remove(file());
+        return isForgotten;
+    }
+
     TemporaryFolder home_{tests::folderInMemory()};
     std::shared_ptr<const FileManager> manager_ = tests::GuardedFileManager::forFixture(home_);
 };
+
+TEST_P(FirefoxDatabases, everyRuleIsNeeded) {
+    const std::span<const TraceTable> all = rules();
+    for (std::size_t left = 0; left < all.size(); ++left) {
+        std::vector<TraceTable> others(all.begin(), all.end());
+        others.erase(others.begin() + static_cast<std::ptrdiff_t>(left));
+        // What a held page loses, and what goes with one kind alone, has tests of its own.
+        const bool isOfOneKind = all[left].name == "groups";
+        const bool isOfHeldPage =
+            planting().file == "places.sqlite" &&
+            (all[left].rule == TableRule::follows || all[left].rule == TableRule::resets);
+        EXPECT_TRUE(isOfHeldPage || isOfOneKind || !isAllForgottenBy(others))
+            << left << " " << all[left].name;
+    }
+    EXPECT_TRUE(isAllForgottenBy(all));
+}
 
 TEST_P(FirefoxDatabases, oneSiteIsForgottenInEveryColumnAndTheOtherStaysAsItIs) {
     {
@@ -233,6 +287,31 @@ std::string nameOf(const testing::TestParamInfo<Planting>& info) {
 }
 
 INSTANTIATE_TEST_SUITE_P(OfAllFiles, FirefoxDatabases, testing::ValuesIn(plantings), nameOf);
+
+TEST(FirefoxContentPreferences, aSitesNameGoesWithTheLastOfItsNotesAndSettings) {
+    const TemporaryFolder home(tests::folderInMemory());
+    home.makeFolder("tmp");
+    const auto manager = tests::GuardedFileManager::forFixture(home);
+    for (const auto& [kind, setting, isGone] :
+         {std::tuple(TraceKind::predictions, "browser.download.lastDir", true),
+          std::tuple(TraceKind::predictions, "browser.content.full-zoom", false),
+          std::tuple(TraceKind::settings, "browser.content.full-zoom", true),
+          std::tuple(TraceKind::settings, "browser.download.lastDir", false)}) {
+        SCOPED_TRACE(setting);
+        tests::plant(tests::makeFirefoxDatabase(home.path(), "content-prefs.sqlite"),
+                     {std::string("settings|id=1|name='") + setting + "'",
+                      "groups|id=1|name='a.test'", "prefs|id=1|groupID=1|settingID=1"},
+                     "", 0);
+        firefoxDatabaseStores(home.path(), manager)
+            .at(5)
+            ->forget({SiteSelection::only({*Site::ofHost("a.test")}), {kind}, false, false, {}});
+        EXPECT_EQ(Database(home / "content-prefs.sqlite").number("SELECT COUNT(*) FROM groups"),
+                  isGone ? 0 : 1);
+        EXPECT_EQ(Database(home / "content-prefs.sqlite").number("SELECT COUNT(*) FROM prefs"),
+                  isGone ? 0 : 1);
+        fs::remove(home / "content-prefs.sqlite");
+    }
+}
 
 /** A page that a bookmark holds, with all that a visit leaves. */
 class HeldPage : public testing::Test {
