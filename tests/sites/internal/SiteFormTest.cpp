@@ -104,5 +104,16 @@ TEST(SiteForm, findsNothingInWhatIsBroken) {
     }
 }
 
+TEST(SiteForm, aHostOrAddressIsEitherOfTheTwo) {
+    using Hosts = std::vector<std::string>;
+    EXPECT_EQ(hostsIn(SiteForm::hostOrAddress, "www.a.test:8080"), Hosts{"www.a.test"});
+    EXPECT_EQ(hostsIn(SiteForm::hostOrAddress, "https://www.a.test:8080/b"), Hosts{"www.a.test"});
+    EXPECT_EQ(hostsIn(SiteForm::hostOrAddress, "chrome-extension://abc/"), Hosts{});
+    EXPECT_EQ(hostsIn(SiteForm::message,
+                      "\x0a\x06"
+                      "a.test"),
+              Hosts{"a.test"});
+}
+
 }  // namespace
 }  // namespace browsersweep

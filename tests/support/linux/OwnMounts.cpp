@@ -1,6 +1,7 @@
 #include "tests/support/linux/OwnMounts.h"
 
 #include <cerrno>
+#include <string>
 #include <system_error>
 
 #include <sched.h>
@@ -33,6 +34,13 @@ std::optional<int> runWithOwnMounts(const std::function<void()>& body) {
 
 void mountFolder(const std::filesystem::path& folder, const std::filesystem::path& place) {
     if (::mount(folder.c_str(), place.c_str(), nullptr, MS_BIND, nullptr) != 0) {
+        throw std::system_error(errno, std::generic_category(), "cannot mount");
+    }
+}
+
+void mountDisk(const std::filesystem::path& place, std::size_t bytes) {
+    const std::string size = "size=" + std::to_string(bytes);
+    if (::mount("tmpfs", place.c_str(), "tmpfs", 0, size.c_str()) != 0) {
         throw std::system_error(errno, std::generic_category(), "cannot mount");
     }
 }

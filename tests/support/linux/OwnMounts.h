@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -15,5 +16,8 @@ std::optional<int> runWithOwnMounts(const std::function<void()>& body);
 
 /** Makes a folder stand in another place as well, under the same device number. */
 void mountFolder(const std::filesystem::path& folder, const std::filesystem::path& place);
+
+/** Makes a new, empty disk of this many bytes stand in a place. */
+void mountDisk(const std::filesystem::path& place, std::size_t bytes);
 
 }  // namespace browsersweep::tests
