@@ -49,7 +49,7 @@ public:
         if (!isWithin(offset, count)) {
             return leveldb::Status::Corruption("part of a table beyond its end");
         }
-        const leveldb::Status status = file_->Read(offset, count, result, scratch);
+        leveldb::Status status = file_->Read(offset, count, result, scratch);
         const bool isFooter = count == footerSize && offset + count == size_;
         if (status.ok() && isFooter && !isSoundFooter({result->data(), result->size()})) {
             return leveldb::Status::Corruption("footer of a table that names what is not there");

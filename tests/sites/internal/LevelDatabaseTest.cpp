@@ -1,7 +1,8 @@
+#include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
@@ -146,10 +147,11 @@ TEST_F(LevelDatabaseTest, aDatabaseWithAnotherOrderOfKeysIsAnErrorAndStays) {
     options.create_if_missing = true;
     options.comparator = &backwards;
     fs::create_directories(folder);
-    leveldb::DB* made = nullptr;
-    ASSERT_TRUE(leveldb::DB::Open(options, folder.string(), &made).ok());
+    leveldb::DB* opened = nullptr;
+    ASSERT_TRUE(leveldb::DB::Open(options, folder.string(), &opened).ok());
+    std::unique_ptr<leveldb::DB> made(opened);
     made->Put({}, "key", "value");
-    delete made;
+    made = nullptr;
     const auto before = home.snapshot();
     EXPECT_THROW(recordsRead(database), DecodingError);
     EXPECT_THROW(keepAllBut("key"), DecodingError);
@@ -183,6 +185,92 @@ TEST_F(LevelDatabaseTest, aDamagedDatabaseIsReadWholeOrIsAnErrorAndNeverAnything
         home.write("Library/profile/leveldb/" + entry.name, whole);
     }
     EXPECT_GT(errors, 50U);
+    EXPECT_TRUE(isTemporaryFolderEmpty());
+}
+
+/** The checksum of LevelDB: CRC-32C, turned and moved. */
+std::string checksumOf(std::string_view text) {
+    constexpr std::uint32_t polynomial = 0x82F63B78;
+    constexpr std::uint32_t moved = 0xA282EAD8;
+    std::uint32_t rest = ~0U;
+    for (const char letter : text) {
+        rest ^= static_cast<unsigned char>(letter);
+        for (int bit = 0; bit < 8; ++bit) {
+            rest = (rest >> 1U) ^ ((rest & 1U) != 0 ? polynomial : 0);
+        }
+    }
+    rest = ~rest;
+    std::uint32_t masked = ((rest >> 15U) | (rest << 17U)) + moved;
+    std::string bytes;
+    for (int count = 0; count < 4; ++count, masked >>= 8U) {
+        bytes += static_cast<char>(masked);
+    }
+    return bytes;
+}
+
+std::uint64_t takeNumber(std::string_view& text) {
+    std::uint64_t number = 0;
+    for (unsigned shift = 0;; shift += 7) {
+        const auto byte = static_cast<unsigned char>(text.front());
+        text.remove_prefix(1);
+        number |= std::uint64_t{byte & 0x7FU} << shift;
+        if (byte < 0x80) {
+            return number;
+        }
+    }
+}
+
+std::string numberAsText(std::uint64_t number) {
+    std::string text;
+    for (; number >= 0x80; number >>= 7U) {
+        text += static_cast<char>(number | 0x80U);
+    }
+    return text + static_cast<char>(number);
+}
+
+/** A table whose index, sound by its checksum, says that the records lie there and are as long. */
+std::string withRecordsAt(std::string table, std::uint64_t offset, std::uint64_t length) {
+    const std::size_t footer = table.size() - 48;
+    std::string_view rest = std::string_view(table).substr(footer);
+    const std::string metaindex = numberAsText(takeNumber(rest)) + numberAsText(takeNumber(rest));
+    const std::uint64_t index = takeNumber(rest);
+    const std::string place = numberAsText(offset) + numberAsText(length);
+    const std::string key = "z" + std::string(8, '\xFF');
+    std::string block = std::string(1, '\0') + static_cast<char>(key.size()) +
+                        static_cast<char>(place.size()) + key + place +
+                        std::string("\0\0\0\0\1\0\0\0", 8) + std::string(1, '\0');
+    const std::string handle = numberAsText(index) + numberAsText(block.size() - 1);
+    block += checksumOf(block);
+    table.replace(index, block.size(), block);
+    table.replace(footer, 40, std::string(40, '\0'));
+    table.replace(footer, metaindex.size() + handle.size(), metaindex + handle);
+    return table;
+}
+
+TEST_F(LevelDatabaseTest, aTableWhoseIndexLeadsAnywhereIsAnErrorAndDoesNotEndTheProcess) {
+    records = {{std::string(60, 'k'), std::string(5000, 'v')}, {std::string(60, 'l'), "2"}};
+    tests::writeLevelRecords(folder, records);
+    for (const FolderEntry& entry : manager->entries(folder)) {
+        if (!entry.name.ends_with(".ldb")) {
+            continue;
+        }
+        const std::string whole = tests::readFile(folder / entry.name);
+        std::string_view footer = std::string_view(whole).substr(whole.size() - 48);
+        const std::uint64_t endOfRecords = takeNumber(footer) - 5;  // a mark and a checksum follow
+        home.write("Library/profile/leveldb/" + entry.name, withRecordsAt(whole, 0, endOfRecords));
+        EXPECT_EQ(recordsRead(database), records);  // so is the index itself made
+        for (const std::uint64_t length :
+             {std::uint64_t{100'000}, std::uint64_t{1} << 36U, std::uint64_t{1} << 62U,
+              ~std::uint64_t{0} - 4, ~std::uint64_t{0}}) {
+            for (const std::uint64_t offset : {std::uint64_t{0}, ~std::uint64_t{0} - 90}) {
+                home.write("Library/profile/leveldb/" + entry.name,
+                           withRecordsAt(whole, offset, length));
+                EXPECT_THROW(recordsRead(database), DecodingError) << offset << " " << length;
+            }
+        }
+        home.write("Library/profile/leveldb/" + entry.name, whole);
+    }
+    EXPECT_EQ(recordsRead(database), records);
     EXPECT_TRUE(isTemporaryFolderEmpty());
 }
 

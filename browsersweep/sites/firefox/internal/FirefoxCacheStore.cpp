@@ -15,6 +15,12 @@ namespace {
 
 constexpr std::size_t numberSize = 4;
 
+/** Any site may stand there, and Firefox makes them anew each time it ends. */
+constexpr std::string_view pagesOfFirefox =
+    "pages of Firefox itself, such as a new tab with the sites that were visited most: they go "
+    "with "
+    "any site, and Firefox makes them anew";
+
 /** Numbers begin with their highest byte; none stands beyond the end. */
 std::uint64_t numberAt(BytesView file, std::uint64_t place) noexcept {
     std::uint64_t number = 0;
@@ -84,11 +90,19 @@ void FirefoxCacheStore::visitEntries(const Visit& visit) const {
 
 TraceListing FirefoxCacheStore::list(const KnownHosts& /*knownHosts*/) const {
     TraceCollector collector;
+    CleanableDataSize ownPages;
     visitEntries([&](const FolderEntry& entry, const std::string& key) {
-        collector.add(TraceKind::cachedFiles, hostsInFirefoxCacheKey(key), {1, entry.size},
-                      entry.modified);
+        const auto hosts = hostsInFirefoxCacheKey(key);
+        const CleanableDataSize size{1, entry.size};
+        collector.add(TraceKind::cachedFiles, hosts, size, entry.modified);
+        ownPages = hosts.empty() ? ownPages + size : ownPages;
     });
-    return {collector.traces(), {}};
+    TraceListing listing{collector.traces(), {}};
+    if (ownPages.itemCount.value > 0) {
+        listing.notBySite.push_back(
+            {TraceKind::cachedFiles, folder_ / "entries", ownPages, std::string(pagesOfFirefox)});
+    }
+    return listing;
 }
 
 /** Entries on their way out, and the index, which has a digest of each key. */
@@ -111,7 +125,8 @@ ForgetOutcome FirefoxCacheStore::forget(const ForgetRequest& request) const {
     SiteMatcher matcher(request.sites);
     std::set<std::string, std::less<>> names;
     visitEntries([&](const FolderEntry& entry, const std::string& key) {
-        if (matcher.selectsHosts(hostsInFirefoxCacheKey(key)) || isNamedIn(key, request.sites)) {
+        const auto hosts = hostsInFirefoxCacheKey(key);
+        if (hosts.empty() || matcher.selectsHosts(hosts) || isNamedIn(key, request.sites)) {
             names.insert(entry.name);
         }
     });
