@@ -36,7 +36,7 @@ public:
     /** The relative paths of all files and folders below the profile's folder. */
     std::vector<std::string> names() const;
 
-    TemporaryFolder folder;
+    TemporaryFolder folder{folderInMemory()};
     ProfileFolders folders;
     std::shared_ptr<const FileManager> manager;
 };

@@ -55,7 +55,7 @@ protected:
 
     bool isTemporaryFolderEmpty() const { return fs::is_empty(manager->temporaryDirectory()); }
 
-    tests::TemporaryFolder home;
+    tests::TemporaryFolder home{tests::folderInMemory()};
     fs::path folder = home / "Library/profile/leveldb";
     std::shared_ptr<const FileManager> manager = tests::GuardedFileManager::forFixture(home);
     LevelDatabase database{folder, manager};
