@@ -122,8 +122,8 @@ std::string errorList(const SiteListReport& report) {
 }  // namespace
 
 std::string sitesPage(const SiteListReport& report, const PageFacts& facts) {
-    return fmt::format("{}<main>\n{}{}{}{}</main>\n{}",
-                       pageStart("What each site left", searchScriptDigest),
+    const auto script = report.sites.empty() ? std::string_view() : searchScriptDigest;
+    return fmt::format("{}<main>\n{}{}{}{}</main>\n{}", pageStart("What each site left", script),
                        siteSummary(report, facts), siteTable(report), mixedTable(report),
                        errorList(report), pageEnd());
 }

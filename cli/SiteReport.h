@@ -107,6 +107,7 @@ struct ForgetReport {
     std::int64_t freedBytes = 0;
     /** What is to be said of the sites as they were typed, a line each. */
     std::vector<std::string> remarks;
+    std::vector<std::string> hints;  ///< which options would remove what stays, a line each
     /** Whether it was asked for traces of certain sites, and there are none. */
     bool isPointless = false;
 };

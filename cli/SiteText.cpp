@@ -163,13 +163,29 @@ std::string goneText(const ForgetReport& report, const Appearance& appearance) {
                                                        : detailTable(report, appearance);
 }
 
+/** What stays, each reason once with all the places that it stays in. */
 std::string keptText(const ForgetReport& report) {
-    std::string text;
+    std::vector<std::pair<std::string, std::string>> reasons;
     for (const auto& row : report.kept) {
-        text += fmt::format("  {}, {}: {}\n      {}\n", printable(displayName(row.owner)),
-                            row.kind.display, printable(row.why), printable(row.what));
+        auto reason = fmt::format("  {}: {}\n", row.kind.display, printable(row.why));
+        auto place =
+            fmt::format("      {}: {}\n", printable(displayName(row.owner)), printable(row.what));
+        const auto found = std::find_if(reasons.begin(), reasons.end(),
+                                        [&](const auto& each) { return each.first == reason; });
+        if (found == reasons.end()) {
+            reasons.emplace_back(std::move(reason), std::move(place));
+        } else {
+            found->second += place;
+        }
     }
-    return text.empty() ? "" : "Stays:\n" + text;
+    std::string text = reasons.empty() ? "" : "Stays:\n";
+    for (const auto& [reason, places] : reasons) {
+        text += reason + places;
+    }
+    for (const auto& hint : report.hints) {
+        text += hint + "\n";
+    }
+    return text;
 }
 
 std::string remainsText(const ForgetReport& report) {

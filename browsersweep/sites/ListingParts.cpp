@@ -76,7 +76,8 @@ Trace gone(const Trace& before, const Trace& after) {
 
 /** Traces are in the order of their sites and kinds. */
 bool precedes(const Trace& one, const Trace& other) noexcept {
-    return one.site != other.site ? one.site < other.site : one.kind < other.kind;
+    const int order = one.site.name().compare(other.site.name());
+    return order != 0 ? order < 0 : one.kind < other.kind;
 }
 
 void addGone(const Trace& before, const std::vector<Trace>& after, std::vector<Trace>& result) {
@@ -138,7 +139,7 @@ Size totalSize(const TraceListing& listing) {
         total = total + trace.size;
         for (const auto& [others, size] : trace.shared) {
             // The first of the sites counts what belongs to all of them.
-            total = *others.begin() < trace.site ? total - size : total;
+            total = others.begin()->name() < trace.site.name() ? total - size : total;
         }
     }
     for (const MixedTrace& trace : listing.notBySite) {

@@ -39,7 +39,7 @@ public:
     bool hasHost(std::string_view host) const;
 
     /** In the order of the names. */
-    friend auto operator<=>(const Site&, const Site&) = default;
+    friend auto operator<=>(const Site&, const Site&) = default;  // NOLINT(modernize-use-nullptr)
 
 private:
     explicit Site(std::string name) : name_(std::move(name)) {}

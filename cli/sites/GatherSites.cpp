@@ -224,6 +224,22 @@ void addKept(const SweepStore& store, const StoreForgetting& result, std::vector
     }
 }
 
+/** Which options would remove what stays. */
+std::vector<std::string> hintsFor(const SiteOptions& options, const std::vector<KeptRow>& kept) {
+    const auto isSetting = [](const KeptRow& row) {
+        return row.kind == nameOf(TraceKind::settings);
+    };
+    std::vector<std::string> hints;
+    if (!options.all && !options.takesMixed && !std::all_of(kept.begin(), kept.end(), isSetting)) {
+        hints.emplace_back(
+            "--mixed removes what tells no site apart as well; every other site loses it too.");
+    }
+    if (std::any_of(kept.begin(), kept.end(), isSetting)) {
+        hints.emplace_back("--settings removes what you decided for the sites as well.");
+    }
+    return hints;
+}
+
 bool isNothing(const ForgetReport& report) noexcept {
     return report.forgotten.empty() && report.notBySite.empty();
 }
@@ -268,6 +284,7 @@ ForgetReport work(Work kind, const Options& options, const SiteWork& work, Obser
     report.isDryRun = options.dryRun;
     report.errors = std::move(selected.errors);
     report.remarks = remarksOn(options.sites, result.foundSites);
+    report.hints = hintsFor(options.sites, report.kept);
     report.isPointless = !options.sites.all && isNothing(report) && !result.wasStopped;
     return report;
 }

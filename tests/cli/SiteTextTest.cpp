@@ -54,14 +54,22 @@ TEST(SiteText, tellsWhatWouldGoAndWhatStays) {
     report.forgotten = {site("a.com", 2)};
     report.forgotten[0].traces.pop_back();
     report.total = {2, 2000};
-    report.kept = {{chromium(), tabs, "/p/Sessions", "other tabs would close"}};
+    report.kept = {
+        {chromium(), tabs, "/p/Sessions", "other tabs would close"},
+        {chromium(), history, "/p/History", "no key"},
+        {{Browser::chromium, "Home", "Default"}, tabs, "/d/Sessions", "other tabs would close"}};
+    report.hints = {"--mixed takes them."};
     EXPECT_EQ(peopleText(report, {}),
               "Site   Kind     Where           Items  To be removed\n"
               "a.com  History  Chromium, Work      2         2.0 KB\n"
               "Total                               2         2.0 KB\n"
               "Stays:\n"
-              "  Chromium, Work, Open tabs: other tabs would close\n"
-              "      /p/Sessions\n");
+              "  Open tabs: other tabs would close\n"
+              "      Chromium, Work: /p/Sessions\n"
+              "      Chromium, Home: /d/Sessions\n"
+              "  History: no key\n"
+              "      Chromium, Work: /p/History\n"
+              "--mixed takes them.\n");
 }
 
 TEST(SiteText, countsManySitesInPlaceOfNamingThem) {

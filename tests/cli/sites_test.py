@@ -4,7 +4,7 @@ import base64
 import hashlib
 import re
 
-from fixture import HostProgramTest
+from fixture import ROOT, HostProgramTest
 from html_test import Page
 
 
@@ -39,6 +39,14 @@ class Sites(SitesTest):
         result = self.run_program("sites", "--browser", "chromium", "--profile", "nobody")
         self.assertEqual(result.status, 1)
         self.assertIn("nobody", result.error)
+
+
+class Script(HostProgramTest):
+    def test_the_policy_of_the_page_names_the_script_that_it_has(self):
+        source = (ROOT / "cli" / "SiteHTML.cpp").read_text()
+        script = re.search(r'R"js\((.*?)\)js"', source, re.S)[1]
+        digest = re.search(r'searchScriptDigest\s*=\s*"(.*?)"', source)[1]
+        self.assertEqual(base64.b64encode(hashlib.sha256(script.encode()).digest()).decode(), digest)
 
 
 class Unknown(HostProgramTest):
