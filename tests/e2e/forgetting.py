@@ -24,7 +24,7 @@ import carriers
 import remembered
 from bench import Bench, check, differences, fingerprints, same
 from browser import Layout
-from keeping import BELONGINGS, DECISIONS, EMBEDDED, mixed
+from keeping import BELONGINGS, DECISIONS, EMBEDDED, OF_BROWSERS, mixed
 from planted import FRAME, GONE, KEPT, MARKED, SITES, kind_of, word_of
 from plantedchromium import script
 from plantedfirefox import run_script
@@ -127,8 +127,8 @@ def sites_lists_the_planted_ones(bench: PlantedBench) -> None:
     with bench.copy() as layout:
         listed = bench.told(layout, "sites")
         same(listed["errors"], [], "errors")
-        same(sorted(each["site"] for each in listed["sites"]),
-             sorted(site.registrable for site in SITES), "sites")
+        same({each["site"] for each in listed["sites"]} - OF_BROWSERS,
+             {site.registrable for site in SITES}, "sites")
         for each in listed["sites"]:
             check(all(trace["browser"] == bench.family for trace in each["traces"]), "browsers")
             check(each["size"]["itemCount"]["value"] > 0, f"no items of {each['site']}")
@@ -153,13 +153,8 @@ def all_leaves_only_what_is_named(bench: PlantedBench) -> None:
         bookmarks = {found for found in bench.planted if kind_of(found.marker) in ("bmrk", "pwus")}
         same(sorted(map(str, bookmarks - left)), [], "bookmarks and passwords that are gone")
         whole(bench, layout)
-        same(bench.told(layout, "sites")["sites"] and of_decisions(bench, layout), [], "sites")
-
-
-def of_decisions(bench: PlantedBench, layout: Layout) -> list:
-    """What `sites` still lists besides decisions."""
-    return [trace for site in bench.told(layout, "sites")["sites"] for trace in site["traces"]
-            if trace["kind"] != "settings"]
+        same([trace for site in bench.told(layout, "sites")["sites"] for trace in site["traces"]
+              if trace["kind"] != "settings"], [], "listed although all is forgotten")
 
 
 def all_with_settings_after_a_kill_leaves_no_trace(bench: PlantedBench) -> None:
@@ -218,7 +213,8 @@ def one_site_goes_and_the_others_stay(bench: PlantedBench) -> None:
         left = residue(layout.home / "Library")
         same(beyond(of_words(left, GONE.word), *bench.belongings, *bench.decisions), [],
              f"left of {GONE.word} with --mixed")
-        others_are_whole(bench, layout, left, but=mixed(bench.family, f"{KEPT.word} {MARKED.word}"))
+        others = f"{KEPT.word} {FRAME.word} {MARKED.word}"
+        others_are_whole(bench, layout, left, but=mixed(bench.family, others))
 
 
 STALE = ("free space", "journal", "leveldb")
@@ -276,12 +272,15 @@ def all_but_one_leaves_that_one_to_the_browser(bench: PlantedBench) -> None:
 
 
 def nothing_is_found_by(bench: PlantedBench, layout: Layout, profile) -> None:
-    """The page of a forgotten site finds itself as on its first day."""
-    told = bench.asked(layout, profile, GONE)[GONE.word]
+    """The page of a forgotten site finds itself as on its first day; its password is there."""
+    with remembered.OPEN[bench.family](bench.binary, layout, profile, bench.web, bench.log) as browser:
+        told = remembered.ASK[bench.family](browser, (GONE,))[GONE.word]
+        passwords = remembered.PASSWORDS[bench.family](browser)
     for name in ("cookies", "localStorage", "caches", "files"):
         same(told[name], [], name)
     same((told["indexedDB"], told["cachedResponse"], told["workers"]), (None, None, 0),
          "database, response and workers")
+    same(passwords, [GONE.marker("pwus"), KEPT.marker("pwus")], "passwords")
 
 
 # --- Beside the browser's own removal -----------------------------------------------------------

@@ -44,7 +44,7 @@ DECISIONS = {
 # What another site's frame left under a site that is kept belongs to that one too.
 EMBEDDED = {
     "chromium": (
-        Allowed(r"C:(Cookies|Local Storage|WebStorage/.*|Network Persistent State)|Ccache:.*", ANY,
+        Allowed(r"C:(Cookies|DIPS|Local Storage|WebStorage/.*|Network Persistent State)|Ccache:.*", ANY,
                 "host pckn pckv plsk plsv pidb pidv", "cedar"),
     ),
     "firefox": (
@@ -52,6 +52,8 @@ EMBEDDED = {
                 "host 3ckn 3ckv pckn pckv plsk plsv pidb pidv", "cedar"),
     ),
 }
+# Whom a browser calls by itself, and what its first page shows.
+OF_BROWSERS = {"google.com", "content-autofill.googleapis.com"}
 # Files that tell no site apart, or whose form cannot be written anew, by place and reason.
 MIXED = {
     "chromium": (

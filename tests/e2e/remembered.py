@@ -41,9 +41,7 @@ FIREFOX_OF_SITE = """
                 .map(cookie => cookie.name).sort()};"""
 FIREFOX_OF_PROFILE = """
     const urls = node => [...(node.uri ? [node.uri] : []), ...(node.children || []).flatMap(urls)];
-    const logins = await Services.logins.getAllLogins();
     return {bookmarks: urls(await PlacesUtils.promiseBookmarksTree()),
-            passwords: logins.map(login => login.username).sort(),
             allowed: Services.perms.all.filter(each => each.type === 'desktop-notification')
                 .map(each => each.principal.origin).sort(),
             placesStatus: PlacesUtils.history.databaseStatus};"""
@@ -57,29 +55,39 @@ def ask_chromium(browser: Chromium, sites: tuple[Site, ...]) -> dict:
     told = {site.word: {
         "history": sorted(url for url in known["history"] if site.registrable in url),
         "allCookies": sorted(each["name"] for each in cookies
-                             if each["domain"].endswith(site.registrable))} for site in sites}
+                             if each["domain"].endswith(site.registrable))} for site in SITES}
     for site in sites:
         page.navigate(f"{site.origin}/qzask")
         told[site.word].update(page.evaluate(f"{script('ask.js')}({json.dumps(site.word)})"))
+    page.navigate("chrome://settings/appearance")
+    return {**told, "bookmarks": sorted(known["bookmarks"]), "allowed": page.evaluate(CHROMIUM_ALLOWED)}
+
+
+def chromium_passwords(browser: Chromium) -> list[str]:
+    """The page of passwords fetches icons of their sites, which are traces."""
+    page = browser.new_page()
     page.navigate("chrome://password-manager/passwords")
-    passwords = page.evaluate(CHROMIUM_PASSWORDS)
-    page.navigate("chrome://settings/content/notifications")
-    return {**told, "bookmarks": sorted(known["bookmarks"]), "passwords": passwords,
-            "allowed": page.evaluate(CHROMIUM_ALLOWED)}
+    return page.evaluate(CHROMIUM_PASSWORDS)
 
 
 def ask_firefox(browser: Firefox, sites: tuple[Site, ...]) -> dict:
     remote = browser.marionette
-    told = {site.word: remote.chrome(FIREFOX_OF_SITE, site.registrable) for site in sites}
+    told = {site.word: remote.chrome(FIREFOX_OF_SITE, site.registrable) for site in SITES}
     for site in sites:
         remote.navigate(f"{site.origin}/qzask")
         told[site.word].update(run_script(remote, f"{script('ask.js')}({json.dumps(site.word)})"))
     return {**told, **remote.chrome(FIREFOX_OF_PROFILE)}
 
 
+def firefox_passwords(browser: Firefox) -> list[str]:
+    return browser.marionette.chrome(
+        "return (await Services.logins.getAllLogins()).map(login => login.username).sort();")
+
+
 # How a family is opened on a profile, and asked.
 OPEN = {"chromium": open_chromium, "firefox": open_firefox}
 ASK = {"chromium": ask_chromium, "firefox": ask_firefox}
+PASSWORDS = {"chromium": chromium_passwords, "firefox": firefox_passwords}
 PROFILES = {"chromium": plantedchromium.PROFILES, "firefox": plantedfirefox.PROFILES}
 
 
@@ -90,8 +98,9 @@ def folders(layout: Layout, family: str) -> list[Path]:
 
 
 def asked(layout: Layout, family: str, binary: str, profile, web: PlantedWeb, log: Path,
-          sites: tuple[Site, ...] = SITES) -> dict:
-    """Starts the browser on a profile, asks it of the sites, and closes it as its user would."""
+          sites: tuple[Site, ...]) -> dict:
+    """Starts the browser on a profile, asks it of all sites and the pages of some, which are visited for
+    that, and closes it as its user would."""
     with OPEN[family](binary, layout, profile, web, log) as browser:
         told = ASK[family](browser, sites)
     return {**told, "exitStatus": browser.exit_status}
