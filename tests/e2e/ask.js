@@ -13,6 +13,9 @@
         for await (const [name] of entries) all.push(name);
         return all.sort();
     };
+    if (isSecureContext) {
+        await step('isUsed', async () => (await navigator.storage.estimate()).usage > 0);
+    }
     await step('cookies', async () => document.cookie.split('; ').map(cookie => cookie.split('=')[0])
         .filter(name => name.startsWith('qzjckn')));
     await step('localStorage', async () => Object.keys(localStorage).sort());

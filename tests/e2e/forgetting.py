@@ -24,7 +24,7 @@ import carriers
 import remembered
 from bench import Bench, check, differences, fingerprints, same
 from browser import Layout
-from keeping import BELONGINGS, DECISIONS, EMBEDDED, OF_BROWSERS, mixed
+from keeping import BELONGINGS, DECISIONS, EMBEDDED, OF_BROWSERS, WASTE, mixed
 from planted import FRAME, GONE, KEPT, MARKED, SITES, kind_of, word_of
 from plantedchromium import script
 from plantedfirefox import run_script
@@ -226,7 +226,7 @@ def others_are_whole(bench: PlantedBench, layout: Layout, left: set[Found],
     forgotten site goes with that one."""
     lost = {found for found in of_words(bench.planted, KEPT.word, MARKED.word) - left
             if found.why not in STALE}
-    same(beyond(lost, *but), [], "lost of the others")
+    same(beyond(lost, WASTE, *but), [], "lost of the others")
     prefix = {"chromium": "C:", "firefox": "F:"}[bench.family]
     folders = zip(bench.profiles_of(Layout(bench.original)), bench.profiles_of(layout))
     for before, after in ((alive(old, prefix), alive(new, prefix)) for old, new in folders):
@@ -249,7 +249,8 @@ def all_but_one_leaves_that_one_to_the_browser(bench: PlantedBench) -> None:
     first = remembered.PROFILES[bench.family][0]
     with bench.copy() as layout:
         before = bench.asked(layout, first, KEPT)
-        check(before[KEPT.word]["workers"] == 1, f"the home is poor: {before[KEPT.word]}")
+        check(before[KEPT.word]["workers"] == 1 and before[KEPT.word]["isUsed"],
+              f"the home is poor: {before[KEPT.word]}")
     with bench.copy() as layout:
         bench.forget(layout, "--all", "--keep", KEPT.registrable)
         allowed = (*bench.belongings, *bench.decisions, *EMBEDDED[bench.family])
@@ -257,7 +258,7 @@ def all_but_one_leaves_that_one_to_the_browser(bench: PlantedBench) -> None:
         same(beyond(of_words(left, GONE.word, FRAME.word, MARKED.word), *allowed), [], "left")
         lost = {found for found in of_words(bench.planted, KEPT.word) - left
                 if found.why not in STALE}
-        same(beyond(lost, *mixed(bench.family, KEPT.word)), [], f"lost of {KEPT.word}")
+        same(beyond(lost, WASTE, *mixed(bench.family, KEPT.word)), [], f"lost of {KEPT.word}")
         whole(bench, layout)
 
         after = bench.asked(layout, first, KEPT)
@@ -278,8 +279,8 @@ def nothing_is_found_by(bench: PlantedBench, layout: Layout, profile) -> None:
         passwords = remembered.PASSWORDS[bench.family](browser)
     for name in ("cookies", "localStorage", "caches", "files"):
         same(told[name], [], name)
-    same((told["indexedDB"], told["cachedResponse"], told["workers"]), (None, None, 0),
-         "database, response and workers")
+    same((told["indexedDB"], told["cachedResponse"], told["workers"], told["isUsed"]),
+         (None, None, 0, False), "database, response, workers and used room")
     same(passwords, [GONE.marker("pwus"), KEPT.marker("pwus")], "passwords")
 
 

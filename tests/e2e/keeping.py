@@ -50,6 +50,7 @@ EMBEDDED = {
     "firefox": (
         Allowed(r"F:(cookies\.sqlite|storage\.sqlite|storage/default/.*)|Fcache:cache2.*", ANY,
                 "host 3ckn 3ckv pckn pckv plsk plsv pidb pidv", "cedar"),
+        Allowed(r"F:permissions\.sqlite", "row of moz_perms", "host", "cedar damson"),
     ),
 }
 # Whom a browser calls by itself, and what its first page shows.
@@ -63,9 +64,15 @@ MIXED = {
     ),
     "firefox": (
         ("F:formhistory.sqlite", "row of .*"),
+        (r"F:(sessionstore\.jsonlz4|sessionstore-backups)", "file"),
+        (r"F:(SiteSecurityServiceState|AlternateServices)\.bin", "file"),
     ),
 }
 
 
 def mixed(family: str, words: str) -> tuple[Allowed, ...]:
     return tuple(Allowed(place, why, " ".join(KINDS), words) for place, why in MIXED[family])
+
+
+# What the browsers themselves have thrown away already.
+WASTE = Allowed(r"Fcache:cache2(/doomed)?|F:storage/to-be-removed.*", ANY, " ".join(KINDS), ALL)
