@@ -3,8 +3,20 @@
 #include "browsersweep/base/internal/BrowserTable.h"
 #include "browsersweep/sites/chromium/internal/ChromiumStores.h"
 #include "browsersweep/sites/firefox/internal/FirefoxDatabases.h"
+#include "browsersweep/sites/firefox/internal/FirefoxFileStores.h"
 
 namespace browsersweep {
+namespace {
+
+TraceStores firefoxStores(const ProfileFolders& folders,
+                          const std::shared_ptr<const FileManager>& fileManager) {
+    TraceStores stores = firefoxDatabaseStores(folders.data, fileManager);
+    const TraceStores more = firefoxFileStores(folders, fileManager);
+    stores.insert(stores.end(), more.begin(), more.end());
+    return stores;
+}
+
+}  // namespace
 
 TraceStores traceStores(const BrowserProfile& profile, const Home& home) {
     const auto folders = profile.folders();
@@ -15,7 +27,7 @@ TraceStores traceStores(const BrowserProfile& profile, const Home& home) {
         case BrowserFamily::chromium:
             return chromiumStores(*folders, home.fileManager());
         case BrowserFamily::firefox:
-            return firefoxDatabaseStores(folders->data, home.fileManager());
+            return firefoxStores(*folders, home.fileManager());
         case BrowserFamily::safari:
             return {};
     }

@@ -38,6 +38,10 @@ TEST_F(TraceStoresTest, areThoseOfTheProfilesFamilyAndTouchNoFile) {
     EXPECT_TRUE(hasStoreAt(ofChromium, support_ / "Chromium/Default/History"));
     EXPECT_FALSE(hasStoreAt(ofChromium, support_ / "Chromium/Default/places.sqlite"));
     EXPECT_TRUE(hasStoreAt(ofFirefox, firefox.folders()->data / "places.sqlite"));
+    for (const char* const name : {"Local Storage/leveldb", "Preferences", "IndexedDB"}) {
+        EXPECT_TRUE(hasStoreAt(ofChromium, support_ / "Chromium/Default" / name)) << name;
+    }
+    EXPECT_TRUE(hasStoreAt(ofFirefox, firefox.folders()->data / "serviceworker.txt"));
     EXPECT_EQ(folder_.snapshot(), std::vector<std::string>{});
 }
 

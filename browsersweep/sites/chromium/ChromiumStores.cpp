@@ -1,12 +1,19 @@
 #include "browsersweep/sites/chromium/internal/ChromiumStores.h"
 
 #include "browsersweep/sites/chromium/internal/ChromiumDatabases.h"
+#include "browsersweep/sites/chromium/internal/DocumentStores.h"
+#include "browsersweep/sites/chromium/internal/FolderStores.h"
+#include "browsersweep/sites/chromium/internal/LevelStores.h"
 
 namespace browsersweep {
 
 TraceStores chromiumStores(const ProfileFolders& folders,
                            const std::shared_ptr<const FileManager>& fileManager) {
     TraceStores stores = databaseStores(folders.data, fileManager);
+    for (const auto group : {levelStores, documentStores, folderStores}) {
+        const TraceStores more = group(folders, fileManager);
+        stores.insert(stores.end(), more.begin(), more.end());
+    }
     return stores;
 }
 
