@@ -19,22 +19,19 @@ using namespace browsersweep::c;
 namespace {
 
 /** What callers compiled with the first version of a structure know of it: up to its last field. */
-template <typename Structure>
-constexpr std::size_t firstSize = 0;
-template <>
-constexpr std::size_t firstSize<browsersweep_patterns> = offsetof(browsersweep_patterns, count) +
-                                                         sizeof(size_t);
-template <>
-constexpr std::size_t firstSize<browsersweep_dates> = offsetof(browsersweep_dates, end_date) +
-                                                      sizeof(double);
-template <>
-constexpr std::size_t firstSize<browsersweep_size> = offsetof(browsersweep_size,
-                                                              bytes_are_approximate) +
-                                                     sizeof(bool);
+constexpr std::size_t firstSize(const browsersweep_patterns& /*of*/) noexcept {
+    return offsetof(browsersweep_patterns, count) + sizeof(size_t);
+}
+constexpr std::size_t firstSize(const browsersweep_dates& /*of*/) noexcept {
+    return offsetof(browsersweep_dates, end_date) + sizeof(double);
+}
+constexpr std::size_t firstSize(const browsersweep_size& /*of*/) noexcept {
+    return offsetof(browsersweep_size, bytes_are_approximate) + sizeof(bool);
+}
 
 template <typename Structure>
 std::size_t commonSize(const Structure& theirs) {
-    if (theirs.struct_size < firstSize<Structure>) {
+    if (theirs.struct_size < firstSize(theirs)) {
         throw std::invalid_argument("the struct_size of a structure is not set to its size");
     }
     return std::min(theirs.struct_size, sizeof(Structure));
