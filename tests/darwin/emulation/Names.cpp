@@ -93,7 +93,7 @@ std::optional<std::string> sameName(int directory, const std::string& folder,
 }
 
 std::string meantName(int directory, const std::string& folder, const std::string& name) {
-    if (name == "." || name == ".." || isThere(directory, folder + name)) {
+    if (name == "." || name == ".." || !isUTF8(name) || isThere(directory, folder + name)) {
         return name;
     }
     if (auto same = sameName(directory, folder, name)) {
