@@ -25,6 +25,7 @@ import remembered
 from bench import Bench, check, differences, fingerprints, same
 from browser import Layout
 from keeping import BELONGINGS, DECISIONS, EMBEDDED, OF_BROWSERS, WASTE, mixed
+from markers import markers_in
 from planted import FRAME, GONE, KEPT, MARKED, SITES, kind_of, word_of
 from plantedchromium import script
 from plantedfirefox import run_script
@@ -332,10 +333,16 @@ def contents_of(bench: PlantedBench, layout: Layout) -> Contents:
     return [contents(folder) for folder in bench.profiles_of(layout)]
 
 
+def is_without_traces(tables: dict[str, bytes]) -> bool:
+    return not any(markers_in(values) for values in tables.values())
+
+
 def torn(now: Contents, old: Contents, new: Contents) -> list[str]:
-    """Databases that are neither what they were nor what they shall be."""
+    """Databases that are neither what they were nor what they shall be. One that shall be gone may still be
+    there without traces."""
     return [name for here, before, after in zip(now, old, new) for name in before.keys() | here.keys()
-            if here.get(name) not in (before.get(name), after.get(name))]
+            if here.get(name) not in (before.get(name), after.get(name))
+            and not (is_without_traces(here.get(name, {})) and is_without_traces(after.get(name, {})))]
 
 
 def forget_until(bench: PlantedBench, layout: Layout, seconds: float) -> bool:
