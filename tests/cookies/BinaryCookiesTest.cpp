@@ -259,6 +259,15 @@ TEST(BinaryCookies, refusesAStringWithoutTerminator) {
               "Unable to find delimiter for string.");
 }
 
+TEST(BinaryCookies, refusesAStringThatEndsBehindALongRecord) {
+    CookieRecord longest;
+    longest.value = std::string(70000, 'v');
+    Bytes record = longest.data();
+    record.back() = 'x';
+    EXPECT_EQ(errorOf(cookieFile({cookiePage({record, CookieRecord().data()})}, emptyDictionary())),
+              "Unable to find delimiter for string.");
+}
+
 TEST(BinaryCookies, readsNothingOfAFileOfZeros) {
     EXPECT_EQ(errorOf(Bytes(std::size_t{100} << 20U, 0)), "Magic number is missing or incorrect");
 }

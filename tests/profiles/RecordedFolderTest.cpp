@@ -45,5 +45,18 @@ TEST(RecordedFolder, anAbsolutePathIsOneAndLeadsStraightDown) {
     }
 }
 
+TEST(RecordedFolder, eachReasonIsSaidInWords) {
+    EXPECT_EQ(reasonAgainstName(""), "the name of its folder is empty");
+    EXPECT_EQ(reasonAgainstName(".."), "the name of its folder stands for another folder");
+    EXPECT_EQ(reasonAgainstName("a/b"), "the name of its folder is a path");
+    EXPECT_EQ(reasonAgainstName(withZeroByte("a", "")), "the name of its folder holds a zero byte");
+    EXPECT_EQ(reasonAgainstRelativePath("/"), "the path of its folder is empty");
+    EXPECT_EQ(reasonAgainstRelativePath(".."), "the path of its folder leads upwards");
+    EXPECT_EQ(reasonAgainstAbsolutePath(withZeroByte("/a", "")),
+              "the path of its folder holds a zero byte");
+    EXPECT_EQ(reasonAgainstAbsolutePath("a"),
+              "the path of its folder is not absolute, though recorded as such");
+}
+
 }  // namespace
 }  // namespace browsersweep

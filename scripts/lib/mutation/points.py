@@ -334,7 +334,7 @@ class Finder:
         elif '"' in code:
             # Without its last character, which is harder to notice than no text at all; but that may be
             # written as several.
-            shorter = re.search(r'[^"\\][^"\\]"$', code) and not code.startswith("R")
+            shorter = re.search(r'[^"\\][^"\\]"$', code) and not code.startswith("R") and "\\x" not in code
             self.choice("text", context, span, code[:-2] + '"' if shorter else '""')
 
     def atUserDefinedLiteral(self, node, context):

@@ -1,4 +1,7 @@
+#include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -38,6 +41,11 @@ TEST(ChromiumPreferences, everyEntryIsReadInTheFilesOrder) {
     EXPECT_EQ(decoded.profile.contentSettings.exceptions.notifications,
               (std::vector<Exceptions::Entry>{{"https://b.test,*", {2, "13300000000000000"}},
                                               {"https://a.test,*", {-1, ""}}}));
+}
+
+TEST(ChromiumPreferences, aValueThatIsMadeAnewIsNoPermission) {
+    using Exceptions = ChromiumPreferences::Profile::ContentSettings::CSException;
+    EXPECT_EQ(Exceptions::NotificationValue(), (Exceptions::NotificationValue{0, ""}));
 }
 
 TEST(ChromiumPreferences, onlyAllowedSitesCount) {
@@ -82,12 +90,17 @@ TEST(ChromiumPreferences, aFileWithoutTheNotificationsFails) {
 }
 
 TEST(ChromiumPreferences, errorsTellTheWholePath) {
-    try {
-        sites(R"({"https://a.test": {"setting": true, "last_modified": "1"}})");
-        FAIL() << "no error";
-    } catch (const DecodingError& error) {
-        EXPECT_EQ(error.codingPath(), (CodingPath{"profile", "content_settings", "exceptions",
-                                                  "notifications", "https://a.test", "setting"}));
+    const std::vector<std::pair<std::string, std::string>> rows{
+        {R"({"https://a.test": {"setting": true, "last_modified": "1"}})", "setting"},
+        {R"({"https://a.test": {"setting": 1, "last_modified": 1}})", "last_modified"}};
+    for (const auto& [notifications, key] : rows) {
+        try {
+            sites(notifications);
+            FAIL() << "no error";
+        } catch (const DecodingError& error) {
+            EXPECT_EQ(error.codingPath(), (CodingPath{"profile", "content_settings", "exceptions",
+                                                      "notifications", "https://a.test", key}));
+        }
     }
 }
 

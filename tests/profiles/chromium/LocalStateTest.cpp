@@ -101,6 +101,21 @@ TEST(LocalState, aLastActiveFolderThatIsNoEntryLeavesNonePrimary) {
                     .empty());
 }
 
+TEST(LocalState, anEntryOfAnotherFileIsNotPrimaryWhereThereIsNone) {
+    EXPECT_FALSE(LocalState::Profile().isPrimary({"a", {}}));
+}
+
+TEST(LocalState, aProfileIsNotConsentedToUnlessItSaysSo) {
+    EXPECT_FALSE(LocalState::Profile::Entry().second.isConsentedPrimaryAccount);
+}
+
+TEST(LocalState, theMarksOfAllEntriesAreThoseOfEach) {
+    const LocalState::Profile consented{{{"a", {false, "A"}}, {"b", {true, "B"}}}, {"a"}};
+    EXPECT_EQ(consented.primaryMarks(), (std::vector<bool>{false, true}));
+    const LocalState::Profile active{{{"a", {false, "A"}}, {"b", {false, "B"}}}, {"b"}};
+    EXPECT_EQ(active.primaryMarks(), (std::vector<bool>{false, true}));
+}
+
 TEST(LocalState, anEmptyInfoCacheHasNoEntries) {
     EXPECT_EQ(decodeLocalState(R"({"profile": {"info_cache": {}, "last_active_profiles": ["x"]}})"),
               (LocalState{{{}, {"x"}}}));

@@ -112,6 +112,11 @@ TEST(FirefoxCleanableLocalStorage, errorsOfTheWrappedItemPass) {
     EXPECT_EQ(item.sizeIgnoringErrors(), (CleanableDataSize{{0, true}, {0, true}}));
 }
 
+TEST(FirefoxCleanableLocalStorage, thereIsNothingToInspectWhereTheWrappedItemIsNoDatabase) {
+    const FirefoxCleanableLocalStorage item(std::make_shared<ListeningItem>(true));
+    EXPECT_FALSE(item.inspect({}).exists);
+}
+
 TEST(FirefoxCleanableLocalStorage, patternIsMatchedAgainstTheReversedOriginKey) {
     const tests::TemporaryFolder folder;
     const auto path = folder / "webappsstore.sqlite";
@@ -127,6 +132,9 @@ TEST(FirefoxCleanableLocalStorage, patternIsMatchedAgainstTheReversedOriginKey) 
     const Filters filters{{Rule::include, {"example.com"}}};
 
     EXPECT_EQ(item.size(filters).itemCount, 2);
+    const DatabaseInspection inspection = item.inspect(filters);
+    EXPECT_TRUE(inspection.wasReadWhole());
+    EXPECT_EQ(inspection.rows(), 2);
     item.clean(filters);
     EXPECT_EQ(database.text("SELECT group_concat(key, ' ') FROM webappsstore2;"), "c d");
 }

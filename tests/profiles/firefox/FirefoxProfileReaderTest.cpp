@@ -90,6 +90,10 @@ TEST_F(FirefoxProfileReaderTest, aPathThatLeadsElsewhereThanItSaysLeavesItsProfi
         {"Profiles/a", false, true},          {"/a/../b", false, true},
         {std::string("a\0b", 3), true, true}, {std::string("/a\0b", 4), false, true},
     };
+    // What an error would come from, were it read.
+    for (const char* name : {"places.sqlite", "permissions.sqlite"}) {
+        home_.write(fs::path("Library/Application Support") / name, "no database");
+    }
     for (const Row& row : rows) {
         SCOPED_TRACE(row.path);
         home_.write(iniFile, "[Profile0]\nName=a\nIsRelative=" +
@@ -129,6 +133,7 @@ TEST_F(FirefoxProfileReaderTest, onlySectionsWhoseNameBeginsWithProfileAreProfil
     EXPECT_EQ(profilesOf("[General]\nName=a\nPath=/a\n"
                          "[Install4F96D1932A9F858E]\nName=b\nPath=/b\nDefault=Profiles/b\n"
                          "[profile0]\nName=c\nPath=/c\n"
+                         "[Profil0]\nName=c\nPath=/c\n"
                          "[BackgroundTasksProfiles]\nName=d\nPath=/d\n"
                          "[Profile]\nName=e\nPath=/e\n"
                          "[ProfileX]\nName=f\nPath=/f\n"),

@@ -109,24 +109,28 @@ struct ErrorCase {
     const char* name;
     PropertyList root;
     CodingPath path;
+    const char* needed;
 };
 
 TEST(SafariBookmarks, aValueOfTheWrongTypeIsAnErrorWithItsPath) {
     const PropertyList one = PropertyList::integer(1);
     const PropertyList badTitle = dictionary({{"URIDictionary", dictionary({{"title", one}})}});
     const std::vector<ErrorCase> cases = {
-        {"root", PropertyList::array({}), {}},
-        {"children", dictionary({{"Children", one}}), {"Children"}},
-        {"child", folder({text("a")}), {"Children", "Index 0"}},
+        {"root", PropertyList::array({}), {}, "dictionary"},
+        {"children", dictionary({{"Children", one}}), {"Children"}, "list"},
+        {"child", folder({text("a")}), {"Children", "Index 0"}, "dictionary"},
         {"address",
          folder({dictionary({}), dictionary({{"URLString", one}})}),
-         {"Children", "Index 1", "URLString"}},
+         {"Children", "Index 1", "URLString"},
+         "text"},
         {"dictionary of the title",
          folder({dictionary({{"URIDictionary", text("a")}})}),
-         {"Children", "Index 0", "URIDictionary"}},
+         {"Children", "Index 0", "URIDictionary"},
+         "dictionary"},
         {"title",
          folder({folder({badTitle})}),
-         {"Children", "Index 0", "Children", "Index 0", "URIDictionary", "title"}},
+         {"Children", "Index 0", "Children", "Index 0", "URIDictionary", "title"},
+         "text"},
     };
     for (const ErrorCase& row : cases) {
         SCOPED_TRACE(row.name);
@@ -136,6 +140,7 @@ TEST(SafariBookmarks, aValueOfTheWrongTypeIsAnErrorWithItsPath) {
         } catch (const DecodingError& error) {
             EXPECT_EQ(DecodingError::Kind::typeMismatch, error.kind());
             EXPECT_EQ(row.path, error.codingPath());
+            EXPECT_EQ("the value is no " + std::string(row.needed), error.description());
         }
     }
 }
