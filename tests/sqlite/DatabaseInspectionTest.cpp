@@ -1,8 +1,11 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <system_error>
+#include <utility>
 #include <vector>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
@@ -228,6 +231,136 @@ TEST_F(DatabaseInspections, sayWhetherItMayBeReadAndChanged) {
         EXPECT_FALSE(found.wasReadWhole());
         EXPECT_EQ(found.rows(), std::nullopt);
     });
+}
+
+/** Holds a lock on one byte of a file, as another program. */
+class ByteLock {
+public:
+    ByteLock(const fs::path& file, off_t byte, short kind)
+        : process_([=](const ChildProcess::Ready& ready) {
+              struct flock lock {};
+              lock.l_type = kind;
+              lock.l_whence = SEEK_SET;
+              lock.l_start = byte;
+              lock.l_len = 1;
+              if (::fcntl(::open(file.c_str(), O_RDWR), F_SETLK, &lock) == 0) {
+                  ready();
+              }
+          }) {}
+
+private:
+    ChildProcess process_;
+};
+
+TEST_F(DatabaseInspections, lookForLocksWhereSQLiteHasThem) {
+    constexpr off_t firstByte = 0x40000000;
+    const auto isLockedBy = [&](off_t byte, short kind) {
+        const ByteLock lock(file_, byte, kind);
+        return table().inspect({}).isLocked;
+    };
+    for (const short kind : {short{F_RDLCK}, short{F_WRLCK}}) {
+        EXPECT_FALSE(isLockedBy(firstByte - 1, kind));
+        EXPECT_TRUE(isLockedBy(firstByte, kind));
+        EXPECT_TRUE(isLockedBy(firstByte + 511, kind));
+        EXPECT_FALSE(isLockedBy(firstByte + 512, kind));
+    }
+}
+
+TEST_F(DatabaseInspections, lookForTheLocksOfALogInItsIndexToo) {
+    constexpr off_t firstByte = 0x40000000;
+    home_.write("data/History.db-shm", std::string(512, '\0'));
+    const auto isLockedBy = [&](const fs::path& file, off_t byte, short kind) {
+        const ByteLock lock(file, byte, kind);
+        return table().inspect({}).isLocked;
+    };
+    EXPECT_TRUE(isLockedBy(file_, firstByte + 511, F_WRLCK));
+    EXPECT_FALSE(isLockedBy(file_, firstByte + 511, F_RDLCK));
+    EXPECT_FALSE(isLockedBy(file_, firstByte + 512, F_WRLCK));
+    EXPECT_TRUE(isLockedBy(beside("-shm"), 120, F_WRLCK));
+    EXPECT_FALSE(isLockedBy(beside("-shm"), 121, F_WRLCK));
+}
+
+TEST_F(DatabaseInspections, tellAnUnfinishedJournalFromAFinishedOne) {
+    const auto hasPendingChangesBeside = [&](const char* suffix, const std::string& contents) {
+        home_.write(fs::path("data") / ("History.db" + std::string(suffix)), contents);
+        const bool found = table().inspect({}).hasPendingChanges;
+        fs::remove(beside(suffix));
+        return found;
+    };
+    EXPECT_FALSE(table().inspect({}).hasPendingChanges);
+    EXPECT_FALSE(hasPendingChangesBeside("-journal", ""));
+    EXPECT_FALSE(hasPendingChangesBeside("-journal", std::string(512, '\0')));
+    EXPECT_TRUE(hasPendingChangesBeside("-journal", "x"));
+    EXPECT_TRUE(hasPendingChangesBeside("-journal", "\x01"));
+    EXPECT_FALSE(hasPendingChangesBeside("-wal", ""));
+    EXPECT_TRUE(hasPendingChangesBeside("-wal", "x"));
+}
+
+/** Says of the first bytes of every file that there is none, or another error. */
+class WithoutFirstBytes : public tests::ForwardingFileManager {
+public:
+    WithoutFirstBytes(std::shared_ptr<const FileManager> target, std::errc error)
+        : ForwardingFileManager(std::move(target)), error_(error) {}
+    Bytes firstBytes(const fs::path& path, std::size_t /*count*/) const override {
+        throw fs::filesystem_error("refused", path, std::make_error_code(error_));
+    }
+
+private:
+    std::errc error_;
+};
+
+TEST_F(DatabaseInspections, takeAJournalThatVanishesForFinished) {
+    home_.write("data/History.db-journal", "x");
+    const auto inspectedWith = [&](std::errc error) {
+        return CleanableSQLiteDatabase(file_, table().components(),
+                                       std::make_shared<WithoutFirstBytes>(manager_, error))
+            .inspect({});
+    };
+    EXPECT_FALSE(inspectedWith(std::errc::no_such_file_or_directory).hasPendingChanges);
+    const auto failed = inspectedWith(std::errc::io_error);
+    EXPECT_EQ(failed.readError, std::errc::io_error);
+    EXPECT_FALSE(failed.message.empty());
+    EXPECT_TRUE(failed.tables.empty());
+}
+
+TEST_F(DatabaseInspections, countNothingWhereNothingIsAsked) {
+    const std::vector<TableQuestion> questions{
+        {"history_visits", "SELECT COUNT(*) FROM history_visits"}, {"history_items", ""}};
+    EXPECT_EQ(inspectDatabase(file_, questions, manager_).tables,
+              (std::vector<TableFinding>{{"history_visits", true, 500, true},
+                                         {"history_items", true, 0, true}}));
+}
+
+TEST(DatabaseInspection, ofWhichNothingIsKnownClaimsNothing) {
+    const DatabaseInspection nothing;
+    EXPECT_FALSE(nothing.exists || nothing.isRegularFile || nothing.isLocked ||
+                 nothing.hasPendingChanges || nothing.isOfOneMoment);
+    EXPECT_EQ(nothing.resultCode, SQLITE_OK);
+    EXPECT_EQ(TableFinding(), (TableFinding{"", false, std::nullopt, false}));
+    EXPECT_FALSE(nothing.wasReadWhole());
+    EXPECT_EQ(nothing.rows(), std::nullopt);
+}
+
+TEST(DatabaseInspection, wasReadWholeWhereAllOfItWas) {
+    DatabaseInspection found;
+    found.isOfOneMoment = true;
+    found.tables = {{"a", true, 1, true}, {"b", true, 2, true}};
+    EXPECT_TRUE(found.wasReadWhole());
+    EXPECT_EQ(found.rows(), 3);
+    found.tables[1].isWhole = false;
+    EXPECT_FALSE(found.wasReadWhole());
+    EXPECT_EQ(found.rows(), 3);
+    found.tables[1] = {"b", true, std::nullopt, true};
+    EXPECT_FALSE(found.wasReadWhole());
+    EXPECT_EQ(found.rows(), std::nullopt);
+    found.tables.pop_back();
+    found.resultCode = SQLITE_CORRUPT;
+    EXPECT_FALSE(found.wasReadWhole());
+    EXPECT_EQ(found.rows(), std::nullopt);
+    found.resultCode = SQLITE_OK;
+    found.isOfOneMoment = false;
+    EXPECT_FALSE(found.wasReadWhole());
+    EXPECT_EQ(found.rows(), std::nullopt);
 }
 
 /** Wants every operation to stop. */
