@@ -363,6 +363,14 @@ TEST(DatabaseInspection, wasReadWholeWhereAllOfItWas) {
     EXPECT_EQ(found.rows(), std::nullopt);
 }
 
+TEST_F(DatabaseInspections, ofSafarisHistoryAskForBothTablesAndCountTheVisitsThatAreSelected) {
+    const Filters filters{{CleanableDataFilter::Rule::include, {"host7."}}};
+    EXPECT_EQ(safari().inspect(filters).tables,
+              (std::vector<TableFinding>{{"history_items", true, 0, true},
+                                         {"history_visits", true, 1, true}}));
+    EXPECT_EQ(SafariHistoryCleanableDatabase::category(), CleanableDataCategory::history);
+}
+
 /** Wants every operation to stop. */
 class StoppingFileManager : public tests::ForwardingFileManager {
 public:

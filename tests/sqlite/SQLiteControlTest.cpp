@@ -134,20 +134,22 @@ private:
 TEST_F(SQLiteControl, isToldOfTheRowsThatWereCounted) {
     const auto control = std::make_shared<OperationControl>();
     EXPECT_EQ(table(control).size().itemCount.value, rowCount);
-    EXPECT_EQ(control->progress().rows, static_cast<std::uint64_t>(rowCount));
+    EXPECT_EQ(control->progress(), (OperationProgress{0, 0, static_cast<std::uint64_t>(rowCount)}));
     EXPECT_EQ(safari(control).size().itemCount.value, rowCount);
-    EXPECT_EQ(control->progress().rows, static_cast<std::uint64_t>(2 * rowCount));
+    EXPECT_EQ(control->progress(),
+              (OperationProgress{0, 0, static_cast<std::uint64_t>(2 * rowCount)}));
 }
 
 TEST_F(SQLiteControl, isToldOfTheRowsThatWereDeleted) {
     const auto control = std::make_shared<OperationControl>();
     const std::vector<CleanableDataFilter> some{{CleanableDataFilter::Rule::include, {"host1."}}};
     table(control).clean(some);
-    EXPECT_EQ(control->progress().rows, 1U);
+    EXPECT_EQ(control->progress(), (OperationProgress{0, 0, 1U}));
     table(control).clean(some);
-    EXPECT_EQ(control->progress().rows, 1U);
+    EXPECT_EQ(control->progress(), (OperationProgress{0, 0, 1U}));
     safari(control).clean();
-    EXPECT_EQ(control->progress().rows, static_cast<std::uint64_t>(2 * rowCount));
+    EXPECT_EQ(control->progress(),
+              (OperationProgress{0, 0, static_cast<std::uint64_t>(2 * rowCount)}));
 }
 
 TEST_F(SQLiteControl, isToldOfNoRowsWhereTheDatabaseIsBeingWritten) {
@@ -156,7 +158,7 @@ TEST_F(SQLiteControl, isToldOfNoRowsWhereTheDatabaseIsBeingWritten) {
     browser.execute("BEGIN IMMEDIATE");
     table(control).clean();
     safari(control).clean();
-    EXPECT_EQ(control->progress().rows, 0U);
+    EXPECT_EQ(control->progress(), (OperationProgress{0, 0, 0U}));
 }
 
 TEST_F(SQLiteControl, endsAStatementInItsMiddleWhichIsTakenBack) {
@@ -222,7 +224,7 @@ TEST_F(SQLiteControl, aTreeThatNeverEndsIsNotDeletedForEver) {
     } catch (const OperationCancelled&) {
         EXPECT_TRUE(control->shouldStop());
     }
-    EXPECT_EQ(control->progress().rows, 0U);
+    EXPECT_EQ(control->progress(), (OperationProgress{0, 0, 0U}));
 }
 
 TEST_F(SQLiteControl, countsAsSQLiteDoes) {
