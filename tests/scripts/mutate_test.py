@@ -12,6 +12,7 @@ from support import ROOT, ScriptTest
 
 sys.path.append(str(ROOT / "scripts" / "lib"))
 from mutation import accepted, build, confine, points, run, schema  # noqa: E402
+from mutation.mutants import Insertion, Mutant  # noqa: E402
 
 OPTIONS = ["-std=c++20"]
 
@@ -108,9 +109,9 @@ class Points(ScriptTest):
 
 class Errors(ScriptTest):
     def test_an_error_of_the_compiler_is_laid_to_the_mutant_that_it_points_to(self):
-        mutants = {5: points.Mutant("operator", 4, "a + b", "a - b",
-                                    (points.Insertion(4, 9, "(@ ? (a - b) : ", ")"),)),
-                   6: points.Mutant("operator", 14, "c", "d", (points.Insertion(14, 15, "(@ ? d : ", ")"),))}
+        mutants = {5: Mutant("operator", 4, "a + b", "a - b",
+                                    (Insertion(4, 9, "(@ ? (a - b) : ", ")"),)),
+                   6: Mutant("operator", 14, "c", "d", (Insertion(14, 15, "(@ ? d : ", ")"),))}
         changed = schema.Schema("A.cpp", "x = a + b;\n y c;\n", mutants)
         column = changed.text.index("a - b") + 3
         said = list(build.diagnostics(
