@@ -31,8 +31,7 @@ bool isHotJournal(const std::filesystem::path& file) {
     constexpr std::array<std::uint8_t, 8> journalStart{0xd9, 0xd5, 0x05, 0xf9,
                                                        0x20, 0xa1, 0x63, 0xd7};
     try {
-        const Bytes start =
-            FileManager::defaultManager()->firstBytes(file, journalStart.size());
+        const Bytes start = FileManager::defaultManager()->firstBytes(file, journalStart.size());
         return std::equal(start.begin(), start.end(), journalStart.begin(), journalStart.end());
     } catch (const std::filesystem::filesystem_error&) {
         return false;

@@ -65,27 +65,41 @@ bool isText(std::string_view bytes) noexcept {
                         [](char each) { return static_cast<unsigned char>(each) < 0x20; });
 }
 
+// A word alone is no host here: only an address may name one of a single label.
 Hosts inText(std::string_view text) {
-    const bool mayNameHost = text.find_first_of(".:") != std::string_view::npos && isText(text);
+    if (!isText(text)) {
+        return {};
+    }
+    const bool isAddress = text.find("://") != std::string_view::npos;
+    const bool mayNameHost = isAddress || text.find('.') != std::string_view::npos;
     return mayNameHost ? hostsIn(SiteForm::hostOrAddress, text) : Hosts();
 }
 
-// A field that is no text may be a message in turn.
-void addTo(Hosts& hosts, std::string_view bytes, int depth) {
+struct Found {
+    Hosts hosts;
+    bool isWhole = false;  ///< every byte made sense
+};
+
+// A field that names no host may be a message in turn; a text is none, for its bytes make no sense
+// as fields up to the last one.
+Found in(std::string_view bytes, int depth) {
+    Found found;
     while (const auto field = takeField(bytes)) {
-        Hosts found = inText(*field);
-        if (found.empty() && depth < maximumDepth) {
-            addTo(hosts, *field, depth + 1);
+        Hosts hosts = inText(*field);
+        if (hosts.empty() && depth < maximumDepth) {
+            Found inner = in(*field, depth + 1);
+            hosts = inner.isWhole ? std::move(inner.hosts) : Hosts();
         }
-        std::move(found.begin(), found.end(), std::back_inserter(hosts));
+        std::move(hosts.begin(), hosts.end(), std::back_inserter(found.hosts));
     }
+    found.isWhole = bytes.empty();
+    return found;
 }
 
 }  // namespace
 
 std::vector<std::string> hostsInMessage(std::string_view bytes) {
-    Hosts hosts;
-    addTo(hosts, bytes, 0);
+    Hosts hosts = in(bytes, 0).hosts;
     std::sort(hosts.begin(), hosts.end());
     hosts.erase(std::unique(hosts.begin(), hosts.end()), hosts.end());
     return hosts;

@@ -34,6 +34,16 @@ TEST(MessageHosts, areNoWordsNumbersAndOtherBytes) {
     EXPECT_EQ(hostsInMessage(field('\x0a', "word") + field('\x12', "chrome://a.b/")), Hosts{});
 }
 
+TEST(MessageHosts, areNotReadOutOfBytesThatHappenToBeginLikeAMessage) {
+    const std::string digest = field('\x0a', "mu.t") + "\xff\x07\x81";
+    EXPECT_EQ(hostsInMessage(field('\x12', digest)), Hosts{});
+}
+
+TEST(MessageHosts, areNoSingleLabelsOutsideOfAddresses) {
+    EXPECT_EQ(hostsInMessage(field('\x0a', "www:80") + field('\x12', "http://intranet/")),
+              Hosts{"intranet"});
+}
+
 TEST(MessageHosts, whatFollowsADamagedPlaceIsNotLookedAt) {
     const std::string good = field('\x0a', "one.test");
     for (const std::string& damage :
