@@ -8,8 +8,9 @@ namespace browsersweep::cli {
 namespace {
 
 using Weights = std::vector<std::int64_t>;
+using Figure = CleanableDataSize::Measurement CleanableDataSize::*;
 
-Weights weightsOf(const TraceListing& gone, CleanableDataSize::Measurement CleanableDataSize::*by) {
+Weights weightsOf(const TraceListing& gone, Figure by) {
     Weights weights;
     for (const Trace& each : gone.bySite) {
         weights.push_back(std::max<std::int64_t>((each.size.*by).value, 0));

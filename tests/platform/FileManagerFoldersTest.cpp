@@ -24,7 +24,7 @@ using Lines = std::vector<std::string>;
 using Kind = FolderEntry::Kind;
 
 unsigned modeOf(const fs::path& path) {
-    struct stat status {};
+    struct stat status = {};
     EXPECT_EQ(::lstat(path.c_str(), &status), 0);
     return status.st_mode & 07777U;
 }
@@ -153,7 +153,7 @@ TEST_F(FileManagerFolders, aReplacedFolderKeepsItsOwner) {
     }
     manager->replaceFolder(store, folder / "new");
     for (const fs::path& path : {store, store / "table"}) {
-        struct stat status {};
+        struct stat status = {};
         ASSERT_EQ(::stat(path.c_str(), &status), 0);
         EXPECT_EQ(status.st_uid, other);
         EXPECT_EQ(status.st_gid, other);

@@ -238,7 +238,7 @@ class ByteLock {
 public:
     ByteLock(const fs::path& file, off_t byte, short kind)
         : process_([=](const ChildProcess::Ready& ready) {
-              struct flock lock {};
+              struct flock lock = {};
               lock.l_type = kind;
               lock.l_whence = SEEK_SET;
               lock.l_start = byte;

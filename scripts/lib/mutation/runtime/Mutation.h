@@ -14,6 +14,9 @@ constexpr bool chosenWhereRun(unsigned number) noexcept {
     return !std::is_constant_evaluated() && chosen(number);
 }
 
+// Versions of the formatter differ on what follows a requirement.
+// clang-format off
+
 /** An empty value in the place of an argument. */
 template <typename T>
 requires std::default_initializable<std::remove_cvref_t<T>> std::remove_cvref_t<T> emptyOf() {
@@ -26,5 +29,7 @@ requires std::default_initializable<std::remove_const_t<T>> T& emptyLike(T& /*un
     static std::remove_const_t<T> value{};
     return value;
 }
+
+// clang-format on
 
 }  // namespace browsersweep::mutation
