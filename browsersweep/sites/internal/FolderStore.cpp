@@ -21,7 +21,7 @@ TraceListing FolderStore::list(const KnownHosts& /*knownHosts*/) const {
         if (!owner || owner->isBrowsersOwn) {
             continue;
         }
-        const CleanableDataSize size = sizeOfAll(*fileManager_, path_ / entry.name);
+        const CleanableDataSize size = sizeOfAll(*fileManager_, path_, entry);
         collector.add(row_.kind, owner->hosts, size, entry.modified);
         if (owner->hosts.empty()) {
             unknown = unknown + size;
@@ -46,7 +46,7 @@ ForgetOutcome FolderStore::forget(const ForgetRequest& request) const {
         }
         EntrySelector selector(request, true);
         if (selector.selects(owner->hosts)) {
-            removeAll(*fileManager_, path_ / entry.name);
+            removeAll(*fileManager_, path_, entry);
         } else if (selector.hasKeptUnknown()) {
             outcome.kept.push_back({row_.kind, path_ / entry.name, std::string(row_.unknown)});
         }

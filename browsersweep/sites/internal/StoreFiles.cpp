@@ -36,16 +36,18 @@ void removeEntry(const FileManager& fileManager, const fs::path& path, FolderEnt
 }  // namespace
 
 CleanableDataSize sizeOfAll(const FileManager& fileManager, const fs::path& path) {
-    const auto control = fileManager.control();
     const auto entry = entryAt(fileManager, path);
-    if (!entry) {
-        return {};
+    return entry ? sizeOfAll(fileManager, path.parent_path(), *entry) : CleanableDataSize();
+}
+
+CleanableDataSize sizeOfAll(const FileManager& fileManager, const fs::path& folder,
+                            const FolderEntry& entry) {
+    if (entry.kind != FolderEntry::Kind::folder) {
+        return {1, entry.size};
     }
-    if (entry->kind != FolderEntry::Kind::folder) {
-        return {1, entry->size};
-    }
+    const auto control = fileManager.control();
     CleanableDataSize sum;
-    const auto walk = fileManager.enumerator(path);
+    const auto walk = fileManager.enumerator(folder / entry.name);
     while (walk && walk->next()) {
         continueOrThrow(control.get());
         if (const auto bytes = walk->fileSize()) {
@@ -53,6 +55,11 @@ CleanableDataSize sizeOfAll(const FileManager& fileManager, const fs::path& path
         }
     }
     return sum;
+}
+
+void removeAll(const FileManager& fileManager, const fs::path& folder, const FolderEntry& entry) {
+    continueOrThrow(fileManager.control().get());
+    removeEntry(fileManager, folder / entry.name, entry.kind);
 }
 
 void removeAll(const FileManager& fileManager, const fs::path& path) {

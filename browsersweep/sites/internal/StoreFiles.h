@@ -17,6 +17,14 @@ namespace browsersweep {
  * missing. */
 CleanableDataSize sizeOfAll(const FileManager& fileManager, const std::filesystem::path& path);
 
+/** The same of an entry that was listed: its folder is not looked through again. */
+CleanableDataSize sizeOfAll(const FileManager& fileManager, const std::filesystem::path& folder,
+                            const FolderEntry& entry);
+
+/** Deletes an entry that was listed, a folder with all it holds. */
+void removeAll(const FileManager& fileManager, const std::filesystem::path& folder,
+               const FolderEntry& entry);
+
 /** Deletes a file, or a folder with all it holds; nothing where it is missing. */
 void removeAll(const FileManager& fileManager, const std::filesystem::path& path);
 

@@ -8,6 +8,7 @@
 #include "browsersweep/sites/internal/StoreFiles.h"
 
 #include "tests/support/Bytes.h"
+#include "tests/support/ForwardingFileManager.h"
 #include "tests/support/GuardedFileManager.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -17,6 +18,19 @@ namespace {
 namespace fs = std::filesystem;
 
 using Lines = std::vector<std::string>;
+
+/** Says how often a folder was listed. */
+class CountedListings : public tests::ForwardingFileManager {
+public:
+    using ForwardingFileManager::ForwardingFileManager;
+
+    std::vector<FolderEntry> entries(const fs::path& directory) const override {
+        ++count;
+        return ForwardingFileManager::entries(directory);
+    }
+
+    mutable int count = 0;
+};
 
 class StoreFiles : public testing::Test {
 protected:
@@ -46,6 +60,21 @@ TEST_F(StoreFiles, filesAndFoldersAreMeasuredAndLinksCountAsOne) {
     EXPECT_EQ(sizeOfAll(*manager, home / "link"), (CleanableDataSize{1, 0}));
     EXPECT_EQ(sizeOfAll(*manager, home / "gone"), CleanableDataSize::zero);
     EXPECT_EQ(sizeOfAll(*manager, home / "gone/below"), CleanableDataSize::zero);
+}
+
+TEST_F(StoreFiles, whatWasListedIsNotLookedForInItsFolderAgain) {
+    home.write("parent/a/file", "12345");
+    home.write("parent/b/file", "123");
+    home.write("parent/c", "1");
+    const CountedListings counted(manager);
+    CleanableDataSize sum;
+    for (const FolderEntry& entry : counted.entries(home / "parent")) {
+        sum = sum + sizeOfAll(counted, home / "parent", entry);
+        removeAll(counted, home / "parent", entry);
+    }
+    EXPECT_EQ(sum, (CleanableDataSize{3, 9}));
+    EXPECT_EQ(home.snapshot(), Lines{"parent/"});
+    EXPECT_EQ(counted.count, 1);
 }
 
 TEST_F(StoreFiles, whateverIsAtAPathIsRemovedAndNothingBehindALink) {

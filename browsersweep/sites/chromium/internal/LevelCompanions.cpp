@@ -40,7 +40,7 @@ public:
     void removeAll() override {
         for (const FolderEntry& entry : fileManager_->entries(parent_)) {
             if (isNumber(entry.name)) {
-                browsersweep::removeAll(*fileManager_, parent_ / entry.name);
+                browsersweep::removeAll(*fileManager_, parent_, entry);
             }
         }
     }
@@ -75,25 +75,42 @@ public:
     }
 
     void remove(std::string_view key, std::string_view /*value*/) override {
-        for (const SimpleCacheFile& file : filesOf(key)) {
-            browsersweep::removeAll(*fileManager_, cache_.folder() / file.name);
+        const auto files = filesOf(key);
+        if (!files.empty() && !isIndexGone_) {
             browsersweep::removeAll(*fileManager_, cache_.index());
+            isIndexGone_ = true;
         }
+        for (const SimpleCacheFile& file : files) {
+            FolderEntry entry;
+            entry.name = file.name;
+            browsersweep::removeAll(*fileManager_, cache_.folder(), entry);
+        }
+        forgetFilesOf(key);  // another version may have the same script
     }
 
     void removeAll() override { browsersweep::removeAll(*fileManager_, cache_.folder()); }
 
 private:
-    std::vector<SimpleCacheFile> filesOf(std::string_view key) const {
+    static std::string_view numberIn(std::string_view key) noexcept {
         const auto zero = key.find('\0');
-        if (!key.starts_with("RES:") || zero == std::string_view::npos) {
-            return {};
-        }
-        const auto found = files_.find(key.substr(zero + 1));
+        return key.starts_with("RES:") && zero != std::string_view::npos ? key.substr(zero + 1)
+                                                                         : std::string_view();
+    }
+
+    std::vector<SimpleCacheFile> filesOf(std::string_view key) const {
+        const auto found = files_.find(numberIn(key));
         return found == files_.end() ? std::vector<SimpleCacheFile>() : found->second;
     }
 
+    void forgetFilesOf(std::string_view key) {
+        const auto found = files_.find(numberIn(key));
+        if (found != files_.end()) {
+            files_.erase(found);
+        }
+    }
+
     SimpleCache cache_;
+    bool isIndexGone_ = false;
     std::shared_ptr<const FileManager> fileManager_;
     std::map<std::string, std::vector<SimpleCacheFile>, std::less<>> files_;
 };

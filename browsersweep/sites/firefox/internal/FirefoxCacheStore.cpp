@@ -109,7 +109,7 @@ TraceListing FirefoxCacheStore::list(const KnownHosts& /*knownHosts*/) const {
 void FirefoxCacheStore::removeWhatNobodyNeeds() const {
     for (const FolderEntry& entry : fileManager_->entries(folder_)) {
         if (entry.name != "entries") {
-            removeAll(*fileManager_, folder_ / entry.name);
+            removeAll(*fileManager_, folder_, entry);
         }
     }
 }
