@@ -186,7 +186,8 @@ ForgetRequest requestOf(const SiteOptions& options) {
     return request;
 }
 
-std::vector<std::string> remarksOn(const SiteOptions& options, const std::set<Site>& found) {
+std::vector<std::string> remarksOn(const SiteOptions& options, const std::set<Site>& found,
+                                   bool isAllSeen) {
     std::vector<std::string> remarks;
     for (const auto* const texts : {&options.names, &options.kept}) {
         for (const auto& text : *texts) {
@@ -196,7 +197,7 @@ std::vector<std::string> remarksOn(const SiteOptions& options, const std::set<Si
         }
         for (const Site& site : sitesNamed(*texts)) {
             if (!found.contains(site)) {
-                remarks.push_back(remarkOnMissing(site, found));
+                remarks.push_back(remarkOnMissing(site, found, isAllSeen));
             }
         }
     }
@@ -238,6 +239,13 @@ std::vector<std::string> hintsFor(const SiteOptions& options, const std::vector<
         hints.emplace_back("--settings removes what you decided for the sites as well.");
     }
     return hints;
+}
+
+/** Whether every store of every browser could be looked at. */
+bool isAllSeen(const ForgetReport& report) noexcept {
+    return report.errors.empty() &&
+           std::all_of(report.stores.begin(), report.stores.end(),
+                       [](const StoreRow& row) { return isSuccess(row.verdict); });
 }
 
 bool isNothing(const ForgetReport& report) noexcept {
@@ -283,7 +291,10 @@ ForgetReport work(Work kind, const Options& options, const SiteWork& work, Obser
     report.isPlan = kind == Work::plan;
     report.isDryRun = options.dryRun;
     report.errors = std::move(selected.errors);
-    report.remarks = remarksOn(options.sites, result.foundSites);
+    const bool isExact = isAllSeen(report);
+    report.total.itemCount.isApproximate |= !isExact;
+    report.total.byteCount.isApproximate |= !isExact;
+    report.remarks = remarksOn(options.sites, result.foundSites, isExact);
     report.hints = hintsFor(options.sites, report.kept);
     report.isPointless = !options.sites.all && isNothing(report) && !result.wasStopped;
     return report;

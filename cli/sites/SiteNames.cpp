@@ -48,14 +48,15 @@ std::string remarkOn(const std::string& text) {
     return small == site.name() ? "" : fmt::format("{}: all of {}", printable(text), site.name());
 }
 
-std::string remarkOnMissing(const Site& site, const std::set<Site>& found) {
+std::string remarkOnMissing(const Site& site, const std::set<Site>& found, bool isAllSeen) {
     std::vector<std::string_view> names;
     names.reserve(found.size());
     for (const Site& each : found) {
         names.push_back(each.name());
     }
     const auto meant = names.empty() ? std::nullopt : closest(site.name(), names);
-    return fmt::format("nothing of {} was found{}", site.name(),
+    return fmt::format("nothing of {} was found{}{}", site.name(),
+                       isAllSeen ? "" : " where it could be looked",
                        meant ? fmt::format("; did you mean {}?", *meant) : "");
 }
 

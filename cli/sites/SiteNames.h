@@ -19,8 +19,11 @@ std::set<Site> sitesNamed(const std::vector<std::string>& texts);
 /** What a text stands for, where it is not the name of its site itself; empty where it is. */
 std::string remarkOn(const std::string& text);
 
-/** That nothing of a site was found, and what may have been meant instead. */
-std::string remarkOnMissing(const Site& site, const std::set<Site>& found);
+/**
+ * That nothing of a site was found, and what may have been meant instead. It may be where nobody
+ * could look, unless all was seen.
+ */
+std::string remarkOnMissing(const Site& site, const std::set<Site>& found, bool isAllSeen = true);
 
 /**
  * The sites of a text with one of them in a line; "#" begins a comment. Throws a `UsageError` that

@@ -2,9 +2,10 @@
 
 import base64
 import hashlib
+import json
 import re
 
-from fixture import ROOT, HostProgramTest
+from fixture import ROOT, HostProgramTest, approximate, size, write
 from html_test import Page
 
 
@@ -71,6 +72,15 @@ class Forget(SitesTest):
             self.assertEqual(document["dryRun"], is_dry)
             for key in ("forgotten", "notBySite", "kept", "errors"):
                 self.assertEqual(document[key], [], key)
+
+    def test_what_could_not_be_looked_at_leaves_no_exact_nothing(self):
+        write(self.support / "Chromium" / "Local State", "{")
+        for extra in ("--yes", "--dry-run"):
+            result = self.run_program("--json", "forget", "example.com", extra)
+            self.assertEqual(result.status, 1)
+            total = json.loads(result.output)["total"]
+            self.assertEqual(total, size(approximate(0), approximate(0)))
+            self.assertIn("nothing of example.com was found where it could be looked", result.error)
 
     def test_a_host_names_its_site(self):
         result = self.run_program("forget", "--dry-run", "www.Example.co.uk")
