@@ -2,6 +2,7 @@
 
 import datetime
 import json
+import struct
 
 from common import NEWEST, day_of, host_of, write_database
 
@@ -294,13 +295,37 @@ def write_file(path, size):
     path.write_bytes(bytes(size))
 
 
+def crc32c(data):
+    """The checksum of LevelDB's logs, of Castagnoli's polynomial."""
+    sum_so_far = 0xFFFFFFFF
+    for byte in data:
+        sum_so_far ^= byte
+        for _ in range(8):
+            sum_so_far = (sum_so_far >> 1) ^ (0x82F63B78 if sum_so_far & 1 else 0)
+    return sum_so_far ^ 0xFFFFFFFF
+
+
+def leveldb_record(contents):
+    """A whole record of a log: its masked checksum, its length and that it is whole."""
+    sum_of_all = crc32c(b"\1" + contents)
+    masked = ((sum_of_all >> 15 | sum_of_all << 17) + 0xA282EAD8) & 0xFFFFFFFF
+    return struct.pack("<IHB", masked, len(contents), 1) + contents
+
+
+def write_leveldb(folder):
+    """A database without a record. What follows in a file is room that was reserved."""
+    numbers = {2: 3, 3: 4, 4: 0}  # the log's number, the next file's, the last change's
+    manifest = leveldb_record(bytes(byte for pair in numbers.items() for byte in pair))
+    write_file(folder / "000003.log", 4096)
+    write_file(folder / "LOCK", 0)
+    (folder / "MANIFEST-000001").write_bytes(manifest.ljust(23, b"\0"))
+    (folder / "CURRENT").write_text("MANIFEST-000001\n", encoding="ascii")
+
+
 def write_folders(folder, cache, old):
     for name in ("Session_13363718400000001", "Tabs_13363718400000002"):
         write_file(folder / "Sessions" / name, 2048)
-    leveldb = folder / "Local Storage" / "leveldb"
-    for name, size in (("000003.log", 4096), ("MANIFEST-000001", 23), ("LOCK", 0)):
-        write_file(leveldb / name, size)
-    (leveldb / "CURRENT").write_text("MANIFEST-000001\n", encoding="ascii")
+    write_leveldb(folder / "Local Storage" / "leveldb")
     if old:
         flash = folder / "Pepper Data" / "Shockwave Flash" / "WritableRoot" / "#SharedObjects"
         write_file(flash / "A1B2C3D4" / "www.example.com" / "settings.sol", 220)

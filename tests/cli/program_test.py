@@ -225,6 +225,8 @@ class Signals(HostProgramTest):
     def interrupted_run(self, number, *arguments):
         """Starts the program with the signal already waiting, so that no timing is involved."""
         def deliver():
+            # What runs in the background of a shell ignores some signals, and so would the program.
+            signal.signal(number, signal.SIG_DFL)
             signal.pthread_sigmask(signal.SIG_BLOCK, {number})
             os.kill(os.getpid(), number)
         return subprocess.run(self.command(*arguments), env=self.environment, check=False,

@@ -69,10 +69,11 @@ std::optional<Date> dateOf(double ticks, TimeForm form) {
     return dateFrom1970Seconds(ticks / epoch.ticksPerSecond - epoch.secondsBefore1970);
 }
 
-// What several related rows name comes as lines.
+// What several related rows name comes as lines. A message is bytes, and has no lines.
 void appendHosts(std::vector<std::string>& hosts, SiteForm form, std::string_view text) {
     while (!text.empty()) {
-        const auto end = std::min(text.find('\n'), text.size());
+        const auto end =
+            form == SiteForm::message ? text.size() : std::min(text.find('\n'), text.size());
         for (std::string& host : hostsIn(form, text.substr(0, end))) {
             hosts.push_back(std::move(host));
         }

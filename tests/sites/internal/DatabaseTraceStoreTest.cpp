@@ -113,6 +113,20 @@ TEST_F(DatabaseTraceStoreTest, aFileThatIsMissingHoldsNothingAndIsNotMade) {
     EXPECT_EQ(home_.snapshot(), before);
 }
 
+TEST_F(DatabaseTraceStoreTest, aMessageIsReadWholeAlthoughItsBytesLookLikeLines) {
+    static constexpr std::array messages{
+        TraceTable{.name = "hints", .columns = {{{"message", SiteForm::message}}}}};
+    Database(file_).execute(
+        "CREATE TABLE hints (message BLOB);"
+        // Field 1 is the host "www.kept.test", field 3 a message with the same.
+        "INSERT INTO hints VALUES (x'0A0D7777772E6B6570742E74657374"
+        "1A0F0A0D7777772E6B6570742E74657374');");
+    const DatabaseTraceStore hints({file_, messages, {}}, manager_);
+    const TraceListing listing = hints.list({});
+    ASSERT_EQ(listing.bySite.size(), 1U);
+    EXPECT_EQ(listing.bySite.front().hosts, std::set<std::string>{"www.kept.test"});
+}
+
 TEST_F(DatabaseTraceStoreTest, aListingCountsTheRowsOfEachSiteAndWhatHasNone) {
     make();
     Database(file_).execute(
