@@ -7,7 +7,7 @@ namespace browsersweep {
 namespace {
 
 // The names are this library's own or come from the database, so any character may be in them.
-std::string quoted(std::string_view name) {
+std::string identifier(std::string_view name) {
     std::string result = "\"";
     for (const char letter : name) {
         result.append(letter == '"' ? 2 : 1, letter);
@@ -16,7 +16,7 @@ std::string quoted(std::string_view name) {
 }
 
 std::string formAndColumn(const SiteColumn& column) {
-    return std::to_string(static_cast<int>(column.form)) + ", " + quoted(column.name);
+    return std::to_string(static_cast<int>(column.form)) + ", " + identifier(column.name);
 }
 
 void append(std::string& text, std::string_view between, const std::string& more) {
@@ -80,9 +80,10 @@ std::string TraceTableSQL::relatedNames() const {
         return {};
     }
     const TableRelation& relation = table_.relation;
-    return "coalesce(" + quoted(relation.column) + " IN (SELECT " + quoted(relation.otherColumn) +
-           " FROM " + quoted(relation.other) + " WHERE namesSite(" + formAndColumn(relation.names) +
-           ") AND " + quoted(relation.otherColumn) + " IS NOT NULL), 0)";
+    return "coalesce(" + identifier(relation.column) + " IN (SELECT " +
+           identifier(relation.otherColumn) + " FROM " + identifier(relation.other) +
+           " WHERE namesSite(" + formAndColumn(relation.names) + ") AND " +
+           identifier(relation.otherColumn) + " IS NOT NULL), 0)";
 }
 
 std::string TraceTableSQL::namesAny(bool alsoWhatOnlyRemoves) const {
@@ -111,18 +112,19 @@ std::string TraceTableSQL::isTrace() const {
 std::string TraceTableSQL::orphanCondition() const {
     const TableRelation& relation = table_.relation;
     std::string parents =
-        "SELECT " + quoted(relation.otherColumn) + " FROM " + quoted(relation.other);
+        "SELECT " + identifier(relation.otherColumn) + " FROM " + identifier(relation.other);
     if (!columns_.otherIsRowNumber) {
-        parents += " WHERE " + quoted(relation.otherColumn) + " IS NOT NULL";
+        parents += " WHERE " + identifier(relation.otherColumn) + " IS NOT NULL";
     }
-    return quoted(relation.column) + " NOT IN (" + parents + ")";
+    return identifier(relation.column) + " NOT IN (" + parents + ")";
 }
 
 std::string TraceTableSQL::resetCondition() const {
     std::string condition;
     for (const ColumnReset& reset : table_.resets) {
         if (reset.tellsOfUse && has(reset.name)) {
-            append(condition, " OR ", quoted(reset.name) + " IS NOT " + std::string(reset.value));
+            append(condition, " OR ",
+                   identifier(reset.name) + " IS NOT " + std::string(reset.value));
         }
     }
     return condition.empty() ? condition : "(" + condition + ")";
@@ -143,43 +145,44 @@ std::string TraceTableSQL::condition(const SiteSelection& selection) const {
 
 std::string TraceTableSQL::removal(const SiteSelection& selection) const {
     if (table_.rule != TableRule::resets) {
-        return "DELETE FROM " + quoted(table_.name) + withWhere(condition(selection));
+        return "DELETE FROM " + identifier(table_.name) + withWhere(condition(selection));
     }
     std::string changes;
     for (const ColumnReset& reset : table_.resets) {
         if (has(reset.name)) {
-            append(changes, ", ", quoted(reset.name) + " = " + std::string(reset.value));
+            append(changes, ", ", identifier(reset.name) + " = " + std::string(reset.value));
         }
     }
-    return "UPDATE " + quoted(table_.name) + " SET " + changes + withWhere(condition(selection));
+    return "UPDATE " + identifier(table_.name) + " SET " + changes +
+           withWhere(condition(selection));
 }
 
 std::string TraceTableSQL::parentQuestion() const {
     const bool mayRowsStay =
         table_.rule != TableRule::orphans || !columns_.ownIsRequired || !table_.condition.empty();
     return mayRowsStay ? std::string()
-                       : "SELECT EXISTS (SELECT 1 FROM " + quoted(table_.relation.other) + ")";
+                       : "SELECT EXISTS (SELECT 1 FROM " + identifier(table_.relation.other) + ")";
 }
 
 std::string TraceTableSQL::removalOfAll() const {
-    return "DELETE FROM " + quoted(table_.name);
+    return "DELETE FROM " + identifier(table_.name);
 }
 
 std::string TraceTableSQL::question(const SiteSelection& selection) const {
-    return "SELECT EXISTS (SELECT 1 FROM " + quoted(table_.name) + withWhere(condition(selection)) +
-           ")";
+    return "SELECT EXISTS (SELECT 1 FROM " + identifier(table_.name) +
+           withWhere(condition(selection)) + ")";
 }
 
 std::string TraceTableSQL::bytes() const {
     std::string sum;
     for (const std::string& column : columns_.own) {
-        append(sum, " + ", "coalesce(length(" + quoted(column) + "), 0)");
+        append(sum, " + ", "coalesce(length(" + identifier(column) + "), 0)");
     }
     return sum;
 }
 
 std::string TraceTableSQL::allValues(std::string_view expression) const {
-    return "SELECT " + std::string(expression) + " FROM " + quoted(table_.name);
+    return "SELECT " + std::string(expression) + " FROM " + identifier(table_.name);
 }
 
 std::string TraceTableSQL::values(std::string_view expression,
@@ -189,19 +192,19 @@ std::string TraceTableSQL::values(std::string_view expression,
 
 std::string TraceTableSQL::listing(std::string_view expression) const {
     const TableRelation& relation = table_.relation;
-    std::string result = has(table_.lastUsed.name) ? quoted(table_.lastUsed.name) : "NULL";
+    std::string result = has(table_.lastUsed.name) ? identifier(table_.lastUsed.name) : "NULL";
     result += ", " + bytes() + ", " + std::string(expression);
     for (const SiteColumn& column : table_.columns) {
         if (has(column.name)) {
-            result += ", " + quoted(column.name);
+            result += ", " + identifier(column.name);
         }
     }
     if (isNamedByRelation()) {
-        result += ", (SELECT group_concat(o." + quoted(relation.names.name) + ", char(10)) FROM " +
-                  quoted(relation.other) + " AS o WHERE o." + quoted(relation.otherColumn) +
-                  " = t." + quoted(relation.column) + ")";
+        result += ", (SELECT group_concat(o." + identifier(relation.names.name) +
+                  ", char(10)) FROM " + identifier(relation.other) + " AS o WHERE o." +
+                  identifier(relation.otherColumn) + " = t." + identifier(relation.column) + ")";
     }
-    return "SELECT " + result + " FROM " + quoted(table_.name) + " AS t" +
+    return "SELECT " + result + " FROM " + identifier(table_.name) + " AS t" +
            withWhere(condition(SiteSelection::everything()));
 }
 
@@ -219,7 +222,7 @@ std::vector<SiteForm> TraceTableSQL::listedForms() const {
 }
 
 std::string TraceTableSQL::totals() const {
-    return "SELECT count(*), coalesce(sum(" + bytes() + "), 0) FROM " + quoted(table_.name) +
+    return "SELECT count(*), coalesce(sum(" + bytes() + "), 0) FROM " + identifier(table_.name) +
            withWhere(condition(SiteSelection::everything()));
 }
 
