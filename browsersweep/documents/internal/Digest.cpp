@@ -86,7 +86,7 @@ constexpr std::array<std::uint32_t, roundCount> roundsOf256{
     0x19a4c116, 0x1e376c08, 0x2748774c, 0x34b0bcb5, 0x391c0cb3, 0x4ed8aa4a, 0x5b9cca4f, 0x682e6ff3,
     0x748f82ee, 0x78a5636f, 0x84c87814, 0x8cc70208, 0x90befffa, 0xa4506ceb, 0xbef9a3f7, 0xc67178f2,
 };
-constexpr std::array<std::array<int, 4>, 4> turnsOfMD5{{
+constexpr std::array<std::array<std::uint32_t, 4>, 4> turnsOfMD5{{
     {7, 12, 17, 22}, {5, 9, 14, 20}, {4, 11, 16, 23}, {6, 10, 15, 21},
 }};
 constexpr State256 startOf256{0x6a09e667, 0xbb67ae85, 0x3c6ef372, 0xa54ff53a,
@@ -130,6 +130,11 @@ std::uint32_t partOfMD5(std::size_t quarter, const State128& state) noexcept {
     }
 }
 
+// Libraries do not agree on the type of what `std::rotl` takes.
+std::uint32_t turnedLeft(std::uint32_t word, std::uint32_t places) noexcept {
+    return word << places | word >> (32U - places);
+}
+
 void mixMD5(State128& state, const Words& words) noexcept {
     constexpr std::array<std::size_t, 4> steps{1, 5, 3, 7};
     constexpr std::array<std::size_t, 4> starts{0, 1, 5, 0};
@@ -141,7 +146,7 @@ void mixMD5(State128& state, const Words& words) noexcept {
             std::floor(std::abs(std::sin(static_cast<double>(round + 1))) * twoTo32));
         const auto [a, b, c, d] = state;
         const std::uint32_t sum = a + partOfMD5(quarter, state) + constant + words[word];
-        state = {d, b + std::rotl(sum, turnsOfMD5[quarter][round % 4]), b, c};
+        state = {d, b + turnedLeft(sum, turnsOfMD5[quarter][round % 4]), b, c};
     }
 }
 
