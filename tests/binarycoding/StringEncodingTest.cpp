@@ -72,7 +72,7 @@ TEST(StringEncoding, noOtherSequenceOfUpToThreeBytesIsOneCharacter) {
 TEST(StringEncoding, noSequenceOfFourBytesIsOneCharacterButThoseOfTheHighPlanes) {
     for (unsigned first = 0xF0; first < 0x100; ++first) {
         for (unsigned second = 0; second < 0x100; ++second) {
-            for (const unsigned last : {0x7F, 0x80, 0xBF, 0xC0}) {
+            for (const unsigned last : {0x7FU, 0x80U, 0xBFU, 0xC0U}) {
                 const std::string text{static_cast<char>(first), static_cast<char>(second),
                                        static_cast<char>(0x80), static_cast<char>(last)};
                 const bool isText = (last == 0x80 || last == 0xBF) && second >= 0x80 &&

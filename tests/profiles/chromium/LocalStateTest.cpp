@@ -106,7 +106,7 @@ TEST(LocalState, anEntryOfAnotherFileIsNotPrimaryWhereThereIsNone) {
 }
 
 TEST(LocalState, aProfileIsNotConsentedToUnlessItSaysSo) {
-    EXPECT_FALSE(LocalState::Profile::Entry().second.isConsentedPrimaryAccount);
+    EXPECT_FALSE(LocalState::Profile::InfoCache{}.isConsentedPrimaryAccount);
 }
 
 TEST(LocalState, theMarksOfAllEntriesAreThoseOfEach) {
