@@ -4,6 +4,7 @@
 
 #include "browsersweep/base/FatalError.h"
 #include "browsersweep/sqlite/SQLiteConnection.h"
+#include "browsersweep/sqlite/internal/ReachedFolder.h"
 #include "browsersweep/sqlite/internal/TemporaryDatabaseCopy.h"
 
 namespace browsersweep {
@@ -55,7 +56,7 @@ std::int64_t CleanableSQLiteDatabase::countOnCopy(CleanableDataFilters filters) 
 }
 
 void CleanableSQLiteDatabase::clean(CleanableDataFilters filters) const {
-    if (!hasWork()) {
+    if (!hasWork() || !isFolderReached(*fileManager_, file_)) {
         return;
     }
     const SQLiteConnection connection(file_, fileManager_->control());

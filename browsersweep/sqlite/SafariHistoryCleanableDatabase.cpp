@@ -8,6 +8,7 @@
 #include "browsersweep/documents/internal/DecimalText.h"
 #include "browsersweep/sqlite/CleanableSQLiteDatabase.h"
 #include "browsersweep/sqlite/internal/DatabaseSnapshot.h"
+#include "browsersweep/sqlite/internal/ReachedFolder.h"
 
 namespace browsersweep {
 namespace {
@@ -108,7 +109,7 @@ std::optional<std::int32_t> SafariHistoryCleanableDatabase::countIn(
 }
 
 void SafariHistoryCleanableDatabase::clean(CleanableDataFilters filters) const {
-    if (!fileManager_->fileExists(file_).isFile()) {
+    if (!fileManager_->fileExists(file_).isFile() || !isFolderReached(*fileManager_, file_)) {
         return;
     }
     const SQLiteConnection connection(file_, fileManager_->control());
