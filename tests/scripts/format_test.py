@@ -11,7 +11,8 @@ class Format(ScriptTest):
         self.borrow("bash", "env", "dirname", "basename", "find", "grep", "sed", "sort", "tr", "xargs")
         self.stand_in("uname", "echo Linux", records=False)
         self.project = self.folder.resolve() / "project"
-        shutil.copytree(ROOT / "scripts" / "lib", self.project / "scripts" / "lib")
+        shutil.copytree(ROOT / "scripts" / "lib", self.project / "scripts" / "lib",
+                        ignore=shutil.ignore_patterns("mutation"))
         shutil.copy(ROOT / "scripts" / "format", self.project / "scripts")
         (self.project / "Cookie.cpp").touch()
 
