@@ -2,25 +2,12 @@
 
 #include <optional>
 
+#include "browsersweep/sites/internal/Varint.h"
+
 namespace browsersweep {
 namespace {
 
 enum class Wire : unsigned { number = 0, eightBytes = 1, content = 2, fourBytes = 5 };
-
-std::optional<std::uint64_t> takeVarint(std::string_view& text) noexcept {
-    constexpr unsigned bitsPerByte = 7;
-    constexpr unsigned more = 0x80;
-    std::uint64_t number = 0;
-    for (unsigned shift = 0; shift < 64 && !text.empty(); shift += bitsPerByte) {
-        const auto byte = static_cast<unsigned char>(text.front());
-        text.remove_prefix(1);
-        number |= std::uint64_t{byte & (more - 1)} << shift;
-        if (byte < more) {
-            return number;
-        }
-    }
-    return std::nullopt;
-}
 
 std::optional<std::uint64_t> takeFixed(std::string_view& text, std::size_t size) noexcept {
     if (text.size() < size) {
@@ -61,16 +48,21 @@ std::optional<ProtoField> takeField(std::string_view& text) noexcept {
 
 }  // namespace
 
-std::vector<ProtoField> protoFields(std::string_view message) {
-    std::vector<ProtoField> fields;
+ProtoMessage protoMessage(std::string_view message) {
+    ProtoMessage found;
     while (!message.empty()) {
         const auto field = takeField(message);
         if (!field) {
-            break;
+            return found;
         }
-        fields.push_back(*field);
+        found.fields.push_back(*field);
     }
-    return fields;
+    found.isWhole = true;
+    return found;
+}
+
+std::vector<ProtoField> protoFields(std::string_view message) {
+    return protoMessage(message).fields;
 }
 
 }  // namespace browsersweep

@@ -15,7 +15,16 @@ struct ProtoField {
     friend bool operator==(const ProtoField&, const ProtoField&) = default;
 };
 
-/** The fields of a message, in their order; up to what is damaged where the message is. */
+/** What a message holds. */
+struct ProtoMessage {
+    std::vector<ProtoField> fields;  ///< in their order, up to what is damaged
+    bool isWhole = false;            ///< nothing is damaged
+};
+
+/** Reads a message. */
+ProtoMessage protoMessage(std::string_view message);
+
+/** Its fields alone. */
 std::vector<ProtoField> protoFields(std::string_view message);
 
 }  // namespace browsersweep

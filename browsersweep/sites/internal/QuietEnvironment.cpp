@@ -9,6 +9,8 @@
 #include <leveldb/slice.h>
 #include <leveldb/status.h>
 
+#include "browsersweep/sites/internal/Varint.h"
+
 namespace browsersweep {
 namespace {
 
@@ -17,22 +19,6 @@ class SilentLog : public leveldb::Logger {
 public:
     void Logv(const char* /*format*/, std::va_list /*arguments*/) override {}
 };
-
-/** A number as LevelDB writes it: seven bits in each byte, the lowest first. */
-std::optional<std::uint64_t> takeNumber(std::string_view& text) noexcept {
-    constexpr unsigned bitsPerByte = 7;
-    constexpr unsigned more = 0x80;
-    std::uint64_t number = 0;
-    for (unsigned shift = 0; shift < 64 && !text.empty(); shift += bitsPerByte) {
-        const auto byte = static_cast<unsigned char>(text.front());
-        text.remove_prefix(1);
-        number |= std::uint64_t{byte & (more - 1)} << shift;
-        if (byte < more) {
-            return number;
-        }
-    }
-    return std::nullopt;
-}
 
 /**
  * A table's file. LevelDB believes what a table says of the place and length of its parts, and
@@ -66,8 +52,8 @@ private:
 
     bool isSoundFooter(std::string_view footer) const noexcept {
         for (int part = 0; part < 2; ++part) {
-            const auto offset = takeNumber(footer);
-            const auto count = takeNumber(footer);
+            const auto offset = takeVarint(footer);
+            const auto count = takeVarint(footer);
             if (!offset || !count || !isWithin(*offset, *count)) {
                 return false;
             }
