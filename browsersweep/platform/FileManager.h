@@ -157,6 +157,9 @@ public:
     /** The first bytes of a regular file, fewer where it is shorter. Errors as above. */
     virtual Bytes firstBytes(const std::filesystem::path& path, std::size_t count) const = 0;
 
+    /** The last bytes of a regular file, fewer where it is shorter. Errors as above. */
+    virtual Bytes lastBytes(const std::filesystem::path& path, std::size_t count) const = 0;
+
     /**
      * Puts other contents in the place of an existing regular file, all or nothing: whatever
      * happens, the path holds the old bytes or the new ones. Owner, mode, access control list and

@@ -31,6 +31,9 @@ public:
     Bytes firstBytes(const std::filesystem::path& path, std::size_t count) const override {
         return target_->firstBytes(path, count);
     }
+    Bytes lastBytes(const std::filesystem::path& path, std::size_t count) const override {
+        return target_->lastBytes(path, count);
+    }
     void replace(const std::filesystem::path& path, BytesView contents) const override {
         target_->replace(path, contents);
     }

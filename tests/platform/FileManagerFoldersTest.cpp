@@ -14,31 +14,17 @@
 #include "browsersweep/platform/FileManager.h"
 
 #include "tests/support/ChildProcess.h"
+#include "tests/support/FileErrors.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace browsersweep {
 namespace {
 
 namespace fs = std::filesystem;
+using tests::errorThrownBy;
+using tests::modeOf;
 using Lines = std::vector<std::string>;
 using Kind = FolderEntry::Kind;
-
-unsigned modeOf(const fs::path& path) {
-    struct stat status = {};
-    EXPECT_EQ(::lstat(path.c_str(), &status), 0);
-    return status.st_mode & 07777U;
-}
-
-template <typename Operation>
-std::errc errorThrownBy(Operation operation) {
-    try {
-        operation();
-    } catch (const fs::filesystem_error& error) {
-        return static_cast<std::errc>(error.code().value());
-    }
-    ADD_FAILURE() << "no error";
-    return {};
-}
 
 /** A store below the Library folder, and what is to take its place. */
 class FileManagerFolders : public testing::Test {

@@ -100,6 +100,16 @@ TEST_F(FileManagerTest, contentsOfAnEnormousFileAreAnError) {
 
 TEST_F(FileManagerTest, firstBytesAreThoseOfTheFileAndNoMoreThanItHas) {
     folder.write("file", "12345");
+TEST_F(FileManagerTest, lastBytesAreThoseOfTheFileAndNoMoreThanItHas) {
+    folder.write("file", "12345");
+    EXPECT_EQ(manager->lastBytes(folder / "file", 0), Bytes{});
+    EXPECT_EQ(manager->lastBytes(folder / "file", 3), bytes("345"));
+    EXPECT_EQ(manager->lastBytes(folder / "file", 5), bytes("12345"));
+    EXPECT_EQ(manager->lastBytes(folder / "file", 9), bytes("12345"));
+    EXPECT_EQ(errorThrownBy([&] { manager->lastBytes(folder.path(), 9); }),
+              std::errc::is_a_directory);
+}
+
     EXPECT_EQ(manager->firstBytes(folder / "file", 3), bytes("123"));
     EXPECT_EQ(manager->firstBytes(folder / "file", 5), bytes("12345"));
     EXPECT_EQ(manager->firstBytes(folder / "file", 9), bytes("12345"));

@@ -83,6 +83,11 @@ Bytes FaultyFileManager::firstBytes(const fs::path& path, std::size_t length) co
     return ForwardingFileManager::firstBytes(path, length);
 }
 
+Bytes FaultyFileManager::lastBytes(const fs::path& path, std::size_t length) const {
+    count("lastBytes", path);
+    return ForwardingFileManager::lastBytes(path, length);
+}
+
 void FaultyFileManager::replace(const fs::path& path, BytesView contents) const {
     count("replace", path);
     ForwardingFileManager::replace(path, contents);

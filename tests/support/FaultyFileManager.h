@@ -62,6 +62,7 @@ public:
     FileAttributes attributes(const std::filesystem::path& path) const override;
     Bytes contents(const std::filesystem::path& path) const override;
     Bytes firstBytes(const std::filesystem::path& path, std::size_t length) const override;
+    Bytes lastBytes(const std::filesystem::path& path, std::size_t length) const override;
     void replace(const std::filesystem::path& path, BytesView contents) const override;
     void copy(const std::filesystem::path& from, const std::filesystem::path& to) const override;
     void removeFile(const std::filesystem::path& path) const override;

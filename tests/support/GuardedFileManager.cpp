@@ -51,6 +51,10 @@ Bytes GuardedFileManager::firstBytes(const fs::path& path, std::size_t count) co
     return ForwardingFileManager::firstBytes(checked(path), count);
 }
 
+Bytes GuardedFileManager::lastBytes(const fs::path& path, std::size_t count) const {
+    return ForwardingFileManager::lastBytes(checked(path), count);
+}
+
 void GuardedFileManager::replace(const fs::path& path, BytesView contents) const {
     ForwardingFileManager::replace(checked(path), contents);
 }

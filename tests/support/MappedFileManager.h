@@ -37,6 +37,9 @@ public:
     Bytes firstBytes(const std::filesystem::path& path, std::size_t count) const override {
         return GuardedFileManager::firstBytes(onDisk(path), count);
     }
+    Bytes lastBytes(const std::filesystem::path& path, std::size_t count) const override {
+        return GuardedFileManager::lastBytes(onDisk(path), count);
+    }
     void replace(const std::filesystem::path& path, BytesView contents) const override {
         GuardedFileManager::replace(onDisk(path), contents);
     }

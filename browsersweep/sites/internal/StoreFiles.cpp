@@ -22,6 +22,18 @@ std::optional<FolderEntry> entryAt(const FileManager& fileManager, const fs::pat
     return std::nullopt;
 }
 
+template <typename Read>
+Bytes ifThere(const Read& read) {
+    try {
+        return read();
+    } catch (const fs::filesystem_error& error) {
+        if (error.code() != std::errc::no_such_file_or_directory) {
+            throw;
+        }
+        return {};
+    }
+}
+
 void removeEntry(const FileManager& fileManager, const fs::path& path, FolderEntry::Kind kind) {
     if (kind == FolderEntry::Kind::folder) {
         fileManager.removeFolder(path);
@@ -103,14 +115,11 @@ bool isBrowsersOwn(std::string_view origin) noexcept {
 }
 
 Bytes firstBytesIfThere(const FileManager& fileManager, const fs::path& file, std::size_t count) {
-    try {
-        return fileManager.firstBytes(file, count);
-    } catch (const fs::filesystem_error& error) {
-        if (error.code() != std::errc::no_such_file_or_directory) {
-            throw;
-        }
-        return {};
-    }
+    return ifThere([&] { return fileManager.firstBytes(file, count); });
+}
+
+Bytes lastBytesIfThere(const FileManager& fileManager, const fs::path& file, std::size_t count) {
+    return ifThere([&] { return fileManager.lastBytes(file, count); });
 }
 
 std::optional<Bytes> contentsIfThere(const FileManager& fileManager, const fs::path& file) {

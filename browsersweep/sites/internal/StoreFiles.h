@@ -45,6 +45,10 @@ bool isBrowsersOwn(std::string_view origin) noexcept;
 Bytes firstBytesIfThere(const FileManager& fileManager, const std::filesystem::path& file,
                         std::size_t count);
 
+/** The last bytes of a file; none where it is missing, also since it was listed. */
+Bytes lastBytesIfThere(const FileManager& fileManager, const std::filesystem::path& file,
+                       std::size_t count);
+
 /** The whole of a file; absent where it is missing. What is no regular file is a
  * `filesystem_error`. */
 std::optional<Bytes> contentsIfThere(const FileManager& fileManager,

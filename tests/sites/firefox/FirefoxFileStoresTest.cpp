@@ -46,6 +46,13 @@ std::string cacheFile(const std::string& key, const std::string& contents, bool 
            number(static_cast<std::uint32_t>(contents.size()));
 }
 
+/** The key of an entry with this file, as far as it is found. */
+std::string keyOf(const std::string& file) {
+    const Bytes bytes = tests::bytes(file);
+    const std::size_t length = lengthOfFirefoxCacheMetadata(bytes, bytes.size());
+    return keyInFirefoxCacheMetadata(BytesView(bytes).last(length));
+}
+
 /** The profile is of Firefox, but its folders are as good as those of any other. */
 class FirefoxFileStores : public testing::Test {
 protected:
@@ -130,8 +137,7 @@ TEST_F(FirefoxFileStores, theKeyOfACachedFileIsFoundBehindItsContents) {
          {std::size_t{0}, std::size_t{1}, std::size_t{262144}, std::size_t{262145}}) {
         const std::string contents(size, 'x');
         for (const bool hasFlags : {true, false}) {
-            EXPECT_EQ(keyOfFirefoxCacheEntry(tests::bytes(cacheFile("a,:key", contents, hasFlags))),
-                      "a,:key");
+            EXPECT_EQ(keyOf(cacheFile("a,:key", contents, hasFlags)), "a,:key");
         }
     }
 }
@@ -139,11 +145,21 @@ TEST_F(FirefoxFileStores, theKeyOfACachedFileIsFoundBehindItsContents) {
 TEST_F(FirefoxFileStores, aCachedFileThatWasCutShortHasNoKey) {
     const std::string whole = cacheFile("O^partitionKey=%28https%2Ca.com%29,:https://a.com/", "1");
     for (std::size_t size = 0; size < whole.size(); ++size) {
-        const std::string found = keyOfFirefoxCacheEntry(tests::bytes(whole.substr(0, size)));
+        const std::string found = keyOf(whole.substr(0, size));
         EXPECT_TRUE(found.empty() || whole.find(found) == std::string::npos ||
                     hostsInFirefoxCacheKey(found).empty());
     }
-    EXPECT_EQ(keyOfFirefoxCacheEntry(tests::bytes(std::string(100, '\xFF'))), "");
+    EXPECT_EQ(keyOf(std::string(100, '\xFF')), "");
+}
+
+TEST_F(FirefoxFileStores, nothingIsReadOfACachedFileWhoseLastPartIsLongerThanAnyRealOne) {
+    constexpr std::uint64_t most = std::uint64_t{16} << 20;
+    const Bytes nothingBefore(4);
+    EXPECT_EQ(lengthOfFirefoxCacheMetadata(nothingBefore, most), most);
+    EXPECT_EQ(lengthOfFirefoxCacheMetadata(nothingBefore, most + 1), 0U);
+    EXPECT_EQ(lengthOfFirefoxCacheMetadata(nothingBefore, ~std::uint64_t{0}), 0U);
+    EXPECT_EQ(lengthOfFirefoxCacheMetadata(tests::bytes(number(8)), 7), 0U);
+    EXPECT_EQ(lengthOfFirefoxCacheMetadata({}, 0), 0U);
 }
 
 class FirefoxCache : public FirefoxFileStores {

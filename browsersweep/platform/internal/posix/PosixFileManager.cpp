@@ -1,5 +1,6 @@
 #include "browsersweep/platform/internal/posix/PosixFileManager.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <system_error>
 
@@ -29,6 +30,16 @@ FileDescriptor openRegularFile(const std::filesystem::path& path, struct stat& s
         throwSystemError("not a regular file", path, S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
     }
     return file;
+}
+
+Bytes readUpTo(std::size_t count, const FileDescriptor& file, const std::filesystem::path& path) {
+    Bytes bytes(count);
+    std::size_t used = 0;
+    while (const std::size_t more = readSome(file, std::span(bytes).subspan(used), path)) {
+        used += more;
+    }
+    bytes.resize(used);
+    return bytes;
 }
 
 }  // namespace
@@ -74,13 +85,18 @@ Bytes PosixFileManager::contents(const std::filesystem::path& path) const {
 Bytes PosixFileManager::firstBytes(const std::filesystem::path& path, std::size_t count) const {
     struct stat status = {};
     const FileDescriptor file = openRegularFile(path, status);
-    Bytes bytes(count);
-    std::size_t used = 0;
-    while (const std::size_t more = readSome(file, std::span(bytes).subspan(used), path)) {
-        used += more;
+    return readUpTo(count, file, path);
+}
+
+Bytes PosixFileManager::lastBytes(const std::filesystem::path& path, std::size_t count) const {
+    struct stat status = {};
+    const FileDescriptor file = openRegularFile(path, status);
+    const auto size = static_cast<std::uint64_t>(status.st_size);
+    const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(count, size));
+    if (::lseek(file.number(), static_cast<off_t>(size - wanted), SEEK_SET) < 0) {
+        throwSystemError("cannot read", path);
     }
-    bytes.resize(used);
-    return bytes;
+    return readUpTo(wanted, file, path);
 }
 
 void PosixFileManager::replace(const std::filesystem::path& path, BytesView contents) const {

@@ -18,8 +18,7 @@ constexpr std::size_t numberSize = 4;
 /** Any site may stand there, and Firefox makes them anew each time it ends. */
 constexpr std::string_view pagesOfFirefox =
     "pages of Firefox itself, such as a new tab with the sites that were visited most: they go "
-    "with "
-    "any site, and Firefox makes them anew";
+    "with any site, and Firefox makes them anew";
 
 /** Numbers begin with their highest byte; none stands beyond the end. */
 std::uint64_t numberAt(BytesView file, std::uint64_t place) noexcept {
@@ -30,33 +29,51 @@ std::uint64_t numberAt(BytesView file, std::uint64_t place) noexcept {
     return number;
 }
 
+/** Two bytes for each piece of the contents. */
+std::uint64_t digestsOfPieces(std::uint64_t contents) noexcept {
+    constexpr std::uint64_t pieceSize = 262144;
+    return (contents + pieceSize - 1) / pieceSize * 2;
+}
+
+/** What a response tells of itself, and its server's certificates, are a few pages. */
+std::uint64_t longestMetadata(std::uint64_t contents) noexcept {
+    return digestsOfPieces(contents) + (std::uint64_t{16} << 20);
+}
+
 bool isNamedIn(const std::string& key, const SiteSelection& selection) {
     return selection.isOnly() && namesAny(key, selection.sites());
 }
 
 }  // namespace
 
-// The last number says where the contents end. A digest follows, two bytes for each piece of them,
-// seven or eight numbers, the sixth of which after the version is the key's length, and the key.
-std::string keyOfFirefoxCacheEntry(BytesView file) {
-    constexpr std::uint64_t pieceSize = 262144;
-    constexpr std::uint64_t bytesOfPiece = 2;
+std::size_t lengthOfFirefoxCacheMetadata(BytesView lastBytes, std::uint64_t size) {
+    if (lastBytes.size() < numberSize) {
+        return 0;
+    }
+    const std::uint64_t contents = numberAt(lastBytes, lastBytes.size() - numberSize);
+    const bool isSound = contents <= size && size - contents <= longestMetadata(contents);
+    return isSound ? static_cast<std::size_t>(size - contents) : 0;
+}
+
+// The last number says how long the contents are. Behind these stand a digest, two bytes for each
+// piece of them, seven or eight numbers, the sixth of which after the version is the key's length,
+// and the key.
+std::string keyInFirefoxCacheMetadata(BytesView metadata) {
     constexpr std::uint64_t numbersBefore = 6;
     constexpr std::uint64_t withFlags = 2;
-    if (file.size() < numberSize) {
+    if (metadata.size() < numberSize) {
         return {};
     }
-    const std::uint64_t contents = numberAt(file, file.size() - numberSize);
-    const std::uint64_t pieces = (contents + pieceSize - 1) / pieceSize;
-    const std::uint64_t header = contents + numberSize + pieces * bytesOfPiece;
-    const std::uint64_t length = numberAt(file, header + numbersBefore * numberSize);
-    const bool hasFlags = numberAt(file, header) >= withFlags;
+    const std::uint64_t contents = numberAt(metadata, metadata.size() - numberSize);
+    const std::uint64_t header = numberSize + digestsOfPieces(contents);
+    const std::uint64_t length = numberAt(metadata, header + numbersBefore * numberSize);
+    const bool hasFlags = numberAt(metadata, header) >= withFlags;
     const std::uint64_t key = header + (numbersBefore + (hasFlags ? 2 : 1)) * numberSize;
-    if (key > file.size() || length > file.size() - key) {
+    if (key > metadata.size() || length > metadata.size() - key) {
         return {};
     }
     return std::string(
-        textOf(file.subspan(static_cast<std::size_t>(key), static_cast<std::size_t>(length))));
+        textOf(metadata.subspan(static_cast<std::size_t>(key), static_cast<std::size_t>(length))));
 }
 
 std::vector<std::string> hostsInFirefoxCacheKey(const std::string& key) {
@@ -75,15 +92,20 @@ FirefoxCacheStore::FirefoxCacheStore(std::filesystem::path folder,
                                      std::shared_ptr<const FileManager> fileManager)
     : folder_(std::move(folder)), fileManager_(std::move(fileManager)) {}
 
+// The contents, which may be long, are not read.
+std::string FirefoxCacheStore::keyOf(const std::filesystem::path& file, std::uint64_t size) const {
+    const Bytes end = lastBytesIfThere(*fileManager_, file, numberSize);
+    return keyInFirefoxCacheMetadata(
+        lastBytesIfThere(*fileManager_, file, lengthOfFirefoxCacheMetadata(end, size)));
+}
+
 void FirefoxCacheStore::visitEntries(const Visit& visit) const {
     const auto control = fileManager_->control();
     const auto entries = folder_ / "entries";
     for (const FolderEntry& entry : fileManager_->entries(entries)) {
         continueOrThrow(control.get());
         if (entry.kind == FolderEntry::Kind::file) {
-            const Bytes file = firstBytesIfThere(*fileManager_, entries / entry.name,
-                                                 static_cast<std::size_t>(entry.size));
-            visit(entry, keyOfFirefoxCacheEntry(file));
+            visit(entry, keyOf(entries / entry.name, entry.size));
         }
     }
 }

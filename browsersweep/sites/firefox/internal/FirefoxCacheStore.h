@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -28,6 +30,7 @@ public:
 private:
     using Visit = std::function<void(const FolderEntry&, const std::string& key)>;
 
+    std::string keyOf(const std::filesystem::path& file, std::uint64_t size) const;
     void visitEntries(const Visit& visit) const;
     void removeWhatNobodyNeeds() const;
 
@@ -35,8 +38,14 @@ private:
     std::shared_ptr<const FileManager> fileManager_;
 };
 
-/** The key of an entry, which stands in the last part of its file; empty where that is damaged. */
-std::string keyOfFirefoxCacheEntry(BytesView file);
+/**
+ * How long the part of an entry's file is that follows its contents, by the file's last bytes and
+ * its size; 0 where that is damaged, or longer than any real one.
+ */
+std::size_t lengthOfFirefoxCacheMetadata(BytesView lastBytes, std::uint64_t size);
+
+/** The key of an entry, which stands in the part behind the contents; empty where it is damaged. */
+std::string keyInFirefoxCacheMetadata(BytesView metadata);
 
 /** Whose an entry is: the site that it is from, and the one in which it was loaded. */
 std::vector<std::string> hostsInFirefoxCacheKey(const std::string& key);
