@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -161,7 +163,13 @@ std::vector<std::string_view> namesOfEmptyBrowsers(const SizesReport& report) {
 std::vector<Failure> failures(const Report& report) {
     Failures found;
     std::visit(Collect{found}, report);
-    return found;
+    // What keeps a profile's stores from being seen is one fact, though each of them tells it.
+    std::set<std::pair<std::string_view, std::string_view>> told;
+    Failures once;
+    std::copy_if(
+        found.begin(), found.end(), std::back_inserter(once),
+        [&told](const Failure& each) { return told.emplace(each.where, each.error).second; });
+    return once;
 }
 
 std::string displayName(const ProfileRow& profile) {

@@ -85,6 +85,9 @@ ItemJudgement judgeLeftovers(const ItemEvidence& evidence) {
     }
     const std::int64_t before = evidence.lookBefore.rows.value_or(evidence.before->itemCount.value);
     const std::int64_t left = evidence.left();
+    if (!evidence.leftOut.empty() && left >= before) {
+        return unlessIncomplete(ItemVerdict::couldNotDelete, evidence);  // it was not entered
+    }
     std::string detail =
         std::to_string(left) + " of " + std::to_string(std::max(before, left)) + " are still there";
     if (evidence.ignored) {

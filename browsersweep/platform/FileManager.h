@@ -240,6 +240,13 @@ public:
     virtual std::vector<std::filesystem::path> directories(SearchPathDirectory directory) const = 0;
 
     /**
+     * Whether the folder that holds a path is reached as `removeFile` would reach it: for what
+     * finds its files by path alone, as SQLite does. The control is told of a link or a mount in
+     * the way. Any other failure is for whoever opens the path to meet.
+     */
+    virtual bool reaches(const std::filesystem::path& path) const = 0;
+
+    /**
      * What a folder holds, not what its folders hold, in no certain order. Nothing, where
      * `enumerator` would produce nothing; the control is told as by that. What vanishes while it is
      * listed is left out.

@@ -61,6 +61,9 @@ public:
     std::vector<std::filesystem::path> directories(SearchPathDirectory directory) const override {
         return target_->directories(directory);
     }
+    bool reaches(const std::filesystem::path& path) const override {
+        return target_->reaches(path);
+    }
     std::vector<FolderEntry> entries(const std::filesystem::path& directory) const override {
         return target_->entries(directory);
     }

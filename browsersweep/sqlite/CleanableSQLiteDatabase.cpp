@@ -4,7 +4,6 @@
 
 #include "browsersweep/base/FatalError.h"
 #include "browsersweep/sqlite/SQLiteConnection.h"
-#include "browsersweep/sqlite/internal/ReachedFolder.h"
 #include "browsersweep/sqlite/internal/TemporaryDatabaseCopy.h"
 
 namespace browsersweep {
@@ -56,10 +55,13 @@ std::int64_t CleanableSQLiteDatabase::countOnCopy(CleanableDataFilters filters) 
 }
 
 void CleanableSQLiteDatabase::clean(CleanableDataFilters filters) const {
-    if (!hasWork() || !isFolderReached(*fileManager_, file_)) {
+    if (!hasWork() || !fileManager_->reaches(file_)) {
         return;
     }
     const SQLiteConnection connection(file_, fileManager_->control());
+    if (!fileManager_->reaches(file_)) {  // a link may have appeared before the file was opened
+        return;
+    }
     for (const SQLiteStatementComponents& table : components_) {
         if (connection.hasTable(table.tableName)) {
             connection.evaluate(table.sql("DELETE", filters), ExecuteEvaluator{});

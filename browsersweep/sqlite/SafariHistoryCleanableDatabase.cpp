@@ -8,7 +8,6 @@
 #include "browsersweep/documents/internal/DecimalText.h"
 #include "browsersweep/sqlite/CleanableSQLiteDatabase.h"
 #include "browsersweep/sqlite/internal/DatabaseSnapshot.h"
-#include "browsersweep/sqlite/internal/ReachedFolder.h"
 
 namespace browsersweep {
 namespace {
@@ -109,11 +108,12 @@ std::optional<std::int32_t> SafariHistoryCleanableDatabase::countIn(
 }
 
 void SafariHistoryCleanableDatabase::clean(CleanableDataFilters filters) const {
-    if (!fileManager_->fileExists(file_).isFile() || !isFolderReached(*fileManager_, file_)) {
+    if (!fileManager_->fileExists(file_).isFile() || !fileManager_->reaches(file_)) {
         return;
     }
     const SQLiteConnection connection(file_, fileManager_->control());
-    if (qualifies(connection)) {
+    // A link may have appeared before the file was opened.
+    if (fileManager_->reaches(file_) && qualifies(connection)) {
         connection.evaluate(deleteStatement(filters), ExecuteEvaluator{});
         connection.evaluate(addressStatement(), ExecuteEvaluator{});
     }

@@ -166,6 +166,8 @@ std::optional<SiteErrorRow> errorOf(const SweepStore& store, const StoreListing&
     std::string text = printable(listing.detail);
     if (listing.verdict == ItemVerdict::cancelled) {
         text = listing.error ? stoppedText : interruptedText;
+    } else if (listing.verdict == ItemVerdict::leftOut) {
+        text.insert(0, std::string(displayName(listing.verdict)) + ": ");
     }
     return SiteErrorRow{ownerOf(store), listing.what.string(), std::move(text)};
 }

@@ -132,6 +132,17 @@ class Links(HostProgramTest):
             self.assertIn(f"left out: it is a link: {self.caches / 'Chromium'}", result.error)
         self.assertEqual(self.snapshot(), before)
 
+    def test_no_row_behind_a_linked_profile_goes(self):
+        database(self.precious / "History", *VISITS)
+        self.plant(self.second)
+        before = self.snapshot()
+        for arguments in (("clean", "--yes", "--category=history", "--profile=Work"),
+                          ("clean", "--yes", "--keep-going", "--profile=Work")):
+            result = self.run_program(*arguments, CHROMIUM)
+            self.assertEqual(result.status, 1)
+            self.assertIn(f"left out: it is a link: {self.second}\n", result.error)
+            self.assertEqual(self.snapshot(), before)
+
     def test_the_cookie_file_of_a_linked_folder_stays(self):
         self.plant(self.home / "Library" / "Cookies")
         before = self.snapshot()

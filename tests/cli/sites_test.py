@@ -5,7 +5,7 @@ import hashlib
 import json
 import re
 
-from fixture import ROOT, HostProgramTest, approximate, size, write
+from fixture import ROOT, HostProgramTest, approximate, database, size, write
 from html_test import Page
 
 
@@ -57,6 +57,24 @@ class Unknown(HostProgramTest):
             self.assertEqual((result.status, result.error),
                              (0, "browsersweep: Safari: what sites left there is not known to this "
                                  "version\n"))
+
+
+class Links(HostProgramTest):
+    def test_no_site_is_forgotten_behind_a_linked_profile(self):
+        precious = self.root / "precious"
+        database(precious / "History", "CREATE TABLE urls (id INTEGER PRIMARY KEY, url TEXT)",
+                 "INSERT INTO urls VALUES (1, 'https://secret.example/')")
+        write(precious / "Preferences", '{"profile": {}}')
+        self.second.rename(self.root / "aside")
+        self.second.symlink_to(precious)
+        before = self.snapshot()
+        for arguments in (("sites",), ("forget", "--all", "--yes"), ("forget", "secret.example", "--yes")):
+            result = self.run_program(*arguments, "--browser=chromium", "--profile=Work")
+            self.assertEqual(result.status, 1)
+            # Each store meets it, and it is said once.
+            self.assertEqual(result.error.count(f"left out: it is a link: {self.second}\n"), 1)
+            self.assertNotIn("secret.example 1", result.text)
+            self.assertEqual(self.snapshot(), before)
 
 
 class Forget(SitesTest):

@@ -76,6 +76,15 @@ TEST_F(ItemEvidenceTest, aDeniedFolderWeighsMoreThanALink) {
     EXPECT_EQ(judgeMeasured(evidence).path, "/denied");
 }
 
+TEST_F(ItemEvidenceTest, whatWasNotEnteredIsLeftOutAndNoFailureToDelete) {
+    auto evidence = cleaned(2, 2);
+    evidence.leftOut = {{"/link", "it is a link"}};
+    EXPECT_EQ(judgeCleaned(evidence).verdict, ItemVerdict::leftOut);
+    EXPECT_EQ(judgeCleaned(evidence).path, "/link");
+    evidence.after = CleanableDataSize{1, 10};
+    EXPECT_EQ(judgeCleaned(evidence).verdict, ItemVerdict::partlyEmptied);
+}
+
 TEST_F(ItemEvidenceTest, aFailureThatDeletedSomethingIsAPart) {
     auto evidence = cleaned(3, 2);
     evidence.error = std::make_exception_ptr(std::runtime_error("no more"));

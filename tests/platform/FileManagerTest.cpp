@@ -11,6 +11,7 @@
 #include "browsersweep/platform/FileManager.h"
 
 #include "tests/support/Bytes.h"
+#include "tests/support/FileErrors.h"
 #include "tests/support/SystemUnderTest.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -19,25 +20,9 @@ namespace {
 
 namespace fs = std::filesystem;
 using tests::bytes;
+using tests::errorThrownBy;
+using tests::modeOf;
 using Lines = std::vector<std::string>;
-
-unsigned modeOf(const fs::path& path) {
-    struct stat status = {};
-    EXPECT_EQ(::lstat(path.c_str(), &status), 0);
-    return status.st_mode & 07777U;
-}
-
-/** The error that an operation throws; a success is a failure of the test. */
-template <typename Operation>
-std::errc errorThrownBy(Operation operation) {
-    try {
-        operation();
-    } catch (const fs::filesystem_error& error) {
-        return static_cast<std::errc>(error.code().value());
-    }
-    ADD_FAILURE() << "no error";
-    return {};
-}
 
 class FileManagerTest : public testing::Test {
 protected:
@@ -54,6 +39,23 @@ protected:
     tests::TemporaryFolder folder;
     std::shared_ptr<const FileManager> manager = FileManager::forHome(folder.path());
 };
+
+TEST_F(FileManagerTest, aWayIsFreeOfLinksBelowTheLibraryFolderAlone) {
+    const auto control = std::make_shared<OperationControl>();
+    const auto told = FileManager::forHome(folder.path(), control);
+    folder.write("Library/real/file", "x");
+    fs::create_directory_symlink(folder / "Library/real", folder / "Library/link");
+    fs::create_directory_symlink(folder / "Library", folder / "elsewhere");
+    for (const char* const free : {"Library/real/file", "Library/real/missing", "Library/link",
+                                   "Library/missing/file", "elsewhere/real/file"}) {
+        EXPECT_TRUE(told->reaches(folder / free)) << free;
+    }
+    EXPECT_EQ(control->takeLeftOut(), std::vector<LeftOutFolder>{});
+    EXPECT_FALSE(told->reaches(folder / "Library/link/file"));
+    EXPECT_FALSE(told->reaches(folder / "Library/link/deep/file"));
+    EXPECT_EQ(control->takeLeftOut(),
+              (std::vector<LeftOutFolder>{{folder / "Library/link", "it is a link"}}));
+}
 
 TEST_F(FileManagerTest, existenceFollowsLinksAndTellsDirectories) {
     folder.write("file", "x");
@@ -98,8 +100,6 @@ TEST_F(FileManagerTest, contentsOfAnEnormousFileAreAnError) {
     EXPECT_EQ(errorThrownBy([&] { manager->contents(file); }), std::errc::file_too_large);
 }
 
-TEST_F(FileManagerTest, firstBytesAreThoseOfTheFileAndNoMoreThanItHas) {
-    folder.write("file", "12345");
 TEST_F(FileManagerTest, lastBytesAreThoseOfTheFileAndNoMoreThanItHas) {
     folder.write("file", "12345");
     EXPECT_EQ(manager->lastBytes(folder / "file", 0), Bytes{});
@@ -110,6 +110,8 @@ TEST_F(FileManagerTest, lastBytesAreThoseOfTheFileAndNoMoreThanItHas) {
               std::errc::is_a_directory);
 }
 
+TEST_F(FileManagerTest, firstBytesAreThoseOfTheFileAndNoMoreThanItHas) {
+    folder.write("file", "12345");
     EXPECT_EQ(manager->firstBytes(folder / "file", 3), bytes("123"));
     EXPECT_EQ(manager->firstBytes(folder / "file", 5), bytes("12345"));
     EXPECT_EQ(manager->firstBytes(folder / "file", 9), bytes("12345"));

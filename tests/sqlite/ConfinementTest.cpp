@@ -4,14 +4,17 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "browsersweep/platform/ForwardingFileManager.h"
 #include "browsersweep/sqlite/CleanableSQLiteDatabase.h"
 #include "browsersweep/sqlite/SQLiteConnection.h"
 #include "browsersweep/sqlite/SafariHistoryCleanableDatabase.h"
@@ -177,14 +180,64 @@ TEST_F(Confinement, aDatabaseThatIsALinkIsNotOpened) {
     EXPECT_EQ(Database(elsewhere).number("SELECT COUNT(*) FROM history_items"), 2);
 }
 
-TEST_F(Confinement, nothingIsCleanedBehindALinkInThePlaceOfItsFolder) {
-    const auto before = rows("history_items");
-    ASSERT_GT(before, 0);
+TEST_F(Confinement, aFolderAboveItMayBeALink) {
     fs::rename(home_ / "data", home_ / "moved");
     fs::create_directory_symlink(home_ / "moved", home_ / "data");
     table().clean();
-    safari().clean();
-    EXPECT_EQ(rows("history_items"), before);
+    EXPECT_EQ(rows("history_items"), 0);
+}
+
+/** A database elsewhere in the home, and a link to its folder in the place of a profile's. */
+class LinkOnTheWay : public Confinement {
+protected:
+    void SetUp() override {
+        fs::create_directories((home_ / link_).parent_path());
+        fs::create_directory_symlink(home_ / "data", home_ / link_);
+    }
+
+    CleanableSQLiteDatabase tableBehind(std::shared_ptr<const FileManager> manager) const {
+        return {home_ / link_ / "History.db",
+                {SQLiteStatementComponents::withPatternColumn("history_items", "url", {})},
+                std::move(manager)};
+    }
+    SafariHistoryCleanableDatabase safariBehind(std::shared_ptr<const FileManager> manager) const {
+        return {home_ / link_ / "History.db", std::move(manager)};
+    }
+
+    fs::path link_ = "Library/Application Support/Browser/Profile 1";
+    std::shared_ptr<OperationControl> control_ = std::make_shared<OperationControl>();
+    std::shared_ptr<const FileManager> own_ = FileManager::forHome(home_.path(), control_);
+};
+
+TEST_F(LinkOnTheWay, keepsACleanFromWhatLiesBehindItAndIsTold) {
+    const std::string whole = tests::readFile(file_);
+    const std::vector<LeftOutFolder> told{{home_ / link_, "it is a link"}};
+    tableBehind(own_).clean();
+    EXPECT_EQ(control_->takeLeftOut(), told);
+    safariBehind(own_).clean();
+    EXPECT_EQ(control_->takeLeftOut(), told);
+    EXPECT_EQ(tests::readFile(file_), whole);
+}
+
+/** Says that the way is free when it is asked first, as before another program has put a link
+ * there. */
+class LateLink : public ForwardingFileManager {
+public:
+    using ForwardingFileManager::ForwardingFileManager;
+
+    bool reaches(const fs::path& path) const override {
+        return questions_++ == 0 || ForwardingFileManager::reaches(path);
+    }
+
+private:
+    mutable int questions_ = 0;
+};
+
+TEST_F(LinkOnTheWay, keepsACleanAlsoWhenItAppearsBeforeTheFileIsOpened) {
+    const std::string whole = tests::readFile(file_);
+    tableBehind(std::make_shared<LateLink>(own_)).clean();
+    safariBehind(std::make_shared<LateLink>(own_)).clean();
+    EXPECT_EQ(tests::readFile(file_), whole);
 }
 
 TEST_F(Confinement, nothingWaitsForANamedPipe) {

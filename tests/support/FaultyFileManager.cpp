@@ -123,6 +123,11 @@ void FaultyFileManager::createDirectory(const fs::path& path) const {
     ForwardingFileManager::createDirectory(path);
 }
 
+bool FaultyFileManager::reaches(const fs::path& path) const {
+    count("reaches", path);
+    return ForwardingFileManager::reaches(path);
+}
+
 std::vector<FolderEntry> FaultyFileManager::entries(const fs::path& directory) const {
     count("entries", directory);
     return ForwardingFileManager::entries(directory);

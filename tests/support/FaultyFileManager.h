@@ -71,6 +71,7 @@ public:
     bool replaceFolder(const std::filesystem::path& path,
                        const std::filesystem::path& contents) const override;
     void createDirectory(const std::filesystem::path& path) const override;
+    bool reaches(const std::filesystem::path& path) const override;
     std::vector<FolderEntry> entries(const std::filesystem::path& directory) const override;
     std::unique_ptr<DirectoryEnumerator> enumerator(
         const std::filesystem::path& directory) const override;

@@ -88,6 +88,10 @@ fs::path GuardedFileManager::temporaryDirectory() const {
     return root_ / "tmp";
 }
 
+bool GuardedFileManager::reaches(const fs::path& path) const {
+    return ForwardingFileManager::reaches(checked(path));
+}
+
 std::vector<FolderEntry> GuardedFileManager::entries(const fs::path& directory) const {
     return ForwardingFileManager::entries(checked(directory));
 }

@@ -33,6 +33,7 @@ public:
                        const std::filesystem::path& contents) const override;
     void createDirectory(const std::filesystem::path& path) const override;
     std::filesystem::path temporaryDirectory() const override;
+    bool reaches(const std::filesystem::path& path) const override;
     std::vector<FolderEntry> entries(const std::filesystem::path& directory) const override;
     std::unique_ptr<DirectoryEnumerator> enumerator(
         const std::filesystem::path& directory) const override;

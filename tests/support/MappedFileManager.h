@@ -59,6 +59,9 @@ public:
                        const std::filesystem::path& contents) const override {
         return GuardedFileManager::replaceFolder(onDisk(path), onDisk(contents));
     }
+    bool reaches(const std::filesystem::path& path) const override {
+        return GuardedFileManager::reaches(onDisk(path));
+    }
     std::vector<FolderEntry> entries(const std::filesystem::path& directory) const override {
         return GuardedFileManager::entries(onDisk(directory));
     }

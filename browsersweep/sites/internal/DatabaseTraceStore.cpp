@@ -164,8 +164,10 @@ std::vector<std::filesystem::path> DatabaseTraceStore::places() const {
 }
 
 // An error of asking is thrown: what cannot be looked at is not nothing.
+// What lies behind a link or on another mount is not the browser's: neither listed nor forgotten.
 bool DatabaseTraceStore::exists() const {
-    return std::filesystem::exists(std::filesystem::symlink_status(database_.file));
+    return fileManager_->reaches(database_.file) &&
+           std::filesystem::exists(std::filesystem::symlink_status(database_.file));
 }
 
 // A log that a killed browser left, or a journal whose contents a browser let stand.
@@ -336,6 +338,9 @@ ForgetOutcome DatabaseTraceStore::forget(const ForgetRequest& request) const {
     }
     {
         SiteDatabase database(database_.file, fileManager_);
+        if (!exists()) {  // a link may have appeared before the file was opened
+            return outcome;
+        }
         Survey survey = surveyOf(database.handle(), request);
         outcome.kept = std::move(survey.kept);
         if (!survey.isAnythingToDo && !hasRemains(database, request)) {

@@ -99,6 +99,15 @@ TEST_F(Mounts, aFileBelowAMountIsNeitherDeletedNorReplaced) {
     });
 }
 
+TEST_F(Mounts, aFileBelowAMountIsNotReachedAndThatIsTold) {
+    inOwnMounts([this] {
+        mountFolder(home / "Documents", cache);
+        const auto control = std::make_shared<OperationControl>();
+        EXPECT_FALSE(FileManager::forHome(home.path(), control)->reaches(cache / "letter"));
+        EXPECT_EQ(control->takeLeftOut(), mounted(cache));
+    });
+}
+
 TEST_F(Mounts, aFolderWithAMountBelowItIsRemovedAroundTheMount) {
     home.write("Library/Caches/browser/other/file", "x");
     inOwnMounts([this] {

@@ -113,6 +113,23 @@ TEST_F(DatabaseTraceStoreTest, aFileThatIsMissingHoldsNothingAndIsNotMade) {
     EXPECT_EQ(home_.snapshot(), before);
 }
 
+TEST_F(DatabaseTraceStoreTest, aLinkOnTheWayKeepsItsDatabaseFromBeingListedAndForgotten) {
+    make();
+    const std::string whole = readFile(file_);
+    const fs::path link = home_ / "Library/Application Support/Browser/Profile 1";
+    fs::create_directories(link.parent_path());
+    fs::create_directory_symlink(home_ / "data", link);
+    const auto control = std::make_shared<OperationControl>();
+    const std::vector<LeftOutFolder> told{{link, "it is a link"}};
+    const DatabaseTraceStore behind({link / "traces.db", tables, {}},
+                                    FileManager::forHome(home_.path(), control));
+    EXPECT_EQ(behind.list({}), TraceListing{});
+    EXPECT_EQ(control->takeLeftOut(), told);
+    EXPECT_EQ(behind.forget({SiteSelection::everything(), {}, false, false, {}}), ForgetOutcome{});
+    EXPECT_EQ(control->takeLeftOut(), told);
+    EXPECT_EQ(readFile(file_), whole);
+}
+
 TEST_F(DatabaseTraceStoreTest, aMessageIsReadWholeAlthoughItsBytesLookLikeLines) {
     static constexpr std::array messages{
         TraceTable{.name = "hints", .columns = {{{"message", SiteForm::message}}}}};

@@ -91,6 +91,21 @@ FileDescriptor DirectoryWalk::openRoot(const std::filesystem::path& root, const 
     }
 }
 
+bool DirectoryWalk::reachesParent(const std::filesystem::path& path, const Gate& gate,
+                                  OperationControl* control) {
+    try {
+        gate.openParent(path);
+        return true;
+    } catch (const std::filesystem::filesystem_error& error) {
+        const int code = error.code().value();
+        if (code != ELOOP && code != EXDEV) {
+            return true;
+        }
+        leaveOut(error.path1(), code, control);
+        return false;
+    }
+}
+
 std::unique_ptr<DirectoryWalk> DirectoryWalk::start(
     const std::filesystem::path& root, const Gate& gate,
     const std::shared_ptr<OperationControl>& control) {

@@ -38,6 +38,10 @@ public:
     static FileDescriptor openRoot(const std::filesystem::path& root, const Gate& gate,
                                    OperationControl* control);
 
+    /** Whether no link and no mount keeps the gate from the folder that holds a path. */
+    static bool reachesParent(const std::filesystem::path& path, const Gate& gate,
+                              OperationControl* control);
+
     /**
      * Deletes a directory with all it holds. What is not entered stays, with the directories above
      * it. Returns whether nothing stays. Throws `filesystem_error` and what the control throws.

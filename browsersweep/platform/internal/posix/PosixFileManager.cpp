@@ -169,6 +169,10 @@ Gate PosixFileManager::gate() const {
     return Gate(answers.empty() ? homeDirectory() / "Library" : answers.front());
 }
 
+bool PosixFileManager::reaches(const std::filesystem::path& path) const {
+    return DirectoryWalk::reachesParent(path, gate(), control_.get());
+}
+
 std::vector<FolderEntry> PosixFileManager::entries(const std::filesystem::path& directory) const {
     const FileDescriptor folder = DirectoryWalk::openRoot(directory, gate(), control_.get());
     return folder ? entriesOf(folder, directory, control_.get()) : std::vector<FolderEntry>();

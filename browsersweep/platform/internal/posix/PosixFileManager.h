@@ -36,6 +36,7 @@ public:
     std::filesystem::path temporaryDirectory() const override;
     std::filesystem::path homeDirectory() const override;
     std::vector<std::filesystem::path> directories(SearchPathDirectory directory) const override;
+    bool reaches(const std::filesystem::path& path) const override;
     std::vector<FolderEntry> entries(const std::filesystem::path& directory) const override;
     std::unique_ptr<DirectoryEnumerator> enumerator(
         const std::filesystem::path& directory) const override;
