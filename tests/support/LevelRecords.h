@@ -10,12 +10,6 @@ namespace browsersweep::tests {
 /** The live records of a database of LevelDB. */
 using LevelRecords = std::map<std::string, std::string>;
 
-/** A text with its zero bytes, from a literal. */
-template <std::size_t size>
-std::string raw(const char (&literal)[size]) {
-    return std::string(literal, size - 1);
-}
-
 /** Makes a database, and the folders above it, as a browser would: in several files. */
 void writeLevelRecords(const std::filesystem::path& folder, const LevelRecords& records);
 

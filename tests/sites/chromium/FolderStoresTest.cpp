@@ -19,13 +19,14 @@
 namespace browsersweep {
 namespace {
 
+using namespace std::string_literals;
+
 namespace fs = std::filesystem;
 
 using tests::allBut;
 using tests::cacheEntry;
 using tests::everything;
 using tests::only;
-using tests::raw;
 using Lines = std::vector<std::string>;
 
 /** A field of a message that is a text of fewer than 128 letters. */
@@ -183,7 +184,7 @@ TEST_F(FolderStores, recordsThatNameASiteAreLeftOutOfDatabasesOfManyParts) {
     for (const char* place : {"shared_proto_db", "BudgetDatabase"}) {
         tests::writeLevelRecords(home.data() / place, {{"1_a", "url https://cdn.A.com/file"},
                                                        {"2_https://a.com", "x"},
-                                                       {"3", raw("a\0.\0c\0o\0m\0")},
+                                                       {"3", "a\0.\0c\0o\0m\0"s},
                                                        {"4", "https://notaa.com a.com.org"},
                                                        {"5", "https://b.com"}});
         tests::eraseLevelRecords(home.data() / place, {"2_https://a.com"});

@@ -19,6 +19,8 @@
 namespace browsersweep {
 namespace {
 
+using namespace std::string_literals;
+
 namespace fs = std::filesystem;
 
 using tests::allBut;
@@ -26,7 +28,6 @@ using tests::cacheEntry;
 using tests::everything;
 using tests::LevelRecords;
 using tests::only;
-using tests::raw;
 using Lines = std::vector<std::string>;
 
 class LevelStores : public testing::Test {
@@ -67,13 +68,13 @@ LevelRecords those(const LevelRecords& records, const std::set<std::string>& key
 
 const LevelRecords localStorage{
     {"VERSION", "1"},
-    {"META:https://www.a.com", raw("\x08\xca\xdf\xb9\xcf\xa3\xee\xef\x17\x10\x1a")},
-    {"METAACCESS:https://www.a.com", raw("\x08\xcb\xdf\xb9\xcf\xa3\xee\xef\x17")},
-    {raw("_https://www.a.com\0\x01item"), "\x01secret of a"},
-    {raw("_https://www.a.com\0\x01other"), "\x01secret of a"},
-    {raw("_https://b.com\0\x01item"), "\x01of b"},
-    {raw("_https://b.com/^0https://a.com\0\x01item"), "\x01secret of a too"},
-    {raw("_chrome-extension://abcdef\0\x01item"), "\x01of an extension"},
+    {"META:https://www.a.com", "\x08\xca\xdf\xb9\xcf\xa3\xee\xef\x17\x10\x1a"s},
+    {"METAACCESS:https://www.a.com", "\x08\xcb\xdf\xb9\xcf\xa3\xee\xef\x17"s},
+    {"_https://www.a.com\0\x01item"s, "\x01secret of a"},
+    {"_https://www.a.com\0\x01other"s, "\x01secret of a"},
+    {"_https://b.com\0\x01item"s, "\x01of b"},
+    {"_https://b.com/^0https://a.com\0\x01item"s, "\x01secret of a too"},
+    {"_chrome-extension://abcdef\0\x01item"s, "\x01of an extension"},
     {"META:chrome-extension://abcdef", "\x08\x01"},
 };
 
@@ -96,21 +97,21 @@ TEST_F(LevelStores, localStorageOfASiteGoesWithWhatIsEmbeddedInItAndLeavesNoByte
     ASSERT_FALSE(home.filesWith("a.com").empty());
     EXPECT_EQ(store("Local Storage/leveldb")->forget(only({"a.com"})), ForgetOutcome());
     EXPECT_EQ(left("Local Storage/leveldb"),
-              those(localStorage, {"VERSION", raw("_https://b.com\0\x01item"),
-                                   raw("_chrome-extension://abcdef\0\x01item"),
-                                   "META:chrome-extension://abcdef"}));
+              those(localStorage,
+                    {"VERSION", "_https://b.com\0\x01item"s,
+                     "_chrome-extension://abcdef\0\x01item"s, "META:chrome-extension://abcdef"}));
     EXPECT_EQ(home.filesWith("a.com"), Lines());
     EXPECT_EQ(home.filesWith("secret"), Lines());
 }
 
 TEST_F(LevelStores, localStorageOfExtensionsAndItsVersionStayAlways) {
-    const std::set<std::string> always{"VERSION", raw("_chrome-extension://abcdef\0\x01item"),
+    const std::set<std::string> always{"VERSION", "_chrome-extension://abcdef\0\x01item"s,
                                        "META:chrome-extension://abcdef"};
     EXPECT_EQ(leftAfter("Local Storage/leveldb", localStorage, everything()),
               those(localStorage, always));
     auto andOfB = always;
-    andOfB.insert(raw("_https://b.com\0\x01item"));
-    andOfB.insert(raw("_https://b.com/^0https://a.com\0\x01item"));
+    andOfB.insert("_https://b.com\0\x01item"s);
+    andOfB.insert("_https://b.com/^0https://a.com\0\x01item"s);
     EXPECT_EQ(leftAfter("Local Storage/leveldb", localStorage, allBut({"b.com"})),
               those(localStorage, andOfB));
 }
@@ -187,16 +188,16 @@ const LevelRecords serviceWorkers{
     {"INITDATA_NEXT_REGISTRATION_ID", "3"},
     {"INITDATA_UNIQUE_ORIGIN:https://www.a.com/", ""},
     {"INITDATA_UNIQUE_ORIGIN:https://b.com/", ""},
-    {raw("REG:https://www.a.com/\0") + "1", raw("\x08\x01\x12\x04http \x07")},
-    {raw("REG:https://b.com/\0") + "2", raw("\x08\x02\x12\x04http \x02")},
+    {"REG:https://www.a.com/\0"s + "1", "\x08\x01\x12\x04http \x07"s},
+    {"REG:https://b.com/\0"s + "2", "\x08\x02\x12\x04http \x02"s},
     {"REGID_TO_ORIGIN:1", "https://www.a.com/"},
     {"REGID_TO_ORIGIN:2", "https://b.com/"},
-    {raw("REG_HAS_USER_DATA:Sync\0") + "1", ""},
-    {raw("REG_HAS_USER_DATA:Sync\0") + "2", ""},
-    {raw("REG_USER_DATA:1\0Sync"), "x"},
-    {raw("REG_USER_DATA:2\0Sync"), "x"},
-    {raw("RES:7\0") + "0", "https://cdn.c.com/worker.js"},
-    {raw("RES:2\0") + "4", "https://b.com/sw.js"},
+    {"REG_HAS_USER_DATA:Sync\0"s + "1", ""},
+    {"REG_HAS_USER_DATA:Sync\0"s + "2", ""},
+    {"REG_USER_DATA:1\0Sync"s, "x"},
+    {"REG_USER_DATA:2\0Sync"s, "x"},
+    {"RES:7\0"s + "0", "https://cdn.c.com/worker.js"},
+    {"RES:2\0"s + "4", "https://b.com/sw.js"},
 };
 
 class ServiceWorkers : public LevelStores {
@@ -225,9 +226,9 @@ TEST_F(ServiceWorkers, noRecordOfARegistrationOutlivesItAndThoseOfOtherSitesStay
     EXPECT_EQ(left(place),
               those(serviceWorkers,
                     {"INITDATA_DB_VERSION", "INITDATA_NEXT_REGISTRATION_ID",
-                     "INITDATA_UNIQUE_ORIGIN:https://b.com/", raw("REG:https://b.com/\0") + "2",
-                     "REGID_TO_ORIGIN:2", raw("REG_HAS_USER_DATA:Sync\0") + "2",
-                     raw("REG_USER_DATA:2\0Sync"), raw("RES:2\0") + "4"}));
+                     "INITDATA_UNIQUE_ORIGIN:https://b.com/", "REG:https://b.com/\0"s + "2",
+                     "REGID_TO_ORIGIN:2", "REG_HAS_USER_DATA:Sync\0"s + "2",
+                     "REG_USER_DATA:2\0Sync"s, "RES:2\0"s + "4"}));
     EXPECT_EQ(home.filesWith("of a"), Lines());
     EXPECT_EQ(home.filesWith("script of b").size(), 1U);
     EXPECT_FALSE(fs::exists(home.data() / "Service Worker/ScriptCache/index-dir/the-real-index"));
@@ -240,37 +241,37 @@ TEST_F(ServiceWorkers, withoutAnyOfThemNeitherTheDatabaseNorTheScriptsStay) {
 
 TEST_F(ServiceWorkers, thoseOfExtensionsStay) {
     LevelRecords records = serviceWorkers;
-    records.emplace(raw("REG:chrome-extension://abc/\0") + "5", raw("\x08\x05 \x05"));
-    records.emplace(raw("REG_HAS_USER_DATA:Sync\0") + "5", "");
-    records.emplace(raw("RES:5\0") + "8", "chrome-extension://abc/sw.js");
+    records.emplace("REG:chrome-extension://abc/\0"s + "5", "\x08\x05 \x05"s);
+    records.emplace("REG_HAS_USER_DATA:Sync\0"s + "5", "");
+    records.emplace("RES:5\0"s + "8", "chrome-extension://abc/sw.js");
     home.write("Service Worker/ScriptCache/00000000000000cc_0", cacheEntry("8", "of extension"));
     EXPECT_EQ(leftAfter(place, records, everything()),
               those(records, {"INITDATA_DB_VERSION", "INITDATA_NEXT_REGISTRATION_ID",
-                              raw("REG:chrome-extension://abc/\0") + "5",
-                              raw("REG_HAS_USER_DATA:Sync\0") + "5", raw("RES:5\0") + "8"}));
+                              "REG:chrome-extension://abc/\0"s + "5",
+                              "REG_HAS_USER_DATA:Sync\0"s + "5", "RES:5\0"s + "8"}));
     EXPECT_EQ(home.filesWith("of extension").size(), 1U);
     EXPECT_EQ(home.filesWith("script of").size(), 0U);
 }
 
 TEST_F(LevelStores, notificationsBelongToTheOriginInTheirKeys) {
     const LevelRecords records{
-        {raw("DATA:https_www.a.com_0\0p#1"), "title of a"},
-        {raw("DATA:https_b.com_0\0p#1"), "title of b"},
-        {raw("DATA:https://c.com/\0p#1"), "title of c"},
+        {"DATA:https_www.a.com_0\0p#1"s, "title of a"},
+        {"DATA:https_b.com_0\0p#1"s, "title of b"},
+        {"DATA:https://c.com/\0p#1"s, "title of c"},
         {"NEXT_NOTIFICATION_ID", "3"},
     };
     write("Platform Notifications", records);
     EXPECT_EQ(tests::inShort(store("Platform Notifications")->list({})),
               (Lines{"a.com siteStorage 1", "b.com siteStorage 1", "c.com siteStorage 1"}));
     EXPECT_EQ(leftAfter("Platform Notifications", records, only({"a.com", "c.com"})),
-              those(records, {raw("DATA:https_b.com_0\0p#1"), "NEXT_NOTIFICATION_ID"}));
+              those(records, {"DATA:https_b.com_0\0p#1"s, "NEXT_NOTIFICATION_ID"}));
     EXPECT_EQ(leftAfter("Platform Notifications", records, everything()), LevelRecords());
 }
 
 // The digests of www.a.com, b.com and unknown.com.
 const LevelRecords characteristics{
     {"database_metadata", "1"},
-    {"30f4a7bbefe70d75616707c80921a7e8", raw("\x08\xb2\xa9\x8b\xd8\x06")},
+    {"30f4a7bbefe70d75616707c80921a7e8", "\x08\xb2\xa9\x8b\xd8\x06"s},
     {"79a290670239a8b19fb119b375f5dfa3", "b"},
     {"ffffffffffffffffffffffffffffffff", "unknown"},
 };

@@ -22,10 +22,11 @@
 namespace browsersweep {
 namespace {
 
+using namespace std::string_literals;
+
 namespace fs = std::filesystem;
 
 using tests::LevelRecords;
-using tests::raw;
 
 class LevelDatabaseTest : public testing::Test {
 protected:
@@ -59,7 +60,7 @@ protected:
     fs::path folder = home / "Library/profile/leveldb";
     std::shared_ptr<const FileManager> manager = tests::GuardedFileManager::forFixture(home);
     LevelDatabase database{folder, manager};
-    LevelRecords records{{"a", "1"}, {"b", std::string(100'000, 'x')}, {raw("c\0d"), raw("\0")}};
+    LevelRecords records{{"a", "1"}, {"b", std::string(100'000, 'x')}, {"c\0d"s, "\0"s}};
 };
 
 TEST_F(LevelDatabaseTest, readingVisitsEveryLiveRecordAndChangesNoByte) {

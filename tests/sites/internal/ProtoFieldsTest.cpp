@@ -10,6 +10,8 @@
 namespace browsersweep {
 namespace {
 
+using namespace std::string_literals;
+
 using Fields = std::vector<ProtoField>;
 
 TEST(ProtoFields, numbersTextsAndFixedNumbersAreToldByTheirFields) {
@@ -17,7 +19,7 @@ TEST(ProtoFields, numbersTextsAndFixedNumbersAreToldByTheirFields) {
         protoFields("\x08\x96\x01\x12\x03"
                     "abc\x2D\x01\x02\x03\x04\x29\x01\x02\x03\x04\x05\x06\x07\x08"),
         (Fields{{1, 150, {}}, {2, 0, "abc"}, {5, 0x04030201, {}}, {5, 0x0807060504030201, {}}}));
-    EXPECT_EQ(protoFields(tests::raw("\x18\x00\x22\x00")), (Fields{{3, 0, {}}, {4, 0, {}}}));
+    EXPECT_EQ(protoFields("\x18\x00\x22\x00"s), (Fields{{3, 0, {}}, {4, 0, {}}}));
     EXPECT_EQ(protoFields(""), Fields());
 }
 

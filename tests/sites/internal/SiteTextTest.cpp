@@ -9,6 +9,8 @@
 namespace browsersweep {
 namespace {
 
+using namespace std::string_literals;
+
 bool named(std::string_view bytes) {
     return namesSite(bytes, *Site::ofHost("a.com"));
 }
@@ -18,7 +20,7 @@ TEST(SiteText, aSiteIsNamedByWholeLabelsInAnyCaseAndInUTF16) {
     EXPECT_TRUE(named("https://www.A.Com/x"));
     EXPECT_TRUE(named("x a.com."));
     EXPECT_TRUE(named("ba.com a.com"));
-    EXPECT_TRUE(named(tests::raw("\x01\0a\0.\0c\0o\0m\0/\0")));
+    EXPECT_TRUE(named("\x01\0a\0.\0c\0o\0m\0/\0"s));
 }
 
 TEST(SiteText, anotherSiteWithTheSameLettersIsNotMeant) {
