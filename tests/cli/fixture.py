@@ -15,6 +15,8 @@ import unittest
 import jsonschema
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
+# A bound in seconds that ends what hangs, on the slowest machine.
+HANGS = 600
 PROGRAM = os.environ.get("BROWSERSWEEP_PROGRAM", str(ROOT / "build/debug/cli/browsersweep"))
 
 BROWSERS = ["quenbySecureBrowser", "tarrowSecureBrowser", "brave", "chromium", "firefox",
@@ -189,7 +191,7 @@ class HostProgramTest(unittest.TestCase):
         options.setdefault("stdin", subprocess.DEVNULL)
         completed = subprocess.run(self.command(*arguments, home=home), env=self.environment,
                                    stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False,
-                                   timeout=60, **options)
+                                   timeout=HANGS, **options)
         result = Result(completed)
         if "--json" in arguments and result.output:
             self.checked_document(result.output, *arguments)
@@ -229,7 +231,7 @@ class HostProgramTest(unittest.TestCase):
         written = b"" if output_too else process.stdout.read()
         if not output_too:
             process.stdout.close()
-        status = process.wait(timeout=60)
+        status = process.wait(timeout=HANGS)
         os.close(master)
         return status, written, screen.decode("utf-8", "replace")
 

@@ -7,7 +7,7 @@ import sys
 import tempfile
 import unittest
 
-from fixture import HostProgramTest, database, rows, write
+from fixture import HANGS, HostProgramTest, database, rows, write
 
 CHROMIUM = "--browser=chromium"
 FIREFOX = "--browser=firefox"
@@ -170,7 +170,7 @@ class Mounts(HostProgramTest):
             ["unshare", "--mount", "sh", "-c", 'mount --bind "$1" "$2" && shift 2 && exec "$@"',
              "sh", precious, place,
              *self.command("clean", "--yes", CHROMIUM, "--category=cache")],
-            env=self.environment, capture_output=True, text=True, check=False, timeout=60)
+            env=self.environment, capture_output=True, text=True, check=False, timeout=HANGS)
         self.assertEqual(completed.returncode, 1, completed.stderr)
         self.assertIn(f"left out: another disk or folder is mounted there: {place}",
                       completed.stderr)

@@ -11,7 +11,7 @@ import stat
 import subprocess
 import sys
 
-from fixture import PROGRAM, HostProgramTest, write
+from fixture import HANGS, PROGRAM, HostProgramTest, write
 
 VOID = {"meta", "rect", "br", "link"}  # rect closes itself
 
@@ -312,7 +312,7 @@ class InABrowser(PageTest):
             [program, *sandbox, "--headless=new", "--disable-gpu", "--disable-dev-shm-usage",
              f"--user-data-dir={profile}", *arguments],
             env={"PATH": os.environ["PATH"], "HOME": str(self.root),
-                 "CFFIXED_USER_HOME": str(self.root)}, timeout=120,
+                 "CFFIXED_USER_HOME": str(self.root)}, timeout=HANGS,
             stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False)
         self.assertEqual(completed.returncode, 0, completed.stderr.decode())
         return completed.stdout.decode("utf-8")

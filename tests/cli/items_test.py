@@ -9,7 +9,7 @@ import subprocess
 import sys
 import unittest
 
-from fixture import PROGRAM, HostProgramTest, database, rows, write
+from fixture import HANGS, PROGRAM, HostProgramTest, database, rows, write
 
 CHROMIUM = "--browser=chromium"
 SAFARI = "--browser=safari"
@@ -307,7 +307,7 @@ class FullTemporaryFolder(ItemsTest):
             ["unshare", "--mount", "sh", "-c",
              'mount -t tmpfs -o size=64k none "$1" && shift && exec "$@"', "sh", self.temporary,
              *self.command("--json", "clean", "--yes", *HISTORY)],
-            env=self.environment, capture_output=True, check=False, timeout=60)
+            env=self.environment, capture_output=True, check=False, timeout=HANGS)
         self.assertEqual(completed.returncode, 0, completed.stderr)
         document = self.checked_document(completed.stdout, "clean")
         item = self.items(document, "Default/History")[0]

@@ -14,7 +14,7 @@ import counts
 from browser import Layout
 from counts import Profile
 
-RUN_TIMEOUT = 120.0
+RUN_TIMEOUT = 600.0
 
 
 @dataclass(frozen=True)

@@ -20,7 +20,7 @@ from pathlib import Path
 
 # Only what never ends is meant to reach these: beside other tests a browser may need a minute to answer.
 START_TIMEOUT = CALL_TIMEOUT = QUIT_TIMEOUT = 240.0
-STOP_TIMEOUT = 60.0
+STOP_TIMEOUT = 240.0
 
 # As ps tells them: stopped, traced, ended, gone.
 STOPPED = "TtZX"

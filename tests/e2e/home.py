@@ -18,7 +18,7 @@ from website import HOSTS, WebSite, page_paths
 
 FORM_HOST, STORAGE_HOSTS = "shop.example.test", ("mail.localhost", "shop.example.test")
 FORM_VALUES = {"name": "Ada Lovelace", "nickname": "ada99"}
-ICON_TIMEOUT = 120.0
+ICON_TIMEOUT = 240.0
 DAY_US = 86_400_000_000
 
 BOOKMARKS = (

@@ -14,7 +14,7 @@ from planted import FRAME, GONE, KEPT, MARKED, Site
 from plantedrows import add_rows
 from plantedweb import PlantedWeb
 
-WRITING_TIMEOUT = 120.0
+WRITING_TIMEOUT = 240.0
 PROFILES = ("Default", "Profile 1")
 SCRIPTS = Path(__file__).parent
 

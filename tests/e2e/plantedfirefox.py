@@ -16,7 +16,7 @@ from plantedweb import PlantedWeb
 PROFILES = (("default-release", "a1b2c3d4.default-release"), ("work", "e5f6a7b8.work"))
 # The second profile keeps local storage where Firefox kept it before version 68.
 OLD_STORAGE = {"dom.storage.enable_unsupported_legacy_implementation": True}
-ICON_TIMEOUT = 120.0
+ICON_TIMEOUT = 240.0
 PREFERENCES = {
     "permissions.default.desktop-notification": 0,
     "browser.pagethumbnails.capturing_disabled": False,

@@ -153,7 +153,7 @@ class Home:
     def run(self, *arguments, prefix=(), **options):
         return subprocess.run([*prefix, *self.command(*arguments)], env=self.environment,
                               stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                              stderr=subprocess.PIPE, check=False, timeout=120, **options)
+                              stderr=subprocess.PIPE, check=False, timeout=600, **options)
 
     def left_temporary_files(self):
         return [str(path) for path in self.temporary.rglob("*") if not path.is_dir()]
