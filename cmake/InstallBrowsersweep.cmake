@@ -50,10 +50,10 @@ if(browsersweep_kind STREQUAL "STATIC_LIBRARY")
   if(BROWSERSWEEP_SITES)
     string(APPEND browsersweep_dependencies
            "list(APPEND CMAKE_MODULE_PATH \"\${CMAKE_CURRENT_LIST_DIR}\")\n"
-           "find_dependency(LibPSL)\n"
+           "find_dependency(LibPSL)\nfind_dependency(LZ4)\n"
            "find_dependency(Threads)\nfind_dependency(leveldb CONFIG)\n"
            "list(POP_BACK CMAKE_MODULE_PATH)\n")
-    install(FILES ${PROJECT_SOURCE_DIR}/cmake/FindLibPSL.cmake
+    install(FILES ${PROJECT_SOURCE_DIR}/cmake/FindLibPSL.cmake ${PROJECT_SOURCE_DIR}/cmake/FindLZ4.cmake
             DESTINATION ${browsersweep_package_folder} COMPONENT development)
   endif()
   set(browsersweep_pkg_config_flags " -DBROWSERSWEEP_STATIC_DEFINE")
@@ -64,7 +64,7 @@ if(browsersweep_kind STREQUAL "STATIC_LIBRARY")
     set(browsersweep_libraries "-lstdc++")
   endif()
   if(BROWSERSWEEP_SITES)
-    string(PREPEND browsersweep_libraries "-lleveldb -lpsl ")
+    string(PREPEND browsersweep_libraries "-lleveldb -llz4 -lpsl ")
   endif()
 else()
   # Who links a shared library in a folder of its own must find it again when the program starts.
@@ -125,7 +125,7 @@ else()
   # For who links the archive; the program does without.
   set(browsersweep_needed "libsqlite3-dev, libexpat1-dev, libicu-dev")
   if(BROWSERSWEEP_SITES)
-    string(APPEND browsersweep_needed ", libpsl-dev, libleveldb-dev")
+    string(APPEND browsersweep_needed ", libpsl-dev, liblz4-dev, libleveldb-dev")
   endif()
   set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${browsersweep_needed}")
 endif()

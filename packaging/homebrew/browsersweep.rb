@@ -13,6 +13,7 @@ class Browsersweep < Formula
   depends_on "nlohmann-json" => :build
   depends_on "leveldb"
   depends_on "libpsl"
+  depends_on "lz4"
   depends_on macos: :monterey
 
   uses_from_macos "expat"

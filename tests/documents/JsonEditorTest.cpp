@@ -93,5 +93,19 @@ TEST(JsonEditor, whatIsNoDocumentIsAnError) {
     EXPECT_THROW(JsonEditor{bytes(std::string(100'000, '['))}, DecodingError);
 }
 
+TEST(JsonEditor, aValueIsReplacedByAnotherText) {
+    JsonEditor editor(bytes("{\"a\": 12 ,\"b\":[1,2],\"c\":{\"d\":3}}"));
+    const auto members = editor.members(editor.root());
+    const auto elements = editor.members(members[1].value);
+    const auto inner = editor.members(members[2].value);
+    editor.replace(members[0].value, "7");
+    editor.replace(members[1].value, "[]");
+    editor.remove(elements, {true, false});
+    editor.replace(inner[0].value, "4");
+    editor.remove(members, {false, false, true});
+    EXPECT_TRUE(editor.isChanged());
+    EXPECT_EQ(editor.edited(), "{\"a\": 7 ,\"b\":[]}");
+}
+
 }  // namespace
 }  // namespace browsersweep

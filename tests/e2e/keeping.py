@@ -64,7 +64,6 @@ MIXED = {
     ),
     "firefox": (
         ("F:formhistory.sqlite", "row of .*"),
-        (r"F:(sessionstore\.jsonlz4|sessionstore-backups)", "file"),
         (r"F:(SiteSecurityServiceState|AlternateServices)\.bin", "file"),
     ),
 }

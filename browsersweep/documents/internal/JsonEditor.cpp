@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <span>
+#include <utility>
 
 #include "browsersweep/documents/internal/Json.h"
 
@@ -129,21 +130,30 @@ void JsonEditor::remove(const std::vector<Member>& members, const std::vector<bo
         if (!isRemoved[index]) {
             isBehindOne = true;
         } else if (isBehindOne) {
-            cuts_.emplace_back(member.begin - 1, member.end);
+            edits_.push_back({member.begin - 1, member.end, {}});
         } else {
-            cuts_.emplace_back(member.begin, isLast ? member.end : member.end + 1);
+            edits_.push_back({member.begin, isLast ? member.end : member.end + 1, {}});
         }
     }
 }
 
+void JsonEditor::replace(Value value, std::string text) {
+    edits_.push_back({value.begin, value.end, std::move(text)});
+}
+
 std::string JsonEditor::edited() const {
-    auto cuts = cuts_;
-    std::sort(cuts.begin(), cuts.end());
+    auto edits = edits_;
+    std::sort(edits.begin(), edits.end(), [](const Edit& one, const Edit& other) {
+        return one.begin != other.begin ? one.begin < other.begin : one.end > other.end;
+    });
     std::string result;
     std::size_t place = 0;
-    for (const auto& cut : cuts) {
-        result.append(text_, place, cut.first - std::min(cut.first, place));
-        place = std::max(place, cut.second);
+    for (const Edit& edit : edits) {
+        if (edit.begin < place) {
+            continue;  // within one that was made already
+        }
+        result.append(text_, place, edit.begin - place).append(edit.text);
+        place = edit.end;
     }
     return result.append(text_, place);
 }

@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "browsersweep/base/Bytes.h"
@@ -50,12 +49,22 @@ public:
      */
     void remove(const std::vector<Member>& members, const std::vector<bool>& isRemoved);
 
-    /** Whether anything was taken out. */
-    bool isChanged() const noexcept { return !cuts_.empty(); }
-    /** The document without what was taken out. */
+    /** Puts another text in the place of a value. What was taken out within it goes as well. */
+    void replace(Value value, std::string text);
+
+    /** Whether anything was taken out or replaced. */
+    bool isChanged() const noexcept { return !edits_.empty(); }
+    /** The document without what was taken out, and with what was replaced. */
     std::string edited() const;
 
 private:
+    /** A text that stands for a piece of the document: none where that was taken out. */
+    struct Edit {
+        std::size_t begin = 0;
+        std::size_t end = 0;
+        std::string text;
+    };
+
     std::size_t afterSpace(std::size_t place) const noexcept;
     std::size_t afterString(std::size_t place) const noexcept;
     std::size_t afterValue(std::size_t place) const noexcept;
@@ -63,7 +72,7 @@ private:
 
     std::string text_;
     Value root_;
-    std::vector<std::pair<std::size_t, std::size_t>> cuts_;
+    std::vector<Edit> edits_;
 };
 
 }  // namespace browsersweep

@@ -8,6 +8,7 @@
 
 #include "browsersweep/sites/firefox/internal/FirefoxCacheStore.h"
 #include "browsersweep/sites/firefox/internal/ServiceWorkerListStore.h"
+#include "browsersweep/sites/firefox/internal/SessionStore.h"
 #include "browsersweep/sites/internal/FolderStore.h"
 #include "browsersweep/sites/internal/MixedStore.h"
 #include "browsersweep/sites/internal/SiteForm.h"
@@ -37,10 +38,6 @@ constexpr std::array folderRows{
 constexpr std::array mixedRows{
     MixedRow{"storage/to-be-removed", TraceKind::siteStorage,
              "data of scripts that Firefox has begun to delete", false, true},
-    MixedRow{"sessionstore.jsonlz4", TraceKind::openTabs,
-             "open and closed tabs and windows with their pages and cookies, of all sites: without it Firefox opens none of them again"},
-    MixedRow{"sessionstore-backups", TraceKind::openTabs,
-             "earlier states of the open tabs and windows, of all sites"},
     MixedRow{"notificationstore.json", TraceKind::siteStorage, "notifications of any site"},
     MixedRow{"SiteSecurityServiceState.bin", TraceKind::networkState,
              "sites that asked to be loaded by https alone: without it the first page is asked for by http"},
@@ -48,6 +45,15 @@ constexpr std::array mixedRows{
              "sites that asked to be loaded by https alone: without it the first page is asked for by http"},
     MixedRow{"AlternateServices.bin", TraceKind::networkState, "other ways to the servers of any site"},
     MixedRow{"AlternateServices.txt", TraceKind::networkState, "other ways to the servers of any site"},
+};
+
+struct SessionRow {
+    std::string_view path;
+    std::string_view meaning;  ///< of a file that cannot be read
+};
+constexpr std::array sessionRows{
+    SessionRow{"sessionstore.jsonlz4", "open and closed tabs of all sites: without it Firefox opens none of them again"},
+    SessionRow{"sessionstore-backups", "earlier states of the open tabs and windows, of all sites"},
 };
 
 /** Below the profile's folder for caches. */
@@ -69,6 +75,10 @@ TraceStores firefoxFileStores(const ProfileFolders& folders,
     }
     stores.push_back(
         std::make_shared<ServiceWorkerListStore>(folders.data / "serviceworker.txt", fileManager));
+    for (const SessionRow& row : sessionRows) {
+        stores.push_back(
+            std::make_shared<SessionStore>(folders.data / row.path, row.meaning, fileManager));
+    }
     for (const MixedRow& row : mixedRows) {
         stores.push_back(std::make_shared<MixedStore>(row, folders.data, fileManager));
     }
