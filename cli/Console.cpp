@@ -1,7 +1,9 @@
 #include "cli/Console.h"
 
 #include <cerrno>
+#include <charconv>
 #include <cstddef>
+#include <cstdlib>
 #include <system_error>
 
 #include <fcntl.h>
@@ -9,6 +11,7 @@
 #include <unistd.h>
 
 #include "cli/Text.h"
+#include "cli/Wrapping.h"
 
 namespace browsersweep::cli {
 namespace {
@@ -19,11 +22,29 @@ int errorOfClosing(int descriptor) noexcept {
     return copy < 0 || ::close(copy) != 0 ? errno : 0;
 }
 
-/** How many columns a terminal has; 0 where it is none or does not say. */
+/** What the environment says of the terminal's width, for one that does not say it itself. */
+std::size_t columnsOfEnvironment() noexcept {
+    constexpr std::size_t most = 10000;
+    const char* const text = std::getenv("COLUMNS");
+    std::size_t columns = 0;
+    if (text != nullptr) {
+        const std::string_view digits = text;
+        const auto [end, error] =
+            std::from_chars(digits.data(), digits.data() + digits.size(), columns);
+        const bool isNumber = error == std::errc() && end == digits.data() + digits.size();
+        columns = isNumber && columns < most ? columns : 0;
+    }
+    return columns;
+}
+
+/** How many columns a terminal has; 0 where it is none or nothing says so. */
 std::size_t columnsOf(int descriptor) noexcept {
     winsize size{};
-    const bool isKnown = ::ioctl(descriptor, TIOCGWINSZ, &size) == 0;  // NOLINT: variadic
-    return isKnown ? size.ws_col : 0;
+    const bool isTerminal = ::ioctl(descriptor, TIOCGWINSZ, &size) == 0;  // NOLINT: variadic
+    if (!isTerminal) {
+        return 0;
+    }
+    return size.ws_col > 0 ? size.ws_col : columnsOfEnvironment();
 }
 
 }  // namespace
@@ -87,7 +108,9 @@ void Console::writeError(std::string_view text) const noexcept {
 }
 
 void Console::note(std::string_view line) const {
-    writeError("browsersweep: " + printable(line) + "\n");
+    constexpr std::size_t indent = 4;
+    writeError(wrapped("browsersweep: " + printable(line), columnsOf(STDERR_FILENO), indent,
+                       LongWords::kept));
 }
 
 std::optional<std::string> Console::readLine() const {

@@ -35,7 +35,10 @@ public:
     /** Writes to standard error. A failure is ignored: there is no other place to report it. */
     void writeError(std::string_view text) const noexcept;
 
-    /** "browsersweep: " and one line on standard error. */
+    /**
+     * "browsersweep: " and one line on standard error; on a terminal that says how wide it is, in
+     * lines that fit it.
+     */
     void note(std::string_view line) const;
 
     /** The next line of standard input, without its end; absent at the end of the input. */

@@ -1,6 +1,7 @@
 #include "cli/Doctor.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <functional>
 #include <string_view>
 
@@ -9,6 +10,7 @@
 #include "cli/ErrorText.h"
 #include "cli/Table.h"
 #include "cli/Text.h"
+#include "cli/Wrapping.h"
 
 namespace browsersweep::cli {
 namespace {
@@ -124,7 +126,11 @@ Diagnosis diagnose(const std::vector<Browser>& browsers,
 }
 
 std::string peopleText(const Diagnosis& diagnosis, const Appearance& appearance) {
-    Table table({{"Browser"}, {"Folder"}, {"State"}});
+    constexpr std::size_t leastName = 8;
+    constexpr std::size_t leastPath = 12;
+    Table table({{"Browser", Alignment::left, leastName},
+                 {"Folder", Alignment::left, leastPath, 0, Cut::front},
+                 {"State", Alignment::left, leastName}});
     for (const BrowserPlaces& browser : diagnosis.browsers) {
         for (const Place& place : browser.places) {
             table.addRow({std::string(displayName(browser.browser)), printable(place.path.string()),
@@ -134,7 +140,7 @@ std::string peopleText(const Diagnosis& diagnosis, const Appearance& appearance)
     std::string text = table.text(appearance);
     const auto advice = adviceOf(diagnosis);
     for (const std::string_view sentence : advice) {
-        text.append("\n").append(sentence).append("\n");
+        text.append("\n").append(wrapped(sentence, appearance.columns));
     }
     return advice.empty() && !diagnosis.isAnythingDenied()
                ? text + "\nEverything that is there can be reached.\n"

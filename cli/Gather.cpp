@@ -13,133 +13,13 @@
 #include "browsersweep/hosting/DatabaseState.h"
 #include "browsersweep/hosting/ItemSweep.h"
 
-#include "cli/ErrorText.h"
+#include "cli/GatherLists.h"
+#include "cli/GatherPieces.h"
+#include "cli/ProfileLabels.h"
 #include "cli/Text.h"
 
 namespace browsersweep::cli {
 namespace {
-
-/** Runs one part of the work. Its failure becomes its error text and ends nothing else. */
-template <typename Work>
-std::optional<std::string> attempt(const Observer& observer, const Work& work) {
-    if (observer.isInterrupted()) {
-        return std::string(interruptedText);
-    }
-    try {
-        work();
-        return std::nullopt;
-    } catch (const OperationCancelled&) {
-        return std::string(stoppedText);
-    } catch (const std::exception& error) {
-        return errorText(error);
-    }
-}
-
-/** Goes through the selected browsers in the catalogue's order. */
-template <typename Row, typename Fill>
-std::vector<Row> forEachBrowser(const Options& options, const CleanerFactory& cleanerOf,
-                                Observer& observer, const Fill& fill) {
-    std::vector<Row> rows;
-    const auto browsers = options.selection.selectedBrowsers();
-    for (const Browser browser : browsers) {
-        observer.begin(browser, rows.size(), browsers.size());
-        Row row{};
-        row.browser = browser;
-        fill(row, *cleanerOf(browser));
-        rows.push_back(std::move(row));
-    }
-    return rows;
-}
-
-BrowsersReport gatherBrowsers(const Options& options, const CleanerFactory& cleanerOf,
-                              Observer& observer) {
-    return {forEachBrowser<BrowserRow>(options, cleanerOf, observer,
-                                       [](BrowserRow& row, const BrowserCleaner& cleaner) {
-                                           row.displayName = cleaner.name();
-                                           row.bundleIdentifier = cleaner.bundleIdentifier();
-                                       })};
-}
-
-ProfileRow rowOf(const BrowserProfile& profile) {
-    return {profile.name(), profile.isPrimary(), profile.folder()};
-}
-
-/** Whether a profile is selected; one that is, and is left out, is added to the list. */
-bool selects(const Options& options, const BrowserProfile& profile,
-             std::vector<LeftOutProfile>& leftOut) {
-    const bool isSelected = options.selection.includes(profile);
-    const auto reason = isSelected ? profile.leftOutReason() : std::nullopt;
-    if (reason) {
-        leftOut.push_back({rowOf(profile), *reason});
-    }
-    return isSelected;
-}
-
-/** The selected profiles of a browser, in the reader's order. */
-std::vector<std::shared_ptr<const BrowserProfile>> selectedProfiles(
-    const Options& options, const BrowserCleaner& cleaner, std::vector<LeftOutProfile>& leftOut) {
-    std::vector<std::shared_ptr<const BrowserProfile>> selected;
-    for (auto& profile : cleaner.profileReader().profiles()) {
-        if (selects(options, *profile, leftOut)) {
-            selected.push_back(std::move(profile));
-        }
-    }
-    return selected;
-}
-
-ProfilesReport gatherProfiles(const Options& options, const CleanerFactory& cleanerOf,
-                              Observer& observer) {
-    return {forEachBrowser<BrowserProfiles>(
-        options, cleanerOf, observer, [&](BrowserProfiles& row, const BrowserCleaner& cleaner) {
-            row.error = attempt(observer, [&] {
-                for (const auto& profile : selectedProfiles(options, cleaner, row.leftOut)) {
-                    row.profiles.push_back(rowOf(*profile));
-                }
-            });
-        })};
-}
-
-ProfilePredicate predicateOf(const Options& options, std::vector<LeftOutProfile>& leftOut) {
-    return [&options, &leftOut](const BrowserProfile& profile) {
-        return selects(options, profile, leftOut);
-    };
-}
-
-BookmarksReport gatherBookmarks(const Options& options, const CleanerFactory& cleanerOf,
-                                Observer& observer) {
-    return {forEachBrowser<BrowserBookmarks>(
-        options, cleanerOf, observer, [&](BrowserBookmarks& row, const BrowserCleaner& cleaner) {
-            row.error = attempt(observer, [&] {
-                row.bookmarks = cleaner.bookmarks(predicateOf(options, row.leftOut));
-            });
-        })};
-}
-
-ProfileSubscriptions subscriptionsOf(const BrowserProfile& profile, const Observer& observer) {
-    ProfileSubscriptions part;
-    part.profile = rowOf(profile);
-    part.error = attempt(observer, [&] {
-        std::vector<SubscriptionRow> rows;
-        for (const auto& subscription : profile.notificationSubscriptions()) {
-            rows.push_back({subscription->sourceURL().absoluteString(), subscription->store()});
-        }
-        part.subscriptions = std::move(rows);
-    });
-    return part;
-}
-
-NotificationsReport gatherNotifications(const Options& options, const CleanerFactory& cleanerOf,
-                                        Observer& observer) {
-    return {forEachBrowser<BrowserNotifications>(
-        options, cleanerOf, observer,
-        [&](BrowserNotifications& row, const BrowserCleaner& cleaner) {
-            row.error = attempt(observer, [&] {
-                for (const auto& profile : selectedProfiles(options, cleaner, row.leftOut)) {
-                    row.profiles.push_back(subscriptionsOf(*profile, observer));
-                }
-            });
-        })};
-}
 
 /** Measures, and maybe cleans, the selected categories of one browser. */
 class BrowserMeasurer {
@@ -149,8 +29,12 @@ public:
 
     void fill(BrowserSizes& row, const BrowserCleaner& cleaner) const {
         std::vector<SweepItem> items;
-        row.error = attempt(
-            observer_, [&] { items = sweepItems(cleaner, predicateOf(options_, row.leftOut)); });
+        ProfileLabels labels;
+        const auto isSelected = [&](const BrowserProfile& profile) {
+            labels.add(profile);
+            return selects(options_, profile, row.leftOut);
+        };
+        row.error = attempt(observer_, [&] { items = sweepItems(cleaner, isSelected); });
         if (row.error) {
             return;
         }
@@ -161,6 +45,7 @@ public:
                 add(category, own, row);
             }
         }
+        tellApart(labels, row);
     }
 
 private:
@@ -175,7 +60,8 @@ private:
 
     void add(CleanableDataCategory category, const Items& items, BrowserSizes& row) const {
         observer_.begin(category);
-        auto part = options_.html ? sizeByProfile(category, items, row) : sizeOf(category, items);
+        auto part = options_.html ? sizeByProfile(category, items, row)
+                                  : sizeWithProfiles(category, items, row);
         tellOfDatabases(items, part, row.browser);
         row.size = *row.size + part.size.value_or(CleanableDataSize::zero);
         row.freedBytes += part.freedBytes;
@@ -243,13 +129,66 @@ private:
             all.requiresClosedBrowserToClean |= part.requiresClosedBrowserToClean;
             all.error = all.error ? all.error : part.error;
             all.size = *all.size + part.size.value_or(CleanableDataSize::zero);
-            profileRow(*begin->profile, row).categories.push_back(part);
+            addToProfile(*begin->profile, part, row);
             begin = end;
         }
         if (all.error && !options_.keepGoing) {
             all.size.reset();
         }
         return all;
+    }
+
+    /** The same at once, as it is cleaned; what each profile has is told by its items. */
+    CategorySize sizeWithProfiles(CleanableDataCategory category, const Items& items,
+                                  BrowserSizes& row) const {
+        auto all = sizeOf(category, items);
+        for (std::size_t begin = 0; begin < all.items.size();) {
+            auto end = begin;
+            while (end < items.size() && items[end].profile == items[begin].profile) {
+                ++end;
+            }
+            addToProfile(*items[begin].profile, partOf(all, begin, end), row);
+            begin = end;
+        }
+        return all;
+    }
+
+    /** What some items of a category come to; an error is theirs only where one of them failed. */
+    CategorySize partOf(const CategorySize& all, std::size_t begin, std::size_t end) const {
+        CategorySize part{};
+        part.category = all.category;
+        part.size = CleanableDataSize::zero;
+        for (std::size_t i = begin; i < end; ++i) {
+            const ItemRow& item = all.items[i];
+            part.items.push_back(item);
+            part.freedBytes += item.freedBytes;
+            part.size = *part.size + item.size.value_or(CleanableDataSize::zero);
+            if (all.error && !part.error && !isSuccess(item.verdict)) {
+                part.error = item.detail ? item.detail : all.error;
+            }
+        }
+        if (part.error && !all.size) {
+            part.size.reset();
+        }
+        return part;
+    }
+
+    static void addToProfile(const BrowserProfile& profile, const CategorySize& part,
+                             BrowserSizes& row) {
+        auto& own = profileRow(profile, row);
+        own.freedBytes += part.freedBytes;
+        own.categories.push_back(part);
+    }
+
+    static void tellApart(const ProfileLabels& labels, BrowserSizes& row) {
+        for (auto& part : row.profiles) {
+            part.profile.isNameShared = labels.isShared(part.profile.name);
+        }
+        for (auto& part : row.categories) {
+            for (auto& item : part.items) {
+                item.isNameShared = labels.isShared(item.profile);
+            }
+        }
     }
 
     static ProfileSizes& profileRow(const BrowserProfile& profile, BrowserSizes& row) {

@@ -1,6 +1,7 @@
 #include "cli/HTMLPieces.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include "cli/Figures.h"
 #include "cli/HTMLStyle.h"
@@ -40,13 +41,17 @@ std::string isolated(std::string_view name) {
 }
 
 std::string figureCells(const CleanableDataSize& size) {
-    return fmt::format(R"(<td class="figure">{}</td><td class="figure">{}</td>)",
-                       countText(size.itemCount), bytesText(size.byteCount));
+    return fmt::format(
+        R"(<td class="figure" data-value="{}">{}</td><td class="figure" data-value="{}">{}</td>)",
+        size.itemCount.value, countText(size.itemCount), size.byteCount.value,
+        bytesText(size.byteCount));
 }
 
-std::string pageStart(std::string_view title, std::string_view scriptDigest) {
-    const auto script =
-        scriptDigest.empty() ? "" : fmt::format("; script-src 'sha256-{}'", scriptDigest);
+std::string pageStart(std::string_view title, const std::vector<PageScript>& scripts) {
+    std::string policy = scripts.empty() ? "" : "; script-src";
+    for (const auto& script : scripts) {
+        policy += fmt::format(" 'sha256-{}'", script.digest);
+    }
     return fmt::format(
         "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
         "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; "
@@ -54,7 +59,13 @@ std::string pageStart(std::string_view title, std::string_view scriptDigest) {
         "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
         "<meta name=\"referrer\" content=\"no-referrer\">\n"
         "<title>{}</title>\n<style>{}</style>\n</head>\n<body>\n",
-        pageStyleDigest, script, escaped(title), pageStyle);
+        pageStyleDigest, policy, escaped(title), pageStyle);
+}
+
+std::string limitsParagraph(const std::vector<std::string>& limits) {
+    return limits.empty() ? ""
+                          : fmt::format("<p class=\"quiet\">Only this was asked for: {}.</p>\n",
+                                        isolated(fmt::format("{}", fmt::join(limits, "; "))));
 }
 
 std::string_view pageEnd() noexcept {

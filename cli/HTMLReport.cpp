@@ -48,15 +48,21 @@ std::string chart(const std::vector<std::string>& lines) {
     return fmt::format("<ul class=\"chart\">\n{}</ul>\n", fmt::join(lines, ""));
 }
 
-/** The sum of a profile's categories; absent where all of them failed. */
-std::optional<CleanableDataSize> sumOf(const std::vector<CategorySize>& parts) {
-    std::optional<CleanableDataSize> sum;
-    for (const auto& part : parts) {
-        if (part.size) {
-            sum = sum.value_or(CleanableDataSize::zero) + *part.size;
-        }
+/** Rows of any kind with the largest first. */
+template <typename Row, typename SizeOf>
+std::vector<const Row*> largestFirst(const std::vector<Row>& rows, const SizeOf& sizeOf) {
+    std::vector<const Row*> order;
+    for (const auto& row : rows) {
+        order.push_back(&row);
     }
-    return sum;
+    std::stable_sort(order.begin(), order.end(), [&sizeOf](const Row* one, const Row* other) {
+        return bytesOf(sizeOf(*one)) > bytesOf(sizeOf(*other));
+    });
+    return order;
+}
+
+std::vector<const BrowserSizes*> browsersOf(const SizesReport& report) {
+    return largestFirst(report.browsers, [](const BrowserSizes& row) { return row.size; });
 }
 
 bool hasFigures(const BrowserSizes& row) noexcept {
@@ -65,10 +71,10 @@ bool hasFigures(const BrowserSizes& row) noexcept {
 
 std::string overview(const SizesReport& report) {
     std::vector<std::string> lines;
-    for (const auto& row : report.browsers) {
-        if (row.error || hasFigures(row)) {
+    for (const auto* const row : browsersOf(report)) {
+        if (row->error || hasFigures(*row)) {
             lines.push_back(
-                chartLine(displayName(row.browser), row.size, report.total.byteCount.value));
+                chartLine(displayName(row->browser), row->size, report.total.byteCount.value));
         }
     }
     if (lines.empty()) {
@@ -82,8 +88,9 @@ std::string overview(const SizesReport& report) {
 
 std::string categoryChart(const BrowserSizes& row) {
     std::vector<std::string> lines;
-    for (const auto& part : row.categories) {
-        lines.push_back(chartLine(displayName(part.category), part.size, bytesOf(row.size)));
+    for (const auto* const part :
+         largestFirst(row.categories, [](const CategorySize& each) { return each.size; })) {
+        lines.push_back(chartLine(displayName(part->category), part->size, bytesOf(row.size)));
     }
     return "<h4>By category</h4>\n" + chart(lines);
 }
@@ -92,22 +99,22 @@ std::string profileChart(const BrowserSizes& row) {
     if (row.profiles.size() < 2) {
         return {};
     }
+    const auto sizeOf = [](const ProfileSizes& part) { return sumOf(part.categories); };
     std::vector<std::string> lines;
-    for (const auto& part : row.profiles) {
-        lines.push_back(
-            chartLine(displayName(part.profile), sumOf(part.categories), bytesOf(row.size)));
+    for (const auto* const part : largestFirst(row.profiles, sizeOf)) {
+        lines.push_back(chartLine(displayName(part->profile), sizeOf(*part), bytesOf(row.size)));
     }
     return "<h4>By profile</h4>\n" + chart(lines);
 }
 
 std::string cards(const SizesReport& report) {
     std::string html;
-    for (const auto& row : report.browsers) {
-        if (hasFigures(row)) {
+    for (const auto* const row : browsersOf(report)) {
+        if (hasFigures(*row)) {
             html += fmt::format(
                 "<section class=\"card\">\n<h3>{} <span>{}</span></h3>\n{}{}</section>\n",
-                isolated(displayName(row.browser)), bytesText(row.size->byteCount),
-                categoryChart(row), profileChart(row));
+                isolated(displayName(row->browser)), bytesText(row->size->byteCount),
+                categoryChart(*row), profileChart(*row));
         }
     }
     if (html.empty()) {
@@ -119,53 +126,57 @@ std::string cards(const SizesReport& report) {
         html);
 }
 
-std::string tableRow(Browser browser, const ProfileRow& profile, const CategorySize& part) {
-    const auto figures = part.size
-                             ? figureCells(*part.size)
-                             : fmt::format(R"(<td class="failed" colspan="2">failed: {}</td>)",
-                                           escaped(part.error.value_or("")));
-    return fmt::format("<tr><th scope=\"row\">{}</th><td>{}</td><td>{}</td>{}</tr>\n",
-                       isolated(displayName(browser)), isolated(displayName(profile)),
-                       displayName(part.category), figures);
+/** A row of the table of all figures. */
+struct FigureRow {
+    std::string text;
+    std::optional<CleanableDataSize> size;
+};
+
+FigureRow figureRow(Browser browser, std::string_view profile, std::string_view category,
+                    const std::optional<CleanableDataSize>& size,
+                    const std::optional<std::string>& error) {
+    const auto figures = size ? figureCells(*size)
+                              : fmt::format(R"(<td class="failed" colspan="2">failed: {}</td>)",
+                                            escaped(error.value_or("")));
+    return {fmt::format("<tr><th scope=\"row\">{}</th><td>{}</td><td>{}</td>{}</tr>\n",
+                        isolated(displayName(browser)), isolated(profile), category, figures),
+            size};
 }
 
-std::string tableRows(const BrowserSizes& row) {
-    const auto name = isolated(displayName(row.browser));
-    if (row.error) {
-        return fmt::format(
-            "<tr><th scope=\"row\">{}</th>"
-            "<td class=\"failed\" colspan=\"4\">failed: {}</td></tr>\n",
-            name, escaped(*row.error));
-    }
-    std::string html;
-    for (const auto& profile : row.profiles) {
-        for (const auto& part : profile.categories) {
-            html += tableRow(row.browser, profile.profile, part);
-        }
-    }
-    return html + fmt::format(
-                      "<tr class=\"sum\"><th scope=\"row\">{}</th><td>all</td>"
-                      "<td>all</td>{}</tr>\n",
-                      name, figureCells(row.size.value_or(CleanableDataSize::zero)));
-}
-
-std::string table(const SizesReport& report) {
-    std::string bodies;
+std::vector<FigureRow> figureRows(const SizesReport& report) {
+    std::vector<FigureRow> rows;
     for (const auto& row : report.browsers) {
-        if (row.error || hasFigures(row)) {
-            bodies += fmt::format("<tbody>\n{}</tbody>\n", tableRows(row));
+        if (row.error) {
+            rows.push_back(figureRow(row.browser, "", "", std::nullopt, row.error));
         }
+        for (const auto& profile : row.profiles) {
+            for (const auto& part : profile.categories) {
+                rows.push_back(figureRow(row.browser, displayName(profile.profile),
+                                         displayName(part.category), part.size, part.error));
+            }
+        }
+    }
+    return rows;
+}
+
+std::string table(const SizesReport& report, const std::vector<FigureRow>& rows) {
+    std::string body;
+    for (const auto* const row :
+         largestFirst(rows, [](const FigureRow& each) { return each.size; })) {
+        body += row->text;
     }
     return fmt::format(
         "<h2 id=\"figures\">All figures</h2>\n"
         "<div class=\"scroll\" role=\"region\" aria-labelledby=\"figures\" tabindex=\"0\">\n"
-        "<table>\n<caption>Items and bytes of every browser, profile and category</caption>\n"
+        "<table class=\"sortable\">\n"
+        "<caption>Items and bytes of every browser, profile and category</caption>\n"
         "<thead>\n<tr><th scope=\"col\">Browser</th><th scope=\"col\">Profile</th>"
         "<th scope=\"col\">Category</th><th scope=\"col\" class=\"figure\">Items</th>"
-        "<th scope=\"col\" class=\"figure\">Size</th></tr>\n</thead>\n{}"
+        "<th scope=\"col\" class=\"figure\" aria-sort=\"descending\">Size</th></tr>\n</thead>\n"
+        "<tbody>\n{}</tbody>\n"
         "<tfoot>\n<tr><th scope=\"row\" colspan=\"3\">Total</th>{}</tr>\n</tfoot>\n</table>\n"
-        "</div>\n",
-        bodies, figureCells(report.total));
+        "</div>\n{}",
+        body, figureCells(report.total), rows.empty() ? "" : elementOf(sortScript));
 }
 
 /** The browsers that keep nothing that was asked for. */
@@ -184,8 +195,7 @@ std::string summary(const SizesReport& report, const PageFacts& facts) {
         "<p class=\"quiet\">Measured by browsersweep, <time datetime=\"{0}Z\">{0} UTC</time></p>\n"
         "<p class=\"total\">{1}</p>\n<p>in {2} items</p>\n{3}{4}",
         facts.date, bytesText(total.byteCount), countText(total.itemCount),
-        facts.isFiltered ? "<p class=\"quiet\">Only what the given filters choose counts.</p>\n"
-                         : "",
+        limitsParagraph(facts.limits),
         isApproximate ? "<p class=\"quiet\">~ means about: a database counts with its whole file."
                         "</p>\n"
                       : "");
@@ -194,9 +204,14 @@ std::string summary(const SizesReport& report, const PageFacts& facts) {
 }  // namespace
 
 std::string htmlText(const SizesReport& report, const PageFacts& facts) {
+    const auto rows = figureRows(report);
+    std::vector<PageScript> scripts;
+    if (!rows.empty()) {
+        scripts.push_back(sortScript);
+    }
     return fmt::format("{}<main>\n{}<h2>By browser</h2>\n{}{}{}{}</main>\n{}",
-                       pageStart("What web browsers keep"), summary(report, facts),
-                       overview(report), emptyBrowsers(report), cards(report), table(report),
+                       pageStart("What web browsers keep", scripts), summary(report, facts),
+                       overview(report), emptyBrowsers(report), cards(report), table(report, rows),
                        pageEnd());
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "cli/Report.h"
 
@@ -8,13 +9,14 @@ namespace browsersweep::cli {
 
 /** What a page says about itself. */
 struct PageFacts {
-    std::string date;  ///< when it was made, in UTC, such as "2024-02-29 12:30"
-    bool isFiltered = false;
+    std::string date;                   ///< when it was made, in UTC, such as "2024-02-29 12:30"
+    std::vector<std::string> limits{};  ///< what narrows the report, in words
 };
 
 /**
  * The sizes as one page of HTML for people: charts and a table of every browser, category and
- * profile. It loads nothing and runs nothing, and its own policy forbids both. Names are escaped.
+ * profile, the largest first. It loads nothing and runs nothing but what sorts the table, and its
+ * own policy forbids all else. Names are escaped.
  */
 std::string htmlText(const SizesReport& report, const PageFacts& facts);
 

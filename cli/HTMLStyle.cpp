@@ -44,7 +44,12 @@ th, td { padding: .3rem .75rem; text-align: left; vertical-align: baseline; }
 thead th { border-bottom: 2px solid var(--edge); }
 tbody th { font-weight: 400; white-space: nowrap; }
 tbody { border-bottom: 1px solid var(--edge); }
-.sum th, .sum td, tfoot th, tfoot td { font-weight: 700; }
+thead button { padding: 0; border: 0; background: none; color: inherit; font: inherit;
+  cursor: pointer; text-decoration: underline dotted; text-underline-offset: .2em; }
+thead button:focus-visible { outline: 3px solid var(--bar); outline-offset: 2px; }
+[aria-sort="ascending"] button::after { content: " \25B2"; }
+[aria-sort="descending"] button::after { content: " \25BC"; }
+tfoot th, tfoot td { font-weight: 700; }
 .search { width: 100%; max-width: 24rem; margin: .5rem 0 1rem; padding: .4rem .6rem; font: inherit;
   border: 1px solid var(--edge); border-radius: .5rem; background: var(--card);
   color: var(--text); }
@@ -53,6 +58,6 @@ tbody { border-bottom: 1px solid var(--edge); }
 @media print { body { max-width: none; padding: 0; } .card { break-inside: avoid; } }
 )css";
 
-const std::string_view pageStyleDigest = "tDwclkhhtoPpduHWBD5AE4j38NXNXHlRRisJfi2vbeA=";
+const std::string_view pageStyleDigest = "hLNmiQ6jqp1Uef6xxKFYxWYm9mPnkHd87dmkJuhHU0M=";
 
 }  // namespace browsersweep::cli

@@ -73,6 +73,31 @@ std::string groupText(const CLI::App& app, std::string_view group, const IsShown
     return rows.empty() ? rows : fmt::format("\n{}\n{}", group, rows);
 }
 
+std::string listOfCommands(const CLI::App& app) {
+    constexpr std::size_t indent = 18;
+    std::string text = "\ncommands\n";
+    for (const auto* const command : app.get_subcommands({})) {
+        text += row(command->get_name(), indent, command->get_description());
+    }
+    return text;
+}
+
+/** What most people come for. */
+std::string beginning() {
+    constexpr std::size_t indent = 44;
+    constexpr std::array commands{
+        std::pair{"size", Example{"browsersweep size", "what every browser keeps"}},
+        std::pair{"clean",
+                  Example{"browsersweep clean -b firefox --dry-run", "what a clean would remove"}},
+        std::pair{"forget", Example{"browsersweep forget example.com", "all that one site left"}},
+    };
+    std::string text;
+    for (const auto& [command, example] : commands) {
+        text += findCommand(command) == nullptr ? "" : row(example.line, indent, example.meaning);
+    }
+    return text;
+}
+
 std::string exampleText(const Example& example) {
     return fmt::format("  {}\n      {}\n", example.line, example.meaning);
 }
@@ -86,15 +111,18 @@ std::string HelpFormatter::make_help(const CLI::App* app, std::string /*name*/,
     return app->get_parent() == nullptr ? overview(*app) : helpOf(*app);
 }
 
+std::string HelpFormatter::summary(const CLI::App& app) {
+    return fmt::format(
+        "{}\n\nusage: browsersweep COMMAND [SELECTION] [FILTERS] [OPTIONS]\n{}\nto begin with\n{}\n"
+        "'browsersweep help' shows more, 'browsersweep help COMMAND' all of a command.{}",
+        app.get_description(), listOfCommands(app), beginning(), manual);
+}
+
 std::string HelpFormatter::overview(const CLI::App& app) const {
-    constexpr std::size_t indent = 18;
     std::string text = fmt::format(
         "{}\n\nusage\n  browsersweep [--home DIR] [--json] COMMAND [SELECTION] [FILTERS] "
-        "[OPTIONS]\n\ncommands\n",
-        app.get_description());
-    for (const auto* const command : app.get_subcommands({})) {
-        text += row(command->get_name(), indent, command->get_description());
-    }
+        "[OPTIONS]\n{}",
+        app.get_description(), listOfCommands(app));
     text += "\n'browsersweep help COMMAND' shows what a command takes.\n";
     text += groupText(app, "options",
                       [this](const CLI::Option& option) { return belongs_(option, "help"); });

@@ -8,8 +8,9 @@
 namespace browsersweep::cli {
 
 /**
- * Writes the help in lines of 80 columns: an overview of the program, and a text for each command
- * with the options that it takes. Its own layout is the same with every version of the parser.
+ * Writes the help in lines of 80 columns: a summary and an overview of the program, and a text for
+ * each command with the options that it takes. Its own layout is the same with every version of the
+ * parser.
  */
 class HelpFormatter : public CLI::FormatterBase {
 public:
@@ -17,6 +18,9 @@ public:
     using Belongs = std::function<bool(const CLI::Option& option, const std::string& command)>;
 
     explicit HelpFormatter(Belongs belongs);
+
+    /** What fits a small terminal: the commands, some to begin with, and where more stands. */
+    static std::string summary(const CLI::App& app);
 
     std::string make_help(const CLI::App* app, std::string name,
                           CLI::AppFormatMode mode) const override;

@@ -76,6 +76,17 @@ JSON toJSON(const CategorySize& part, Measure measure) {
     return object;
 }
 
+JSON toJSON(const ProfileSizes& profile, Measure measure) {
+    auto object = toJSON(profile.profile);
+    addFigure(object, measure, sumOf(profile.categories), profile.freedBytes);
+    object["categories"] = listOf(profile.categories, [measure](const CategorySize& part) {
+        JSON own{{"category", rawValue(part.category)}, {"error", orNull(part.error)}};
+        addFigure(own, measure, part.size, part.freedBytes);
+        return own;
+    });
+    return object;
+}
+
 JSON toJSON(const BrowserSizes& row, Measure measure) {
     JSON object{{"browser", rawValue(row.browser)}, {"error", orNull(row.error)}};
     addFigure(object, measure, row.size, row.freedBytes);
@@ -83,6 +94,8 @@ JSON toJSON(const BrowserSizes& row, Measure measure) {
     object["leftOut"] = toJSON(row.leftOut);
     object["categories"] = listOf(
         row.categories, [measure](const CategorySize& part) { return toJSON(part, measure); });
+    object["profiles"] = listOf(
+        row.profiles, [measure](const ProfileSizes& profile) { return toJSON(profile, measure); });
     return object;
 }
 

@@ -4,6 +4,8 @@
 #include <array>
 #include <cstddef>
 #include <iterator>
+#include <optional>
+#include <utility>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -50,6 +52,53 @@ std::string faultOfFolder(const std::string& path) {
 
 std::string faultOfFile(const std::string& path) {
     return path.empty() ? "the value is empty; give the file to write" : "";
+}
+
+constexpr std::array orders{
+    std::pair{std::string_view("size"), Order::size},
+    std::pair{std::string_view("name"), Order::name},
+    std::pair{std::string_view("items"), Order::items},
+    std::pair{std::string_view("last"), Order::last},
+};
+
+constexpr std::array groupings{
+    std::pair{std::string_view("browser"), Grouping::browser},
+    std::pair{std::string_view("category"), Grouping::category},
+    std::pair{std::string_view("profile"), Grouping::profile},
+};
+
+template <typename Table>
+auto valueNamed(std::string_view name, const Table& table) {
+    const auto found = std::find_if(table.begin(), table.end(),
+                                    [name](const auto& each) { return each.first == name; });
+    return found == table.end() ? std::nullopt : std::optional(found->second);
+}
+
+std::optional<Order> orderNamed(std::string_view name) {
+    return valueNamed(name, orders);
+}
+
+std::optional<Grouping> groupingNamed(std::string_view name) {
+    return valueNamed(name, groupings);
+}
+
+template <typename Table>
+std::string faultOf(const std::string& name, std::string_view what, const Table& table) {
+    std::vector<std::string_view> names;
+    for (const auto& each : table) {
+        names.push_back(each.first);
+    }
+    return valueNamed(name, table)
+               ? ""
+               : fmt::format("'{}' is no {}; {}", printable(name), what, suggestion(name, names));
+}
+
+std::string faultOfOrder(const std::string& name) {
+    return faultOf(name, "order", orders);
+}
+
+std::string faultOfGrouping(const std::string& name) {
+    return faultOf(name, "part of a report", groupings);
 }
 
 // clang-format off
@@ -118,6 +167,25 @@ constexpr std::array ownOptions{
                                      ? std::filesystem::path(value)
                                      : std::filesystem::absolute(value);
               }, faultOfFile},
+    OptionRow{"--by", "--by", "WHAT", "options", Scope::sizeAndClean,
+              "a row for each browser, category or profile; without it browsers, or the categories "
+              "of the one that is selected",
+              [](const std::string& value, Options& options) {
+                  options.view.grouping = groupingNamed(value);
+              }, faultOfGrouping},
+    OptionRow{"--sort", "--sort", "ORDER", "options", Scope::sizeCleanAndSites,
+              "size, the largest first, as without it; name; items, the most first; or, of sites, "
+              "last, the latest used first",
+              [](const std::string& value, Options& options) {
+                  options.view.order = orderNamed(value).value();
+              }, faultOfOrder},
+    OptionRow{"--all", "--all", "", "options", Scope::sizeAndForget,
+              "size: a row for what keeps nothing, too; forget: every site, but those that are "
+              "kept",
+              [](const std::string& /*value*/, Options& options) {
+                  options.view.showsZeros = true;
+                  options.sites.all = true;
+              }, nullptr},
     OptionRow{"--dry-run", "-n,--dry-run", "", "options", Scope::cleanAndForget,
               "say what would be removed and delete nothing",
               [](const std::string& /*value*/, Options& options) {
@@ -147,16 +215,18 @@ constexpr std::array ownOptions{
 };
 // clang-format on
 
-/** The commands of the scopes that are not about all of them; an empty place at the end. */
-using Commands = std::array<std::string_view, 2>;
+/** The commands of the scopes that are not about all of them; empty places at the end. */
+using Commands = std::array<std::string_view, 3>;
 
 Commands namesOf(Scope scope) noexcept {
     // clang-format off
-    constexpr std::array<Commands, 8> table{{
+    constexpr std::array<Commands, 10> table{{
         {},
         {},
         {"size", "clean"},
         {"size", "sites"},
+        {"size", "forget"},
+        {"size", "clean", "sites"},
         {"clean", "forget"},
         {"sites"},
         {"forget"},
@@ -164,6 +234,13 @@ Commands namesOf(Scope scope) noexcept {
     }};
     // clang-format on
     return table.at(static_cast<std::size_t>(scope));
+}
+
+/** Names in a sentence: "size, clean and sites". */
+std::string listOf(const std::vector<std::string_view>& names) {
+    const std::vector<std::string_view> first(names.begin(), names.end() - 1);
+    return first.empty() ? std::string(names.back())
+                         : fmt::format("{} and {}", fmt::join(first, ", "), names.back());
 }
 
 std::vector<OptionRow> allOptions() {
@@ -209,7 +286,7 @@ std::string commandsOf(Scope scope) {
     std::vector<std::string_view> known;
     std::copy_if(names.begin(), names.end(), std::back_inserter(known),
                  [](std::string_view name) { return findCommand(name) != nullptr; });
-    return fmt::format("the command{} {}", known.size() == 1 ? "" : "s", fmt::join(known, " and "));
+    return fmt::format("the command{} {}", known.size() == 1 ? "" : "s", listOf(known));
 }
 
 }  // namespace browsersweep::cli

@@ -14,6 +14,8 @@ enum class Scope {
     everyCommand,
     sizeAndClean,
     sizeAndSites,
+    sizeAndForget,
+    sizeCleanAndSites,
     cleanAndForget,
     sites,
     forget,

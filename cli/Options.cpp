@@ -131,7 +131,7 @@ public:
         return help_->parsed() ? CommandLine(Information{helpOfTopic()}) : CommandLine(options());
     }
 
-    std::string help() const { return app_.help(); }
+    std::string shortHelp() const { return HelpFormatter::summary(app_); }
 
 private:
     const CLI::Option* add(const OptionRow& row) {
@@ -224,6 +224,7 @@ private:
         requireOnce("--html", "file");
         requireOnce("--keep-list", "file");
         requireOnce("--sort", "order");
+        requireOnce("--by", "of them");
         requireOnce("--older-than", "age");
         Options options;
         options.command = command.command;
@@ -235,6 +236,11 @@ private:
             }
         }
         requireSites(options);
+        if (options.view.order == Order::last && options.command != Command::sites) {
+            throw UsageError(
+                "--sort last belongs to the command sites; sort by size, name or items");
+        }
+        options.view.offersZeros = options.command == Command::size;
         if (options.json && options.html == Options::standardOutput) {
             throw UsageError(
                 "--json and --html - both write to standard output; give a file to --html");
@@ -271,7 +277,7 @@ private:
 CommandLine parseCommandLine(const std::vector<std::string>& arguments) {
     Parser parser;
     if (arguments.empty()) {
-        return Information{parser.help()};
+        return Information{parser.shortHelp()};
     }
     return parser.parse(joinValues(arguments));
 }

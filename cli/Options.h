@@ -11,6 +11,7 @@
 #include "cli/Commands.h"
 #include "cli/Selection.h"
 #include "cli/SiteOptions.h"
+#include "cli/SizesView.h"
 
 namespace browsersweep::cli {
 
@@ -24,6 +25,7 @@ struct Options {
     std::vector<CleanableDataFilter> filters;  ///< in the order of the command line
     std::optional<std::filesystem::path> home;
     std::optional<std::filesystem::path> html;  ///< where a page is written
+    SizesView view;                             ///< how a report is shown; its order that of sites
     SiteOptions sites;                          ///< of the commands about sites
     bool ignoreErrors = false;
     bool keepGoing = false;
@@ -41,8 +43,8 @@ struct Information {
 using CommandLine = std::variant<Options, Information>;
 
 /**
- * Reads the arguments after the program's name; without any, the help is meant. Touches no file.
- * Throws a `UsageError` for a command line that is wrong in any way.
+ * Reads the arguments after the program's name; without any, a short help is meant. Touches no
+ * file. Throws a `UsageError` for a command line that is wrong in any way.
  */
 CommandLine parseCommandLine(const std::vector<std::string>& arguments);
 

@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include "cli/ProfileLabels.h"
 #include "cli/Suggestion.h"
 #include "cli/Text.h"
 
@@ -30,6 +31,13 @@ std::string missing(std::string_view name, const std::vector<std::string>& known
                  : fmt::format("{}; 'browsersweep profiles' lists them", line);
 }
 
+/** Whether a text is what a profile of a shared name is called. */
+bool isLabel(const std::string& text, const BrowserProfile& profile) {
+    constexpr bool isNameShared = true;
+    const auto name = profile.name();
+    return name && labelOf(*name, profile.folder(), isNameShared) == text;
+}
+
 /** What each profile named in a selection means in one browser after the other. */
 class Settlement {
 public:
@@ -45,16 +53,8 @@ public:
             }
         }
         for (std::size_t i = 0; i < isFound_.size(); ++i) {
-            const auto& text = selection_.profileNames[i];
-            const auto any = [&](const auto& isMeant) {
-                return std::any_of(profiles.begin(), profiles.end(), isMeant);
-            };
-            const bool isName = any([&](const auto& profile) { return profile->name() == text; });
-            if (!isName && any([&](const auto& profile) { return profile->folder() == text; })) {
-                selection_.profileFolders.emplace_back(browser, text);
-                isFound_[i] = true;
-            }
-            isFound_[i] = isFound_[i] || isName;
+            const bool isHere = settle(browser, profiles, selection_.profileNames[i]);
+            isFound_[i] = isFound_[i] || isHere;
         }
     }
 
@@ -69,6 +69,28 @@ public:
     }
 
 private:
+    /** Whether a text means profiles of the browser; those that it does not name by their folders.
+     */
+    bool settle(Browser browser, const Profiles& profiles, const std::string& text) {
+        const auto isAny = [&profiles](const auto& isMeant) {
+            return std::any_of(profiles.begin(), profiles.end(), isMeant);
+        };
+        if (isAny([&text](const auto& profile) { return profile->name() == text; })) {
+            return true;
+        }
+        const bool isFolder =
+            isAny([&text](const auto& profile) { return profile->folder() == text; });
+        bool isFound = false;
+        for (const auto& profile : profiles) {
+            const auto folder = profile->folder();
+            if (folder && (isFolder ? *folder == text : isLabel(text, *profile))) {
+                selection_.profileFolders.emplace_back(browser, *folder);
+                isFound = true;
+            }
+        }
+        return isFound;
+    }
+
     Selection& selection_;
     std::vector<bool> isFound_;
     std::vector<std::string> known_;

@@ -25,8 +25,10 @@
 #include "cli/ErrorText.h"
 #include "cli/Gather.h"
 #include "cli/HTMLReport.h"
+#include "cli/HomeRemark.h"
 #include "cli/Interruption.h"
 #include "cli/JSONReport.h"
+#include "cli/Limits.h"
 #include "cli/NewFile.h"
 #include "cli/Options.h"
 #include "cli/ProfileNames.h"
@@ -75,9 +77,7 @@ public:
           guard_(options_, home_, cleanerFactory(), console_) {}
 
     int execute() {
-        if (options_.home && !isHomeThere()) {
-            console_.note(options_.home->string() + " is not an existing folder");
-        }
+        tellOfHome();
         const bool areProfilesFound = settleProfilesOfSelection();
         std::optional<Report> settled;
         if (isDeletion() && (!guard_.mayDelete() || !isConfirmed(settled))) {
@@ -118,16 +118,15 @@ private:
         if (isPageOutput()) {
             return pageOf(report);
         }
-        return options_.json ? jsonText(report) : peopleText(report, outputAppearance());
+        return options_.json ? jsonText(report)
+                             : peopleText(report, outputAppearance(), options_.view);
     }
 
     std::string pageOf(const Report& report) const {
         const auto date = fmt::format(
             "{:%Y-%m-%d %H:%M}", fmt::gmtime(std::chrono::time_point_cast<std::chrono::minutes>(
                                      std::chrono::system_clock::now())));
-        const bool isFiltered = !options_.filters.empty() || !options_.sites.kinds.empty() ||
-                                options_.sites.olderThan.has_value();
-        return pageText(report, {date, isFiltered});
+        return pageText(report, {date, limitsOf(options_)});
     }
 
     /** The report is still worth printing where the page cannot be written. */
@@ -162,20 +161,14 @@ private:
 
     Appearance outputAppearance() const {
         auto appearance = appearanceOf(console_.outputIsTerminal(), environmentVariable);
-        appearance.columns = areLinesFitted() ? console_.outputColumns() : 0;
+        appearance.columns = console_.outputColumns();
         return appearance;
     }
 
     Appearance errorAppearance() const {
         auto appearance = appearanceOf(console_.errorIsTerminal(), environmentVariable);
-        appearance.columns =
-            areLinesFitted() && console_.errorIsTerminal() ? console_.errorColumns() : 0;
+        appearance.columns = console_.errorIsTerminal() ? console_.errorColumns() : 0;
         return appearance;
-    }
-
-    /** Tables of sites are fitted to the terminal; other tables stay as they are. */
-    bool areLinesFitted() const noexcept {
-        return options_.command == Command::sites || options_.command == Command::forget;
     }
 
     SiteWork siteWork() const {
@@ -216,10 +209,8 @@ private:
 
     /** What could not be looked at is no part of the plan: nobody should take it for nothing. */
     void tellFailuresOfPlan(const Report& planned) const {
-        if (options_.command == Command::forget) {
-            for (const auto& failure : failures(planned)) {
-                console_.note(fmt::format("{}: {}", failure.where, failure.error));
-            }
+        for (const auto& failure : failures(planned)) {
+            console_.note(fmt::format("{}: {}", failure.where, failure.error));
         }
     }
 
@@ -241,7 +232,7 @@ private:
             return true;
         }
         tellFailuresOfPlan(planned);
-        console_.writeError(peopleText(planned, errorAppearance()));
+        console_.writeError(peopleText(planned, errorAppearance(), options_.view));
         console_.writeError("Delete this? [y/N] ");
         interruption_.letThrough();
         const auto answer = console_.readLine();
@@ -275,9 +266,10 @@ private:
         return [this](Browser browser) { return cleaner(browser, home_); };
     }
 
-    bool isHomeThere() const {
-        const auto& files = *home_.fileManager();
-        return files.fileExists(files.homeDirectory()).isDirectory;
+    void tellOfHome() const {
+        if (const auto line = remarkOnHome(*home_.fileManager(), options_.home); !line.empty()) {
+            console_.note(line);
+        }
     }
 
     Options options_;
@@ -306,9 +298,13 @@ void requireSomebodyToAsk(const Options& options, const Console& console) {
 int runDoctor(const Options& options, const Console& console) {
     const Interruption pipeErrorsAreFailures;
     const Home home = options.home ? Home::at(*options.home) : Home::current();
+    if (const auto line = remarkOnHome(*home.fileManager(), options.home); !line.empty()) {
+        console.note(line);
+    }
     const auto diagnosis =
         diagnose(options.selection.selectedBrowsers(), *home.directoryProvider());
-    const auto appearance = appearanceOf(console.outputIsTerminal(), environmentVariable);
+    auto appearance = appearanceOf(console.outputIsTerminal(), environmentVariable);
+    appearance.columns = console.outputColumns();
     console.writeOutput(options.json ? jsonText(diagnosis) : peopleText(diagnosis, appearance));
     return diagnosis.isAnythingDenied() ? somethingFailed : allDone;
 }

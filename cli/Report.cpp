@@ -10,6 +10,8 @@
 
 #include "browsersweep/hosting/FailureKind.h"
 
+#include "cli/ProfileLabels.h"
+
 namespace browsersweep::cli {
 namespace {
 
@@ -62,7 +64,8 @@ bool addItems(Browser browser, const CategorySize& part, Failures& found) {
         if (isSuccess(item.verdict) || !item.wasBegun) {
             continue;
         }
-        const std::string profile = item.profile ? *item.profile + ", " : "";
+        const std::string profile =
+            item.profile ? labelOf(*item.profile, item.folder, item.isNameShared) + ", " : "";
         add(browser, profile + std::string(displayName(part.category)),
             verdictText(item.verdict, item.detail, item.what), found);
         isAnyAdded |= item.verdict != ItemVerdict::leftOut;
@@ -103,7 +106,8 @@ void addParts(const BrowserNotifications& row, Failures& found) {
 }
 
 std::string nameOfOwner(const SiteOwner& owner) {
-    return owner.profile.value_or(owner.folder.value_or(""));
+    return owner.profile ? labelOf(*owner.profile, owner.folder, owner.isNameShared)
+                         : owner.folder.value_or("");
 }
 
 void addErrors(const std::vector<SiteErrorRow>& errors, Failures& found) {
@@ -173,7 +177,17 @@ std::vector<Failure> failures(const Report& report) {
 }
 
 std::string displayName(const ProfileRow& profile) {
-    return profile.name.value_or("(no name)");
+    return labelOf(profile.name.value_or("(no name)"), profile.folder, profile.isNameShared);
+}
+
+std::optional<CleanableDataSize> sumOf(const std::vector<CategorySize>& parts) {
+    std::optional<CleanableDataSize> sum;
+    for (const auto& part : parts) {
+        if (part.size) {
+            sum = sum.value_or(CleanableDataSize::zero) + *part.size;
+        }
+    }
+    return sum;
 }
 
 }  // namespace browsersweep::cli

@@ -35,6 +35,7 @@ struct ProfileRow {
     std::optional<std::string> name;
     bool isPrimary = false;
     std::optional<std::string> folder{};
+    bool isNameShared = false;  ///< another profile of the browser goes by the same name
 };
 /** A profile whose folder is not its own to name: nothing of it is looked at. */
 struct LeftOutProfile {
@@ -61,6 +62,7 @@ struct ItemRow {
     std::optional<CleanableDataSize> size;
     std::int64_t freedBytes = 0;
     bool wasBegun = false;
+    bool isNameShared = false;  ///< as in the row of its profile
 };
 struct CategorySize {
     CleanableDataCategory category = CleanableDataCategory::cache;
@@ -74,6 +76,7 @@ struct ProfileSizes {
     ProfileRow profile;
     std::vector<CategorySize> categories;
     const BrowserProfile* source = nullptr;  ///< tells profiles of one name apart
+    std::int64_t freedBytes = 0;
 };
 struct BrowserSizes {
     Browser browser = allBrowsers.front();
@@ -81,7 +84,7 @@ struct BrowserSizes {
     std::optional<CleanableDataSize> size;  ///< absent where the profiles cannot be read
     bool requiresClosedBrowserToClean = false;
     std::vector<CategorySize> categories;
-    std::vector<ProfileSizes> profiles;  ///< only where a page is wanted
+    std::vector<ProfileSizes> profiles;
     std::vector<LeftOutProfile> leftOut{};
     std::int64_t freedBytes = 0;
 };
@@ -138,7 +141,10 @@ std::vector<Failure> failures(const Report& report);
 /** The browsers that were measured without an error and keep nothing, by name. */
 std::vector<std::string_view> namesOfEmptyBrowsers(const SizesReport& report);
 
-/** The name of a profile for people. */
+/** The name of a profile for people, with its folder where another has the same name. */
 std::string displayName(const ProfileRow& profile);
+
+/** The sum of these categories; absent where all of them failed. */
+std::optional<CleanableDataSize> sumOf(const std::vector<CategorySize>& parts);
 
 }  // namespace browsersweep::cli

@@ -16,7 +16,7 @@ namespace browsersweep::cli {
 namespace {
 
 /** Shows the rows that hold every word of the field. */
-constexpr std::string_view searchScript = R"js(
+constexpr PageScript searchScript{R"js(
 const field = document.getElementById("search");
 const rows = [...document.querySelectorAll("#sites tbody tr")];
 const found = document.getElementById("found");
@@ -31,9 +31,8 @@ field.addEventListener("input", () => {
   }
   found.textContent = field.value ? `${count} of ${rows.length} sites` : "";
 });
-)js";
-
-constexpr std::string_view searchScriptDigest = "FqQorV6jcUH39T8+FID3Clm0LydeDP/sp8u4WRqIJkw=";
+)js",
+                                  "FqQorV6jcUH39T8+FID3Clm0LydeDP/sp8u4WRqIJkw="};
 
 std::string siteSummary(const SiteListReport& report, const PageFacts& facts) {
     return fmt::format(
@@ -41,8 +40,7 @@ std::string siteSummary(const SiteListReport& report, const PageFacts& facts) {
         "<p class=\"quiet\">Listed by browsersweep, <time datetime=\"{0}Z\">{0} UTC</time></p>\n"
         "<p class=\"total\">{1}</p>\n<p>site{2} in all browsers</p>\n{3}{4}",
         facts.date, countText({static_cast<std::int64_t>(report.sites.size())}),
-        report.sites.size() == 1 ? "" : "s",
-        facts.isFiltered ? "<p class=\"quiet\">Only what was asked for counts.</p>\n" : "",
+        report.sites.size() == 1 ? "" : "s", limitsParagraph(facts.limits),
         report.errors.empty()
             ? ""
             : "<p class=\"failed\">Something could not be looked at: see the end.</p>\n");
@@ -79,12 +77,13 @@ std::string siteTable(const SiteListReport& report) {
         "placeholder=\"Search: a site, a browser, a kind\" autocomplete=\"off\" hidden>\n"
         "<p class=\"quiet\" id=\"found\" role=\"status\"></p>\n"
         "<div class=\"scroll\" role=\"region\" aria-labelledby=\"heading\" tabindex=\"0\">\n"
-        "<table id=\"sites\">\n<caption>What each site left, and when it was last used</caption>\n"
+        "<table class=\"sortable\" id=\"sites\">\n<caption>What each site left, and when it was "
+        "last used</caption>\n"
         "<thead>\n<tr><th scope=\"col\">Site</th><th scope=\"col\">Browsers</th>"
         "<th scope=\"col\">Kinds</th><th scope=\"col\" class=\"figure\">Items</th>"
         "<th scope=\"col\" class=\"figure\">Size</th><th scope=\"col\">Last use</th></tr>\n"
-        "</thead>\n<tbody>\n{}</tbody>\n</table>\n</div>\n<script>{}</script>\n",
-        rows, searchScript);
+        "</thead>\n<tbody>\n{}</tbody>\n</table>\n</div>\n{}{}",
+        rows, elementOf(searchScript), elementOf(sortScript));
 }
 
 std::string mixedTable(const SiteListReport& report) {
@@ -122,8 +121,11 @@ std::string errorList(const SiteListReport& report) {
 }  // namespace
 
 std::string sitesPage(const SiteListReport& report, const PageFacts& facts) {
-    const auto script = report.sites.empty() ? std::string_view() : searchScriptDigest;
-    return fmt::format("{}<main>\n{}{}{}{}</main>\n{}", pageStart("What each site left", script),
+    std::vector<PageScript> scripts;
+    if (!report.sites.empty()) {
+        scripts = {searchScript, sortScript};
+    }
+    return fmt::format("{}<main>\n{}{}{}{}</main>\n{}", pageStart("What each site left", scripts),
                        siteSummary(report, facts), siteTable(report), mixedTable(report),
                        errorList(report), pageEnd());
 }

@@ -9,9 +9,6 @@ namespace browsersweep::cli {
 
 /** What the commands about sites are told. */
 struct SiteOptions {
-    /** In which order sites are shown. */
-    enum class Order { size, last, name };
-
     std::vector<std::string> names;                 ///< the sites to forget, as typed
     bool all = false;                               ///< every site is to be forgotten
     std::vector<std::string> kept;                  ///< the sites to keep, as typed
@@ -19,7 +16,6 @@ struct SiteOptions {
     std::vector<std::string> kinds;                 ///< raw values of kinds
     bool takesMixed = false;
     bool takesSettings = false;
-    Order order = Order::size;
     std::optional<double> olderThan;  ///< only sites last used so many seconds ago or earlier
 };
 

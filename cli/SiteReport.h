@@ -20,6 +20,7 @@ struct SiteOwner {
     Browser browser = allBrowsers.front();
     std::optional<std::string> profile;  ///< its name, where it has one
     std::optional<std::string> folder;   ///< of the profile; absent where all profiles share it
+    bool isNameShared = false;           ///< another profile of the browser goes by the same name
 
     friend bool operator==(const SiteOwner&, const SiteOwner&) = default;
 };

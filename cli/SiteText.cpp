@@ -12,8 +12,10 @@
 #include <fmt/ranges.h>
 
 #include "cli/Figures.h"
+#include "cli/ProfileLabels.h"
 #include "cli/Table.h"
 #include "cli/Text.h"
+#include "cli/Wrapping.h"
 
 namespace browsersweep::cli {
 namespace {
@@ -25,7 +27,12 @@ constexpr std::size_t mostSitesInDetail = 20;
 constexpr std::string_view anySite = "(any site)";
 
 std::string remark(const std::string& text, const Appearance& appearance) {
-    return text.empty() ? "" : styled(text, Style::faint, appearance) + "\n";
+    if (text.empty()) {
+        return {};
+    }
+    const auto lines = wrapped(text, appearance.columns);
+    return styled(std::string_view(lines).substr(0, lines.size() - 1), Style::faint, appearance) +
+           "\n";
 }
 
 bool isApproximate(const CleanableDataSize& size) noexcept {
@@ -109,6 +116,7 @@ std::string detailTable(const ForgetReport& report, const Appearance& appearance
 
 /** How much of one kind went from one profile. */
 struct KindSum {
+    SiteOwner owner;
     std::string_view kind;
     std::size_t sites = 0;
     CleanableDataSize size;
@@ -121,6 +129,7 @@ std::string summaryTable(const ForgetReport& report, const Appearance& appearanc
     std::map<Key, KindSum> sums;
     const auto sumOf = [&sums](const SiteOwner& owner, const KindName& kind) -> KindSum& {
         auto& sum = sums[{owner.browser, owner.folder, owner.profile, kind.display}];
+        sum.owner = owner;
         sum.kind = kind.display;
         return sum;
     };
@@ -141,8 +150,7 @@ std::string summaryTable(const ForgetReport& report, const Appearance& appearanc
                  {"Items", Alignment::right, 0, 1},
                  {std::string(figureHeader(report)), Alignment::right}});
     for (const auto& [key, sum] : sums) {
-        const SiteOwner owner{std::get<0>(key), std::get<2>(key), std::get<1>(key)};
-        table.addRow({displayName(owner), std::string(sum.kind),
+        table.addRow({displayName(sum.owner), std::string(sum.kind),
                       countText({static_cast<std::int64_t>(sum.sites)}),
                       countText(sum.size.itemCount), bytesText(sum.size.byteCount)});
     }
@@ -163,13 +171,20 @@ std::string goneText(const ForgetReport& report, const Appearance& appearance) {
                                                        : detailTable(report, appearance);
 }
 
+constexpr std::size_t indentOfWhy = 4;
+constexpr std::size_t indentOfPlace = 8;
+
+std::string placeOf(const SiteOwner& owner, const std::string& what, std::string_view start) {
+    return fmt::format("{}{}: {}", start, printable(displayName(owner)), printable(what));
+}
+
 /** What stays, each reason once with all the places that it stays in. */
-std::string keptText(const ForgetReport& report) {
+std::string keptText(const ForgetReport& report, std::size_t columns) {
     std::vector<std::pair<std::string, std::string>> reasons;
     for (const auto& row : report.kept) {
-        auto reason = fmt::format("  {}: {}\n", row.kind.display, printable(row.why));
-        auto place =
-            fmt::format("      {}: {}\n", printable(displayName(row.owner)), printable(row.what));
+        auto reason = wrapped(fmt::format("  {}: {}", row.kind.display, printable(row.why)),
+                              columns, indentOfWhy);
+        auto place = wrapped(placeOf(row.owner, row.what, "      "), columns, indentOfPlace);
         const auto found = std::find_if(reasons.begin(), reasons.end(),
                                         [&](const auto& each) { return each.first == reason; });
         if (found == reasons.end()) {
@@ -183,22 +198,23 @@ std::string keptText(const ForgetReport& report) {
         text += reason + places;
     }
     for (const auto& hint : report.hints) {
-        text += hint + "\n";
+        text += wrapped(hint, columns);
     }
     return text;
 }
 
-std::string remainsText(const ForgetReport& report) {
+std::string remainsText(const ForgetReport& report, std::size_t columns) {
     std::string text;
     for (const auto& row : report.stores) {
         if (!row.isWithoutRemains) {
-            text +=
-                fmt::format("  {}: {}\n", printable(displayName(row.owner)), printable(row.what));
+            text += wrapped(placeOf(row.owner, row.what, "  "), columns, indentOfWhy);
         }
     }
     return text.empty() ? ""
-                        : "The disk had no room to write these files anew, so remains of what went "
-                          "may be left in them:\n" +
+                        : wrapped(
+                              "The disk had no room to write these files anew, so remains of "
+                              "what went may be left in them:",
+                              columns) +
                               text;
 }
 
@@ -213,8 +229,10 @@ std::string freedText(const ForgetReport& report) {
 
 std::string displayName(const SiteOwner& owner) {
     const std::string browser(displayName(owner.browser));
-    const auto& profile = owner.profile ? owner.profile : owner.folder;
-    return profile ? browser + ", " + *profile : browser;
+    if (owner.profile) {
+        return browser + ", " + labelOf(*owner.profile, owner.folder, owner.isNameShared);
+    }
+    return owner.folder ? browser + ", " + *owner.folder : browser;
 }
 
 std::string browsersOf(const SiteRow& row) {
@@ -241,7 +259,8 @@ std::string peopleText(const SiteListReport& report, const Appearance& appearanc
 }
 
 std::string peopleText(const ForgetReport& report, const Appearance& appearance) {
-    return goneText(report, appearance) + keptText(report) + remainsText(report) +
+    const auto columns = appearance.columns;
+    return goneText(report, appearance) + keptText(report, columns) + remainsText(report, columns) +
            remark(freedText(report), appearance) +
            remark(legend(report.forgotten, report), appearance);
 }

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "cli/Figures.h"
 #include "cli/Text.h"
 
 namespace browsersweep::cli {
@@ -15,8 +16,7 @@ using Cells = std::vector<Table::Cell>;
 Cells printableCells(Cells cells, const Appearance& appearance) {
     for (auto& cell : cells) {
         cell.text = printable(cell.text);
-        // The program draws bars for the stream at hand; they are no text of anybody else.
-        if (appearance.text == CharacterSet::ascii && cell.style != Style::bar) {
+        if (appearance.text == CharacterSet::ascii) {
             cell.text = asciiOf(cell.text);
         }
     }
@@ -93,15 +93,34 @@ std::vector<Place> placesFor(const std::vector<Table::Column>& columns,
     return places;
 }
 
+std::string cutTo(std::size_t width, const std::string& text, Cut cut, CharacterSet characters) {
+    return cut == Cut::front ? shortenedInFront(text, width, characters)
+                             : shortened(text, width, characters);
+}
+
+/** How wide bars may be beside the columns; 0 where too little is left for one. */
+std::size_t barWidthBeside(const std::vector<Place>& places, std::size_t limit) noexcept {
+    constexpr std::size_t usual = 20;
+    constexpr std::size_t narrowest = 4;
+    constexpr std::size_t widest = 60;
+    if (limit == 0) {
+        return usual;
+    }
+    const auto taken = widthOf(places) + gap;
+    const auto left = limit - std::min(limit, taken);
+    return left < narrowest ? 0 : std::min(left, widest);
+}
+
 std::string line(const std::vector<Table::Column>& columns, const std::vector<Place>& places,
-                 const Cells& cells, const Appearance& appearance) {
+                 const Cells& cells, const std::string& chart, const Appearance& appearance) {
     std::string text;
     std::size_t owed = 0;  // spaces are written only before something visible
     for (const auto& place : places) {
         const auto& cell = cells[place.index];
-        const auto shown = shortened(cell.text, place.width, appearance.drawing);
+        const auto& column = columns[place.index];
+        const auto shown = cutTo(place.width, cell.text, column.cut, appearance.drawing);
         const std::size_t padding = place.width - displayWidth(shown);
-        const bool isRight = columns[place.index].alignment == Alignment::right;
+        const bool isRight = column.alignment == Alignment::right;
         owed += isRight ? padding : 0;
         if (!shown.empty()) {
             text.append(owed, ' ');
@@ -109,6 +128,10 @@ std::string line(const std::vector<Table::Column>& columns, const std::vector<Pl
             owed = 0;
         }
         owed += (isRight ? 0 : padding) + gap;
+    }
+    if (!chart.empty()) {
+        text.append(owed, ' ');
+        text += styled(chart, Style::bar, appearance);
     }
     return text + "\n";
 }
@@ -125,7 +148,11 @@ Table::Table(std::vector<Column> columns) : columns_(std::move(columns)) {
 }
 
 void Table::addRow(std::vector<Cell> cells) {
-    rows_.push_back(std::move(cells));
+    addRow(std::move(cells), Bar{});
+}
+
+void Table::addRow(std::vector<Cell> cells, Bar bar) {
+    rows_.push_back({std::move(cells), bar});
 }
 
 std::string Table::text(const Appearance& appearance) const {
@@ -133,15 +160,18 @@ std::string Table::text(const Appearance& appearance) const {
     rows.reserve(rows_.size());
     std::vector<std::size_t> widths(columns_.size(), 0);
     for (const auto& row : rows_) {
-        rows.push_back(printableCells(row, appearance));
-        for (std::size_t i = 0; i < row.size(); ++i) {
+        rows.push_back(printableCells(row.cells, appearance));
+        for (std::size_t i = 0; i < row.cells.size(); ++i) {
             widths[i] = std::max(widths[i], displayWidth(rows.back()[i].text));
         }
     }
     const auto places = placesFor(columns_, widths, appearance.columns);
+    const auto barWidth = barWidthBeside(places, appearance.columns);
     std::string text;
-    for (const auto& row : rows) {
-        text += line(columns_, places, row, appearance);
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        const auto& [value, largest] = rows_[i].bar;
+        const auto chart = barWidth == 0 ? "" : bar(value, largest, barWidth, appearance.drawing);
+        text += line(columns_, places, rows[i], chart, appearance);
     }
     return text;
 }

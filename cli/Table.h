@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
@@ -11,9 +12,13 @@ namespace browsersweep::cli {
 
 enum class Alignment { left, right };
 
+/** Which part of a cell is left out where it is too long. */
+enum class Cut { end, front };
+
 /**
  * A table for people: columns as wide as their widest cell, two spaces apart. Where that is wider
- * than the terminal, the columns that may be are narrowed, or left out.
+ * than the terminal, the columns that may be are narrowed, or left out. Bars take what room is
+ * left.
  */
 class Table {
 public:
@@ -24,6 +29,8 @@ public:
         std::size_t least = 0;
         /** Of the columns that may be left out, that of the highest rank goes first; 0: never. */
         int expendable = 0;
+        /** Where a cell of it is cut; a path tells more by its end. */
+        Cut cut = Cut::end;
     };
 
     struct Cell {
@@ -35,17 +42,31 @@ public:
         Style style = Style::plain;
     };
 
+    /** One of the bars that stand after the last column, all of one scale. */
+    struct Bar {
+        std::int64_t value = 0;
+        std::int64_t largest = 0;  ///< the value whose bar is the longest
+    };
+
     explicit Table(std::vector<Column> columns);
 
     /** Adds a row of as many cells as there are columns. */
     void addRow(std::vector<Cell> cells);
 
+    /** The same with a bar after them. */
+    void addRow(std::vector<Cell> cells, Bar bar);
+
     /** The lines of the table, header first, without spaces at their ends. Cells are printable. */
     std::string text(const Appearance& appearance) const;
 
 private:
+    struct Row {
+        std::vector<Cell> cells;
+        Bar bar;
+    };
+
     std::vector<Column> columns_;
-    std::vector<std::vector<Cell>> rows_;
+    std::vector<Row> rows_;
 };
 
 }  // namespace browsersweep::cli

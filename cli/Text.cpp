@@ -221,4 +221,16 @@ std::string shortened(std::string_view text, std::size_t width, CharacterSet cha
     return kept.append(sign);
 }
 
+std::string shortenedInFront(std::string_view text, std::size_t width, CharacterSet characters) {
+    if (displayWidth(text) <= width) {
+        return std::string(text);
+    }
+    std::string cut(characters == CharacterSet::utf8 ? "\u2026" : "..");
+    const std::size_t room = width - std::min(width, displayWidth(cut));
+    while (displayWidth(text) > room) {
+        text.remove_prefix(characterAt(text, 0).length);
+    }
+    return cut.append(text);
+}
+
 }  // namespace browsersweep::cli

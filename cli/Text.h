@@ -46,4 +46,7 @@ std::size_t displayWidth(std::string_view text) noexcept;
 /** The text, or as much of it as fits with a sign that something is missing. */
 std::string shortened(std::string_view text, std::size_t width, CharacterSet characters);
 
+/** The same, cut at its front: of a path the end tells more. */
+std::string shortenedInFront(std::string_view text, std::size_t width, CharacterSet characters);
+
 }  // namespace browsersweep::cli

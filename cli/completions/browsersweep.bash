@@ -14,7 +14,7 @@ _browsersweep_command() {
         case $word in
         --home | --browser | -b | --profile | --category | -c | --html) is_value=yes ;;
         --include | --exclude | --inside | --outside | --filter) is_value=yes ;;
-        --kind | --sort | --older-than | --keep | --keep-list) is_value=yes ;;
+        --kind | --by | --sort | --older-than | --keep | --keep-list) is_value=yes ;;
         browsers | profiles | size | clean | sites | forget | bookmarks | notifications | doctor | help)
             printf '%s\n' "$word"
             return
@@ -35,8 +35,11 @@ _browsersweep_options() {
     esac
     case $1 in "" | size | sites) printf '%s\n' --html ;; esac
     case $1 in "" | sites | forget) printf '%s\n' --kind ;; esac
-    case $1 in "" | sites) printf '%s\n' --sort --older-than ;; esac
-    case $1 in "" | forget) printf '%s\n' --all --keep --keep-list --mixed --settings ;; esac
+    case $1 in "" | size | clean) printf '%s\n' --by ;; esac
+    case $1 in "" | size | clean | sites) printf '%s\n' --sort ;; esac
+    case $1 in "" | sites) printf '%s\n' --older-than ;; esac
+    case $1 in "" | size | forget) printf '%s\n' --all ;; esac
+    case $1 in "" | forget) printf '%s\n' --keep --keep-list --mixed --settings ;; esac
     case $1 in "" | clean | forget) printf '%s\n' --dry-run --yes --force ;; esac
 }
 
@@ -75,7 +78,8 @@ _browsersweep() {
     --browser | -b) _browsersweep_offer "$browsers" && return ;;
     --category | -c) _browsersweep_offer "$categories" && return ;;
     --kind) _browsersweep_offer "$kinds" && return ;;
-    --sort) _browsersweep_offer "size last name" && return ;;
+    --by) _browsersweep_offer "browser category profile" && return ;;
+    --sort) _browsersweep_offer "size name items last" && return ;;
     --home) _browsersweep_offer_paths directory && return ;;
     --html | --keep-list) _browsersweep_offer_paths file && return ;;
     --profile | --include | --exclude | --inside | --outside | --filter) return ;;

@@ -17,6 +17,8 @@ set -l measuring "not __fish_seen_subcommand_from $listing sites forget"
 set -l showing "not __fish_seen_subcommand_from $listing clean forget"
 set -l cleaning "not __fish_seen_subcommand_from $listing size sites"
 set -l tracing "not __fish_seen_subcommand_from $listing size clean"
+set -l sorting "not __fish_seen_subcommand_from $listing forget"
+set -l choosing "not __fish_seen_subcommand_from $listing clean sites"
 set -l surveying "not __fish_seen_subcommand_from $listing size clean forget"
 set -l forgetting "not __fish_seen_subcommand_from $listing size clean sites"
 
@@ -51,9 +53,10 @@ complete -c browsersweep -n $measuring -l ignore-errors -d 'Carry on over errors
 complete -c browsersweep -n $measuring -l keep-going -d 'Go on with the next item where one fails'
 complete -c browsersweep -n $showing -l html -r -F -d 'Write a page for a web browser as well'
 complete -c browsersweep -n $tracing -l kind -x -a "$kinds" -d 'A kind of traces'
-complete -c browsersweep -n $surveying -l sort -x -a 'size last name' -d 'The order of the sites'
+complete -c browsersweep -n $measuring -l by -x -a 'browser category profile' -d 'What a row is about'
+complete -c browsersweep -n $sorting -l sort -x -a 'size name items last' -d 'The order of the rows'
 complete -c browsersweep -n $surveying -l older-than -x -d 'Only sites not used for so long'
-complete -c browsersweep -n $forgetting -l all -d 'Every site, but those that are kept'
+complete -c browsersweep -n $choosing -l all -d 'Of sizes the zeros, too; of sites every one'
 complete -c browsersweep -n $forgetting -l keep -x -d 'A site to keep'
 complete -c browsersweep -n $forgetting -l keep-list -r -F -d 'A file with the sites to keep'
 complete -c browsersweep -n $forgetting -l mixed -d 'Also what tells no site apart'

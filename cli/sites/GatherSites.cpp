@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <exception>
 #include <iterator>
+#include <map>
 #include <memory>
 #include <utility>
 
@@ -14,6 +15,8 @@
 #include "browsersweep/sites/ListingParts.h"
 
 #include "cli/ErrorText.h"
+#include "cli/Order.h"
+#include "cli/ProfileLabels.h"
 #include "cli/SiteCommands.h"
 #include "cli/Text.h"
 #include "cli/sites/FreedShares.h"
@@ -45,12 +48,25 @@ std::optional<std::string> orNothing(std::string text) {
 struct SelectedStores {
     std::vector<SweepStore> stores;
     std::vector<SiteErrorRow> errors;
+    std::map<Browser, ProfileLabels> labels;
 };
+
+/** Marks in rows whose profile another one of the browser has the name of. */
+template <typename Rows>
+void tellApart(const std::map<Browser, ProfileLabels>& labels, Rows& rows) {
+    for (auto& row : rows) {
+        const auto found = labels.find(row.owner.browser);
+        row.owner.isNameShared =
+            found != labels.end() && row.owner.profile && found->second.isShared(row.owner.profile);
+    }
+}
 
 void addStores(Browser browser, const Options& options, const SiteWork& work, Observer& observer,
                SelectedStores& selected) {
     bool hasProfile = false;
+    auto& labels = selected.labels[browser];
     const auto isSelected = [&](const BrowserProfile& profile) {
+        labels.add(profile);
         const bool isChosen = options.selection.includes(profile);
         const auto reason = isChosen ? profile.leftOutReason() : std::nullopt;
         if (reason) {
@@ -153,8 +169,12 @@ bool isByName(const SiteRow& one, const SiteRow& other) {
     return one.site < other.site;
 }
 
-void sort(std::vector<SiteRow>& rows, SiteOptions::Order order) {
-    constexpr std::array comparisons{&isLarger, &isLater, &isByName};
+bool hasMoreItems(const SiteRow& one, const SiteRow& other) {
+    return one.size.itemCount.value > other.size.itemCount.value;
+}
+
+void sort(std::vector<SiteRow>& rows, Order order) {
+    constexpr std::array comparisons{&isLarger, &isByName, &hasMoreItems, &isLater};
     std::stable_sort(rows.begin(), rows.end(), comparisons.at(static_cast<std::size_t>(order)));
 }
 
@@ -272,7 +292,7 @@ ForgetReport reportOf(const std::vector<SweepStore>& stores, const ForgetResult&
         addKept(stores[i], store, report.kept);
     }
     report.forgotten = rowsOf(stores, gone, shares);
-    sort(report.forgotten, SiteOptions::Order::size);
+    sort(report.forgotten, Order::size);
     for (std::size_t i = 0; i < report.notBySite.size(); ++i) {
         report.notBySite[i].freedBytes = shares.ofMixed()[i];
     }
@@ -293,6 +313,13 @@ ForgetReport work(Work kind, const Options& options, const SiteWork& work, Obser
     report.isPlan = kind == Work::plan;
     report.isDryRun = options.dryRun;
     report.errors = std::move(selected.errors);
+    tellApart(selected.labels, report.errors);
+    tellApart(selected.labels, report.notBySite);
+    tellApart(selected.labels, report.kept);
+    tellApart(selected.labels, report.stores);
+    for (auto& site : report.forgotten) {
+        tellApart(selected.labels, site.traces);
+    }
     const bool isExact = isAllSeen(report);
     report.total.itemCount.isApproximate |= !isExact;
     report.total.byteCount.isApproximate |= !isExact;
@@ -321,6 +348,11 @@ SiteListReport gatherSites(const Options& options, const SiteWork& work, Observe
         }
     }
     report.sites = rowsOf(selected.stores, listings);
+    tellApart(selected.labels, report.errors);
+    tellApart(selected.labels, report.notBySite);
+    for (auto& site : report.sites) {
+        tellApart(selected.labels, site.traces);
+    }
     if (options.sites.olderThan) {
         const Date latest =
             ReferenceClock::now() - ReferenceClock::duration(*options.sites.olderThan);
@@ -328,7 +360,7 @@ SiteListReport gatherSites(const Options& options, const SiteWork& work, Observe
             return !row.lastUsed || *row.lastUsed > latest;
         });
     }
-    sort(report.sites, options.sites.order);
+    sort(report.sites, options.view.order);
     return report;
 }
 

@@ -22,8 +22,6 @@
 namespace browsersweep::cli {
 namespace {
 
-using Order = SiteOptions::Order;
-
 constexpr std::string_view sitesNotes =
     R"(It is not known of every site when it was last used; --older-than leaves such
 sites out. What tells no site apart has a table of its own.
@@ -38,12 +36,6 @@ Bookmarks, passwords and extensions are never touched. The file of --keep-list
 has one site in a line; # begins a comment.
 )";
 
-constexpr std::array orders{
-    std::pair{std::string_view("size"), Order::size},
-    std::pair{std::string_view("last"), Order::last},
-    std::pair{std::string_view("name"), Order::name},
-};
-
 constexpr double hour = 3600;
 constexpr std::array ages{
     std::pair{'h', hour},
@@ -51,12 +43,6 @@ constexpr std::array ages{
     std::pair{'w', 7 * 24 * hour},
     std::pair{'y', 365 * 24 * hour},
 };
-
-std::optional<Order> orderNamed(std::string_view name) {
-    const auto* const found = std::find_if(orders.begin(), orders.end(),
-                                           [name](const auto& each) { return each.first == name; });
-    return found == orders.end() ? std::nullopt : std::optional(found->second);
-}
 
 /** The seconds of a text such as "30d". */
 std::optional<double> secondsOf(std::string_view age) {
@@ -87,12 +73,6 @@ std::string faultOfKind(const std::string& name) {
     return fmt::format("'{}' is no kind; {}", printable(name), suggestion(name, names));
 }
 
-std::string faultOfOrder(const std::string& name) {
-    return orderNamed(name) ? ""
-                            : fmt::format("'{}' is no order; {}", printable(name),
-                                          suggestion(name, {"size", "last", "name"}));
-}
-
 std::string faultOfAge(const std::string& age) {
     return secondsOf(age) ? ""
                           : fmt::format(
@@ -114,21 +94,11 @@ constexpr std::array optionRows{
               [](const std::string& value, Options& options) {
                   options.sites.kinds.push_back(value);
               }, faultOfKind},
-    OptionRow{"--sort", "--sort", "ORDER", "options", Scope::sites,
-              "size, the largest first; last, the latest used first; or name",
-              [](const std::string& value, Options& options) {
-                  options.sites.order = orderNamed(value).value();
-              }, faultOfOrder},
     OptionRow{"--older-than", "--older-than", "AGE", "options", Scope::sites,
               "only sites that were not used for so long, such as 12h, 30d, 8w or 1y",
               [](const std::string& value, Options& options) {
                   options.sites.olderThan = secondsOf(value);
               }, faultOfAge},
-    OptionRow{"--all", "--all", "", "options", Scope::forget,
-              "every site, but those that are kept",
-              [](const std::string& /*value*/, Options& options) {
-                  options.sites.all = true;
-              }, nullptr},
     OptionRow{"--keep", "--keep", "SITE", "options", Scope::forget,
               "with --all: a site to keep",
               [](const std::string& value, Options& options) {

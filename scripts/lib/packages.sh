@@ -13,7 +13,7 @@ debian_test="clang clang-format clang-tidy lld libclang-rt-14-dev libc++-dev lib
     libgnustep-base-dev gobjc-12 gnustep-base-runtime
     shellcheck strace procps valgrind gcovr doxygen locales-all pkg-config zlib1g-dev dpkg-dev file
     groff-base zsh fish python3-pytest python3-pytest-xdist python3-jsonschema
-    tcl python3-cryptography python3-lz4 python3-plyvel python3-snappy"
+    tcl python3-cryptography python3-lz4 python3-pexpect python3-plyvel python3-snappy"
 
 # Real browsers, and a second version of clang-format: without them the tests that need them are skipped,
 # and reported so.
@@ -29,4 +29,4 @@ macos_build="cmake ninja ccache nlohmann-json cli11 fmt libpsl lz4 leveldb"
 macos_test="googletest google-benchmark llvm shellcheck actionlint gcovr doxygen pkgconf"
 
 # Homebrew has not all of them: they are put into the build folder, from Python's own index.
-macos_python="pytest pytest-xdist jsonschema"
+macos_python="pytest pytest-xdist jsonschema pexpect"

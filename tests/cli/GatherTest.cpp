@@ -178,9 +178,40 @@ TEST_F(Gather, theObserverHearsEveryStep) {
               (std::vector<std::string>{"opera 0/2", "cache", "history", "safari 1/2"}));
 }
 
-TEST_F(Gather, profilesAreMeasuredOnlyForAPage) {
+TEST_F(Gather, whatEachProfileHasIsToldByItsItemsWithoutMeasuringThemAgain) {
+    options_.command = Command::clean;
+    profileCount_ = 2;
+    sizes(false);
+    const auto once = record_->size();
+    profileCount_ = 1;
+    const auto browser = sizes(false).browsers[0];
+    EXPECT_EQ(record_->size(), once + once / 2);
+    ASSERT_EQ(browser.profiles.size(), 1U);
+    ASSERT_EQ(browser.profiles[0].categories.size(), 2U);
+    EXPECT_EQ(browser.profiles[0].categories[0].size, (CleanableDataSize{{4}, {40}}));
+    EXPECT_EQ(browser.profiles[0].categories[0].error, std::nullopt);
+}
+
+TEST_F(Gather, aProfileLacksWhatAnErrorKeptFromItsTurn) {
     options_.command = Command::size;
-    EXPECT_TRUE(sizes(false).browsers[0].profiles.empty());
+    profileCount_ = 2;
+    const auto profiles = sizes(true).browsers[0].profiles;
+    ASSERT_EQ(profiles.size(), 2U);
+    for (const auto& profile : profiles) {
+        EXPECT_EQ(profile.categories[0].size, (CleanableDataSize{{5}, {50}}));
+        EXPECT_EQ(profile.categories[1].size, std::nullopt);
+        EXPECT_TRUE(profile.categories[1].error);
+    }
+}
+
+TEST_F(Gather, profilesOfOneNameAreMarked) {
+    options_.command = Command::size;
+    EXPECT_FALSE(sizes(false).browsers[0].profiles[0].profile.isNameShared);
+    profileCount_ = 2;
+    const auto browser = sizes(false).browsers[0];
+    EXPECT_TRUE(browser.profiles[0].profile.isNameShared);
+    EXPECT_TRUE(browser.profiles[1].profile.isNameShared);
+    EXPECT_TRUE(browser.categories[0].items[0].isNameShared);
 }
 
 TEST_F(Gather, theOnlyProfileHasTheBrowsersSizesAndIsNotMeasuredAgain) {

@@ -4,14 +4,16 @@
 #include <gtest/gtest.h>
 
 #include "cli/HTMLReport.h"
+#include "cli/HTMLScripts.h"
 
 namespace browsersweep::cli {
 namespace {
 
+using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
-const PageFacts facts{"2024-02-29 12:30", false};
+const PageFacts facts{"2024-02-29 12:30", {}};
 
 CategorySize cacheOf(std::int64_t bytes) {
     return {CleanableDataCategory::cache, {}, CleanableDataSize{{1}, {bytes}}, true};
@@ -49,14 +51,17 @@ TEST(HTMLReport, everyBrowserCategoryAndProfileHasABarAndItsValue) {
     EXPECT_THAT(html, HasSubstr("No data found: Safari."));
 }
 
-TEST(HTMLReport, everyProfileAndCategoryIsARowOfTheTable) {
+TEST(HTMLReport, everyProfileAndCategoryIsARowOfTheTableTheLargestFirst) {
     const auto html = htmlText(twoProfiles(), facts);
     const std::string start = R"(<tr><th scope="row"><bdi>Opera</bdi></th><td><bdi>)";
-    EXPECT_THAT(html, HasSubstr(start + "Work</bdi></td><td>Cache</td><td class=\"figure\">1</td>"
-                                        "<td class=\"figure\">1.0 KB</td></tr>\n"));
-    EXPECT_THAT(html, HasSubstr(start + "(no name)</bdi></td><td>Cache</td>"
-                                        "<td class=\"figure\">1</td>"
-                                        "<td class=\"figure\">3.0 KB</td></tr>\n"));
+    EXPECT_THAT(html, HasSubstr(start +
+                                "(no name)</bdi></td><td>Cache</td>"
+                                "<td class=\"figure\" data-value=\"1\">1</td>"
+                                "<td class=\"figure\" data-value=\"3000\">3.0 KB</td></tr>\n" +
+                                start +
+                                "Work</bdi></td><td>Cache</td>"
+                                "<td class=\"figure\" data-value=\"1\">1</td>"
+                                "<td class=\"figure\" data-value=\"1000\">1.0 KB</td></tr>\n"));
 }
 
 TEST(HTMLReport, aBrowserWithOneProfileNeedsNoChartOfProfiles) {
@@ -73,7 +78,33 @@ TEST(HTMLReport, namesAndErrorsAreEscaped) {
     const auto html = htmlText(report, facts);
     EXPECT_THAT(html, HasSubstr("<bdi>&lt;b&gt;&quot;&#39;&amp;���</bdi>"));
     EXPECT_THAT(html, HasSubstr("failed: &lt;script&gt;"));
-    EXPECT_THAT(html, Not(HasSubstr("<script>")));
+    EXPECT_THAT(html, Not(HasSubstr("failed: <script>")));
+    EXPECT_THAT(htmlText(report, {facts.date, {"what holds <b>"}}),
+                HasSubstr("Only this was asked for: <bdi>what holds &lt;b&gt;</bdi>."));
+}
+
+TEST(HTMLReport, browsersCategoriesAndProfilesAreShownTheLargestFirst) {
+    auto report = twoProfiles();
+    BrowserSizes large{};
+    large.browser = Browser::vivaldi;
+    large.size = CleanableDataSize{{2}, {9000}};
+    large.categories = {cacheOf(1000), cacheOf(8000)};
+    large.categories[1].category = CleanableDataCategory::history;
+    report.browsers.push_back(large);
+    const auto html = htmlText(report, facts);
+    const auto place = [&html](const std::string& bar) { return html.find(bar); };
+    EXPECT_LT(place(barOf("Vivaldi", "9.0 KB")), place(barOf("Opera", "4.0 KB")));
+    EXPECT_LT(place(barOf("History", "8.0 KB")), place(barOf("Cache", "1.0 KB")));
+    EXPECT_LT(place(barOf("Cache", "1.0 KB")), place(barOf("Cache", "3.0 KB")));
+    EXPECT_LT(place(barOf("(no name)", "3.0 KB")), place(barOf("Work", "1.0 KB")));
+    EXPECT_NE(place(barOf("Work", "1.0 KB")), std::string::npos);
+}
+
+TEST(HTMLReport, runsNothingButWhatSortsATableThatHasRows) {
+    EXPECT_THAT(htmlText(twoProfiles(), facts),
+                AllOf(HasSubstr("; script-src 'sha256-" + std::string(sortScript.digest) + "'; "),
+                      HasSubstr(elementOf(sortScript))));
+    EXPECT_THAT(htmlText({}, facts), Not(HasSubstr("script")));
 }
 
 TEST(HTMLReport, whatFailedIsSaidInTheChartAndInTheTable) {
@@ -100,15 +131,17 @@ TEST(HTMLReport, anyShareIsSeenAndNoBarIsLongerThanTheWhole) {
         const auto from = at + start.size();
         widths += html.substr(from, html.find('"', from) - from) + " ";
     }
-    EXPECT_EQ(widths, "100.00% 0.50% 0.00% 0.00% 100.00% ");
+    EXPECT_EQ(widths, "100.00% 100.00% 0.50% 0.00% 0.00% ");
 }
 
 TEST(HTMLReport, thePageSaysWhenItWasMadeAndWhatItsFiguresMean) {
     auto report = twoProfiles();
     EXPECT_THAT(htmlText(report, facts),
                 HasSubstr(R"(<time datetime="2024-02-29 12:30Z">2024-02-29 12:30 UTC</time>)"));
-    EXPECT_THAT(htmlText(report, facts), Not(HasSubstr("given filters")));
-    EXPECT_THAT(htmlText(report, {facts.date, true}), HasSubstr("given filters"));
+    EXPECT_THAT(htmlText(report, facts), Not(HasSubstr("asked for")));
+    EXPECT_THAT(htmlText(report, {facts.date, {"History", "what holds \u201Ca\u201D"}}),
+                HasSubstr("<p class=\"quiet\">Only this was asked for: <bdi>History; what holds "
+                          "\u201Ca\u201D</bdi>.</p>"));
     EXPECT_THAT(htmlText(report, facts), Not(HasSubstr("~ means about")));
     report.total.byteCount.isApproximate = true;
     EXPECT_THAT(htmlText(report, facts), HasSubstr("~ means about"));

@@ -20,6 +20,9 @@ TEST(JSONReport, keepsTheKeysInTheOrderOfTheContract) {
     failed.items.push_back(
         {"a", std::nullopt, "/f", ItemVerdict::held, "rows are left", std::nullopt, 512, true});
     row.categories.push_back(failed);
+    ProfileSizes profile{{"a", true, std::nullopt, false}, {failed}};
+    profile.freedBytes = 512;
+    row.profiles.push_back(profile);
     row.leftOut.push_back({{std::nullopt, false, ".."}, "elsewhere"});
     report.browsers.push_back(row);
     EXPECT_EQ(jsonText(report), R"({
@@ -73,6 +76,23 @@ TEST(JSONReport, keepsTheKeysInTheOrderOfTheContract) {
               "detail": "rows are left",
               "removed": null,
               "freedBytes": 512
+            }
+          ]
+        }
+      ],
+      "profiles": [
+        {
+          "name": "a",
+          "isPrimary": true,
+          "folder": null,
+          "removed": null,
+          "freedBytes": 512,
+          "categories": [
+            {
+              "category": "formData",
+              "error": "why",
+              "removed": null,
+              "freedBytes": 0
             }
           ]
         }

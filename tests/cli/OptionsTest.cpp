@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -99,6 +102,11 @@ TEST(Options, wrongCommandLinesSayWhatIsWrongAndWhatIsRight) {
          "--json and --html - both write to standard output; give a file to --html"},
         {{"size", "--html", "a", "--html=b"}, "--html is given twice; give one file"},
         {{"--home", "a", "--home", "b", "size"}, "--home is given twice; give one folder"},
+        {{"size", "--by", "site"},
+         "--by: 'site' is no part of a report; it must be one of browser, category, profile"},
+        {{"size", "--sort", "date"},
+         "--sort: 'date' is no order; it must be one of size, name, items, last"},
+        {{"size", "--by", "browser", "--by=profile"}, "--by is given twice; give one of them"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.message);
@@ -142,11 +150,33 @@ std::string information(const std::vector<std::string>& arguments) {
 TEST(Options, helpAndVersionAreInformation) {
     const auto overview = information({"--help"});
     EXPECT_EQ(overview.rfind("browsersweep - ", 0), 0U);
-    EXPECT_EQ(information({}), overview);
     EXPECT_EQ(information({"help"}), overview);
     EXPECT_EQ(information({"-h", "--home=x"}), overview);
     EXPECT_EQ(information({"--version"}).rfind("browsersweep ", 0), 0U);
     EXPECT_EQ(information({"size", "--version"}), information({"--version"}));
+}
+
+TEST(Options, withoutArgumentsTheHelpIsShortEnoughForASmallTerminal) {
+    constexpr std::ptrdiff_t lines = 23;
+    const auto summary = information({});
+    EXPECT_EQ(summary.rfind("browsersweep - ", 0), 0U);
+    EXPECT_LE(std::count(summary.begin(), summary.end(), '\n'), lines);
+    for (const auto& row : commandTable()) {
+        EXPECT_NE(summary.find("\n  " + std::string(row.name) + " "), std::string::npos);
+    }
+}
+
+TEST(Options, aReportIsShownAsItIsAskedFor) {
+    const auto usual = parsed({"size"}).view;
+    EXPECT_EQ(usual.grouping, std::nullopt);
+    EXPECT_EQ(usual.order, Order::size);
+    EXPECT_FALSE(usual.showsZeros);
+    EXPECT_TRUE(usual.offersZeros);
+    const auto view = parsed({"size", "--by", "profile", "--sort=items", "--all"}).view;
+    EXPECT_EQ(view.grouping, Grouping::profile);
+    EXPECT_EQ(view.order, Order::items);
+    EXPECT_TRUE(view.showsZeros);
+    EXPECT_FALSE(parsed({"clean", "--by", "category"}).view.offersZeros);
 }
 
 TEST(Options, eachCommandHasItsOwnHelp) {

@@ -64,6 +64,7 @@ protected:
 
     std::vector<std::string> settle(std::vector<std::string> names) {
         selection_.profileNames = std::move(names);
+        selection_.profileFolders.clear();
         return settleProfiles(selection_,
                               [this](Browser browser) -> std::unique_ptr<const BrowserCleaner> {
                                   return std::make_unique<FakeCleaner>(
@@ -103,6 +104,15 @@ TEST_F(ProfileNames, aNameGoesBeforeAFolderInEachBrowser) {
 TEST_F(ProfileNames, aFolderFindsAProfileWithoutAName) {
     EXPECT_EQ(settle({"Default"}), std::vector<std::string>{});
     EXPECT_EQ(selected(), (std::vector<bool>{true, false, true, false}));
+}
+
+TEST_F(ProfileNames, profilesOfOneNameAreChosenTogetherAndEachByItsFolderOrAsReportsCallIt) {
+    edge_ = {profile(Browser::microsoftEdge, "Profile 1", "Default"),
+             profile(Browser::microsoftEdge, "Profile 1", "Profile 1")};
+    EXPECT_EQ(settle({"Profile 1"}), std::vector<std::string>{});
+    EXPECT_EQ(selected(), (std::vector<bool>{true, true, false, true}));
+    EXPECT_EQ(settle({"Profile 1 (Profile 1)"}), std::vector<std::string>{});
+    EXPECT_EQ(selected(), (std::vector<bool>{false, true, false, false}));
 }
 
 TEST_F(ProfileNames, whatNoBrowserHasIsToldWithASuggestionAndSelectsNothing) {

@@ -13,7 +13,7 @@ using testing::Not;
 
 constexpr KindName history{"history", "History"};
 constexpr KindName tabs{"openTabs", "Open tabs"};
-const PageFacts facts{"2024-02-29 12:30", false};
+const PageFacts facts{"2024-02-29 12:30", {}};
 
 SiteListReport report() {
     const SiteOwner owner{Browser::chromium, "<b>Work</b>", "Profile 1"};
@@ -27,11 +27,12 @@ SiteListReport report() {
 TEST(SiteHTML, hasARowForEachSite) {
     EXPECT_THAT(sitesPage(report(), facts),
                 HasSubstr("<tr><th scope=\"row\"><bdi>a.com</bdi></th><td>Chromium</td>"
-                          "<td>History</td><td class=\"figure\">2</td>"
-                          "<td class=\"figure\">1.5 KB</td><td>2024-02-29</td></tr>"));
+                          "<td>History</td><td class=\"figure\" data-value=\"2\">2</td>"
+                          "<td class=\"figure\" data-value=\"1500\">1.5 KB</td>"
+                          "<td>2024-02-29</td></tr>"));
 }
 
-TEST(SiteHTML, allowsItsOwnScriptAloneAndOnlyWhereThereIsSomethingToSearch) {
+TEST(SiteHTML, allowsItsOwnScriptsAloneAndOnlyWhereThereIsSomethingToSearch) {
     const auto page = sitesPage(report(), facts);
     EXPECT_THAT(page, HasSubstr("default-src 'none'; style-src 'sha256-"));
     EXPECT_THAT(page, HasSubstr("'; script-src 'sha256-"));
@@ -56,7 +57,8 @@ TEST(SiteHTML, tellsWhatBelongsToNoSiteAndWhatCouldNotBeLookedAtEscaped) {
 
 TEST(SiteHTML, saysWhereOnlyAPartWasAskedFor) {
     EXPECT_THAT(sitesPage(report(), facts), Not(HasSubstr("was asked for")));
-    EXPECT_THAT(sitesPage(report(), {facts.date, true}), HasSubstr("Only what was asked for"));
+    EXPECT_THAT(sitesPage(report(), {facts.date, {"cookies"}}),
+                HasSubstr("Only this was asked for: <bdi>cookies</bdi>."));
 }
 
 }  // namespace

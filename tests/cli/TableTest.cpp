@@ -20,11 +20,11 @@ TEST(Table, columnsAreAlignedWhateverTheWidthOfTheCharacters) {
 TEST(Table, stylesTakeNoRoom) {
     Table table({{"A"}, {"B", Alignment::right}});
     table.addRow({{"long", Style::strong}, {"1", Style::failure}});
-    table.addRow({"x", {"22", Style::bar}});
+    table.addRow({"x", "22"}, {1, 20});
     EXPECT_EQ(table.text({true, CharacterSet::utf8, CharacterSet::utf8}),
               "\x1b[2mA\x1b[0m      \x1b[2mB\x1b[0m\n"
               "\x1b[1mlong\x1b[0m   \x1b[31m1\x1b[0m\n"
-              "x     \x1b[36m22\x1b[0m\n");
+              "x     22  \x1b[36m█\x1b[0m\n");
 }
 
 TEST(Table, whereTheTerminalCannotShowACharacterAQuestionMarkKeepsTheColumnsAligned) {
@@ -80,6 +80,43 @@ TEST(Table, leavesOutColumnsWhereCuttingIsNotEnough) {
               "Site      Size\n"
               "a-lo..  1.0 KB\n"
               "b.org   2.0 KB\n");
+}
+
+/** A table with bars, for so many columns of a terminal. */
+std::string barred(std::size_t columns) {
+    Table table({{"Browser", Alignment::left, 4}, {"Size", Alignment::right}});
+    table.addRow({"Chromium", "9 B"}, {9, 9});
+    table.addRow({"Opera", "3 B"}, {3, 9});
+    table.addRow({"Total", "12 B"});
+    Appearance appearance;
+    appearance.columns = columns;
+    return table.text(appearance);
+}
+
+TEST(Table, barsTakeTheRoomThatIsLeft) {
+    EXPECT_EQ(barred(0),
+              "Browser   Size\n"
+              "Chromium   9 B  ####################\n"
+              "Opera      3 B  #######\n"
+              "Total     12 B\n");
+    EXPECT_EQ(barred(25),
+              "Browser   Size\n"
+              "Chromium   9 B  #########\n"
+              "Opera      3 B  ###\n"
+              "Total     12 B\n");
+}
+
+TEST(Table, barsAreNotLongerThanTheEyeCompares) {
+    EXPECT_EQ(barred(76), barred(200));
+    EXPECT_NE(barred(75), barred(76));
+}
+
+TEST(Table, leavesOutBarsWhereNoRoomIsLeftForThem) {
+    EXPECT_EQ(barred(19),
+              "Browser   Size\n"
+              "Chromium   9 B\n"
+              "Opera      3 B\n"
+              "Total     12 B\n");
 }
 
 TEST(Table, isWiderThanTheTerminalWhereNothingMoreMayBeTaken) {

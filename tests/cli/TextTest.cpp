@@ -65,5 +65,12 @@ TEST(Text, isShortenedToWhatFitsWithASign) {
     EXPECT_EQ(shortened("日本語", 4, CharacterSet::utf8), "日\u2026");
 }
 
+TEST(Text, isShortenedInFrontToWhatFitsWithASign) {
+    EXPECT_EQ(shortenedInFront("abcdef", 6, CharacterSet::utf8), "abcdef");
+    EXPECT_EQ(shortenedInFront("abcdef", 5, CharacterSet::utf8), "\u2026cdef");
+    EXPECT_EQ(shortenedInFront("abcdef", 5, CharacterSet::ascii), "..def");
+    EXPECT_EQ(shortenedInFront("日本語", 4, CharacterSet::utf8), "\u2026語");
+}
+
 }  // namespace
 }  // namespace browsersweep::cli

@@ -87,7 +87,28 @@ class Documents(HostProgramTest):
         self.assertEqual([row["browser"] for row in found["browsers"]], BROWSERS)
         self.assertEqual(found["browsers"][0], {
             "browser": "quenbySecureBrowser", "error": None, "leftOut": [], "size": ZERO,
-            "requiresClosedBrowserToClean": False, "categories": []})
+            "requiresClosedBrowserToClean": False, "categories": [], "profiles": []})
+
+    def test_each_profile_has_its_own_figures(self):
+        history, cookies = (path.stat().st_size for path in (self.history, self.cookies))
+        for command, key, extra in (("size", "size", {}),
+                                    ("clean", "removed", {"freedBytes": 0})):
+            arguments = [command, "--browser=chromium", "--category=history",
+                         "--category=cookies", *["--dry-run"] * bool(extra)]
+
+            def part(category, count, byte_count):
+                return {"category": category, "error": None, **extra,
+                        key: size(exact(count), byte_count)}
+            with self.subTest(command=command):
+                self.assertEqual(self.document(*arguments)["browsers"][0]["profiles"], [
+                    {"name": "Zoë 日本", "isPrimary": True, "folder": "Default", **extra,
+                     key: size(exact(3), approximate(history)),
+                     "categories": [part("history", 3, approximate(history)),
+                                    part("httpCookies", 0, exact(0))]},
+                    {"name": "Work", "isPrimary": False, "folder": "Profile 1", **extra,
+                     key: size(exact(2), approximate(cookies)),
+                     "categories": [part("history", 0, exact(0)),
+                                    part("httpCookies", 2, approximate(cookies))]}])
 
     def test_size_of_selected_categories(self):
         found = self.document("size", "--browser=chromium", "--category=flashCookies",
@@ -182,7 +203,7 @@ class Failures(HostProgramTest):
         broken = found["browsers"][1]
         self.assertIsNotNone(broken.pop("error"))
         self.assertEqual(broken, {"browser": "googleChrome", "size": None, "categories": [],
-                                  "leftOut": [],
+                                  "leftOut": [], "profiles": [],
                                   "requiresClosedBrowserToClean": False})
 
     def test_ignoring_errors_does_not_help_where_profiles_cannot_be_read(self):
@@ -199,6 +220,16 @@ class Failures(HostProgramTest):
         self.assertIsNone(found["browsers"][0]["error"])
         self.assertEqual(found["browsers"][0]["size"], found["total"])
         self.assertEqual(found["total"]["itemCount"], exact(4))
+
+    def test_a_profile_whose_category_failed_has_its_error_and_no_figure_of_it(self):
+        write(self.history, b"no database" * 100)
+        first, second = self.document("size", "--browser=chromium", "--keep-going",
+                                      status=1)["browsers"][0]["profiles"]
+        rows = {row["category"]: row for row in first["categories"]}
+        self.assertEqual(rows["history"]["error"], "not understood: file is not a database")
+        self.assertEqual(rows["cache"], {"category": "cache", "error": None,
+                                         "size": size(exact(2), exact(2000))})
+        self.assertEqual([row["error"] for row in second["categories"]], [None] * 6)
 
     def test_ignoring_errors_a_broken_category_is_approximate_and_told_of(self):
         write(self.history, b"no database" * 100)

@@ -75,6 +75,7 @@ def without_items(document):
     """A document of size or clean as far as its figures go."""
     for browser in document["browsers"]:
         browser.pop("freedBytes", None)
+        del browser["profiles"]
         for category in browser["categories"]:
             del category["items"]
             category.pop("freedBytes", None)

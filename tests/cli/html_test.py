@@ -85,24 +85,22 @@ class PageTest(HostProgramTest):
 
 
 class Contents(PageTest):
-    def test_the_table_holds_every_browser_profile_and_category(self):
-        history, cookies = (f"~{path.stat().st_size / 1000:.1f} KB"
-                            for path in (self.history, self.cookies))
+    def test_the_table_holds_every_browser_profile_and_category_the_largest_first(self):
+        def text(path):
+            return f"~{path.stat().st_size / 1000:.1f} KB"
         all_bytes = 2000 + self.history.stat().st_size + self.cookies.stat().st_size
-        total = f"~{all_bytes / 1000:.1f} KB"
-
-        def profile(name, cache, past, cookie):
-            return [["Chromium", name, "Cache", *cache], ["Chromium", name, "History", *past],
-                    ["Chromium", name, "Cookies", *cookie],
-                    ["Chromium", name, "Flash cookies", "0", "0 B"],
-                    ["Chromium", name, "Form data", "0", "0 B"],
-                    ["Chromium", name, "Local storage", "0", "0 B"]]
-        self.assertEqual(self.page("--browser=chromium").rows(), [
+        figures = [["History", "Zoë 日本", "3", text(self.history)],
+                   ["Cookies", "Work", "2", text(self.cookies)],
+                   ["Cache", "Zoë 日本", "2", "2.0 KB"]]
+        figures.sort(key=lambda row: -float(row[3].strip("~ KB")))
+        rows = self.page("--browser=chromium").rows()
+        self.assertEqual(rows[:4], [
             ["Browser", "Profile", "Category", "Items", "Size"],
-            *profile("Zoë 日本", ["2", "2.0 KB"], ["3", history], ["0", "0 B"]),
-            *profile("Work", ["0", "0 B"], ["0", "0 B"], ["2", cookies]),
-            ["Chromium", "all", "all", "7", total],
-            ["Total", "7", total]])
+            *(["Chromium", profile, category, *values]
+              for category, profile, *values in figures)])
+        self.assertEqual(len(rows), 1 + 2 * 6 + 1)
+        self.assertEqual({tuple(row[3:]) for row in rows[4:-1]}, {("0", "0 B")})
+        self.assertEqual(rows[-1], ["Total", "7", f"~{all_bytes / 1000:.1f} KB"])
 
     def test_the_charts_say_every_value_as_text(self):
         items = self.page("--browser=chromium", "--category=cache").texts("li")
@@ -121,8 +119,10 @@ class Contents(PageTest):
         page = self.page("--browser=chromium", "--category=history", "--profile=Zoë 日本",
                          "--include=example")
         self.assertEqual([row[:4] for row in page.rows()[1:]], [
-            ["Chromium", "Zoë 日本", "History", "2"], ["Chromium", "all", "all", "2"],
-            ["Total", "2", page.rows()[-1][2]]])
+            ["Chromium", "Zoë 日本", "History", "2"], ["Total", "2", page.rows()[-1][2]]])
+        self.assertIn("Only this was asked for: Chromium; profiles called “Zoë 日本”; History; what "
+                      "holds “example”.", page.texts("p"))
+        self.assertNotIn("Only this was asked for", self.page_text())
 
     def test_names_cannot_break_out_of_the_page(self):
         name = "</td><script>alert(1)</script>\"'&<img src=x>"
@@ -132,12 +132,13 @@ class Contents(PageTest):
                 "name": name, "is_consented_primary_account": False}}}}))
         page = self.page("--browser=chromium", "--category=cache")
         self.assertEqual(page.rows()[1][1], name)
-        self.assertEqual(page.all("script", "img"), [])
+        self.assertEqual(page.all("img"), [])
+        self.assertNotIn("alert", "".join(page.texts("script")))
 
     def test_what_failed_is_on_the_page_and_the_status_says_so(self):
         write(self.history, b"no database" * 100)
         write(self.support / "Google" / "Chrome" / "Local State", "no JSON")
-        text = " ".join(text for row in self.page(status=1).rows() for text in row)
+        text = " ".join(text for row in self.page(status=1).rows() for text in row if text)
         self.assertIn("Zoë 日本 History failed: not understood: file is not a database", text)
         self.assertIn("Google Chrome failed: not understood: ", text)
 
@@ -250,19 +251,22 @@ class Access(PageTest):
                 self.assertGreaterEqual(contrast(colour["bar"], colour[ground]), 3)
             self.assertGreaterEqual(contrast(colour["bar"], colour["track"]), 3)
 
-    def test_the_page_loads_nothing_runs_nothing_and_forbids_both(self):
+    def test_the_page_loads_nothing_runs_what_sorts_it_and_forbids_all_else(self):
         text = self.page_text()
         page = Page(text)
-        self.assertEqual(page.all("script", "link", "img", "iframe", "object", "form", "a"), [])
+        self.assertEqual(page.all("link", "img", "iframe", "object", "form", "a"), [])
+        self.assertEqual([attributes for _, attributes, _ in page.all("script")], [{}])
         for _, attributes, _ in page.elements:
             self.assertEqual({name for name in attributes
                               if name.startswith("on") or name in ("src", "href", "style")}, set())
-        self.assertNotRegex(text, r"https?:|//|@import|url\(")
-        digest = base64.b64encode(hashlib.sha256(page.all("style")[0][2].encode()).digest())
+        self.assertNotRegex(text, r"https?:|//|@import|url\(|fetch|import\(|XMLHttp|eval")
+        digest, script = (
+            base64.b64encode(hashlib.sha256(page.all(tag)[0][2].encode()).digest()).decode()
+            for tag in ("style", "script"))
         policy = [a["content"] for _, a, _ in page.all("meta")
                   if a.get("http-equiv") == "Content-Security-Policy"]
-        self.assertEqual(policy, [f"default-src 'none'; style-src 'sha256-{digest.decode()}'; "
-                                  "base-uri 'none'; form-action 'none'"])
+        self.assertEqual(policy, [f"default-src 'none'; style-src 'sha256-{digest}'; script-src "
+                                  f"'sha256-{script}'; base-uri 'none'; form-action 'none'"])
 
 
 PROBE = """
@@ -278,12 +282,21 @@ addEventListener("load", () => {
   };
   const texts = [...document.querySelectorAll("main *")].filter(e => !e.closest("svg") &&
     [...e.childNodes].some(n => n.nodeType === 3 && n.data.trim()));
+  const sortedBy = column => {
+    const table = document.querySelector("table.sortable");
+    const head = table.tHead.rows[0].cells[column];
+    head.firstChild.click();
+    const cells = [...table.tBodies[0].rows].map(row => row.cells[column]);
+    return [[head.textContent, head.getAttribute("aria-sort"),
+             cells.map(cell => cell.dataset.value ?? cell.textContent)]];
+  };
   const found = {
     violations,
     texts: texts.map(e => [e.textContent, getComputedStyle(e).color, seen(e)]),
     bars: [...document.querySelectorAll(".bar")].map(e => [
       e.getBoundingClientRect().width / e.closest("svg").getBoundingClientRect().width,
       getComputedStyle(e).fill]),
+    sorted: sortedBy(0).concat(sortedBy(4), sortedBy(4), sortedBy(3)),
     overflow: document.documentElement.scrollWidth - document.documentElement.clientWidth,
     resources: performance.getEntriesByType("resource").map(e => e.name),
   };
@@ -321,7 +334,7 @@ class InABrowser(PageTest):
         """The page with a script that looks at it; its policy allows that script besides."""
         text = self.page_text()
         digest = base64.b64encode(hashlib.sha256(PROBE.encode()).digest()).decode()
-        text = text.replace("base-uri", f"script-src 'sha256-{digest}'; base-uri")
+        text = text.replace("script-src ", f"script-src 'sha256-{digest}' ")
         copy = self.root / "probed.html"
         write(copy, text.replace("</head>", f"<script>{PROBE}</script></head>"))
         dom = self.chromium(f"--window-size={width},900", "--dump-dom", copy.as_uri())
@@ -343,6 +356,22 @@ class InABrowser(PageTest):
         self.assertEqual(len(expected), len(found["bars"]))
         for (share, _), wanted in zip(found["bars"], expected):
             self.assertAlmostEqual(share, wanted, places=2)
+
+    def test_a_click_on_a_header_sorts_the_table(self):
+        write(self.caches / "Vivaldi" / "Default" / "Cache" / "data_0", b"x" * 70000)
+        write(self.support / "Vivaldi" / "Local State", json.dumps({"profile": {
+            "last_used": "Default", "last_active_profiles": ["Default"],
+            "info_cache": {"Default": {"name": "V", "is_consented_primary_account": False}}}}))
+        by_browser, largest_first, smallest_first, by_items = self.probed(900)["sorted"]
+        self.assertEqual(by_browser[:2], ["Browser", "ascending"])
+        self.assertEqual(by_browser[2], sorted(by_browser[2]))
+        self.assertEqual(largest_first[:2], ["Size", "descending"])
+        self.assertEqual(smallest_first[:2], ["Size", "ascending"])
+        sizes = [int(value) for value in largest_first[2]]
+        self.assertEqual(sizes, sorted(sizes, reverse=True))
+        self.assertEqual([int(value) for value in smallest_first[2]], sorted(sizes))
+        items = [int(value) for value in by_items[2]]
+        self.assertEqual((by_items[0], items), ("Items", sorted(items, reverse=True)))
 
     def test_a_screenshot_can_be_taken_of_it(self):
         self.page_text()

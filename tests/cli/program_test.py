@@ -3,6 +3,7 @@
 import fcntl
 import os
 import pty
+import shutil
 import signal
 import socket
 import sqlite3
@@ -154,8 +155,8 @@ class Streams(HostProgramTest):
 
     def test_a_terminal_without_utf_8_gets_question_marks_and_a_file_the_name(self):
         _, _, screen = self.run_on_terminal("profiles", CHROMIUM, output_too=True)
-        self.assertIn("Chromium  Zo? ??   yes", screen)
-        self.assertIn("Chromium  Zo\u00eb \u65e5\u672c  yes",
+        self.assertIn("Chromium  Zo? ??   Default    yes", screen)
+        self.assertIn("Chromium  Zo\u00eb \u65e5\u672c  Default    yes",
                       self.run_program("profiles", CHROMIUM).text)
 
     def test_the_report_stands_on_a_line_of_its_own_when_both_are_one_terminal(self):
@@ -184,6 +185,15 @@ class Streams(HostProgramTest):
         self.assertEqual(completed.returncode, 1)
         self.assertEqual(completed.stderr, b"")
 
+    def test_head_ends_a_report_quietly(self):
+        for arguments in (("size", "--all"), ("--json", "size"), ("help",), ("size", "--html", "-")):
+            with self.subTest(arguments=arguments):
+                completed = subprocess.run(
+                    ["/bin/sh", "-c", '"$@" | head -n 1', "sh", *self.command(*arguments)],
+                    env=self.environment, capture_output=True, check=False)
+                self.assertEqual(completed.stdout.count(b"\n"), 1)
+                self.assertEqual((completed.returncode, completed.stderr), (0, b""))
+
     def test_closed_standard_streams_never_hit_a_database(self):
         before = self.snapshot()
         completed = subprocess.run(
@@ -191,6 +201,30 @@ class Streams(HostProgramTest):
             env=self.environment, check=False)
         self.assertEqual(completed.returncode, 1)
         self.assertEqual(self.snapshot(), before)
+
+    def test_a_home_of_linux_is_told_apart(self):
+        home = self.root / "linux"
+        (home / ".mozilla" / "firefox").mkdir(parents=True)
+        says = (f"browsersweep: {home}: this looks like a Linux home; only the macOS layout is "
+                "read\n")
+        for command in ("size", "profiles", "bookmarks", "doctor"):
+            with self.subTest(command=command):
+                result = self.run_program("--home", home, command, home=False)
+                self.assertEqual((result.status, result.error), (0, says))
+        self.assertEqual([path.name for path in home.iterdir()], [".mozilla"])
+
+    def test_bookmarks_of_a_home_without_safari_are_no_error(self):
+        shutil.rmtree(self.home / "Library" / "Safari")
+        result = self.run_program("bookmarks")
+        self.assertEqual((result.status, result.error), (0, ""))
+        self.assertEqual(self.document("bookmarks", "-b", "safari"), {"browsers": [
+            {"browser": "safari", "error": None, "leftOut": [], "bookmarks": []}]})
+
+    def test_safari_without_its_bookmarks_file_is_an_error(self):
+        (self.home / "Library" / "Safari" / "Bookmarks.plist").unlink()
+        result = self.run_program("bookmarks", "--browser=safari")
+        self.assertEqual(result.status, 1)
+        self.assertIn("browsersweep: Safari: nothing there: ", result.error)
 
     def test_a_home_that_is_not_there_is_empty_and_noted(self):
         result = self.run_program("--home", self.root / "nowhere", "size", home=False)

@@ -107,7 +107,10 @@ class Offers(ShellTest):
         ("size --h", ["--help", "--home", "--html"]),
         ("clean --profile size --h", ["--help", "--home"]),
         ("sites --kind ", KINDS),
-        ("sites --sort ", ["size", "last", "name"]),
+        ("sites --sort ", ["size", "name", "items", "last"]),
+        ("size --by ", ["browser", "category", "profile"]),
+        ("size --al", ["--all"]),
+        ("clean --al", []),
         ("forget --keep a.com --ke", ["--keep", "--keep-list"]),
     )
 

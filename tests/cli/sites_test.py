@@ -46,7 +46,7 @@ class Script(HostProgramTest):
     def test_the_policy_of_the_page_names_the_script_that_it_has(self):
         source = (ROOT / "cli" / "SiteHTML.cpp").read_text()
         script = re.search(r'R"js\((.*?)\)js"', source, re.S)[1]
-        digest = re.search(r'searchScriptDigest\s*=\s*"(.*?)"', source)[1]
+        digest = re.search(r'\)js",\s*"(.*?)"', source)[1]
         self.assertEqual(base64.b64encode(hashlib.sha256(script.encode()).digest()).decode(), digest)
 
 

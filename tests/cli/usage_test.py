@@ -132,14 +132,14 @@ class Information(HostProgramTest):
         return result.text
 
     def helps(self):
-        """The overview, and the help of every command."""
-        return [self.information("help"),
+        """The short help, the overview, and the help of every command."""
+        return [self.information(), self.information("help"),
                 *(self.information("help", command) for command in COMMANDS)]
 
     def test_help(self):
-        overview = self.information()
+        overview = self.information("help")
         self.assertTrue(overview.startswith("browsersweep - "))
-        for arguments in (["--help"], ["-h"], ["help"]):
+        for arguments in (["--help"], ["-h"]):
             self.assertEqual(self.information(*arguments), overview)
         for command in COMMANDS:
             own = self.information("help", command)
@@ -147,12 +147,18 @@ class Information(HostProgramTest):
             self.assertEqual(self.information(command, "--help"), own)
             self.assertEqual(self.information("-h", command), own)
 
+    def test_without_arguments_a_short_help_names_every_command(self):
+        text = self.information()
+        self.assertLessEqual(text.count("\n"), 23)
+        for command in [*COMMANDS, "help"]:
+            self.assertIn(f"\n  {command} ", text)
+
     def test_the_helps_name_every_option(self):
         text = "".join(self.helps())
         for option in ("--home", "--json", "--browser", "--profile", "--primary-only",
                        "--category", "--include", "--exclude", "--inside", "--outside", "--filter",
-                       "--ignore-errors", "--keep-going", "--html", "--dry-run", "--yes",
-                       "--force", "--help", "--version"):
+                       "--ignore-errors", "--keep-going", "--html", "--by", "--sort", "--all",
+                       "--dry-run", "--yes", "--force", "--help", "--version"):
             self.assertIn(f" {option}", text)
 
     def test_the_lines_of_the_help_fit_a_terminal(self):
@@ -167,6 +173,7 @@ class Information(HostProgramTest):
     def test_the_examples_of_the_help_work(self):
         examples = {line for text in self.helps() for line in text.splitlines()[4:]
                     if line.startswith("  browsersweep ") and "[" not in line}
+        examples = {example.split("  ")[1] for example in examples}
         self.assertGreaterEqual(len(examples), len(COMMANDS))
         for example in sorted(examples):
             words = example.split()[1:]

@@ -23,7 +23,7 @@ TEST(SiteCommands, takeEveryOption) {
                                  "--older-than", "12h", "--html", "/page.html"});
     EXPECT_EQ(options.command, Command::sites);
     EXPECT_EQ(options.sites.kinds, (Texts{"cookies", "history"}));
-    EXPECT_EQ(options.sites.order, SiteOptions::Order::last);
+    EXPECT_EQ(options.view.order, Order::last);
     EXPECT_EQ(options.sites.olderThan, 12.0 * 3600);
     EXPECT_EQ(options.html, std::filesystem::path("/page.html"));
     const auto all = parsed({"forget", "--all", "--keep", "a.com", "--keep=b.com", "--keep-list",
@@ -85,8 +85,11 @@ TEST(SiteCommands, wrongCommandLinesSayWhatIsRight) {
         {{"size", "--yes"}, "--yes belongs to the commands clean and forget; leave it out"},
         {{"browsers", "--html=a"}, "--html belongs to the commands size and sites; leave it out"},
         {{"size", "--kind=icons"}, "--kind belongs to the commands sites and forget; leave it out"},
-        {{"sites", "--all"}, "--all belongs to the command forget; leave it out"},
-        {{"forget", "--sort=name"}, "--sort belongs to the command sites; leave it out"},
+        {{"sites", "--all"}, "--all belongs to the commands size and forget; leave it out"},
+        {{"forget", "--sort=name"},
+         "--sort belongs to the commands size, clean and sites; leave it out"},
+        {{"clean", "--sort", "last"},
+         "--sort last belongs to the command sites; sort by size, name or items"},
         {{"sites", "--kind=Cookies"}, "--kind: 'Cookies' is no kind; did you mean cookies?"},
         {{"forget", "a b"}, "'a b' is no site; write a name such as example.com"},
         {{"forget"}, "forget needs a site, or --all for every site"},
