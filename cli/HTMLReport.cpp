@@ -52,6 +52,7 @@ std::string chart(const std::vector<std::string>& lines) {
 template <typename Row, typename SizeOf>
 std::vector<const Row*> largestFirst(const std::vector<Row>& rows, const SizeOf& sizeOf) {
     std::vector<const Row*> order;
+    order.reserve(rows.size());
     for (const auto& row : rows) {
         order.push_back(&row);
     }

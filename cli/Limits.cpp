@@ -17,6 +17,7 @@ using Rule = CleanableDataFilter::Rule;
 template <typename Texts>
 std::string quoted(const Texts& texts) {
     std::vector<std::string> names;
+    names.reserve(texts.size());
     for (const auto& text : texts) {
         names.push_back(fmt::format("\u201C{}\u201D", text));
     }
@@ -26,6 +27,7 @@ std::string quoted(const Texts& texts) {
 template <typename Values>
 std::string namesOf(const Values& values) {
     std::vector<std::string_view> names;
+    names.reserve(values.size());
     for (const auto value : values) {
         names.push_back(displayName(value));
     }

@@ -85,6 +85,7 @@ std::optional<Grouping> groupingNamed(std::string_view name) {
 template <typename Table>
 std::string faultOf(const std::string& name, std::string_view what, const Table& table) {
     std::vector<std::string_view> names;
+    names.reserve(table.size());
     for (const auto& each : table) {
         names.push_back(each.first);
     }

@@ -174,17 +174,26 @@ std::string goneText(const ForgetReport& report, const Appearance& appearance) {
 constexpr std::size_t indentOfWhy = 4;
 constexpr std::size_t indentOfPlace = 8;
 
-std::string placeOf(const SiteOwner& owner, const std::string& what, std::string_view start) {
-    return fmt::format("{}{}: {}", start, printable(displayName(owner)), printable(what));
+/** Where something is, on one line: a path that is too long for a terminal is cut at its front. */
+std::string placeLine(std::string_view start, const SiteOwner& owner, const std::string& what,
+                      const Appearance& appearance) {
+    constexpr std::size_t leastPath = 16;
+    const auto columns = appearance.columns;
+    const auto whose = fmt::format("{}{}: ", start, printable(displayName(owner)));
+    const auto path = printable(what);
+    const auto room = columns - std::min(columns, displayWidth(whose));
+    return room < leastPath ? wrapped(whose + path, columns, indentOfPlace)
+                            : whose + shortenedInFront(path, room, appearance.drawing) + "\n";
 }
 
 /** What stays, each reason once with all the places that it stays in. */
-std::string keptText(const ForgetReport& report, std::size_t columns) {
+std::string keptText(const ForgetReport& report, const Appearance& appearance) {
+    const auto columns = appearance.columns;
     std::vector<std::pair<std::string, std::string>> reasons;
     for (const auto& row : report.kept) {
         auto reason = wrapped(fmt::format("  {}: {}", row.kind.display, printable(row.why)),
                               columns, indentOfWhy);
-        auto place = wrapped(placeOf(row.owner, row.what, "      "), columns, indentOfPlace);
+        auto place = placeLine("      ", row.owner, row.what, appearance);
         const auto found = std::find_if(reasons.begin(), reasons.end(),
                                         [&](const auto& each) { return each.first == reason; });
         if (found == reasons.end()) {
@@ -198,23 +207,23 @@ std::string keptText(const ForgetReport& report, std::size_t columns) {
         text += reason + places;
     }
     for (const auto& hint : report.hints) {
-        text += wrapped(hint, columns);
+        text += wrapped(hint, appearance.columns);
     }
     return text;
 }
 
-std::string remainsText(const ForgetReport& report, std::size_t columns) {
+std::string remainsText(const ForgetReport& report, const Appearance& appearance) {
     std::string text;
     for (const auto& row : report.stores) {
         if (!row.isWithoutRemains) {
-            text += wrapped(placeOf(row.owner, row.what, "  "), columns, indentOfWhy);
+            text += placeLine("  ", row.owner, row.what, appearance);
         }
     }
     return text.empty() ? ""
                         : wrapped(
                               "The disk had no room to write these files anew, so remains of "
                               "what went may be left in them:",
-                              columns) +
+                              appearance.columns) +
                               text;
 }
 
@@ -259,9 +268,8 @@ std::string peopleText(const SiteListReport& report, const Appearance& appearanc
 }
 
 std::string peopleText(const ForgetReport& report, const Appearance& appearance) {
-    const auto columns = appearance.columns;
-    return goneText(report, appearance) + keptText(report, columns) + remainsText(report, columns) +
-           remark(freedText(report), appearance) +
+    return goneText(report, appearance) + keptText(report, appearance) +
+           remainsText(report, appearance) + remark(freedText(report), appearance) +
            remark(legend(report.forgotten, report), appearance);
 }
 

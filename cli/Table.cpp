@@ -80,14 +80,34 @@ void narrow(std::vector<Place>& places, const std::vector<Table::Column>& column
     }
 }
 
+/** How narrow bars may be beside the columns. */
+constexpr std::size_t leastBar = 5;
+
+/** Narrows columns until bars fit beside them; where that cannot be, nothing is narrowed. */
+bool makeRoomForBars(std::vector<Place>& places, const std::vector<Table::Column>& columns,
+                     std::size_t limit) {
+    auto narrowed = places;
+    const std::size_t left = limit - std::min(limit, gap + leastBar);
+    narrow(narrowed, columns, left);
+    if (widthOf(narrowed) > left) {
+        return false;
+    }
+    places = std::move(narrowed);
+    return true;
+}
+
 std::vector<Place> placesFor(const std::vector<Table::Column>& columns,
-                             const std::vector<std::size_t>& widths, std::size_t limit) {
+                             const std::vector<std::size_t>& widths, std::size_t limit,
+                             bool hasBars) {
     std::vector<Place> places;
     for (std::size_t i = 0; i < widths.size(); ++i) {
         places.push_back({i, widths[i]});
     }
     if (limit > 0) {
         leaveOut(places, columns, limit);
+        if (hasBars && makeRoomForBars(places, columns, limit)) {
+            return places;
+        }
         narrow(places, columns, limit);
     }
     return places;
@@ -101,14 +121,13 @@ std::string cutTo(std::size_t width, const std::string& text, Cut cut, Character
 /** How wide bars may be beside the columns; 0 where too little is left for one. */
 std::size_t barWidthBeside(const std::vector<Place>& places, std::size_t limit) noexcept {
     constexpr std::size_t usual = 20;
-    constexpr std::size_t narrowest = 4;
     constexpr std::size_t widest = 60;
     if (limit == 0) {
         return usual;
     }
     const auto taken = widthOf(places) + gap;
     const auto left = limit - std::min(limit, taken);
-    return left < narrowest ? 0 : std::min(left, widest);
+    return left < leastBar ? 0 : std::min(left, widest);
 }
 
 std::string line(const std::vector<Table::Column>& columns, const std::vector<Place>& places,
@@ -165,7 +184,9 @@ std::string Table::text(const Appearance& appearance) const {
             widths[i] = std::max(widths[i], displayWidth(rows.back()[i].text));
         }
     }
-    const auto places = placesFor(columns_, widths, appearance.columns);
+    const bool hasBars =
+        std::any_of(rows_.begin(), rows_.end(), [](const Row& row) { return row.bar.largest > 0; });
+    const auto places = placesFor(columns_, widths, appearance.columns, hasBars);
     const auto barWidth = barWidthBeside(places, appearance.columns);
     std::string text;
     for (std::size_t i = 0; i < rows.size(); ++i) {

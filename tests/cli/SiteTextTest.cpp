@@ -72,6 +72,31 @@ TEST(SiteText, tellsWhatWouldGoAndWhatStays) {
               "--mixed takes them.\n");
 }
 
+TEST(SiteText, onATerminalReasonsAreBrokenAndPathsCutAtTheirFront) {
+    ForgetReport report;
+    report.isPlan = true;
+    report.kept = {
+        {chromium(), tabs, "/Users/u/Library/Sessions", "all the other tabs would close"}};
+    Appearance appearance;
+    appearance.columns = 40;
+    EXPECT_EQ(peopleText(report, appearance),
+              "Nothing would be removed.\n"
+              "Stays:\n"
+              "  Open tabs: all the other tabs would\n"
+              "    close\n"
+              "      Chromium, Work: ..Library/Sessions\n");
+    appearance.columns = 36;
+    EXPECT_NE(peopleText(report, appearance)
+                  .find("      Chromium, Work:\n        /Users/u/Library/Sessions\n"),
+              std::string::npos);
+}
+
+TEST(SiteText, aProfileWhoseNameIsSharedIsShownWithItsFolder) {
+    auto owner = chromium();
+    owner.isNameShared = true;
+    EXPECT_EQ(displayName(owner), "Chromium, Work (Profile 1)");
+}
+
 TEST(SiteText, countsManySitesInPlaceOfNamingThem) {
     ForgetReport report;
     for (int i = 0; i < 21; ++i) {

@@ -111,8 +111,16 @@ TEST(Table, barsAreNotLongerThanTheEyeCompares) {
     EXPECT_NE(barred(75), barred(76));
 }
 
-TEST(Table, leavesOutBarsWhereNoRoomIsLeftForThem) {
+TEST(Table, namesMakeRoomForBars) {
     EXPECT_EQ(barred(19),
+              "Brow..  Size\n"
+              "Chro..   9 B  #####\n"
+              "Opera    3 B  ##\n"
+              "Total   12 B\n");
+}
+
+TEST(Table, leavesOutBarsWhereNoRoomCanBeMadeForThem) {
+    EXPECT_EQ(barred(16),
               "Browser   Size\n"
               "Chromium   9 B\n"
               "Opera      3 B\n"
