@@ -17,6 +17,7 @@
 #include "browsersweep/hosting/PatternFault.h"
 
 #include "cli/Dates.h"
+#include "cli/LocalDays.h"
 #include "cli/Text.h"
 #include "cli/UsageError.h"
 
@@ -169,6 +170,14 @@ CleanableDataFilter patternFilter(CleanableDataFilter::Rule rule, std::string_vi
 
 CleanableDataFilter datesFilter(Dates::Rule rule, std::string_view range) {
     return {std::nullopt, parseDateRange(rule, range)};
+}
+
+CleanableDataFilter daysFilter(std::string_view days) {
+    return {std::nullopt, parseDays(days, ReferenceClock::now())};
+}
+
+CleanableDataFilter lastFilter(std::string_view age) {
+    return {std::nullopt, parseLast(age, ReferenceClock::now())};
 }
 
 CleanableDataFilter filterFromJSON(std::string_view text) {

@@ -16,6 +16,12 @@ CleanableDataFilter patternFilter(CleanableDataFilter::Rule rule, std::string_vi
 /** A filter of one range of dates, see `parseDateRange`. */
 CleanableDataFilter datesFilter(CleanableDataFilter::Dates::Rule rule, std::string_view range);
 
+/** A filter of whole days in the time zone of the device, see `parseDays`. */
+CleanableDataFilter daysFilter(std::string_view days);
+
+/** A filter of the time since so long ago, see `parseLast`. */
+CleanableDataFilter lastFilter(std::string_view age);
+
 /**
  * Any filter, from JSON:
  * {"patterns": {"rule": "include", "patterns": ["a", "b"]},

@@ -17,6 +17,7 @@
 #include "cli/GatherPieces.h"
 #include "cli/ProfileLabels.h"
 #include "cli/Text.h"
+#include "cli/Unseen.h"
 
 namespace browsersweep::cli {
 namespace {
@@ -79,19 +80,24 @@ private:
         return part;
     }
 
-    void sweep(const Items& items, CategorySize& part) const {
+    SweepOptions howToSweep() const {
         SweepOptions how;
         how.filters = options_.filters;
         how.ignoresErrors = options_.ignoreErrors;
         how.keepsGoing = options_.keepGoing;
         how.examines = true;
         how.control = observer_.control();
-        ItemSweep sweep(items, std::move(how),
+        return how;
+    }
+
+    void sweep(const Items& items, CategorySize& part) const {
+        const Unseen unseen(items, options_, observer_);
+        ItemSweep sweep(unseen.acted(), howToSweep(),
                         [this](const SweepItem& /*next*/, std::size_t /*done*/,
                                std::size_t /*all*/) { return !observer_.isInterrupted(); });
         const auto result =
             measure_ == Measure::removed ? sweep.cleanAndMeasure() : sweep.measure();
-        addRows(items, result, part);
+        addRows(items, unseen, result, part);
         // What a clean had deleted when it was stopped is gone, so it is told beside the error.
         if (!result.error || options_.keepGoing ||
             (measure_ == Measure::removed && observer_.isInterrupted())) {
@@ -102,16 +108,28 @@ private:
         }
     }
 
-    static void addRows(const Items& items, const SweepResult& result, CategorySize& part) {
+    void addRows(const Items& items, const Unseen& unseen, const SweepResult& result,
+                 CategorySize& part) const {
         for (std::size_t i = 0; i < items.size(); ++i) {
             const ItemResult& item = result.items[i];
             const auto& profile = *items[i].profile;
             const auto detail =
                 item.detail.empty() ? std::nullopt : std::optional(printable(item.detail));
-            part.items.push_back({profile.name(), profile.folder(), item.what.string(),
-                                  item.verdict, detail, item.size, item.freedBytes, item.wasBegun});
+            const auto what = item.what.empty() ? placeOf(*items[i].data) : item.what;
+            part.items.push_back({profile.name(), profile.folder(), what.string(), item.verdict,
+                                  detail, item.size, item.freedBytes, item.wasBegun,
+                                  unseen.rowOf(i, item)});
             part.freedBytes += item.freedBytes;
+            if (options_.list && item.size) {
+                part.items.back().entries =
+                    entriesOf(*unseen.acted()[i].data, options_.filters);
+            }
         }
+    }
+
+    static std::filesystem::path placeOf(const CleanableData& item) {
+        const auto places = item.locations();
+        return places.empty() ? std::filesystem::path() : places.front().path;
     }
 
     /** The same profile by profile: a page shows the figures of one also where another fails. */
@@ -220,6 +238,19 @@ private:
     Observer& observer_;
 };
 
+CleanableDataSize unseenOf(const std::vector<BrowserSizes>& browsers) {
+    CleanableDataSize sum;
+    for (const BrowserSizes& row : browsers) {
+        for (const CategorySize& part : row.categories) {
+            for (const ItemRow& item : part.items) {
+                const auto size = item.unseen ? item.unseen->size : std::nullopt;
+                sum = sum + size.value_or(CleanableDataSize::zero);
+            }
+        }
+    }
+    return sum;
+}
+
 SizesReport gatherSizes(const Options& options, Measure measure, const CleanerFactory& cleanerOf,
                         Observer& observer) {
     const BrowserMeasurer measurer(options, measure, observer);
@@ -231,6 +262,11 @@ SizesReport gatherSizes(const Options& options, Measure measure, const CleanerFa
     for (const auto& row : report.browsers) {
         report.total = report.total + row.size.value_or(CleanableDataSize::zero);
         report.freedBytes += row.freedBytes;
+    }
+    report.keep = options.keep;
+    report.filters = options.filters;
+    if (!options.filters.empty()) {
+        report.unseen = UnseenSum{!options.strict, unseenOf(report.browsers)};
     }
     return report;
 }

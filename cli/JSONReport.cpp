@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 #include "cli/JSONValues.h"
 #include "cli/SiteJSON.h"
@@ -57,6 +58,25 @@ void addFigure(JSON& object, Measure measure, const std::optional<CleanableDataS
     object["freedBytes"] = freedBytes;
 }
 
+JSON toJSON(const UnseenRow& unseen) {
+    JSON parts = JSON::array();
+    for (const auto& [name, isBlind] : {std::pair("include", unseen.blindTo.inclusions),
+                                        std::pair("exclude", unseen.blindTo.exclusions),
+                                        std::pair("dates", unseen.blindTo.dates)}) {
+        if (isBlind) {
+            parts.push_back(name);
+        }
+    }
+    return {{"filters", parts}, {"tables", unseen.tables}, {"size", toJSON(unseen.size)}};
+}
+
+JSON toJSON(const ItemEntry& entry) {
+    return {{"what", entry.path.string()},
+            {"table", entry.table.empty() ? JSON(nullptr) : JSON(entry.table)},
+            {"itemCount", toJSON(entry.items)},
+            {"byteCount", entry.bytes ? toJSON(*entry.bytes) : JSON(nullptr)}};
+}
+
 JSON toJSON(const ItemRow& item, Measure measure) {
     JSON object{{"profile", orNull(item.profile)},
                 {"folder", orNull(item.folder)},
@@ -64,6 +84,13 @@ JSON toJSON(const ItemRow& item, Measure measure) {
                 {"verdict", rawValue(item.verdict)},
                 {"detail", orNull(item.detail)}};
     addFigure(object, measure, item.size, item.freedBytes);
+    if (item.unseen) {
+        object["unseen"] = toJSON(*item.unseen);
+    }
+    if (item.entries) {
+        object["entries"] =
+            listOf(*item.entries, [](const ItemEntry& entry) { return toJSON(entry); });
+    }
     return object;
 }
 
@@ -105,6 +132,13 @@ JSON toJSON(const SizesReport& report) {
         object["dryRun"] = report.measure == Measure::wouldBeRemoved;
     }
     object["total"] = toJSON(report.total);
+    if (report.unseen) {
+        object["unseen"] = {{"isTaken", report.unseen->isTaken},
+                            {"size", toJSON(report.unseen->size)}};
+    }
+    if (report.keep) {
+        object["keepList"] = toJSON(*report.keep);
+    }
     object["browsers"] = listOf(report.browsers, [&report](const BrowserSizes& row) {
         return toJSON(row, report.measure);
     });

@@ -6,6 +6,8 @@
 
 #include "browsersweep/cleanable/CleanableDataSize.h"
 
+#include "cli/KeepFile.h"
+
 namespace browsersweep::cli {
 
 /** A value of a document, whose keys stay in the order in which they were added. */
@@ -31,6 +33,8 @@ JSON listOf(const Rows& rows, const ToJSON& rowToJSON) {
 JSON toJSON(const CleanableDataSize::Measurement& measurement);
 /** A size. */
 JSON toJSON(const CleanableDataSize& size);
+/** What the lasting keep list says. */
+JSON toJSON(const KeepRules& rules);
 /** A size, or null where it is absent. */
 JSON toJSON(const std::optional<CleanableDataSize>& size);
 

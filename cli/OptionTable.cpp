@@ -145,10 +145,26 @@ constexpr std::array ownOptions{
               [](const std::string& value, Options& options) {
                   options.filters.push_back(datesFilter(DatesRule::outsideRange, value));
               }, nullptr},
+    OptionRow{"--days", "--days", "DAYS", "filters", Scope::sizeAndClean,
+              "only what is dated on these days, here and whole: 2024-02-29, 2024-02, today, "
+              "yesterday, or two of them with .. between",
+              [](const std::string& value, Options& options) {
+                  options.filters.push_back(daysFilter(value));
+              }, nullptr},
+    OptionRow{"--last", "--last", "AGE", "filters", Scope::sizeAndClean,
+              "only what is dated in the last hours, days, weeks or years, such as 1h or 7d",
+              [](const std::string& value, Options& options) {
+                  options.filters.push_back(lastFilter(value));
+              }, nullptr},
     OptionRow{"--filter", "--filter", "JSON", "filters", Scope::sizeAndClean,
               "any filter; filters apply in the order given",
               [](const std::string& value, Options& options) {
                   options.filters.push_back(filterFromJSON(value));
+              }, nullptr},
+    OptionRow{"--strict", "--strict", "", "filters", Scope::sizeAndClean,
+              "leave out what the filters cannot see, instead of taking it whole",
+              [](const std::string& /*value*/, Options& options) {
+                  options.strict = true;
               }, nullptr},
     OptionRow{"--ignore-errors", "--ignore-errors", "", "options", Scope::sizeAndClean,
               "carry on over errors; the figures become approximate",
@@ -187,6 +203,17 @@ constexpr std::array ownOptions{
                   options.view.showsZeros = true;
                   options.sites.all = true;
               }, nullptr},
+    OptionRow{"--list", "--list", "", "options", Scope::clean,
+              "list every file and table that would go, and delete nothing",
+              [](const std::string& /*value*/, Options& options) {
+                  options.list = true;
+                  options.dryRun = true;
+              }, nullptr},
+    OptionRow{"--no-config", "--no-config", "", "options", Scope::cleanAndForget,
+              "ignore the keep list of the home",
+              [](const std::string& /*value*/, Options& options) {
+                  options.ignoresConfig = true;
+              }, nullptr},
     OptionRow{"--dry-run", "-n,--dry-run", "", "options", Scope::cleanAndForget,
               "say what would be removed and delete nothing",
               [](const std::string& /*value*/, Options& options) {
@@ -221,10 +248,11 @@ using Commands = std::array<std::string_view, 3>;
 
 Commands namesOf(Scope scope) noexcept {
     // clang-format off
-    constexpr std::array<Commands, 10> table{{
+    constexpr std::array<Commands, 11> table{{
         {},
         {},
         {"size", "clean"},
+        {"clean"},
         {"size", "sites"},
         {"size", "forget"},
         {"size", "clean", "sites"},

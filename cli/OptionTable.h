@@ -13,6 +13,7 @@ enum class Scope {
     program,
     everyCommand,
     sizeAndClean,
+    clean,
     sizeAndSites,
     sizeAndForget,
     sizeCleanAndSites,

@@ -36,6 +36,7 @@
 #include "cli/Report.h"
 #include "cli/SiteCommands.h"
 #include "cli/TextReport.h"
+#include "cli/UnseenText.h"
 #include "cli/UsageError.h"
 
 namespace browsersweep::cli {
@@ -78,6 +79,7 @@ public:
 
     int execute() {
         tellOfHome();
+        heedKeepList();
         const bool areProfilesFound = settleProfilesOfSelection();
         std::optional<Report> settled;
         if (isDeletion() && (!guard_.mayDelete() || !isConfirmed(settled))) {
@@ -103,6 +105,21 @@ public:
     }
 
 private:
+    /** What the user wants left alone for good is told in every plan and beside every result. */
+    void heedKeepList() {
+        if (!isDeleting(options_.command) || options_.ignoresConfig) {
+            return;
+        }
+        options_.keep = readKeepFile(home_.fileManager()->homeDirectory());
+        if (options_.keep && options_.keep->isEmpty()) {
+            options_.keep.reset();
+        }
+        if (options_.keep) {
+            keep(*options_.keep, options_);
+            console_.note(keepText(*options_.keep));
+        }
+    }
+
     bool settleProfilesOfSelection() {
         const auto missing = settleProfiles(options_.selection, cleanerFactory());
         for (const auto& line : missing) {
@@ -233,7 +250,7 @@ private:
         }
         tellFailuresOfPlan(planned);
         console_.writeError(peopleText(planned, errorAppearance(), options_.view));
-        console_.writeError("Delete this? [y/N] ");
+        console_.writeError(unseenRemarkOf(planned) + "Delete this? [y/N] ");
         interruption_.letThrough();
         const auto answer = console_.readLine();
         interruption_.holdBack();
@@ -243,6 +260,11 @@ private:
         }
         console_.note("nothing was deleted");
         return false;
+    }
+
+    static std::string unseenRemarkOf(const Report& planned) {
+        const auto* const sizes = std::get_if<SizesReport>(&planned);
+        return sizes == nullptr ? "" : unseenRemark(*sizes);
     }
 
     int exitStatus(const Report& report, std::optional<int> signal) const {

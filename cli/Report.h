@@ -10,11 +10,15 @@
 
 #include "browsersweep/base/Browser.h"
 #include "browsersweep/cleanable/CleanableDataCategory.h"
+#include "browsersweep/cleanable/CleanableDataFilter.h"
 #include "browsersweep/cleanable/CleanableDataSize.h"
+#include "browsersweep/cleanable/FilterSight.h"
+#include "browsersweep/hosting/ItemEntries.h"
 #include "browsersweep/hosting/ItemVerdict.h"
 #include "browsersweep/profiles/Bookmark.h"
 #include "browsersweep/profiles/BrowserProfile.h"
 
+#include "cli/KeepFile.h"
 #include "cli/SiteReport.h"
 
 namespace browsersweep::cli {
@@ -52,6 +56,12 @@ struct ProfilesReport {
     std::vector<BrowserProfiles> browsers;
 };
 
+/** What the filters cannot see of an item. */
+struct UnseenRow {
+    FilterSight blindTo;                    ///< the parts of the filters that it does not hear
+    std::vector<std::string> tables;        ///< of a database
+    std::optional<CleanableDataSize> size;  ///< absent where it could not be measured
+};
 /** One item of a category: a folder, a database or a file of a profile. */
 struct ItemRow {
     std::optional<std::string> profile;
@@ -62,6 +72,8 @@ struct ItemRow {
     std::optional<CleanableDataSize> size;
     std::int64_t freedBytes = 0;
     bool wasBegun = false;
+    std::optional<UnseenRow> unseen{};
+    std::optional<std::vector<ItemEntry>> entries{};  ///< only where they are asked for
     bool isNameShared = false;  ///< as in the row of its profile
 };
 struct CategorySize {
@@ -89,11 +101,19 @@ struct BrowserSizes {
     std::int64_t freedBytes = 0;
 };
 enum class Measure { present, removed, wouldBeRemoved };
+/** What the filters of a command cannot see of all its data. */
+struct UnseenSum {
+    bool isTaken = true;  ///< otherwise it is left out
+    CleanableDataSize size;
+};
 struct SizesReport {
     Measure measure = Measure::present;
     CleanableDataSize total;
     std::vector<BrowserSizes> browsers;
     std::int64_t freedBytes = 0;
+    std::vector<CleanableDataFilter> filters{};
+    std::optional<UnseenSum> unseen{};  ///< absent where there are no filters
+    std::optional<KeepRules> keep{};    ///< the lasting keep list; absent where there is none
 };
 
 struct BrowserBookmarks {

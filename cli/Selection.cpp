@@ -19,11 +19,11 @@ bool isEmptyOrHolds(const std::vector<Value>& values, const Value& value) {
 }  // namespace
 
 bool Selection::includes(Browser browser) const {
-    return isEmptyOrHolds(browsers, browser);
+    return isEmptyOrHolds(browsers, browser) && !holds(keptBrowsers, browser);
 }
 
 bool Selection::includes(CleanableDataCategory category) const {
-    return isEmptyOrHolds(categories, category);
+    return isEmptyOrHolds(categories, category) && !holds(keptCategories, category);
 }
 
 bool Selection::includes(const BrowserProfile& profile) const {

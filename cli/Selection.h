@@ -18,6 +18,11 @@ struct Selection {
     std::vector<std::pair<Browser, std::string>> profileFolders;
     bool primaryOnly = false;
     std::vector<CleanableDataCategory> categories;
+    /** @{ */
+    /** What is left alone whatever else is selected. */
+    std::vector<Browser> keptBrowsers;
+    std::vector<CleanableDataCategory> keptCategories;
+    /** @} */
 
     bool includes(Browser browser) const;
     bool includes(const BrowserProfile& profile) const;

@@ -40,6 +40,12 @@ struct SiteWork {
     std::function<std::optional<std::string>(Browser)> refusal{};
 };
 
+/**
+ * The name of the site that a text means; absent for none. A program without these commands takes
+ * the text as it is.
+ */
+std::optional<std::string> nameOfSite(const std::string& text);
+
 /** What each site left. */
 SiteListReport gatherSites(const Options& options, const SiteWork& work, Observer& observer);
 

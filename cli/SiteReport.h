@@ -11,6 +11,8 @@
 #include "browsersweep/cleanable/CleanableDataSize.h"
 #include "browsersweep/hosting/ItemVerdict.h"
 
+#include "cli/KeepFile.h"
+
 namespace browsersweep::cli {
 
 // What the commands about sites found, before anything is written for people or machines.
@@ -111,6 +113,7 @@ struct ForgetReport {
     std::vector<std::string> hints;  ///< which options would remove what stays, a line each
     /** Whether it was asked for traces of certain sites, and there are none. */
     bool isPointless = false;
+    std::optional<KeepRules> keep{};  ///< the lasting keep list; absent where there is none
 };
 
 /** The day of a date, such as "2024-02-29"; empty where no calendar of four digits has it. */

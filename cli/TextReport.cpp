@@ -3,9 +3,11 @@
 #include <cstddef>
 #include <variant>
 
+#include "cli/EntryText.h"
 #include "cli/SiteText.h"
 #include "cli/SizesText.h"
 #include "cli/Table.h"
+#include "cli/UnseenText.h"
 
 namespace browsersweep::cli {
 namespace {
@@ -80,7 +82,8 @@ struct Writer {
     const SizesView& view;
 
     std::string operator()(const SizesReport& report) const {
-        return sizesText(report, view, appearance);
+        return sizesText(report, view, appearance) + filtersText(report, appearance) +
+               entriesText(report, appearance);
     }
     std::string operator()(const SiteListReport& report) const {
         return peopleText(report, appearance);

@@ -8,6 +8,10 @@ std::vector<CleanableDataLocation> CleanableData::locations() const {
     return {};
 }
 
+std::vector<CleanableDataPart> CleanableData::parts() const {
+    return {};
+}
+
 CleanableDataSize CleanableData::sizeIgnoringErrors(CleanableDataFilters filters) const noexcept {
     try {
         return size(filters);

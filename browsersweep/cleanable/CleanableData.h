@@ -1,11 +1,14 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
+#include <string>
 #include <vector>
 
 #include "browsersweep/Export.h"
 #include "browsersweep/cleanable/CleanableDataFilter.h"
 #include "browsersweep/cleanable/CleanableDataSize.h"
+#include "browsersweep/cleanable/FilterSight.h"
 
 namespace browsersweep {
 
@@ -27,6 +30,16 @@ struct CleanableDataLocation {
     friend bool operator==(const CleanableDataLocation&, const CleanableDataLocation&) = default;
 };
 
+class CleanableData;
+
+/** A part of an item that filters treat alike, such as a table of a database. */
+struct CleanableDataPart {
+    std::string table;  ///< of a database; empty where the part is no table
+    FilterSight sight;  ///< what its data can be told by; the rest of a filter it does not hear
+    /** The part alone. Under filters it takes nothing that lacks what `sight` promises. */
+    std::shared_ptr<const CleanableData> data;
+};
+
 /**
  * One piece of browsing data that can be measured and deleted: a cache folder, tables of a
  * database, a cookie file. Lists of items and dictionaries of lists are items themselves, so a
@@ -46,6 +59,12 @@ public:
 
     /** Where the data lies; empty for an item that does not say. Reads no file. */
     virtual std::vector<CleanableDataLocation> locations() const;
+
+    /**
+     * The parts that it is made of, in the order in which they are handled; empty for an item that
+     * does not say, of which no filter is known to see anything. Reads no file.
+     */
+    virtual std::vector<CleanableDataPart> parts() const;
 
     /** Measures what the filters select. */
     virtual CleanableDataSize size(CleanableDataFilters filters) const = 0;

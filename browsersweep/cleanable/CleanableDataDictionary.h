@@ -60,6 +60,19 @@ public:
         return all;
     }
 
+    /** Those of every list, in the order of the keys; none where an item does not say. */
+    std::vector<CleanableDataPart> parts() const override {
+        std::vector<CleanableDataPart> all;
+        for (const auto& [key, list] : lists_) {
+            const auto own = list.parts();
+            if (own.empty() && !list.items().empty()) {
+                return {};
+            }
+            all.insert(all.end(), own.begin(), own.end());
+        }
+        return all;
+    }
+
     using CleanableData::clean;
     using CleanableData::cleanIgnoringErrors;
     using CleanableData::size;

@@ -23,6 +23,18 @@ std::vector<CleanableDataLocation> CleanableDataList::locations() const {
     return all;
 }
 
+std::vector<CleanableDataPart> CleanableDataList::parts() const {
+    std::vector<CleanableDataPart> all;
+    for (const Item& item : items_) {
+        const auto own = item->parts();
+        if (own.empty()) {
+            return {};
+        }
+        all.insert(all.end(), own.begin(), own.end());
+    }
+    return all;
+}
+
 CleanableDataSize CleanableDataList::size(CleanableDataFilters filters) const {
     CleanableDataSize sum;
     for (const Item& item : items_) {

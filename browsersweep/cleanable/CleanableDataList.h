@@ -37,6 +37,9 @@ public:
     /** Those of every item, in list order. */
     std::vector<CleanableDataLocation> locations() const override;
 
+    /** Those of every item, in list order; none where an item does not say. */
+    std::vector<CleanableDataPart> parts() const override;
+
     using CleanableData::clean;
     using CleanableData::cleanIgnoringErrors;
     using CleanableData::size;

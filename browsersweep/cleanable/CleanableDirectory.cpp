@@ -44,6 +44,10 @@ bool listAccepts(CleanableDataFilters filters, DirectoryEnumerator& entry) {
     return verdict;
 }
 
+bool lacksDate(CleanableDataFilters filters, DirectoryEnumerator& entry) {
+    return partsOf(filters).dates && !entry.creationDate();
+}
+
 CleanableDataSize fileSize(std::uint64_t bytes) {
     if (!std::in_range<std::int64_t>(bytes)) {
         fatalError("a file's size does not fit in 63 bits");
@@ -73,7 +77,7 @@ void CleanableDirectory::forEachSelectedEntry(CleanableDataFilters filters, Visi
     const auto entry = fileManager_->enumerator(directory_);
     while (entry && entry->next()) {
         continueOrThrow(control.get());
-        if (!listAccepts(filters_, *entry) || !listAccepts(filters, *entry)) {
+        if (!accepts(filters, *entry)) {
             continue;
         }
         const OperationProgress done = visit(*entry);
@@ -81,6 +85,30 @@ void CleanableDirectory::forEachSelectedEntry(CleanableDataFilters filters, Visi
             control->count(done);
         }
     }
+}
+
+bool CleanableDirectory::accepts(CleanableDataFilters filters, DirectoryEnumerator& entry) const {
+    return listAccepts(filters_, entry) && listAccepts(filters, entry) &&
+           (takesUndated_ || !lacksDate(filters, entry));
+}
+
+std::vector<CleanableDataPart> CleanableDirectory::parts() const {
+    const auto dated = std::make_shared<CleanableDirectory>(*this);
+    dated->takesUndated_ = false;
+    return {{{}, {false, false, true}, dated}};
+}
+
+std::vector<SelectedFile> CleanableDirectory::files(CleanableDataFilters filters) const {
+    std::vector<SelectedFile> files;
+    forEachSelectedEntry(filters, [&](DirectoryEnumerator& entry) -> OperationProgress {
+        const auto bytes = entry.fileSize();
+        if (!bytes) {
+            return {};
+        }
+        files.push_back({directory_ / entry.relativePath(), *bytes});
+        return {1, *bytes, 0};
+    });
+    return files;
 }
 
 CleanableDataSize CleanableDirectory::size(CleanableDataFilters filters) const {

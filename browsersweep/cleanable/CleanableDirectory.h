@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <vector>
@@ -9,6 +10,15 @@
 #include "browsersweep/platform/FileManager.h"
 
 namespace browsersweep {
+
+/** A file that filters select. */
+struct SelectedFile {
+    std::filesystem::path path;  ///< of the file itself
+    std::uint64_t bytes = 0;     ///< its size
+
+    /** Whether all fields are equal. */
+    friend bool operator==(const SelectedFile&, const SelectedFile&) = default;
+};
 
 /**
  * Data kept as loose files below one directory. Files are counted and deleted, at any depth; the
@@ -49,6 +59,19 @@ public:
         return {{CleanableDataLocation::Kind::folder, directory_}};
     }
 
+    /**
+     * One part: the directory can be told by dates. Names of files tell no site, so that patterns
+     * are not among what it can be told by, though `exclude` keeps a file in whose name one occurs.
+     * The part takes no file whose date cannot be read where a filter has dates.
+     */
+    std::vector<CleanableDataPart> parts() const override;
+
+    /**
+     * The files that the filters select, in the file system's order. Throws `filesystem_error` and
+     * `OperationCancelled`.
+     */
+    std::vector<SelectedFile> files(CleanableDataFilters filters) const;
+
     using CleanableData::clean;
     using CleanableData::size;
     /**
@@ -65,11 +88,13 @@ public:
 private:
     template <typename Visitor>
     void forEachSelectedEntry(CleanableDataFilters filters, Visitor visit) const;
+    bool accepts(CleanableDataFilters filters, DirectoryEnumerator& entry) const;
 
     std::filesystem::path directory_;
     bool requiresClosedBrowserToClean_;
     std::vector<CleanableDataFilter> filters_;
     std::shared_ptr<const FileManager> fileManager_;
+    bool takesUndated_ = true;
 };
 
 }  // namespace browsersweep

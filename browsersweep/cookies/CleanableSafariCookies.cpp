@@ -108,14 +108,27 @@ CleanableSafariCookies::CleanableSafariCookies(Home home)
 
 CleanableDataSize CleanableSafariCookies::size(CleanableDataFilters filters) const {
     CleanableDataSize total;
+    for (const auto& each : sizesOfFiles(filters)) {
+        total = total + each.second;
+    }
+    return total;
+}
+
+std::vector<std::pair<std::filesystem::path, CleanableDataSize>>
+CleanableSafariCookies::sizesOfFiles(CleanableDataFilters filters) const {
+    std::vector<std::pair<std::filesystem::path, CleanableDataSize>> sizes;
     for (const std::filesystem::path& file : cookieFiles()) {
         logFailure(couldNotRead, file, [&] {
             const CleanableDataSize found = sizeOf(file, filters);
-            total = total + found;
+            sizes.emplace_back(file, found);
             count({0, 0, static_cast<std::uint64_t>(found.itemCount.value)});
         });
     }
-    return total;
+    return sizes;
+}
+
+std::vector<CleanableDataPart> CleanableSafariCookies::parts() const {
+    return {{{}, {false, true, false}, std::make_shared<CleanableSafariCookies>(*this)}};
 }
 
 void CleanableSafariCookies::clean(CleanableDataFilters filters) const {

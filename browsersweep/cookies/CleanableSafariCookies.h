@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <memory>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "browsersweep/Export.h"
@@ -53,7 +54,17 @@ public:
     /** The places of both cookie files, whether or not they exist. */
     std::vector<CleanableDataLocation> locations() const override;
 
+    /**
+     * One part, told by `exclude` alone: the files then lose nothing, and the storage keeps what is
+     * excluded. Dates are not compared with the storage, nor `include` with the files.
+     */
+    std::vector<CleanableDataPart> parts() const override;
+
     CleanableDataSize size(CleanableDataFilters filters) const override;
+
+    /** What `size` adds up: each of the files that are there and can be read, with its size. */
+    std::vector<std::pair<std::filesystem::path, CleanableDataSize>> sizesOfFiles(
+        CleanableDataFilters filters) const;
 
     /**
      * Stops the system's two cookie daemons, which would write the old cookies back. Without

@@ -6,6 +6,10 @@ namespace browsersweep {
 
 DirectoryEnumerator::~DirectoryEnumerator() = default;
 
+std::filesystem::path DirectoryEnumerator::relativePath() const {
+    return name();
+}
+
 FileManager::~FileManager() = default;
 
 const std::shared_ptr<const FileManager>& FileManager::defaultManager() {

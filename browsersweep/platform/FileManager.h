@@ -86,6 +86,12 @@ public:
     /** The entry's last path component. Valid until the next call of `next()`. */
     virtual std::string_view name() const noexcept = 0;
 
+    /**
+     * The entry's path below the directory that is enumerated: its name alone where an enumerator
+     * does not tell more.
+     */
+    virtual std::filesystem::path relativePath() const;
+
     /** Whether the entry is a directory. Throws `filesystem_error`. */
     virtual std::optional<bool> isDirectory() = 0;
 

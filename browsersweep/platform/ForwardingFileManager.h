@@ -85,6 +85,7 @@ public:
 
     bool next() override { return target_->next(); }
     std::string_view name() const noexcept override { return target_->name(); }
+    std::filesystem::path relativePath() const override { return target_->relativePath(); }
     std::optional<bool> isDirectory() override { return target_->isDirectory(); }
     std::optional<std::uint64_t> fileSize() override { return target_->fileSize(); }
     std::optional<Date> creationDate() noexcept override { return target_->creationDate(); }

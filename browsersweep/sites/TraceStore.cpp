@@ -3,6 +3,9 @@
 namespace browsersweep {
 
 bool ForgetRequest::takes(TraceKind kind) const noexcept {
+    if (keptKinds.contains(kind)) {
+        return false;
+    }
     if (kind == TraceKind::settings) {
         return takesSettings || kinds.contains(kind);
     }

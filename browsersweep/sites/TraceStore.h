@@ -20,6 +20,7 @@ using KnownHosts = std::set<std::string>;
 struct ForgetRequest {
     SiteSelection sites = SiteSelection::only({});  ///< whose traces
     std::set<TraceKind> kinds;                      ///< only of these kinds; empty: of all
+    std::set<TraceKind> keptKinds;                  ///< and never of these
     /**
      * What tells no site apart goes too, although only some sites are meant: other sites lose what
      * they have there. With everything and with "all but" it goes always.

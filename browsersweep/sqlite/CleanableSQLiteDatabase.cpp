@@ -32,6 +32,16 @@ bool CleanableSQLiteDatabase::hasWork() const noexcept {
     return !components_.empty() && fileManager_->fileExists(file_).isFile();
 }
 
+std::vector<CleanableDataPart> CleanableSQLiteDatabase::parts() const {
+    std::vector<CleanableDataPart> parts;
+    for (const SQLiteStatementComponents& table : components_) {
+        parts.push_back({table.tableName, table.sight(),
+                         std::make_shared<CleanableSQLiteDatabase>(
+                             file_, std::vector{table}, fileManager_)});
+    }
+    return parts;
+}
+
 CleanableDataSize CleanableSQLiteDatabase::size(CleanableDataFilters filters) const {
     if (!hasWork()) {
         return CleanableDataSize::zero;

@@ -46,6 +46,9 @@ public:
         return {{CleanableDataLocation::Kind::database, file_}};
     }
 
+    /** A part for each of the components. */
+    std::vector<CleanableDataPart> parts() const override;
+
     using CleanableData::clean;
     using CleanableData::size;
     /**

@@ -106,6 +106,15 @@ std::optional<std::string> SQLiteStatementComponents::columnName() const {
     return columnsForFiltering ? columnsForFiltering->byPattern : std::nullopt;
 }
 
+FilterSight SQLiteStatementComponents::sight() const noexcept {
+    if (!columnsForFiltering) {
+        return {};
+    }
+    const auto& [byPattern, byDate] = *columnsForFiltering;
+    const bool hasText = byPattern && !byPattern->empty();
+    return {hasText, hasText, byDate && !byDate->name.empty()};
+}
+
 std::string SQLiteStatementComponents::sql(std::string_view prefix,
                                            CleanableDataFilters filters) const {
     std::string fixed;

@@ -8,6 +8,7 @@
 
 #include "browsersweep/Export.h"
 #include "browsersweep/cleanable/CleanableDataFilter.h"
+#include "browsersweep/cleanable/FilterSight.h"
 
 namespace browsersweep {
 
@@ -51,6 +52,9 @@ struct BROWSERSWEEP_EXPORT SQLiteStatementComponents {
 
     /** The pattern column; absent where there is none. */
     std::optional<std::string> columnName() const;
+
+    /** What its rows can be told by: the columns that it has. */
+    FilterSight sight() const noexcept;
 
     /**
      * The statement: the prefix ("SELECT COUNT(*)" or "DELETE"), the table, and the conditions.

@@ -80,6 +80,11 @@ SafariHistoryCleanableDatabase::SafariHistoryCleanableDatabase(
       components_(std::move(components)),
       fileManager_(std::move(fileManager)) {}
 
+std::vector<CleanableDataPart> SafariHistoryCleanableDatabase::parts() const {
+    return {{std::string(visits), components_.sight(),
+             std::make_shared<SafariHistoryCleanableDatabase>(*this)}};
+}
+
 CleanableDataSize SafariHistoryCleanableDatabase::size(CleanableDataFilters filters) const {
     // Opening a file that is not there would create it.
     if (!fileManager_->fileExists(file_).isFile()) {

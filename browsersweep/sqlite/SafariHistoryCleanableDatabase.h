@@ -63,6 +63,9 @@ public:
         return {{CleanableDataLocation::Kind::database, file_, true}};
     }
 
+    /** One part: the visits. */
+    std::vector<CleanableDataPart> parts() const override;
+
     using CleanableData::clean;
     using CleanableData::size;
     /**

@@ -20,6 +20,7 @@
 #include "cli/SiteCommands.h"
 #include "cli/Text.h"
 #include "cli/sites/FreedShares.h"
+#include "cli/sites/KeptKinds.h"
 #include "cli/sites/SiteNames.h"
 
 namespace browsersweep::cli {
@@ -194,11 +195,13 @@ std::optional<SiteErrorRow> errorOf(const SweepStore& store, const StoreListing&
 
 ForgetRequest requestOf(const SiteOptions& options) {
     ForgetRequest request;
-    const auto kept = sitesNamed(options.kept);
-    request.sites = !options.all   ? SiteSelection::only(sitesNamed(options.names))
+    auto kept = sitesNamed(options.alwaysKept);
+    kept.merge(sitesNamed(options.kept));
+    request.sites = !options.all   ? SiteSelection::only(sitesNamed(options.names), kept)
                     : kept.empty() ? SiteSelection::everything()
                                    : SiteSelection::allBut(kept);
     request.kinds = kindsOf(options);
+    request.keptKinds = kindsOfCategories(options.keptCategories);
     request.takesMixed = options.takesMixed;
     request.takesSettings = options.takesSettings;
     // What stands as a hash is found by trying: the names most sites go by need not be listed.
@@ -312,6 +315,7 @@ ForgetReport work(Work kind, const Options& options, const SiteWork& work, Obser
     auto report = reportOf(selected.stores, result);
     report.isPlan = kind == Work::plan;
     report.isDryRun = options.dryRun;
+    report.keep = options.keep;
     report.errors = std::move(selected.errors);
     tellApart(selected.labels, report.errors);
     tellApart(selected.labels, report.notBySite);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <fstream>
 #include <iterator>
 #include <string_view>
@@ -13,6 +12,7 @@
 
 #include "browsersweep/sites/TraceKind.h"
 
+#include "cli/Ages.h"
 #include "cli/OptionTable.h"
 #include "cli/Suggestion.h"
 #include "cli/Text.h"
@@ -36,32 +36,6 @@ Bookmarks, passwords and extensions are never touched. The file of --keep-list
 has one site in a line; # begins a comment.
 )";
 
-constexpr double hour = 3600;
-constexpr std::array ages{
-    std::pair{'h', hour},
-    std::pair{'d', 24 * hour},
-    std::pair{'w', 7 * 24 * hour},
-    std::pair{'y', 365 * 24 * hour},
-};
-
-/** The seconds of a text such as "30d". */
-std::optional<double> secondsOf(std::string_view age) {
-    constexpr std::size_t mostDigits = 6;
-    if (age.size() < 2 || age.size() > mostDigits + 1) {
-        return std::nullopt;
-    }
-    double number = 0;
-    for (const char digit : age.substr(0, age.size() - 1)) {
-        if (std::isdigit(static_cast<unsigned char>(digit)) == 0) {
-            return std::nullopt;
-        }
-        number = 10 * number + (digit - '0');
-    }
-    const auto* const unit = std::find_if(
-        ages.begin(), ages.end(), [age](const auto& each) { return each.first == age.back(); });
-    return unit == ages.end() ? std::nullopt : std::optional(number * unit->second);
-}
-
 std::string faultOfKind(const std::string& name) {
     if (traceKindFromRawValue(name)) {
         return {};
@@ -71,14 +45,6 @@ std::string faultOfKind(const std::string& name) {
         names.push_back(rawValue(kind));
     }
     return fmt::format("'{}' is no kind; {}", printable(name), suggestion(name, names));
-}
-
-std::string faultOfAge(const std::string& age) {
-    return secondsOf(age) ? ""
-                          : fmt::format(
-                                "'{}' is no age; write a number and h, d, w or y, such as "
-                                "30d for thirty days",
-                                printable(age));
 }
 
 std::string faultOfList(const std::string& path) {
@@ -97,7 +63,7 @@ constexpr std::array optionRows{
     OptionRow{"--older-than", "--older-than", "AGE", "options", Scope::sites,
               "only sites that were not used for so long, such as 12h, 30d, 8w or 1y",
               [](const std::string& value, Options& options) {
-                  options.sites.olderThan = secondsOf(value);
+                  options.sites.olderThan = secondsOfAge(value);
               }, faultOfAge},
     OptionRow{"--keep", "--keep", "SITE", "options", Scope::forget,
               "with --all: a site to keep",
@@ -173,6 +139,11 @@ void requireSites(const Options& options) {
     if (options.command == Command::forget) {
         requireSitesToForget(options.sites);
     }
+}
+
+std::optional<std::string> nameOfSite(const std::string& text) {
+    const auto site = isWellFormed(text) ? Site::ofText(text) : std::nullopt;
+    return site ? std::optional(site->name()) : std::nullopt;
 }
 
 void readKeepList(SiteOptions& options) {

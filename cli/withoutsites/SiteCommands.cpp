@@ -2,6 +2,8 @@
 
 #include <stdexcept>
 
+#include "browsersweep/hosting/PatternFault.h"
+
 #include "cli/OptionTable.h"
 
 // The parser knows none of the commands, so none of the last functions is ever called.
@@ -21,6 +23,10 @@ const std::vector<OptionRow>& siteOptions() {
 void requireSites(const Options& /*options*/) {}
 
 void readKeepList(SiteOptions& /*options*/) {}
+
+std::optional<std::string> nameOfSite(const std::string& text) {
+    return patternFault(text) ? std::nullopt : std::optional(text);
+}
 
 SiteListReport gatherSites(const Options& /*options*/, const SiteWork& /*work*/,
                            Observer& /*observer*/) {

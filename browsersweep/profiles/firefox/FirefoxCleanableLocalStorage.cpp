@@ -37,6 +37,14 @@ bool FirefoxCleanableLocalStorage::requiresClosedBrowserToClean() const noexcept
     return cleanableSQLiteDatabase_->requiresClosedBrowserToClean();
 }
 
+std::vector<CleanableDataPart> FirefoxCleanableLocalStorage::parts() const {
+    auto parts = cleanableSQLiteDatabase_->parts();
+    for (CleanableDataPart& part : parts) {
+        part.data = std::make_shared<FirefoxCleanableLocalStorage>(std::move(part.data));
+    }
+    return parts;
+}
+
 CleanableDataSize FirefoxCleanableLocalStorage::size(CleanableDataFilters filters) const {
     return cleanableSQLiteDatabase_->size(reversed(filters));
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "browsersweep/Export.h"
 #include "browsersweep/cleanable/CleanableData.h"
@@ -32,6 +33,9 @@ public:
     std::vector<CleanableDataLocation> locations() const override {
         return cleanableSQLiteDatabase_->locations();
     }
+
+    /** As the wrapped item has them, each wrapped. */
+    std::vector<CleanableDataPart> parts() const override;
 
     using CleanableData::clean;
     using CleanableData::size;

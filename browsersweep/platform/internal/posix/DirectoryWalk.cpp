@@ -301,13 +301,20 @@ void DirectoryWalk::remove() {
     }
 }
 
-std::filesystem::path DirectoryWalk::path(std::string_view entryName) const {
-    std::filesystem::path whole = root_;
+/** The directory that is being listed, from the root. */
+std::filesystem::path DirectoryWalk::folder() const {
+    std::filesystem::path folder;
     for (const Level& level : levels_) {
         if (!level.name.empty()) {
-            whole /= level.name;
+            folder /= level.name;
         }
     }
+    return folder;
+}
+
+std::filesystem::path DirectoryWalk::path(std::string_view entryName) const {
+    const std::filesystem::path below = folder();
+    const std::filesystem::path whole = below.empty() ? root_ : root_ / below;
     return entryName.empty() ? whole : whole / entryName;
 }
 

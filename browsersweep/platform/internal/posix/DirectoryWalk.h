@@ -54,6 +54,7 @@ public:
 
     bool next() override;
     std::string_view name() const noexcept override { return entry_->name; }
+    std::filesystem::path relativePath() const override { return folder() / name(); }
     std::optional<bool> isDirectory() override;
     std::optional<std::uint64_t> fileSize() override;
     std::optional<Date> creationDate() noexcept override;
@@ -87,6 +88,7 @@ private:
     void reopenParent(const Level& child, Level& parent) const;
     void learnKind();
     std::optional<EntryStatus> status(StatusFields fields);
+    std::filesystem::path folder() const;
     std::filesystem::path path(std::string_view entryName = {}) const;
 
     std::filesystem::path root_;

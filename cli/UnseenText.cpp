@@ -1,0 +1,123 @@
+#include "cli/UnseenText.h"
+
+#include <optional>
+#include <string_view>
+
+#include <fmt/format.h>
+
+#include "cli/Figures.h"
+#include "cli/FilterText.h"
+#include "cli/Table.h"
+
+namespace browsersweep::cli {
+namespace {
+
+/** What of a category the filters cannot see. */
+struct Sum {
+    CleanableDataSize size;
+    FilterSight blindTo;
+    bool isAny = false;
+    bool isKnown = true;
+};
+
+Sum sumOf(const CategorySize& part) {
+    Sum sum;
+    for (const ItemRow& item : part.items) {
+        const bool isNothing = !item.unseen || item.unseen->size == CleanableDataSize::zero;
+        if (isNothing) {
+            continue;
+        }
+        sum.isAny = true;
+        sum.isKnown &= item.unseen->size.has_value();
+        sum.size = sum.size + item.unseen->size.value_or(CleanableDataSize::zero);
+        sum.blindTo = sum.blindTo.with(item.unseen->blindTo);
+    }
+    return sum;
+}
+
+/** "?" where nothing of it could be measured. */
+std::string shown(const Sum& sum, const std::string& figure) {
+    return sum.isKnown || sum.size != CleanableDataSize::zero ? figure : "?";
+}
+
+std::string tableOf(const SizesReport& report, const Appearance& appearance) {
+    Table table({{"Browser"},
+                 {"Category"},
+                 {"Items", Alignment::right},
+                 {"Size", Alignment::right},
+                 {"Has no"}});
+    for (const BrowserSizes& row : report.browsers) {
+        for (const CategorySize& part : row.categories) {
+            const Sum sum = sumOf(part);
+            if (sum.isAny) {
+                table.addRow({std::string(displayName(row.browser)),
+                              std::string(displayName(part.category)),
+                              shown(sum, countText(sum.size.itemCount)),
+                              shown(sum, bytesText(sum.size.byteCount)), sightText(sum.blindTo)});
+            }
+        }
+    }
+    return table.text(appearance);
+}
+
+bool isAnyUnseen(const SizesReport& report) {
+    for (const BrowserSizes& row : report.browsers) {
+        for (const CategorySize& part : row.categories) {
+            if (sumOf(part).isAny) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+std::string_view headingOf(const SizesReport& report) noexcept {
+    if (!report.unseen->isTaken) {
+        return "The filters cannot see this, which is left out (--strict):";
+    }
+    switch (report.measure) {
+        case Measure::present:
+            return "The filters cannot see this, which counts whole (--strict leaves it out):";
+        case Measure::removed:
+            return "The filters could not see this, which went whole:";
+        case Measure::wouldBeRemoved:
+            return "The filters cannot see this, which goes whole (--strict leaves it out):";
+    }
+    return "";
+}
+
+/** How much of all that is. */
+std::string shareOf(const SizesReport& report) {
+    const auto& part = report.unseen->size;
+    if (!report.unseen->isTaken) {
+        return "";
+    }
+    return fmt::format("That is {} of {} items, and {} of {}.\n", countText(part.itemCount),
+                       countText(report.total.itemCount), bytesText(part.byteCount),
+                       bytesText(report.total.byteCount));
+}
+
+}  // namespace
+
+std::string filtersText(const SizesReport& report, const Appearance& appearance) {
+    std::string text;
+    for (const std::string& each : filterTexts(report.filters)) {
+        text += fmt::format("Filter: {}\n", each);
+    }
+    if (report.unseen && isAnyUnseen(report)) {
+        text += fmt::format("\n{}\n{}{}", headingOf(report), tableOf(report, appearance),
+                            shareOf(report));
+    }
+    return text;
+}
+
+std::string unseenRemark(const SizesReport& plan) {
+    if (!plan.unseen || !plan.unseen->isTaken || !isAnyUnseen(plan)) {
+        return "";
+    }
+    const auto& size = plan.unseen->size;
+    return fmt::format("{} items ({}) of it the filters cannot see. ", countText(size.itemCount),
+                       bytesText(size.byteCount));
+}
+
+}  // namespace browsersweep::cli
