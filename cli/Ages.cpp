@@ -43,9 +43,10 @@ std::optional<double> secondsOfAge(std::string_view age) {
 std::string faultOfAge(const std::string& age) {
     return secondsOfAge(age)
                ? ""
-               : fmt::format("'{}' is no age; write a number and h, d, w or y, such as 30d for "
-                             "thirty days",
-                             printable(age));
+               : fmt::format(
+                     "'{}' is no age; write a number and h, d, w or y, such as 30d for "
+                     "thirty days",
+                     printable(age));
 }
 
 }  // namespace browsersweep::cli

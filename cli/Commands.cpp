@@ -11,11 +11,13 @@ constexpr std::string_view filterNotes =
     R"(A filter keeps only what it can see. Data without a date goes whole under
 --inside and --outside, data without a text to compare goes whole under
 --include and --exclude: form data and the list of downloads under any filter,
-cookies of the Chromium family and of Firefox under dates. A dry run shows it.
+cookies of the Chromium family and of Firefox under dates. Every plan says how
+much that is, and --strict leaves it out.
 
-A date is YYYY-MM-DD (midnight UTC), YYYY-MM-DDTHH:MM:SS[.fff]Z, a number of up
-to nine digits, which are seconds since 2001-01-01 00:00:00 UTC, or @ and a
-number of seconds since 1970.
+DAYS are whole days of the time zone here, the last one included. A date is
+YYYY-MM-DD (midnight UTC), YYYY-MM-DDTHH:MM:SS[.fff]Z, a number of up to nine
+digits, which are seconds since 2001-01-01 00:00:00 UTC, or @ and a number of
+seconds since 1970.
 
 A filter in JSON, of which every part may be left out:
   {"patterns":{"rule":"include","patterns":["a","b"]},
@@ -52,7 +54,9 @@ std::vector<CommandRow> ownCommands() {
          {{"browsersweep clean --dry-run -b firefox --outside 2024-01-01..",
            "what a clean of all before 2024, and of all without a date, would remove"},
           {"browsersweep clean -b firefox -c cookies --exclude example.com",
-           "delete Firefox's cookies but those of example.com, after a question"}},
+           "delete Firefox's cookies but those of example.com, after a question"},
+          {"browsersweep clean --list -b chrome -c history --last 7d --strict",
+           "every file and table of a week's history that would go, and nothing else"}},
          filterNotes},
         {"bookmarks",
          Command::bookmarks,

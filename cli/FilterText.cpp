@@ -30,9 +30,9 @@ std::string textOf(const Dates& dates) {
     const std::string end = dates.endDate ? localText(*dates.endDate) : "";
     if (start.empty() || end.empty()) {
         const bool isLater = start.empty() != isInside;
-        return fmt::format("dated {} {}", isLater ? (isInside ? "from" : "after")
-                                                  : (isInside ? "until" : "before"),
-                           start + end);
+        return fmt::format(
+            "dated {} {}",
+            isLater ? (isInside ? "from" : "after") : (isInside ? "until" : "before"), start + end);
     }
     return isInside ? fmt::format("dated from {} to {}", start, end)
                     : fmt::format("dated before {} or after {}", start, end);

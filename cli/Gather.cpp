@@ -121,8 +121,7 @@ private:
                                   unseen.rowOf(i, item)});
             part.freedBytes += item.freedBytes;
             if (options_.list && item.size) {
-                part.items.back().entries =
-                    entriesOf(*unseen.acted()[i].data, options_.filters);
+                part.items.back().entries = entriesOf(*unseen.acted()[i].data, options_.filters);
             }
         }
     }

@@ -37,7 +37,7 @@ std::string_view trimmed(std::string_view text) noexcept {
 
 [[noreturn]] void refuse(const std::filesystem::path& file, std::string_view reason) {
     throw UsageError(
-        fmt::format("the keep list {} {}; nothing was deleted. Correct it, or add --no-config.",
+        fmt::format("the keep list {} {} (nothing was deleted; --no-config ignores it)",
                     printable(file.string()), reason));
 }
 
@@ -81,13 +81,13 @@ void keepByFilter(const KeepRules& rules, Options& options) {
     // SQLite takes no condition that is much longer.
     constexpr std::size_t mostSites = 500;
     if (rules.sites.size() > mostSites) {
-        refuse(rules.file, fmt::format("has more than the {} sites that clean can keep",
-                                       mostSites));
+        refuse(rules.file,
+               fmt::format("has more than the {} sites that clean can keep", mostSites));
     }
     for (const std::string& site : rules.sites) {
         if (patternFault(site)) {
-            refuse(rules.file, fmt::format("has the site '{}', which no filter can be about",
-                                           printable(site)));
+            refuse(rules.file,
+                   fmt::format("has the site '{}', which no filter can be about", printable(site)));
         }
     }
     if (!rules.sites.empty()) {
@@ -183,8 +183,8 @@ std::string keepText(const KeepRules& rules) {
     addNames("of the sites", rules.sites, parts);
     addNames("of", displayNames(rules.browsers), parts);
     addNames("of all", displayNames(rules.categories), parts);
-    return fmt::format("kept as {} says, data {} (--no-config ignores it)",
-                       rules.file.string(), fmt::join(parts, "; "));
+    return fmt::format("kept as {} says, data {} (--no-config ignores it)", rules.file.string(),
+                       fmt::join(parts, "; "));
 }
 
 }  // namespace browsersweep::cli

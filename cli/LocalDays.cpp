@@ -118,8 +118,7 @@ Dates parseDays(std::string_view text, Date now) {
     constexpr std::string_view dots = "..";
     const auto place = text.find(dots);
     const auto first = text.substr(0, place);
-    const auto last =
-        place == std::string_view::npos ? first : text.substr(place + dots.size());
+    const auto last = place == std::string_view::npos ? first : text.substr(place + dots.size());
     Dates dates;
     if (!first.empty() || place == std::string_view::npos) {
         dates.startDate = startOf(daysOf(first, now).first);
@@ -149,8 +148,7 @@ std::string localText(Date date) {
     }
     const std::tm calendar = calendarOf(date);
     std::array<char, 64> text{};
-    const auto length =
-        std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S %Z", &calendar);
+    const auto length = std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S %Z", &calendar);
     return {text.data(), length};
 }
 

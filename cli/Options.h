@@ -29,9 +29,9 @@ struct Options {
     SizesView view;                             ///< how a report is shown; its order that of sites
     SiteOptions sites;                          ///< of the commands about sites
     bool ignoreErrors = false;
-    bool strict = false;         ///< what the filters cannot see is left out
-    bool list = false;           ///< every file and table is told
-    bool ignoresConfig = false;  ///< the lasting keep list counts for nothing
+    bool strict = false;            ///< what the filters cannot see is left out
+    bool list = false;              ///< every file and table is told
+    bool ignoresConfig = false;     ///< the lasting keep list counts for nothing
     std::optional<KeepRules> keep;  ///< what it says, once it was read
     bool keepGoing = false;
     bool dryRun = false;

@@ -100,15 +100,14 @@ JSON toJSON(const SiteListReport& report) {
 }
 
 JSON toJSON(const ForgetReport& report) {
-    JSON object{
-        {"dryRun", report.isDryRun},
-        {"total", toJSON(report.total)},
-        {"freedBytes", report.freedBytes},
-        {"forgotten", sitesOf(report.forgotten, Figures::removed)},
-        {"notBySite", mixedOf(report.notBySite, Figures::removed)},
-        {"kept", listOf(report.kept, [](const KeptRow& row) { return toJSON(row); })},
-        {"stores", listOf(report.stores, [](const StoreRow& row) { return toJSON(row); })},
-        {"errors", errorsOf(report.errors)}};
+    JSON object{{"dryRun", report.isDryRun},
+                {"total", toJSON(report.total)},
+                {"freedBytes", report.freedBytes},
+                {"forgotten", sitesOf(report.forgotten, Figures::removed)},
+                {"notBySite", mixedOf(report.notBySite, Figures::removed)},
+                {"kept", listOf(report.kept, [](const KeptRow& row) { return toJSON(row); })},
+                {"stores", listOf(report.stores, [](const StoreRow& row) { return toJSON(row); })},
+                {"errors", errorsOf(report.errors)}};
     if (report.keep) {
         object["keepList"] = toJSON(*report.keep);
     }

@@ -47,8 +47,7 @@ std::optional<UnseenRow> Unseen::rowOf(std::size_t index, const ItemResult& resu
         return std::nullopt;
     }
     const bool isItemItself = !isStrict_ && division.unseen == acted_[index].data;
-    return UnseenRow{division.blindTo, division.tables,
-                     isItemItself ? result.size : sizes_[index]};
+    return UnseenRow{division.blindTo, division.tables, isItemItself ? result.size : sizes_[index]};
 }
 
 }  // namespace browsersweep::cli

@@ -25,8 +25,7 @@ public:
 Item databaseOf(const CleanableSQLiteDatabase& whole, const Parts& parts) {
     std::vector<SQLiteStatementComponents> tables;
     for (const CleanableDataPart& part : parts) {
-        if (const auto* const own =
-                dynamic_cast<const CleanableSQLiteDatabase*>(part.data.get())) {
+        if (const auto* const own = dynamic_cast<const CleanableSQLiteDatabase*>(part.data.get())) {
             tables.insert(tables.end(), own->components().begin(), own->components().end());
         }
     }

@@ -20,7 +20,6 @@ using KnownHosts = std::set<std::string>;
 struct ForgetRequest {
     SiteSelection sites = SiteSelection::only({});  ///< whose traces
     std::set<TraceKind> kinds;                      ///< only of these kinds; empty: of all
-    std::set<TraceKind> keptKinds;                  ///< and never of these
     /**
      * What tells no site apart goes too, although only some sites are meant: other sites lose what
      * they have there. With everything and with "all but" it goes always.
@@ -28,7 +27,8 @@ struct ForgetRequest {
     bool takesMixed = false;
     /** What the user decided for sites goes too; also where the kind `settings` is asked for. */
     bool takesSettings = false;
-    KnownHosts knownHosts;  ///< of all sites, also of those that are kept
+    KnownHosts knownHosts;            ///< of all sites, also of those that are kept
+    std::set<TraceKind> keptKinds{};  ///< never of these, whatever the rest says
 
     /** Whether traces of this kind are meant. */
     BROWSERSWEEP_EXPORT bool takes(TraceKind kind) const noexcept;

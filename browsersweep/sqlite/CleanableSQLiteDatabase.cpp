@@ -35,9 +35,9 @@ bool CleanableSQLiteDatabase::hasWork() const noexcept {
 std::vector<CleanableDataPart> CleanableSQLiteDatabase::parts() const {
     std::vector<CleanableDataPart> parts;
     for (const SQLiteStatementComponents& table : components_) {
-        parts.push_back({table.tableName, table.sight(),
-                         std::make_shared<CleanableSQLiteDatabase>(
-                             file_, std::vector{table}, fileManager_)});
+        parts.push_back(
+            {table.tableName, table.sight(),
+             std::make_shared<CleanableSQLiteDatabase>(file_, std::vector{table}, fileManager_)});
     }
     return parts;
 }

@@ -14,6 +14,7 @@ _browsersweep_command() {
         case $word in
         --home | --browser | -b | --profile | --category | -c | --html) is_value=yes ;;
         --include | --exclude | --inside | --outside | --filter) is_value=yes ;;
+        --days | --last) is_value=yes ;;
         --kind | --by | --sort | --older-than | --keep | --keep-list) is_value=yes ;;
         browsers | profiles | size | clean | sites | forget | bookmarks | notifications | doctor | help)
             printf '%s\n' "$word"
@@ -30,7 +31,7 @@ _browsersweep_options() {
     case $1 in
     "" | size | clean)
         printf '%s\n' --category --include --exclude --inside --outside --filter --ignore-errors
-        printf '%s\n' --keep-going
+        printf '%s\n' --keep-going --days --last --strict
         ;;
     esac
     case $1 in "" | size | sites) printf '%s\n' --html ;; esac
@@ -40,7 +41,8 @@ _browsersweep_options() {
     case $1 in "" | sites) printf '%s\n' --older-than ;; esac
     case $1 in "" | size | forget) printf '%s\n' --all ;; esac
     case $1 in "" | forget) printf '%s\n' --keep --keep-list --mixed --settings ;; esac
-    case $1 in "" | clean | forget) printf '%s\n' --dry-run --yes --force ;; esac
+    case $1 in "" | clean | forget) printf '%s\n' --dry-run --yes --force --no-config ;; esac
+    case $1 in "" | clean) printf '%s\n' --list ;; esac
 }
 
 # _browsersweep_offer WORDS: offers those that begin with what is typed.
@@ -83,7 +85,8 @@ _browsersweep() {
     --home) _browsersweep_offer_paths directory && return ;;
     --html | --keep-list) _browsersweep_offer_paths file && return ;;
     --profile | --include | --exclude | --inside | --outside | --filter) return ;;
-    --older-than | --keep) return ;;
+    --older-than | --keep | --last) return ;;
+    --days) _browsersweep_offer "today yesterday" && return ;;
     esac
     command=$(_browsersweep_command "${COMP_WORDS[@]:1:COMP_CWORD-1}")
     case $current in

@@ -16,6 +16,7 @@ set -l listing browsers profiles bookmarks notifications doctor help
 set -l measuring "not __fish_seen_subcommand_from $listing sites forget"
 set -l showing "not __fish_seen_subcommand_from $listing clean forget"
 set -l cleaning "not __fish_seen_subcommand_from $listing size sites"
+set -l deleting "not __fish_seen_subcommand_from $listing size sites forget"
 set -l tracing "not __fish_seen_subcommand_from $listing size clean"
 set -l sorting "not __fish_seen_subcommand_from $listing forget"
 set -l choosing "not __fish_seen_subcommand_from $listing clean sites"
@@ -48,6 +49,9 @@ complete -c browsersweep -n $measuring -l include -x -d 'Only what holds this te
 complete -c browsersweep -n $measuring -l exclude -x -d 'Only what does not hold this text'
 complete -c browsersweep -n $measuring -l inside -x -d 'Only what is dated in the range'
 complete -c browsersweep -n $measuring -l outside -x -d 'Only what is dated outside the range'
+complete -c browsersweep -n $measuring -l days -x -a 'today yesterday' -d 'Only what is dated on these days'
+complete -c browsersweep -n $measuring -l last -x -d 'Only what is dated since so long'
+complete -c browsersweep -n $measuring -l strict -d 'Leave out what the filters cannot see'
 complete -c browsersweep -n $measuring -l filter -x -d 'Any filter, in JSON'
 complete -c browsersweep -n $measuring -l ignore-errors -d 'Carry on over errors'
 complete -c browsersweep -n $measuring -l keep-going -d 'Go on with the next item where one fails'
@@ -62,5 +66,7 @@ complete -c browsersweep -n $forgetting -l keep-list -r -F -d 'A file with the s
 complete -c browsersweep -n $forgetting -l mixed -d 'Also what tells no site apart'
 complete -c browsersweep -n $forgetting -l settings -d 'Also what you decided for the sites'
 complete -c browsersweep -n $cleaning -s n -l dry-run -d 'Say what would be removed and delete nothing'
+complete -c browsersweep -n $cleaning -l no-config -d 'Ignore the keep list'
+complete -c browsersweep -n $deleting -l list -d 'List every file and table that would go'
 complete -c browsersweep -n $cleaning -s y -l yes -d 'Do not ask'
 complete -c browsersweep -n $cleaning -l force -d 'Go on although a selected browser seems to be running'

@@ -324,6 +324,24 @@ TEST_F(CleanableDirectoryTest, sizingEitherFailsWithTheSystemsErrorOrIsExactOrFi
     EXPECT_GE(count, 8U);
 }
 
+TEST_F(CleanableDirectoryTest, filesAreThoseThatAreSizedWithTheirPaths) {
+    const std::vector all{SelectedFile{folder / "cache/a.txt", 10},
+                          SelectedFile{folder / "cache/sub/b.txt", 20}};
+    EXPECT_EQ(directory().files({}), all);
+    EXPECT_EQ(directory().files(std::vector{excluding("b")}), std::vector{all.front()});
+}
+
+TEST_F(CleanableDirectoryTest, itsOnePartTakesNoFileWhoseDateIsNotKnown) {
+    const CleanableDirectory item = dated({{"a.txt", 5}});
+    const std::vector filters{dates(inside, 0, 10)};
+    EXPECT_EQ(item.size(filters), (CleanableDataSize{2, 30}));
+    const auto parts = item.parts();
+    ASSERT_EQ(parts.size(), 1U);
+    EXPECT_EQ(parts.front().sight, FilterSight({false, false, true}));
+    EXPECT_EQ(parts.front().data->size(filters), (CleanableDataSize{1, 10}));
+    EXPECT_EQ(parts.front().data->size(), (CleanableDataSize{2, 30}));
+}
+
 /** Every deletion fails. */
 class UndeletingFileManager : public tests::ForwardingFileManager {
 public:

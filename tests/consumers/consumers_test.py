@@ -80,12 +80,13 @@ def test_everything_else_links_the_shared_library(prefixes):
     run("cmake", "--build", "--preset", "shared", cwd=ROOT)
 
 
-def test_the_example_in_python_runs(prefixes):
+@pytest.mark.parametrize("name", ("python_ctypes", "python_application"))
+def test_the_examples_in_python_run(name, prefixes):
     library, = [path for name in ("libbrowsersweep.so", "libbrowsersweep.dylib")
                 for path in prefixes["shared"].rglob(name)]
     run(sys.executable, ROOT / "tests" / "support" / "run_on_sample.py", "--expect",
-        ROOT / "tests" / "examples" / "python_ctypes.expected", sys.executable,
-        ROOT / "examples" / "python_ctypes.py", library)
+        ROOT / "tests" / "examples" / f"{name}.expected", sys.executable, "-B",
+        ROOT / "examples" / f"{name}.py", library)
 
 
 def test_each_installed_header_compiles_alone(prefixes):

@@ -14,6 +14,20 @@ TEST(ForgetRequest, takesEveryKindButSettingsUnlessItNamesSome) {
     EXPECT_FALSE(request.takes(TraceKind::cookies));
 }
 
+TEST(ForgetRequest, neverTakesKindsThatAreKept) {
+    ForgetRequest request;
+    request.sites = SiteSelection::everything();
+    request.takesSettings = true;
+    request.keptKinds = {TraceKind::cookies, TraceKind::openTabs, TraceKind::settings};
+    EXPECT_TRUE(request.takes(TraceKind::history));
+    EXPECT_FALSE(request.takes(TraceKind::cookies));
+    EXPECT_FALSE(request.takes(TraceKind::settings));
+    EXPECT_FALSE(request.takesMixedOf(TraceKind::openTabs));
+    request.kinds = {TraceKind::cookies};
+    EXPECT_FALSE(request.takes(TraceKind::cookies));
+    EXPECT_FALSE(request.takes(TraceKind::history));
+}
+
 TEST(ForgetRequest, takesSettingsWhenItIsToldSo) {
     ForgetRequest request;
     request.takesSettings = true;
