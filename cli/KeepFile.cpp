@@ -118,6 +118,7 @@ void addNames(std::string_view what, const Values& names, std::vector<std::strin
 template <typename Value>
 std::vector<std::string_view> displayNames(const std::vector<Value>& values) {
     std::vector<std::string_view> names;
+    names.reserve(values.size());
     for (const Value value : values) {
         names.push_back(displayName(value));
     }
