@@ -1,16 +1,21 @@
 #include "cli/EntryText.h"
 
+#include <cstddef>
+
 #include <fmt/format.h>
 
 #include "cli/Figures.h"
+#include "cli/ProfileLabels.h"
 #include "cli/Table.h"
 #include "cli/Text.h"
+#include "cli/Wrapping.h"
 
 namespace browsersweep::cli {
 namespace {
 
 std::string headingOf(const BrowserSizes& row, const CategorySize& part, const ItemRow& item) {
-    const std::string profile = item.profile ? ", " + *item.profile : "";
+    const std::string profile =
+        item.profile ? ", " + labelOf(*item.profile, item.folder, item.isNameShared) : "";
     return printable(fmt::format("{}{}, {}: {}", displayName(row.browser), profile,
                                  displayName(part.category), item.what));
 }
@@ -34,7 +39,10 @@ std::string countOf(const ItemEntry& entry, bool isCookieFile) {
 }
 
 std::string tableOf(const ItemRow& item, bool areCookies, const Appearance& appearance) {
-    Table table({{"  "}, {"", Alignment::right}, {"", Alignment::right}});
+    constexpr std::size_t leastName = 12;
+    Table table({{"  ", Alignment::left, leastName, 0, Cut::front},
+                 {"", Alignment::right},
+                 {"", Alignment::right}});
     for (const ItemEntry& entry : *item.entries) {
         table.addRow({"  " + nameOf(entry, item), countOf(entry, areCookies),
                       entry.bytes ? bytesText(*entry.bytes) : ""});
@@ -52,7 +60,7 @@ std::string entriesText(const SizesReport& report, const Appearance& appearance)
             const bool areCookies = part.category == CleanableDataCategory::httpCookies;
             for (const ItemRow& item : part.items) {
                 if (item.entries && !item.entries->empty()) {
-                    text += "\n" + headingOf(row, part, item) + "\n" +
+                    text += "\n" + wrapped(headingOf(row, part, item), appearance.columns) +
                             tableOf(item, areCookies, appearance);
                 }
             }

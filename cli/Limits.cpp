@@ -1,25 +1,21 @@
 #include "cli/Limits.h"
 
 #include <string_view>
-#include <utility>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include "cli/SiteReport.h"
+#include "cli/FilterText.h"
 
 namespace browsersweep::cli {
 namespace {
-
-using Dates = CleanableDataFilter::Dates;
-using Rule = CleanableDataFilter::Rule;
 
 template <typename Texts>
 std::string quoted(const Texts& texts) {
     std::vector<std::string> names;
     names.reserve(texts.size());
     for (const auto& text : texts) {
-        names.push_back(fmt::format("\u201C{}\u201D", text));
+        names.push_back(fmt::format("\"{}\"", text));
     }
     return fmt::format("{}", fmt::join(names, " or "));
 }
@@ -32,43 +28,6 @@ std::string namesOf(const Values& values) {
         names.push_back(displayName(value));
     }
     return fmt::format("{}", fmt::join(names, ", "));
-}
-
-std::string textOf(Date date) {
-    const auto moment = momentText(date);
-    if (!moment) {
-        return fmt::format("@{}", secondsSince1970(date));
-    }
-    constexpr std::size_t day = 10;
-    constexpr std::size_t time = 8;
-    return fmt::format("{} {} UTC", moment->substr(0, day), moment->substr(day + 1, time));
-}
-
-std::string textOf(const Dates& dates) {
-    const bool isInside = dates.rule == Dates::Rule::insideRange;
-    const auto& start = dates.startDate;
-    const auto& end = dates.endDate;
-    if (start && end) {
-        const auto [first, last] = std::pair(textOf(*start), textOf(*end));
-        return isInside ? fmt::format("what is dated from {} to {}", first, last)
-                        : fmt::format("what is dated before {} or after {}", first, last);
-    }
-    if (start) {
-        return fmt::format("what is dated {} {}", isInside ? "from" : "before", textOf(*start));
-    }
-    return end ? fmt::format("what is dated {} {}", isInside ? "until" : "after", textOf(*end))
-               : std::string();
-}
-
-void add(const CleanableDataFilter& filter, std::vector<std::string>& limits) {
-    if (!filter.patterns().empty()) {
-        limits.push_back(fmt::format("what {} {}",
-                                     filter.rule() == Rule::include ? "holds" : "does not hold",
-                                     quoted(filter.patterns())));
-    }
-    if (const auto text = filter.dates() ? textOf(*filter.dates()) : ""; !text.empty()) {
-        limits.push_back(text);
-    }
 }
 
 void addSelection(const Selection& selection, std::vector<std::string>& limits) {
@@ -105,9 +64,8 @@ void addSites(const SiteOptions& options, std::vector<std::string>& limits) {
 std::vector<std::string> limitsOf(const Options& options) {
     std::vector<std::string> limits;
     addSelection(options.selection, limits);
-    for (const auto& filter : options.filters) {
-        add(filter, limits);
-    }
+    const auto filters = filterTexts(options.filters);
+    limits.insert(limits.end(), filters.begin(), filters.end());
     addSites(options.sites, limits);
     return limits;
 }

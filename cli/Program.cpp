@@ -38,6 +38,7 @@
 #include "cli/TextReport.h"
 #include "cli/UnseenText.h"
 #include "cli/UsageError.h"
+#include "cli/Wrapping.h"
 
 namespace browsersweep::cli {
 namespace {
@@ -250,7 +251,7 @@ private:
         }
         tellFailuresOfPlan(planned);
         console_.writeError(peopleText(planned, errorAppearance(), options_.view));
-        console_.writeError(unseenRemarkOf(planned) + "Delete this? [y/N] ");
+        console_.writeError(questionOn(planned));
         interruption_.letThrough();
         const auto answer = console_.readLine();
         interruption_.holdBack();
@@ -262,9 +263,13 @@ private:
         return false;
     }
 
-    static std::string unseenRemarkOf(const Report& planned) {
+    /** What is asked, with what the filters cannot see; in lines that fit the terminal. */
+    std::string questionOn(const Report& planned) const {
         const auto* const sizes = std::get_if<SizesReport>(&planned);
-        return sizes == nullptr ? "" : unseenRemark(*sizes);
+        const auto question = (sizes == nullptr ? "" : unseenRemark(*sizes)) + "Delete this? [y/N]";
+        auto lines = wrapped(question, errorAppearance().columns);
+        lines.back() = ' ';
+        return lines;
     }
 
     int exitStatus(const Report& report, std::optional<int> signal) const {

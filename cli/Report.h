@@ -74,7 +74,7 @@ struct ItemRow {
     bool wasBegun = false;
     std::optional<UnseenRow> unseen{};
     std::optional<std::vector<ItemEntry>> entries{};  ///< only where they are asked for
-    bool isNameShared = false;  ///< as in the row of its profile
+    bool isNameShared = false;                        ///< as in the row of its profile
 };
 struct CategorySize {
     CleanableDataCategory category = CleanableDataCategory::cache;

@@ -1,5 +1,6 @@
 #include "cli/UnseenText.h"
 
+#include <cstddef>
 #include <optional>
 #include <string_view>
 
@@ -8,6 +9,7 @@
 #include "cli/Figures.h"
 #include "cli/FilterText.h"
 #include "cli/Table.h"
+#include "cli/Wrapping.h"
 
 namespace browsersweep::cli {
 namespace {
@@ -41,9 +43,10 @@ std::string shown(const Sum& sum, const std::string& figure) {
 }
 
 std::string tableOf(const SizesReport& report, const Appearance& appearance) {
-    Table table({{"Browser"},
-                 {"Category"},
-                 {"Items", Alignment::right},
+    constexpr std::size_t leastName = 8;
+    Table table({{"Browser", Alignment::left, leastName},
+                 {"Category", Alignment::left, leastName},
+                 {"Items", Alignment::right, 0, 1},
                  {"Size", Alignment::right},
                  {"Has no"}});
     for (const BrowserSizes& row : report.browsers) {
@@ -87,14 +90,15 @@ std::string_view headingOf(const SizesReport& report) noexcept {
 }
 
 /** How much of all that is. */
-std::string shareOf(const SizesReport& report) {
+std::string shareOf(const SizesReport& report, std::size_t columns) {
     const auto& part = report.unseen->size;
     if (!report.unseen->isTaken) {
         return "";
     }
-    return fmt::format("That is {} of {} items, and {} of {}.\n", countText(part.itemCount),
-                       countText(report.total.itemCount), bytesText(part.byteCount),
-                       bytesText(report.total.byteCount));
+    return wrapped(fmt::format("That is {} of {} items, and {} of {}.", countText(part.itemCount),
+                               countText(report.total.itemCount), bytesText(part.byteCount),
+                               bytesText(report.total.byteCount)),
+                   columns);
 }
 
 }  // namespace
@@ -102,11 +106,11 @@ std::string shareOf(const SizesReport& report) {
 std::string filtersText(const SizesReport& report, const Appearance& appearance) {
     std::string text;
     for (const std::string& each : filterTexts(report.filters)) {
-        text += fmt::format("Filter: {}\n", each);
+        text += wrapped("Filter: " + each, appearance.columns);
     }
     if (report.unseen && isAnyUnseen(report)) {
-        text += fmt::format("\n{}\n{}{}", headingOf(report), tableOf(report, appearance),
-                            shareOf(report));
+        text += "\n" + wrapped(headingOf(report), appearance.columns) +
+                tableOf(report, appearance) + shareOf(report, appearance.columns);
     }
     return text;
 }
