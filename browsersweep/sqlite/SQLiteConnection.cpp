@@ -73,6 +73,11 @@ SQLiteConnection SQLiteConnection::readingOnly(const std::filesystem::path& path
     return {path, DatabaseAccess::readOnly, std::move(control)};
 }
 
+SQLiteConnection SQLiteConnection::readingAsItLies(const std::filesystem::path& path,
+                                                   std::shared_ptr<OperationControl> control) {
+    return {path, DatabaseAccess::asItLies, std::move(control)};
+}
+
 SQLiteStatement SQLiteConnection::prepare(const std::string& sql) const {
     if (database_->control) {
         database_->control->continueOrThrow();

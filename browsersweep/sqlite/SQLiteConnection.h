@@ -55,6 +55,14 @@ public:
                                         std::shared_ptr<OperationControl> control = nullptr);
 
     /**
+     * The same for a file beside which there is neither a log nor a journal: no lock is taken, and
+     * no index of a log is needed. What is read is a state of the file only if nobody has changed
+     * it meanwhile, which is for the caller to find out. Throws `SQLiteError`.
+     */
+    static SQLiteConnection readingAsItLies(const std::filesystem::path& path,
+                                            std::shared_ptr<OperationControl> control = nullptr);
+
+    /**
      * Prepares one statement, lets the evaluator run it, and finalizes it. Throws `SQLiteError`
      * with SQLite's message where preparing or stepping fails, and `OperationCancelled` where the
      * control stopped the statement, which is then taken back; what else an evaluator throws

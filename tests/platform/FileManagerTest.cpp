@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstdlib>
+#include <fstream>
 #include <string>
 
 #include <fcntl.h>
@@ -9,6 +11,7 @@
 #include <unistd.h>
 
 #include "browsersweep/platform/FileManager.h"
+#include "browsersweep/platform/internal/posix/FileFacts.h"
 
 #include "tests/support/Bytes.h"
 #include "tests/support/FileErrors.h"
@@ -180,6 +183,42 @@ TEST_F(FileManagerTest, aCopyThatIsToldToStopBeginsNone) {
     const auto controlled = FileManager::forHome(folder.path(), stopped);
     EXPECT_THROW(controlled->copy(folder / "file", folder / "copy"), OperationCancelled);
     EXPECT_FALSE(fs::exists(folder / "copy"));
+}
+
+TEST_F(FileManagerTest, aCopyAsksBetweenItsPiecesAndCountsThem) {
+    const std::string large(20'000'000, 'x');
+    const fs::path file = folder.write("file", large);
+    const auto counting = std::make_shared<OperationControl>();
+    FileManager::forHome(folder.path(), counting)->copy(file, folder / "whole");
+    EXPECT_EQ(counting->progress(), (OperationProgress{0, large.size(), 0}));
+    const auto stopping = std::make_shared<OperationControl>(
+        [](const OperationProgress& done) { return done.bytes > 0; });
+    try {
+        FileManager::forHome(folder.path(), stopping)->copy(file, folder / "begun");
+        FAIL() << "it went on";
+    } catch (const OperationCancelled& cancelled) {
+        EXPECT_GT(cancelled.progress().bytes, 0U);
+        EXPECT_LE(cancelled.progress().bytes, large.size());
+    }
+}
+
+TEST_F(FileManagerTest, aCopyOfAFileWithHolesIsTheSameAndOccupiesNoMore) {
+    const fs::path file = folder.write("file", "begin");
+    const std::uintmax_t size = std::uintmax_t{3} << 30;
+    fs::resize_file(file, size / 2);
+    std::ofstream(file, std::ios::app) << "middle";
+    fs::resize_file(file, size);
+    const auto counting = std::make_shared<OperationControl>();
+    FileManager::forHome(folder.path(), counting)->copy(file, folder / "copy");
+    EXPECT_EQ(fs::file_size(folder / "copy"), size);
+    EXPECT_LT(posix::allocatedBytes(folder / "copy"), 1 << 20);
+    std::ifstream copy(folder / "copy");
+    std::string found(6, ' ');
+    copy.read(found.data(), 5);
+    EXPECT_EQ(found, "begin ");
+    copy.seekg(static_cast<std::streamoff>(size / 2));
+    copy.read(found.data(), 6);
+    EXPECT_EQ(found, "middle");
 }
 
 TEST_F(FileManagerTest, aCopyNeverOverwritesNorFollowsALink) {

@@ -164,6 +164,47 @@ TEST_F(DatabaseSnapshots, areApproximateWhereTheFileNeverRests) {
     EXPECT_EQ(tests::filesBelow(home_ / "tmp"), tests::Files());
 }
 
+/** Has no room for a copy, and may have somebody do something meanwhile. */
+class FullFileManager : public tests::ForwardingFileManager {
+public:
+    using ForwardingFileManager::ForwardingFileManager;
+
+    void copy(const fs::path& /*from*/, const fs::path& to) const override {
+        throw fs::filesystem_error("full", to, std::make_error_code(std::errc::no_space_on_device));
+    }
+};
+
+TEST_F(DatabaseSnapshots, areReadAsTheyLieWhereThereIsNoRoomForACopy) {
+    make("WAL");
+    ASSERT_FALSE(fs::exists(beside("-wal")));
+    const auto before = tests::filesBelow(home_ / "data");
+    const auto full = std::make_shared<FullFileManager>(manager_);
+    EXPECT_EQ(SafariHistoryCleanableDatabase(file_, full).size().itemCount,
+              CleanableDataSize::Measurement(visitCount));
+    EXPECT_EQ(tests::filesBelow(home_ / "data"), before);
+}
+
+TEST_F(DatabaseSnapshots, areNotReadAsTheyLieWhereALogWaits) {
+    make("WAL");
+    home_.write("data/History.db-wal", "log");
+    const auto full = std::make_shared<FullFileManager>(manager_);
+    EXPECT_THROW(SafariHistoryCleanableDatabase(file_, full).size(), fs::filesystem_error);
+}
+
+TEST_F(DatabaseSnapshots, asTheyLieAreNoneWhereTheyChangeMeanwhile) {
+    make("WAL");
+    const auto full = std::make_shared<FullFileManager>(manager_);
+    int count = 0;
+    const bool isOfOneMoment =
+        DatabaseSnapshot(file_, full).read([&](const SQLiteConnection& connection) {
+            connection.hasTable("history_visits");
+            Database(file_).execute("INSERT INTO history_visits (history_item) VALUES (1)");
+            ++count;
+        });
+    EXPECT_FALSE(isOfOneMoment);
+    EXPECT_EQ(count, 5);
+}
+
 TEST_F(DatabaseSnapshots, readNothingInPlaceThatWouldHaveToBeChanged) {
     make("DELETE");
     {

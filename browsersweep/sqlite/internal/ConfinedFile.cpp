@@ -59,6 +59,11 @@ int unmapIndex(sqlite3_file* file, int deletes) {
     return passOn<&sqlite3_io_methods::xShmUnmap>(file, may);
 }
 
+int characteristics(sqlite3_file* file) {
+    const int settled = ConfinedFile::of(file).isSettled() ? SQLITE_IOCAP_IMMUTABLE : 0;
+    return passOn<&sqlite3_io_methods::xDeviceCharacteristics>(file) | settled;
+}
+
 int close(sqlite3_file* file) {
     return ConfinedFile::of(file).close();
 }
@@ -78,7 +83,7 @@ constexpr sqlite3_io_methods confinedMethods(int version) {
     methods.xCheckReservedLock = passOn<&M::xCheckReservedLock, int*>;
     methods.xFileControl = passOn<&M::xFileControl, int, void*>;
     methods.xSectorSize = passOn<&M::xSectorSize>;
-    methods.xDeviceCharacteristics = passOn<&M::xDeviceCharacteristics>;
+    methods.xDeviceCharacteristics = characteristics;
     methods.xShmMap = mapIndex;
     methods.xShmLock = passOn<&M::xShmLock, int, int, int>;
     methods.xShmBarrier = passOn<&M::xShmBarrier>;

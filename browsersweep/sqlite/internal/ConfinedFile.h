@@ -17,6 +17,7 @@ struct FileBounds {
     bool onlyReads = false;
     std::string index;                          ///< of the log, asked about before it is opened
     std::shared_ptr<OperationControl> control;  ///< asked at each reading; may be null
+    bool isSettled = false;                     ///< nobody changes it: no lock and no log is needed
 };
 
 /**
@@ -52,6 +53,7 @@ public:
     MemoryFile& memory() noexcept { return *memory_; }
 
     bool onlyReads() const noexcept { return bounds_->onlyReads; }
+    bool isSettled() const noexcept { return bounds_->isSettled; }
     bool isToStop() const noexcept { return bounds_->control && bounds_->control->shouldStop(); }
     /** Whether the log's index may be opened: a regular file with one name, or none yet. */
     bool mayOpenIndex() const noexcept;

@@ -164,7 +164,7 @@ private:
         if (known == nullptr) {
             return SQLITE_NOMEM;
         }
-        const bool onlyReads = access_ == DatabaseAccess::readOnly;
+        const bool onlyReads = access_ != DatabaseAccess::readWrite;
         const int allowed = onlyReads ? (flags & ~writeFlags) | SQLITE_OPEN_READONLY : flags;
         int code = file.open(*system_, known, allowed, flagsGiven);
         if (code == SQLITE_OK && !mayOpen(name)) {
@@ -174,7 +174,8 @@ private:
         if (code == SQLITE_OK) {
             // A journal is read to take things back, which nothing may stop.
             const bool isJournal = (flags & SQLITE_OPEN_MAIN_JOURNAL) != 0;
-            file.confine({onlyReads, index_, isJournal ? nullptr : control_});
+            file.confine({onlyReads, index_, isJournal ? nullptr : control_,
+                          access_ == DatabaseAccess::asItLies});
         }
         return code;
     }
@@ -186,7 +187,7 @@ private:
         }
         const int code = file.open(*system_, temporary_.c_str(), flags, flagsGiven);
         if (code == SQLITE_OK) {
-            file.confine({false, {}, control_});
+            file.confine({false, {}, control_, false});
         }
         return code;
     }
@@ -209,9 +210,9 @@ private:
         if (!hooks.isCompanion(name)) {
             return SQLITE_OK;  // the file of a transaction over several databases is not ours
         }
-        return hooks.access_ == DatabaseAccess::readOnly
-                   ? SQLITE_READONLY
-                   : hooks.system_->xDelete(hooks.system_, name, syncsFolder);
+        return hooks.access_ == DatabaseAccess::readWrite
+                   ? hooks.system_->xDelete(hooks.system_, name, syncsFolder)
+                   : SQLITE_READONLY;
     }
 
     static int answer(sqlite3_vfs* vfs, const char* name, int question, int* yes) {

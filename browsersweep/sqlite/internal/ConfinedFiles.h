@@ -15,6 +15,7 @@ namespace browsersweep {
 enum class DatabaseAccess {
     readWrite,
     readOnly,  ///< no byte of any file is changed, and no file is made or deleted
+    asItLies,  ///< the same, and nothing beside the database is looked at, nor is it locked
 };
 
 /**

@@ -40,14 +40,15 @@ Facts factsOfAll(const std::filesystem::path& file) {
  * what was read before it and again after it was there at that moment, too.
  */
 bool areOfOneMoment(const std::filesystem::path& file, const std::filesystem::path& copy,
-                    const Facts& before) {
+                    const Facts& before, OperationControl* control) {
     if (factsOfAll(file) != before) {
         return false;
     }
     for (std::size_t index = 0; index < copiedSuffixes.size(); ++index) {
         const std::string_view suffix = copiedSuffixes.at(index);
         if (before.at(index).exists &&
-            !posix::haveEqualContents(withSuffix(file, suffix), withSuffix(copy, suffix))) {
+            !posix::haveEqualContents(withSuffix(file, suffix), withSuffix(copy, suffix),
+                                      control)) {
             return false;
         }
     }
@@ -111,7 +112,7 @@ bool DatabaseSnapshot::canBeReadInPlace() const {
 bool DatabaseSnapshot::read(const Use& use) const {
     for (int attempt = 1;; ++attempt) {
         const bool isLast = attempt == maximumAttempts;
-        if ((canBeReadInPlace() && readInPlace(use)) || readCopy(use, isLast)) {
+        if ((canBeReadInPlace() && readInPlace(use)) || readCopyIfThereIsRoom(use, isLast)) {
             return true;
         }
         if (isLast) {
@@ -136,12 +137,34 @@ bool DatabaseSnapshot::readInPlace(const Use& use) const {
     }
 }
 
+// A full disk is what people clean up for.
+bool DatabaseSnapshot::readCopyIfThereIsRoom(const Use& use, bool isLast) const {
+    try {
+        return readCopy(use, isLast);
+    } catch (const std::filesystem::filesystem_error& error) {
+        const bool isAlone = !has("-wal") && !has("-journal") && !has(indexSuffix);
+        if (error.code() != std::errc::no_space_on_device || !isAlone) {
+            throw;
+        }
+    }
+    return readAsItLies(use);
+}
+
+bool DatabaseSnapshot::readAsItLies(const Use& use) const {
+    OperationControl* const control = fileManager_->control().get();
+    const Facts before = factsOfAll(file_);
+    const auto mark = posix::markOfContents(file_, control);
+    use(SQLiteConnection::readingAsItLies(file_, fileManager_->control()));
+    return factsOfAll(file_) == before && posix::markOfContents(file_, control) == mark;
+}
+
 bool DatabaseSnapshot::readCopy(const Use& use, bool isLast) const {
     const Facts before = factsOfAll(file_);
     const TemporaryDatabaseCopy copy(file_, fileManager_);
     const bool isProven =
-        copyCompanions(file_, copy.path(), before, *fileManager_) &&
-        unlessVanished([&] { return areOfOneMoment(file_, copy.path(), before); });
+        copyCompanions(file_, copy.path(), before, *fileManager_) && unlessVanished([&] {
+            return areOfOneMoment(file_, copy.path(), before, fileManager_->control().get());
+        });
     if (isProven || isLast) {
         use(SQLiteConnection(copy.path(), fileManager_->control()));
     }

@@ -108,6 +108,15 @@ TEST_F(Mounts, aFileBelowAMountIsNotReachedAndThatIsTold) {
     });
 }
 
+TEST_F(Mounts, aFileThatIsAMountItselfIsNotReachedAndThatIsTold) {
+    inOwnMounts([this] {
+        mountFolder(home / "Documents/letter", cache / "file");
+        const auto control = std::make_shared<OperationControl>();
+        EXPECT_FALSE(FileManager::forHome(home.path(), control)->reaches(cache / "file"));
+        EXPECT_EQ(control->takeLeftOut(), mounted(cache / "file"));
+    });
+}
+
 TEST_F(Mounts, aFolderWithAMountBelowItIsRemovedAroundTheMount) {
     home.write("Library/Caches/browser/other/file", "x");
     inOwnMounts([this] {

@@ -50,7 +50,9 @@ bool clone(const FileDescriptor& source, const std::filesystem::path& to) noexce
 /** Whatever stands in a clone's way, the plain copy either does without or says why it cannot. */
 void copyFile(const FileDescriptor& source, const std::filesystem::path& from,
               const std::filesystem::path& to, OperationControl* control) {
-    if (!clone(source, to)) {
+    if (clone(source, to)) {
+        tellOfPiece(static_cast<std::uint64_t>(sizeOf(source, from)), control);
+    } else {
         copyThroughBuffer(source, from, createPrivateFile(to), to, control);
     }
 }

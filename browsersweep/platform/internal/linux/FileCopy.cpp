@@ -4,6 +4,7 @@
 #include <array>
 #include <cerrno>
 #include <cstddef>
+#include <cstdint>
 
 #include <fcntl.h>
 #include <linux/fs.h>
@@ -25,16 +26,19 @@ bool clone(const FileDescriptor& source, const FileDescriptor& target) noexcept 
     return ::ioctl(target.number(), FICLONE, source.number()) == 0;
 }
 
-/** Copies inside the kernel. False where it cannot: both files then stand where it stopped. */
+/** Copies inside the kernel. False where it cannot. */
 bool copyInKernel(const FileDescriptor& source, const FileDescriptor& target,
                   const std::filesystem::path& to, OperationControl* control) {
-    while (true) {
+    std::int64_t place = 0;
+    while (const auto part = nextPart(source, place, pieceSize)) {
+        loff_t from = part->begin;
+        loff_t into = part->begin;
         const auto count = restarting([&] {
-            return ::copy_file_range(source.number(), nullptr, target.number(), nullptr, pieceSize,
+            return ::copy_file_range(source.number(), &from, target.number(), &into, part->length,
                                      0);
         });
         if (count == 0) {
-            return true;
+            break;
         }
         if (count < 0) {
             if (std::find(cannotCopyErrors.begin(), cannotCopyErrors.end(), errno) !=
@@ -43,16 +47,23 @@ bool copyInKernel(const FileDescriptor& source, const FileDescriptor& target,
             }
             throwSystemError("cannot copy", to);
         }
+        place = part->begin + count;
         tellOfPiece(static_cast<std::uint64_t>(count), control);
     }
+    return true;
 }
 
 }  // namespace
 
 void copyFile(const FileDescriptor& source, const std::filesystem::path& from,
               const std::filesystem::path& to, OperationControl* control) {
+    const auto size = sizeOf(source, from);
     const FileDescriptor target = createPrivateFile(to);
-    if (!clone(source, target) && !copyInKernel(source, target, to, control)) {
+    if (clone(source, target)) {
+        tellOfPiece(static_cast<std::uint64_t>(size), control);
+    } else if (copyInKernel(source, target, to, control)) {
+        makeAsLong(target, to, size);
+    } else {
         copyThroughBuffer(source, from, target, to, control);
     }
 }

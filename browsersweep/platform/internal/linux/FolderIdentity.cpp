@@ -65,6 +65,14 @@ std::optional<FolderIdentity> folderIdentity(const FileDescriptor& folder) noexc
                           *mount};
 }
 
+bool isMountedOver(const FileDescriptor& folder, const char* name) noexcept {
+    const FileDescriptor file(restarting(
+        [&] { return ::openat(folder.number(), name, O_PATH | O_NOFOLLOW | O_CLOEXEC); }));
+    const auto own = file ? folderIdentity(file) : std::nullopt;
+    const auto above = folderIdentity(folder);
+    return own && above && own->mount != above->mount;
+}
+
 FileDescriptor openPassage(int parent, const char* name, int flags) noexcept {
     return FileDescriptor(restarting(
         [&] { return ::openat(parent, name, O_PATH | O_DIRECTORY | O_CLOEXEC | flags); }));

@@ -94,8 +94,11 @@ FileDescriptor DirectoryWalk::openRoot(const std::filesystem::path& root, const 
 bool DirectoryWalk::reachesParent(const std::filesystem::path& path, const Gate& gate,
                                   OperationControl* control) {
     try {
-        gate.openParent(path);
-        return true;
+        if (!isMountedOver(gate.openParent(path), entryName(path).c_str())) {
+            return true;
+        }
+        leaveOut(path, EXDEV, control);
+        return false;
     } catch (const std::filesystem::filesystem_error& error) {
         const int code = error.code().value();
         if (code != ELOOP && code != EXDEV) {

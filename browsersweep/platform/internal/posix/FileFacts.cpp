@@ -60,13 +60,31 @@ std::int64_t allocatedBytes(const std::filesystem::path& file) noexcept {
     return isCounted ? static_cast<std::int64_t>(status.st_blocks) * blockSize : 0;
 }
 
-bool haveEqualContents(const std::filesystem::path& one, const std::filesystem::path& other) {
+std::uint64_t markOfContents(const std::filesystem::path& path, OperationControl* control) {
+    constexpr std::uint64_t start = 0xCBF29CE484222325;
+    constexpr std::uint64_t prime = 0x100000001B3;
+    constexpr std::size_t pieceSize = std::size_t{256} * 1024;
+    const FileDescriptor file = openFile(path, O_RDONLY | carefully);
+    Bytes piece(pieceSize);
+    std::uint64_t mark = start;
+    while (const std::size_t count = readSome(file, piece, path)) {
+        continueOrThrow(control);
+        for (const std::uint8_t byte : BytesView(piece).first(count)) {
+            mark = (mark ^ byte) * prime;
+        }
+    }
+    return mark;
+}
+
+bool haveEqualContents(const std::filesystem::path& one, const std::filesystem::path& other,
+                       OperationControl* control) {
     constexpr std::size_t pieceSize = std::size_t{256} * 1024;
     const FileDescriptor first = openFile(one, O_RDONLY | carefully);
     const FileDescriptor second = openFile(other, O_RDONLY | carefully);
     Bytes ofFirst(pieceSize);
     Bytes ofSecond(pieceSize);
     while (true) {
+        continueOrThrow(control);
         const std::size_t count = fill(first, ofFirst, one);
         if (fill(second, ofSecond, other) != count ||
             !std::equal(ofFirst.begin(), ofFirst.begin() + static_cast<std::ptrdiff_t>(count),

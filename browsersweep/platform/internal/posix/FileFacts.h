@@ -5,6 +5,8 @@
 #include <optional>
 #include <system_error>
 
+#include "browsersweep/base/OperationControl.h"
+
 namespace browsersweep::posix {
 
 /** What the system records of a path itself; a link at its end is not followed. */
@@ -35,8 +37,19 @@ inline FileFacts factsOf(const std::filesystem::path& path) noexcept {
  */
 std::int64_t allocatedBytes(const std::filesystem::path& file) noexcept;
 
-/** Whether two regular files hold the same bytes. Throws `filesystem_error`. */
-bool haveEqualContents(const std::filesystem::path& one, const std::filesystem::path& other);
+/**
+ * A number that another content of a regular file would hardly have; not where somebody looks for
+ * one. The control, which may be null, is asked between pieces. Throws `filesystem_error` and
+ * `OperationCancelled`.
+ */
+std::uint64_t markOfContents(const std::filesystem::path& path, OperationControl* control);
+
+/**
+ * Whether two regular files hold the same bytes. The control, which may be null, is asked between
+ * pieces. Throws `filesystem_error` and `OperationCancelled`.
+ */
+bool haveEqualContents(const std::filesystem::path& one, const std::filesystem::path& other,
+                       OperationControl* control);
 
 /** What the system says to opening a regular file; no error where it opens. Writes nothing. */
 std::error_code errorOfOpening(const std::filesystem::path& path, bool forWriting) noexcept;

@@ -24,6 +24,12 @@ struct FolderIdentity {
 std::optional<FolderIdentity> folderIdentity(const FileDescriptor& folder) noexcept;
 
 /**
+ * Whether something else is mounted on a file of an open folder, so that its name leads elsewhere.
+ * One implementation per system: not all can mount on a file.
+ */
+bool isMountedOver(const FileDescriptor& folder, const char* name) noexcept;
+
+/**
  * Opens a folder for nothing but going on from there; the flags are added. `errno` says why where
  * that fails. One implementation per system: not all can do it without the right to list it.
  */
