@@ -115,8 +115,10 @@ TraceListing selectedPart(const TraceListing& listing, const ForgetRequest& requ
         }
     }
     std::copy_if(listing.notBySite.begin(), listing.notBySite.end(),
-                 std::back_inserter(part.notBySite),
-                 [&request](const MixedTrace& each) { return request.takesMixedOf(each.kind); });
+                 std::back_inserter(part.notBySite), [&request](const MixedTrace& each) {
+                     return each.goesAlong ? request.takes(each.kind)
+                                           : request.takesMixedOf(each.kind);
+                 });
     return part;
 }
 

@@ -38,6 +38,8 @@ struct MixedTrace {
     CleanableDataSize size;               ///< what removing it would take
     /** What of a site may stand there and what removing it would cost, for people. */
     std::string meaning;
+    /** Whether it goes with whatever is forgotten of this kind, and is made anew without asking. */
+    bool goesAlong = false;
 
     /** Whether all fields are equal. */
     friend bool operator==(const MixedTrace&, const MixedTrace&) = default;

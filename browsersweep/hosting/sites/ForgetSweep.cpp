@@ -41,7 +41,7 @@ std::string counted(std::int64_t count, const std::string& thing) {
 void addMixed(const TraceListing& listing, const ForgetRequest& request,
               std::vector<KeptTrace>& kept) {
     for (const MixedTrace& each : listing.notBySite) {
-        if (request.takes(each.kind) && !request.takesMixedOf(each.kind)) {
+        if (request.takes(each.kind) && !request.takesMixedOf(each.kind) && !each.goesAlong) {
             kept.push_back({each.kind, each.what, each.meaning});
         }
     }
@@ -85,6 +85,13 @@ void addShared(const TraceListing& listing, const ForgetRequest& request,
             }
         }
     }
+}
+
+/** Whether something goes for its own sake. */
+bool isAnythingMeant(const std::optional<TraceListing>& gone) {
+    return gone && (!gone->bySite.empty() ||
+                    std::any_of(gone->notBySite.begin(), gone->notBySite.end(),
+                                [](const MixedTrace& each) { return !each.goesAlong; }));
 }
 
 bool isSameThing(const KeptTrace& one, const KeptTrace& other) {
@@ -160,7 +167,22 @@ ForgetResult ForgetSweep::planOf(const Inventory& inventory) const {
             result.foundSites.insert(trace.site);
         }
     }
+    if (!isWorthwhile(result)) {
+        for (StoreForgetting& store : result.stores) {
+            leaveAlone(store);
+        }
+    }
     return result;
+}
+
+/** Where nothing of the sites is found, nothing goes along with it. */
+void ForgetSweep::leaveAlone(StoreForgetting& plan) {
+    if (plan.gone) {
+        plan.gone = TraceListing();
+    }
+    if (plan.verdict == ItemVerdict::measured) {
+        plan.verdict = ItemVerdict::nothingThere;
+    }
 }
 
 StoreForgetting ForgetSweep::planned(const TraceStore& store, const StoreListing& before) const {
@@ -186,9 +208,8 @@ StoreForgetting ForgetSweep::planned(const TraceStore& store, const StoreListing
 
 bool ForgetSweep::isWorthwhile(const ForgetResult& plan) const {
     return !options_.request.sites.isOnly() ||
-           std::any_of(plan.stores.begin(), plan.stores.end(), [](const StoreForgetting& each) {
-               return each.gone && *each.gone != TraceListing();
-           });
+           std::any_of(plan.stores.begin(), plan.stores.end(),
+                       [](const StoreForgetting& each) { return isAnythingMeant(each.gone); });
 }
 
 ForgetResult ForgetSweep::forget() {

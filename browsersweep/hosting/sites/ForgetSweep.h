@@ -85,6 +85,7 @@ private:
     Inventory takeInventory(std::size_t rounds);
     ForgetResult planOf(const Inventory& inventory) const;
     StoreForgetting planned(const TraceStore& store, const StoreListing& before) const;
+    static void leaveAlone(StoreForgetting& plan);
     bool isWorthwhile(const ForgetResult& plan) const;
     bool mayBegin(std::size_t index, StoreForgetting& result);
     void forgetOne(const TraceStore& store, const StoreListing& before, StoreForgetting& result);

@@ -19,6 +19,10 @@ constexpr std::string_view inBlocks =
     "a cache in a format whose files hold parts of many entries: pages that any site loaded; "
     "without it pages load more slowly once";
 
+constexpr std::string_view withoutKey =
+    "damaged entries of a cache, which do not say what they were loaded from: any site may stand "
+    "there";
+
 /** Compiled scripts lie under a digest of their own, and what was loaded refers to that. */
 constexpr std::size_t digestLength = 64;
 constexpr std::size_t longestReference = 8192;
@@ -117,23 +121,31 @@ TraceListing CacheStore::list(const KnownHosts& /*knownHosts*/) const {
                   std::string(inBlocks)}}};
     }
     TraceCollector collector;
+    CleanableDataSize damaged;
     const Entries entries(cache_, *fileManager_);
     for (const Entries::Entry& entry : entries.all()) {
         const CleanableDataSize size{1, entry.file.size};
+        damaged = entry.file.key ? damaged : damaged + size;
         collector.add(TraceKind::cachedFiles, entry.hosts, size, entry.file.modified);
         for (const auto& hosts : entry.users) {
             collector.add(TraceKind::cachedFiles, hosts, size);
         }
     }
-    return {collector.traces(), {}};
+    TraceListing listing{collector.traces(), {}};
+    if (damaged.itemCount.value > 0) {
+        listing.notBySite.push_back(
+            {TraceKind::cachedFiles, path(), damaged, std::string(withoutKey)});
+    }
+    return listing;
 }
 
-std::set<std::string, std::less<>> CacheStore::namesOfGoing(const SiteSelection& selection) const {
+std::set<std::string, std::less<>> CacheStore::namesOfGoing(const ForgetRequest& request) const {
     std::set<std::string, std::less<>> names;
-    SiteMatcher matcher(selection);
+    SiteMatcher matcher(request.sites);
+    const bool takesDamaged = request.takesMixedOf(TraceKind::cachedFiles);
     const Entries entries(cache_, *fileManager_);
     for (const Entries::Entry& entry : entries.all()) {
-        if (isGoing(entry, matcher)) {
+        if (entry.file.key ? isGoing(entry, matcher) : takesDamaged) {
             names.insert(entry.file.name);
         }
     }
@@ -153,7 +165,7 @@ ForgetOutcome CacheStore::forget(const ForgetRequest& request) const {
     if (isInBlocks) {
         return {{{TraceKind::cachedFiles, path(), std::string(inBlocks)}}, true};
     }
-    cache_.remove(namesOfGoing(request.sites));
+    cache_.remove(namesOfGoing(request));
     return {};
 }
 

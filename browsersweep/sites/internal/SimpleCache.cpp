@@ -71,8 +71,10 @@ void SimpleCache::visit(const std::function<void(const SimpleCacheFile&)>& visit
     const auto control = fileManager_->control();
     for (FolderEntry& entry : fileManager_->entries(folder_)) {
         continueOrThrow(control.get());
-        if (entry.kind == FolderEntry::Kind::file && isEntryName(entry.name)) {
-            auto key = keyOf(*fileManager_, folder_ / entry.name);
+        if (entry.kind != FolderEntry::Kind::folder && isEntryName(entry.name)) {
+            auto key = entry.kind == FolderEntry::Kind::file
+                           ? keyOf(*fileManager_, folder_ / entry.name)
+                           : std::nullopt;
             visit({std::move(entry.name), std::move(key), entry.size, entry.modified});
         }
     }

@@ -16,7 +16,7 @@ namespace browsersweep {
 /** One file of a cache that keeps every entry in files of its own. */
 struct SimpleCacheFile {
     std::string name;                ///< 16 hexadecimal digits, "_" and which part
-    std::optional<std::string> key;  ///< what the entry is for; absent where it cannot be read
+    std::optional<std::string> key;  ///< what the entry is for; absent where the file has none
     std::uint64_t size = 0;          ///< in bytes
     std::optional<Date> modified;    ///< when it was last written
 };

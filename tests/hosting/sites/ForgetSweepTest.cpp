@@ -181,6 +181,27 @@ TEST_F(ForgetSweepTest, filesWithoutSitesStayAndAreNamed) {
     EXPECT_EQ(sweep(SiteSelection::everything()).plan().stores[0].kept, Kept());
 }
 
+TEST_F(ForgetSweepTest, whatGoesWithAnySiteIsPlannedToGoAndNotToStay) {
+    const MixedTrace pages{TraceKind::history, "pages", {2, 20}, "made anew", true};
+    second_->listing.notBySite = {pages};
+    const TraceListing expected{{}, {pages}};
+    for (const bool isPlan : {true, false}) {
+        auto here = sweep(SiteSelection::only({a}));
+        const auto result = isPlan ? here.plan() : here.forget();
+        EXPECT_EQ(result.stores[1].gone, expected);
+        EXPECT_EQ(result.stores[1].kept, Kept());
+        EXPECT_EQ(result.stores[1].verdict, isPlan ? ItemVerdict::measured : ItemVerdict::emptied);
+    }
+}
+
+TEST_F(ForgetSweepTest, nothingGoesWithASiteThatIsNotFound) {
+    second_->listing.notBySite = {{TraceKind::history, "pages", {2, 20}, "made anew", true}};
+    const auto result = sweep(SiteSelection::only({*Site::ofHost("c.com")})).forget();
+    EXPECT_EQ(*record_, (Steps{"list first", "list second"}));
+    EXPECT_EQ(verdicts(result), Verdicts(2, ItemVerdict::nothingThere));
+    EXPECT_EQ(result.stores[1].gone, TraceListing());
+}
+
 TEST_F(ForgetSweepTest, whatAStoreItselfSaysOfAFileTakesThePlaceOfThePlan) {
     first_->listing.notBySite = {{TraceKind::openTabs, "Sessions", {1, 50}, "other tabs close"}};
     first_->outcome.kept = {{TraceKind::openTabs, "Sessions", "one tab of a.com stays"}};

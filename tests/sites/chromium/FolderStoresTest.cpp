@@ -226,8 +226,9 @@ protected:
 TEST_P(Caches, entriesBelongToEverySiteInTheirKeys) {
     const auto before = home.folder.snapshot();
     const TraceListing listing = inCache(GetParam())->list({});
-    EXPECT_EQ(tests::inShort(listing),
-              (Lines{"a.com cachedFiles 3", "b.com cachedFiles 1", "c.com cachedFiles 1"}));
+    EXPECT_EQ(tests::inShort(listing), (Lines{"a.com cachedFiles 3", "b.com cachedFiles 1",
+                                              "c.com cachedFiles 1", "? cachedFiles 1"}));
+    EXPECT_EQ(listing.notBySite[0].size, (CleanableDataSize{1, 7}));
     EXPECT_EQ(listing.bySite[1].size.byteCount.value,
               static_cast<std::int64_t>(fs::file_size(folder() / "00000000000000bb_s")));
     EXPECT_EQ(home.folder.snapshot(), before);
@@ -250,6 +251,15 @@ TEST_P(Caches, anEntryWhoseAddressHoldsTheNameOfASiteGoesWithIt) {
     inCache(GetParam())->forget(only({"a.com"}));
     EXPECT_EQ(namesIn(folder()),
               (Lines{"00000000000000bb_s", "00000000000000dd_0", "index", "index-dir"}));
+}
+
+TEST_P(Caches, whatDoesNotSayItsSiteGoesWhereMixedDataIsAskedFor) {
+    fs::create_symlink("elsewhere", folder() / "00000000000000ee_0");
+    ForgetRequest mixed = only({"c.com"});
+    mixed.takesMixed = true;
+    EXPECT_EQ(inCache(GetParam())->forget(mixed), ForgetOutcome());
+    EXPECT_EQ(namesIn(folder()), (Lines{"00000000000000aa_0", "00000000000000aa_1",
+                                        "00000000000000bb_s", "index", "index-dir"}));
 }
 
 TEST_P(Caches, whereNothingGoesTheIndexStays) {

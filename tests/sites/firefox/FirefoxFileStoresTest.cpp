@@ -201,6 +201,18 @@ TEST_F(FirefoxCache, entriesThatNameASiteGoAndWithThemTheIndexAndWhatIsOnItsWayO
     EXPECT_FALSE(fs::exists(folder));
 }
 
+TEST_F(FirefoxCache, aLinkAmongTheEntriesIsCountedAndGoesUnread) {
+    home.folder.write("precious/file", "kept");
+    fs::create_symlink(home.folder / "precious/file", folder / "entries/EE");
+    const auto listed = store(folder)->list({}).notBySite;
+    ASSERT_EQ(listed.size(), 1U);
+    EXPECT_EQ(listed[0].size.itemCount.value, 3);
+    EXPECT_TRUE(listed[0].goesAlong);
+    store(folder)->forget(only({"c.com"}));
+    EXPECT_FALSE(fs::is_symlink(folder / "entries/EE"));
+    EXPECT_TRUE(fs::exists(home.folder / "precious/file"));
+}
+
 /** Places that tell no site apart: each is a row of a table. */
 const std::vector<std::pair<const char*, TraceKind>> mixedPlaces{
     {"sessionstore.jsonlz4", TraceKind::openTabs},

@@ -104,8 +104,9 @@ void FirefoxCacheStore::visitEntries(const Visit& visit) const {
     const auto entries = folder_ / "entries";
     for (const FolderEntry& entry : fileManager_->entries(entries)) {
         continueOrThrow(control.get());
-        if (entry.kind == FolderEntry::Kind::file) {
-            visit(entry, keyOf(entries / entry.name, entry.size));
+        if (entry.kind != FolderEntry::Kind::folder) {
+            const bool isFile = entry.kind == FolderEntry::Kind::file;
+            visit(entry, isFile ? keyOf(entries / entry.name, entry.size) : std::string());
         }
     }
 }
@@ -121,8 +122,8 @@ TraceListing FirefoxCacheStore::list(const KnownHosts& /*knownHosts*/) const {
     });
     TraceListing listing{collector.traces(), {}};
     if (ownPages.itemCount.value > 0) {
-        listing.notBySite.push_back(
-            {TraceKind::cachedFiles, folder_ / "entries", ownPages, std::string(pagesOfFirefox)});
+        listing.notBySite.push_back({TraceKind::cachedFiles, folder_ / "entries", ownPages,
+                                     std::string(pagesOfFirefox), true});
     }
     return listing;
 }
