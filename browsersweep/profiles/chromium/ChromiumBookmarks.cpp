@@ -40,17 +40,25 @@ public:
     explicit Decoder(std::shared_ptr<const JsonDocument> document) noexcept
         : document_(std::move(document)) {}
 
-    Roots decodeRoots(JsonValue value) const {
-        const auto members = value.members();
-        Roots roots;
-        roots.reserve(members.size());
-        for (const auto& [key, member] : members) {
-            auto root = rootOf(member);
-            if (!root) {
+    /** Where the roots lie that are nodes. */
+    static std::vector<std::uint32_t> placesOfNodes(JsonValue roots) {
+        std::vector<std::uint32_t> places;
+        for (const auto& [key, member] : roots.members()) {
+            if (!addRoot(member, places)) {
                 throw DecodingError(DecodingError::Kind::dataCorrupted,
                                     "Could not decode bookmarks root", {std::string(key)});
             }
-            roots.push_back({std::string(key), *std::move(root)});
+        }
+        return places;
+    }
+
+    /** Of an object whose members are roots. */
+    Roots rootsOf(JsonValue group) const {
+        const auto members = group.members();
+        Roots roots;
+        roots.reserve(members.size());
+        for (const auto& [key, member] : members) {
+            roots.push_back({std::string(key), rootOf(member)});
         }
         return roots;
     }
@@ -69,32 +77,38 @@ public:
     }
 
 private:
-    std::optional<Root> rootOf(JsonValue value) const {
-        if (auto group = groupOf(value)) {
-            return Root{*std::move(group)};
-        }
-        return isNode(value) ? std::optional(Root{nodeAt(value)}) : std::nullopt;
+    Root rootOf(JsonValue value) const {
+        std::vector<std::uint32_t> places;
+        return addGroup(value, places) ? Root{rootsOf(value)} : Root{nodeAt(value)};
     }
 
-    std::optional<Roots> groupOf(JsonValue value) const {
+    /** False, and nothing added, where a value is neither a group nor a node. */
+    static bool addRoot(JsonValue value, std::vector<std::uint32_t>& places) {
+        if (addGroup(value, places)) {
+            return true;
+        }
+        if (!isNode(value)) {
+            return false;
+        }
+        places.push_back(value.place());
+        return true;
+    }
+
+    static bool addGroup(JsonValue value, std::vector<std::uint32_t>& places) {
         if (!value.isObject()) {
-            return std::nullopt;
+            return false;
         }
         const auto members = value.members();
-        if (!std::all_of(members.begin(), members.end(),
-                         [](const auto& member) { return member.second.isObject(); })) {
-            return std::nullopt;
+        const auto size = places.size();
+        const bool isGroup =
+            std::all_of(members.begin(), members.end(),
+                        [](const auto& member) { return member.second.isObject(); }) &&
+            std::all_of(members.begin(), members.end(),
+                        [&places](const auto& member) { return addRoot(member.second, places); });
+        if (!isGroup) {
+            places.resize(size);
         }
-        Roots group;
-        group.reserve(members.size());
-        for (const auto& [key, member] : members) {
-            auto root = rootOf(member);
-            if (!root) {
-                return std::nullopt;
-            }
-            group.push_back({std::string(key), *std::move(root)});
-        }
-        return group;
+        return isGroup;
     }
 
     std::shared_ptr<const JsonDocument> document_;
@@ -116,17 +130,6 @@ void appendNode(JsonValue node, std::vector<ChromiumBookmark>& bookmarks) {
     }
 }
 
-template <typename AppendNode>
-void forEachNode(const ChromiumBookmarks::Roots& roots, const AppendNode& visit) {
-    for (const auto& [key, root] : roots) {
-        if (const auto* const group = std::get_if<ChromiumBookmarks::Roots>(&root.value)) {
-            forEachNode(*group, visit);
-        } else {
-            visit(std::get<ChromiumBookmarks::Node>(root.value));
-        }
-    }
-}
-
 }  // namespace
 
 std::optional<std::vector<ChromiumBookmarks::Node>> ChromiumBookmarks::Node::children() const {
@@ -143,15 +146,21 @@ std::optional<std::string> ChromiumBookmarks::Node::url() const {
 }
 
 ChromiumBookmarks ChromiumBookmarks::decode(BytesView bytes) {
-    const auto document = std::make_shared<const JsonDocument>(JsonDocument::parse(bytes));
+    auto document = std::make_shared<const JsonDocument>(JsonDocument::parse(bytes));
     const JsonValue roots = document->root().required("roots");
-    return ChromiumBookmarks(
-        decodingBelow("roots", [&] { return Decoder(document).decodeRoots(roots); }));
+    auto nodes = decodingBelow("roots", [&] { return Decoder::placesOfNodes(roots); });
+    return {std::move(document), std::move(nodes)};
+}
+
+ChromiumBookmarks::Roots ChromiumBookmarks::roots() const {
+    return Decoder(document_).rootsOf(document_->root().required("roots"));
 }
 
 std::vector<ChromiumBookmark> ChromiumBookmarks::bookmarks() const {
     std::vector<ChromiumBookmark> found;
-    forEachNode(roots_, [&](const Node& node) { appendNode(Decoder::valueOf(node), found); });
+    for (const std::uint32_t place : nodes_) {
+        appendNode(document_->at(place), found);
+    }
     return found;
 }
 

@@ -74,8 +74,8 @@ public:
      */
     static ChromiumBookmarks decode(BytesView bytes);
 
-    /** Key "roots". */
-    const Roots& roots() const noexcept { return roots_; }
+    /** Key "roots", made anew at each call: roots take more room than the document. */
+    Roots roots() const;
 
     /**
      * The bookmarks of all roots in the file's order: what lies in a folder or below a node comes
@@ -85,9 +85,12 @@ public:
     std::vector<ChromiumBookmark> bookmarks() const;
 
 private:
-    explicit ChromiumBookmarks(Roots roots) noexcept : roots_(std::move(roots)) {}
+    ChromiumBookmarks(std::shared_ptr<const JsonDocument> document,
+                      std::vector<std::uint32_t> nodes) noexcept
+        : document_(std::move(document)), nodes_(std::move(nodes)) {}
 
-    Roots roots_;
+    std::shared_ptr<const JsonDocument> document_;
+    std::vector<std::uint32_t> nodes_;  // where the roots lie that are nodes, in the file's order
 };
 
 }  // namespace browsersweep
