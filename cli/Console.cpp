@@ -8,6 +8,7 @@
 
 #include <fcntl.h>
 #include <sys/ioctl.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include "cli/Text.h"
@@ -111,6 +112,10 @@ void Console::note(std::string_view line) const {
     constexpr std::size_t indent = 4;
     writeError(wrapped("browsersweep: " + printable(line), columnsOf(STDERR_FILENO), indent,
                        LongWords::kept));
+}
+
+void Console::discardTypedInput() const noexcept {
+    ::tcflush(STDIN_FILENO, TCIFLUSH);
 }
 
 std::optional<std::string> Console::readLine() const {

@@ -43,6 +43,9 @@ public:
 
     /** The next line of standard input, without its end; absent at the end of the input. */
     std::optional<std::string> readLine() const;
+
+    /** Forgets what was typed on the terminal before now: it answers no question to come. */
+    void discardTypedInput() const noexcept;
 };
 
 }  // namespace browsersweep::cli

@@ -45,7 +45,10 @@ bool DeletionGuard::mayDelete() const {
 }
 
 std::optional<std::string> DeletionGuard::refusal(Browser browser) const {
-    const auto found = options_.force ? std::nullopt : RunningBrowsers(home_).find(browser);
+    const bool isConcerned =
+        options_.command == Command::forget || mustBeClosed(*cleanerOf_(browser));
+    const auto found =
+        options_.force || !isConcerned ? std::nullopt : RunningBrowsers(home_).find(browser);
     return found ? std::optional(fmt::format("it seems to be running ({}); quit it, or add --force",
                                              reasonOf(*found)))
                  : std::nullopt;

@@ -28,7 +28,8 @@ public:
     BrowserMeasurer(const Options& options, Measure measure, Observer& observer)
         : options_(options), measure_(measure), observer_(observer) {}
 
-    void fill(BrowserSizes& row, const BrowserCleaner& cleaner) const {
+    void fill(BrowserSizes& row, const BrowserCleaner& cleaner,
+              const BrowserRefusal& refusal) const {
         std::vector<SweepItem> items;
         ProfileLabels labels;
         const auto isSelected = [&](const BrowserProfile& profile) {
@@ -36,6 +37,9 @@ public:
             return selects(options_, profile, row.leftOut);
         };
         row.error = attempt(observer_, [&] { items = sweepItems(cleaner, isSelected); });
+        if (!row.error && measure_ == Measure::removed && refusal) {
+            row.error = refusal(row.browser);
+        }
         if (row.error) {
             return;
         }
@@ -251,13 +255,14 @@ CleanableDataSize unseenOf(const std::vector<BrowserSizes>& browsers) {
 }
 
 SizesReport gatherSizes(const Options& options, Measure measure, const CleanerFactory& cleanerOf,
-                        Observer& observer) {
+                        Observer& observer, const BrowserRefusal& refusal = {}) {
     const BrowserMeasurer measurer(options, measure, observer);
     SizesReport report;
     report.measure = measure;
     report.browsers = forEachBrowser<BrowserSizes>(
-        options, cleanerOf, observer,
-        [&](BrowserSizes& row, const BrowserCleaner& cleaner) { measurer.fill(row, cleaner); });
+        options, cleanerOf, observer, [&](BrowserSizes& row, const BrowserCleaner& cleaner) {
+            measurer.fill(row, cleaner, refusal);
+        });
     for (const auto& row : report.browsers) {
         report.total = report.total + row.size.value_or(CleanableDataSize::zero);
         report.freedBytes += row.freedBytes;
@@ -278,7 +283,8 @@ SizesReport preview(const Options& options, const CleanerFactory& cleanerOf, Obs
     return gatherSizes(options, Measure::wouldBeRemoved, cleanerOf, observer);
 }
 
-Report gather(const Options& options, const CleanerFactory& cleanerOf, Observer& observer) {
+Report gather(const Options& options, const CleanerFactory& cleanerOf, Observer& observer,
+              const BrowserRefusal& refusal) {
     switch (options.command) {
         case Command::browsers:
             return gatherBrowsers(options, cleanerOf, observer);
@@ -288,7 +294,7 @@ Report gather(const Options& options, const CleanerFactory& cleanerOf, Observer&
             return gatherSizes(options, Measure::present, cleanerOf, observer);
         case Command::clean:
             return gatherSizes(options, options.dryRun ? Measure::wouldBeRemoved : Measure::removed,
-                               cleanerOf, observer);
+                               cleanerOf, observer, refusal);
         case Command::bookmarks:
             return gatherBookmarks(options, cleanerOf, observer);
         case Command::notifications:

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,6 +20,9 @@ namespace browsersweep::cli {
 
 /** Makes the cleaner of a browser for the home folder in question. */
 using CleanerFactory = std::function<std::unique_ptr<const BrowserCleaner>(Browser)>;
+
+/** Why nothing of a browser is to be deleted now; absent where that may be done. */
+using BrowserRefusal = std::function<std::optional<std::string>(Browser)>;
 
 /** What a command tells while it works. */
 class Observer {
@@ -53,9 +57,11 @@ inline constexpr std::string_view stoppedText = "interrupted before it was finis
 
 /**
  * Carries out a command and reports what it did, and what failed: one browser's failure never hides
- * the others. Cleaning deletes without asking.
+ * the others. Cleaning deletes without asking the user; before each browser it asks whether that is
+ * refused, and why stands as the browser's error.
  */
-Report gather(const Options& options, const CleanerFactory& cleanerOf, Observer& observer);
+Report gather(const Options& options, const CleanerFactory& cleanerOf, Observer& observer,
+              const BrowserRefusal& refusal = {});
 
 /** What a clean with these options would remove. */
 SizesReport preview(const Options& options, const CleanerFactory& cleanerOf, Observer& observer);

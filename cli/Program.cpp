@@ -189,9 +189,10 @@ private:
         return appearance;
     }
 
-    SiteWork siteWork() const {
-        return {home_, cleanerFactory(),
-                [this](Browser browser) { return guard_.refusal(browser); }};
+    SiteWork siteWork() const { return {home_, cleanerFactory(), refusalOfRunning()}; }
+
+    BrowserRefusal refusalOfRunning() const {
+        return [this](Browser browser) { return guard_.refusal(browser); };
     }
 
     Report gatherWithProgress() {
@@ -200,8 +201,9 @@ private:
         if (options_.command == Command::sites) {
             return gatherSites(options_, siteWork(), progress);
         }
-        return options_.command == Command::forget ? gatherForget(options_, siteWork(), progress)
-                                                   : gather(options_, cleanerFactory(), progress);
+        return options_.command == Command::forget
+                   ? gatherForget(options_, siteWork(), progress)
+                   : gather(options_, cleanerFactory(), progress, refusalOfRunning());
     }
 
     Report planWithProgress() {
@@ -251,6 +253,7 @@ private:
         }
         tellFailuresOfPlan(planned);
         console_.writeError(peopleText(planned, errorAppearance(), options_.view));
+        console_.discardTypedInput();
         console_.writeError(questionOn(planned));
         interruption_.letThrough();
         const auto answer = console_.readLine();
@@ -275,7 +278,10 @@ private:
     int exitStatus(const Report& report, std::optional<int> signal) const {
         const auto failed = failures(report);
         for (const auto& failure : failed) {
-            console_.note(fmt::format("{}: {}", failure.where, failure.error));
+            // Of what was never begun there is nothing to tell, but that.
+            if (failure.error != interruptedText) {
+                console_.note(fmt::format("{}: {}", failure.where, failure.error));
+            }
         }
         if (!isProtectionTold_ && std::any_of(failed.begin(), failed.end(), isGuarded)) {
             console_.note(fullDiskAccess);

@@ -12,6 +12,7 @@
 
 #include <fmt/format.h>
 
+#include "cli/CategoryResult.h"
 #include "cli/Figures.h"
 #include "cli/Table.h"
 #include "cli/Wrapping.h"
@@ -28,6 +29,7 @@ struct Line {
     CleanableDataSize size;
     std::int64_t freedBytes = 0;
     bool lacksSomething = false;  ///< something that failed is not in the figures
+    std::vector<ItemRow> items{};
 };
 
 bool isZero(const CleanableDataSize::Measurement& figure) noexcept {
@@ -36,7 +38,7 @@ bool isZero(const CleanableDataSize::Measurement& figure) noexcept {
 
 bool isNothing(const Line& line) noexcept {
     return isZero(line.size.itemCount) && isZero(line.size.byteCount) && line.freedBytes == 0 &&
-           !line.lacksSomething;
+           !line.lacksSomething && resultOf(line.items).isSuccess;
 }
 
 bool isAnyFailed(const std::vector<CategorySize>& parts) {
@@ -48,6 +50,7 @@ void add(const CategorySize& part, Line& line) {
     line.size = line.size + part.size.value_or(CleanableDataSize::zero);
     line.freedBytes += part.freedBytes;
     line.lacksSomething |= part.error.has_value();
+    line.items.insert(line.items.end(), part.items.begin(), part.items.end());
 }
 
 std::vector<Line> linesOfBrowsers(const SizesReport& report) {
@@ -56,6 +59,10 @@ std::vector<Line> linesOfBrowsers(const SizesReport& report) {
         lines.push_back({std::string(displayName(row.browser)), "",
                          row.size.value_or(CleanableDataSize::zero), row.freedBytes,
                          row.error || isAnyFailed(row.categories)});
+        for (const auto& part : row.categories) {
+            lines.back().items.insert(lines.back().items.end(), part.items.begin(),
+                                      part.items.end());
+        }
     }
     return lines;
 }
@@ -142,7 +149,7 @@ std::string_view sizeHeader(Measure measure) noexcept {
     return "";
 }
 
-/** Only what was removed has freed anything. */
+/** Only what was removed has freed anything, and tells what became of it. */
 std::vector<Table::Column> columnsOf(Measure measure, Grouping grouping) {
     std::vector<Table::Column> columns{
         {grouping == Grouping::category ? "Category" : "Browser", Alignment::left, leastName}};
@@ -153,6 +160,7 @@ std::vector<Table::Column> columnsOf(Measure measure, Grouping grouping) {
     columns.push_back({std::string(sizeHeader(measure)), Alignment::right});
     if (measure == Measure::removed) {
         columns.push_back({"Freed", Alignment::right});
+        columns.push_back({"Result", Alignment::left, leastName});
     }
     return columns;
 }
@@ -195,6 +203,7 @@ private:
             cells.emplace_back("");
             cells.emplace_back("failed", Style::failure);
             cells.resize(cells.size() + (tellsFreed_ ? 1 : 0), "");
+            addResult(line, cells);
             return;
         }
         items.isApproximate |= line.lacksSomething;
@@ -203,6 +212,14 @@ private:
         cells.emplace_back(bytesText(bytes), style);
         if (tellsFreed_) {
             cells.emplace_back(bytesText({std::max<std::int64_t>(line.freedBytes, 0)}), style);
+        }
+        addResult(line, cells);
+    }
+
+    void addResult(const Line& line, std::vector<Table::Cell>& cells) const {
+        if (tellsFreed_) {
+            const auto result = resultOf(line.items);
+            cells.emplace_back(result.text, result.isSuccess ? Style::plain : Style::failure);
         }
     }
 

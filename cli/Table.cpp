@@ -25,6 +25,9 @@ Cells printableCells(Cells cells, const Appearance& appearance) {
 
 constexpr std::size_t gap = 2;
 
+/** A longer cell stands out of its column: among thousands of rows it must not widen them all. */
+constexpr std::size_t widestColumn = 200;
+
 /** A column that is shown: which one of all, and how wide. */
 struct Place {
     std::size_t index = 0;
@@ -137,8 +140,10 @@ std::string line(const std::vector<Table::Column>& columns, const std::vector<Pl
     for (const auto& place : places) {
         const auto& cell = cells[place.index];
         const auto& column = columns[place.index];
-        const auto shown = cutTo(place.width, cell.text, column.cut, appearance.drawing);
-        const std::size_t padding = place.width - displayWidth(shown);
+        const auto shown = appearance.columns == 0
+                               ? cell.text
+                               : cutTo(place.width, cell.text, column.cut, appearance.drawing);
+        const std::size_t padding = place.width - std::min(place.width, displayWidth(shown));
         const bool isRight = column.alignment == Alignment::right;
         owed += isRight ? padding : 0;
         if (!shown.empty()) {
@@ -183,6 +188,10 @@ std::string Table::text(const Appearance& appearance) const {
         for (std::size_t i = 0; i < row.cells.size(); ++i) {
             widths[i] = std::max(widths[i], displayWidth(rows.back()[i].text));
         }
+    }
+    if (appearance.columns == 0) {
+        std::transform(widths.begin(), widths.end(), widths.begin(),
+                       [](std::size_t width) { return std::min(width, widestColumn); });
     }
     const bool hasBars =
         std::any_of(rows_.begin(), rows_.end(), [](const Row& row) { return row.bar.largest > 0; });

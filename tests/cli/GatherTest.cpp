@@ -135,6 +135,23 @@ TEST_F(Gather, cleaningReportsWhatIsReallyGone) {
     EXPECT_EQ(report.browsers[0].categories[0].size, (CleanableDataSize{{4}, {40}}));
 }
 
+TEST_F(Gather, aBrowserThatWasStartedMeanwhileIsNotCleaned) {
+    std::vector<Browser> asked;
+    const auto refusal = [&](Browser browser) -> std::optional<std::string> {
+        asked.push_back(browser);
+        return "it seems to be running";
+    };
+    options_.command = Command::clean;
+    const auto report = std::get<SizesReport>(gather(options_, factory(false), observer_, refusal));
+    EXPECT_EQ(asked, std::vector{Browser::opera});  // the other one's profiles are broken
+    EXPECT_EQ(report.browsers[0].error, "it seems to be running");
+    EXPECT_TRUE(report.browsers[0].categories.empty());
+    EXPECT_EQ(*record_, std::vector<std::string>());
+    options_.dryRun = true;
+    gather(options_, factory(false), observer_, refusal);
+    EXPECT_EQ(asked.size(), 1U);
+}
+
 TEST_F(Gather, ignoringErrorsAFailureIsAnApproximateZero) {
     options_.command = Command::clean;
     options_.ignoreErrors = true;

@@ -87,6 +87,36 @@ TEST(SizesText, addsUpCategoriesOverAllBrowsers) {
               "~ approximate: databases count with their whole file\n");
 }
 
+TEST(SizesText, afterACleanARowTellsTheWorstThatHappenedToItsItems) {
+    const auto itemsWith = [](std::vector<ItemVerdict> verdicts) {
+        std::vector<ItemRow> items;
+        for (const ItemVerdict verdict : verdicts) {
+            items.push_back({{}, {}, "", verdict, {}, {}});
+        }
+        return items;
+    };
+    auto cache = part(CleanableDataCategory::cache, {{3}, {3000}});
+    cache.items = itemsWith({ItemVerdict::emptied, ItemVerdict::nothingThere});
+    auto cookies = part(CleanableDataCategory::httpCookies, CleanableDataSize::zero);
+    cookies.items = itemsWith({ItemVerdict::held});
+    auto forms = part(CleanableDataCategory::formData, CleanableDataSize::zero);
+    forms.items = itemsWith({ItemVerdict::nothingThere});
+    SizesReport report;
+    report.measure = Measure::removed;
+    report.browsers = {browser(Browser::opera, {cache, cookies, forms})};
+    report.total = *report.browsers[0].size;
+    EXPECT_EQ(sizesText(report, {}, plainASCII),
+              "Category  Items  Removed  Freed  Result\n"
+              "Cache         3   3.0 KB    0 B  emptied                  ####################\n"
+              "Cookies       0      0 B    0 B  held by another program\n"
+              "Total         3   3.0 KB    0 B\n");
+    EXPECT_EQ(sizesText(report, by(Grouping::browser), plainASCII),
+              "Browser  Items  Removed  Freed  Result\n"
+              "Opera        3   3.0 KB    0 B  held by another program (1 of 4)  "
+              "####################\n"
+              "Total        3   3.0 KB    0 B\n");
+}
+
 TEST(SizesText, hasARowForEachProfile) {
     EXPECT_EQ(sizesText(sizes(), by(Grouping::profile), plainASCII),
               "Browser  Profile  Items     Size\n"
@@ -188,9 +218,9 @@ TEST(SizesText, theHeaderSaysWhatTheFiguresAreAndARemovalWhatTheDiskGained) {
     report.browsers[0].freedBytes = 1000;
     report.browsers[1].freedBytes = -5;
     EXPECT_EQ(sizesText(report, {}, plainASCII),
-              "Browser  Items  Removed   Freed\n"
-              "Opera        2  ~2.0 MB     0 B  ####################\n"
-              "Firefox  1,300   1.0 MB  1.0 KB  ##########\n"
+              "Browser  Items  Removed   Freed  Result\n"
+              "Opera        2  ~2.0 MB     0 B          ####################\n"
+              "Firefox  1,300   1.0 MB  1.0 KB          ##########\n"
               "Total    1,302  ~3.0 MB  1.0 KB\n"
               "~ approximate: databases count with their whole file\n");
     report.measure = Measure::wouldBeRemoved;

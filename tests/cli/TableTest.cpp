@@ -37,6 +37,15 @@ TEST(Table, whereTheTerminalCannotShowACharacterAQuestionMarkKeepsTheColumnsAlig
               "Zoe   y\n");
 }
 
+TEST(Table, aVeryLongCellIsWholeAndWidensNoOtherRow) {
+    const std::string title(1'000'000, 'x');
+    Table table({{"A"}, {"B"}});
+    table.addRow({title, "1"});
+    table.addRow({"a", "2"});
+    const std::string rest(200 - 1, ' ');
+    EXPECT_EQ(table.text({}), "A" + rest + "  B\n" + title + "  1\na" + rest + "  2\n");
+}
+
 TEST(Table, aCellStaysOnItsLine) {
     Table table({{"A"}, {"B"}});
     table.addRow({"a\nb", "\x1B[0m"});

@@ -221,9 +221,11 @@ class HostProgramTest(unittest.TestCase):
             self.assertIn(part, result.error)
         self.assertEqual(self.snapshot(), before)
 
-    def run_on_terminal(self, *arguments, answer=None, output_too=False):
-        """Runs with a terminal as standard input and error; gives status, output, screen."""
+    def run_on_terminal(self, *arguments, answer=None, output_too=False, typed=b""):
+        """Runs with a terminal as standard input and error; gives status, output, screen. What is typed
+        is so before the program starts; the answer comes after the question."""
         master, slave = pty.openpty()
+        os.write(master, typed)
         output = slave if output_too else subprocess.PIPE
         process = subprocess.Popen(self.command(*arguments), env=self.environment, stdin=slave,
                                    stdout=output, stderr=slave)

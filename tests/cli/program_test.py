@@ -45,6 +45,14 @@ class Question(HostProgramTest):
         self.assertIs(self.checked_document(output, "clean")["dryRun"], False)
         self.assertIn("Delete this? [y/N]", screen)
 
+    def test_what_was_typed_before_the_question_is_no_answer(self):
+        before = self.snapshot()
+        for command in (("clean", CHROMIUM), ("forget", "one.example", CHROMIUM)):
+            status, output, screen = self.run_on_terminal(*command, typed=b"y\n", answer=b"n\n")
+            self.assertEqual((status, output), (1, b""), screen)
+            self.assertIn("nothing was deleted", screen)
+            self.assertEqual(self.snapshot(), before)
+
     def test_yes_and_dry_run_ask_nothing(self):
         for option in ("--dry-run", "--yes"):
             _, _, screen = self.run_on_terminal("clean", CHROMIUM, option)
@@ -274,6 +282,8 @@ class Signals(HostProgramTest):
                 self.assertEqual(completed.returncode, status)
                 found = self.checked_document(completed.stdout, "clean")["browsers"][0]
                 self.assertEqual(found["error"], "interrupted before it was begun")
+                self.assertEqual(completed.stderr,
+                                 b"browsersweep: interrupted; the report says what was done\n")
                 self.assertEqual(self.snapshot(), before)
 
 
