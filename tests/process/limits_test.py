@@ -4,12 +4,12 @@ import json
 import os
 import pathlib
 import shutil
-import subprocess
 import sys
 import tempfile
 import unittest
 
 from homes import PROGRAM, environment, read_tree, scratch
+from memory import run_measured
 
 COUNT = 1_000_000
 FOLDERS = 256
@@ -24,28 +24,6 @@ if sys.platform == "darwin":
 INODES_NEEDED = COUNT + 10_000
 BYTES_NEEDED = 2 << 30
 SELECTION = ("--browser=chromium", "--category=cache")
-
-# Starts the program and tells the most memory that it held. The system counts a process from before
-# it became the program: so what becomes the program must be smaller, and tells how large it is. A
-# fork is; it has none of the files that its parent has mapped and read.
-STARTER = """
-import os, resource, sys
-unit = 1 if sys.platform == "darwin" else 1024
-reading, writing = os.pipe()
-program = os.fork()
-if program == 0:
-    own = b"0"
-    if os.path.exists("/proc/self/status"):
-        with open("/proc/self/status", "rb") as file:
-            own = next(line.split()[1] for line in file if line.startswith(b"VmHWM:"))
-    os.write(writing, own)
-    os.execv(sys.argv[2], sys.argv[2:])
-_, status, usage = os.wait4(program, 0)
-with open(sys.argv[1], "w") as file:
-    file.write(f"{int(os.read(reading, 20)) * 1024} {usage.ru_maxrss * unit}")
-sys.exit(os.waitstatus_to_exitcode(status))
-"""
-
 
 def place():
     """Where a million files are quickly made, or None."""
@@ -116,15 +94,10 @@ class Limits(unittest.TestCase):
 
     def run_program(self, *arguments):
         """What the program reports, and the most memory that it held."""
-        report = self.folder / "memory"
-        finished = subprocess.run(
-            [sys.executable, "-I", "-S", "-c", STARTER, str(report), str(PROGRAM), "--home",
-             str(self.home), "--json", *arguments, *SELECTION],
-            env=environment(self.folder / "tmp", self.folder / "own-home"),
-            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False)
+        finished, held = run_measured(
+            [str(PROGRAM), "--home", str(self.home), "--json", *arguments, *SELECTION],
+            environment(self.folder / "tmp", self.folder / "own-home"), self.folder / "memory")
         self.assertEqual(finished.returncode, 0, finished.stderr)
-        starter, held = map(int, report.read_text(encoding="ascii").split())
-        self.assertGreater(held, starter, "what was measured is not the program")
         return json.loads(finished.stdout), held
 
     def count_in(self, document):

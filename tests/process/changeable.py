@@ -1,0 +1,51 @@
+"""What commands may change or delete below Library, by what they select; everything else is somebody's."""
+
+import re
+
+COMPANIONS = r"(-journal|-wal|-shm)?"
+CHROMIUM = "Application Support/Chromium/[^/]+/"
+FIREFOX = "Application Support/Firefox/Profiles/[^/]+/"
+BY_CATEGORY = {
+    ("chromium", "cache"): r"Caches/Chromium/[^/]+/.*",
+    ("chromium", "history"): rf"{CHROMIUM}((History|Favicons|Top Sites|Network Action Predictor){COMPANIONS}"
+                             r"|Sessions/.*)",
+    ("chromium", "httpCookies"): rf"{CHROMIUM}Cookies{COMPANIONS}",
+    ("chromium", "flashCookies"): rf"{CHROMIUM}Pepper Data/.*",
+    ("chromium", "formData"): rf"{CHROMIUM}Web Data{COMPANIONS}",
+    ("chromium", "localStorage"): rf"{CHROMIUM}Local Storage/.*",
+    ("firefox", "cache"): r"Caches/Firefox/Profiles/[^/]+/cache2/.*",
+    ("firefox", "history"): rf"{FIREFOX}places\.sqlite{COMPANIONS}",
+    ("firefox", "httpCookies"): rf"{FIREFOX}cookies\.sqlite{COMPANIONS}",
+    ("firefox", "flashCookies"): r"Preferences/Macromedia/.*",
+    ("firefox", "formData"): rf"{FIREFOX}formhistory\.sqlite{COMPANIONS}",
+    ("firefox", "localStorage"): rf"{FIREFOX}webappsstore\.sqlite{COMPANIONS}",
+    ("safari", "cache"): r"(Containers/com\.apple\.Safari/Data/Library/Caches/(com\.apple\.Safari|WebKit)"
+                         r"|Caches/com\.apple\.Safari)/.*",
+    ("safari", "history"): rf"Safari/History\.db{COMPANIONS}",
+    ("safari", "httpCookies"): r"(Containers/com\.apple\.Safari/Data/Library/)?Cookies/"
+                               r"Cookies\.binarycookies",
+    ("safari", "flashCookies"): r"Preferences/Macromedia/.*",
+    ("safari", "localStorage"): r"Safari/LocalStorage/.*",
+}
+# Of what the template has; forgetting removes whole folders, too.
+BY_FORGETTING = {
+    "chromium": rf"{CHROMIUM}((History|Favicons|Top Sites|Network Action Predictor|Cookies|Web Data)"
+                rf"{COMPANIONS}|Preferences|(Sessions|Local Storage/leveldb)(/.*)?)"
+                r"|Caches/Chromium/[^/]+/(Cache|Code Cache)/.*",
+    "firefox": rf"{FIREFOX}(places|cookies|formhistory|webappsstore|permissions)\.sqlite{COMPANIONS}"
+               r"|Caches/Firefox/Profiles/[^/]+/cache2(/.*)?",
+}
+
+
+def below_library(patterns):
+    return re.compile("home/Library/(" + "|".join(patterns or ["^$"]) + ")", re.S)
+
+
+def by_cleaning(browser, categories):
+    """All names of a tree that a clean of a browser, or of all, and of categories, or all, may change."""
+    return below_library([pattern for (name, category), pattern in BY_CATEGORY.items()
+                          if browser in (None, name) and (not categories or category in categories)])
+
+
+def by_forgetting(browser):
+    return below_library([pattern for name, pattern in BY_FORGETTING.items() if browser in (None, name)])
