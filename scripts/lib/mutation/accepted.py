@@ -31,7 +31,7 @@ def read(path):
 
 class Explained:
     def __init__(self, text):
-        self.texts, self.problems = set(), []
+        self.texts, self.files, self.problems = set(), set(), []
         file = reason = None
         for number, line in enumerate(text.splitlines(), 1):
             heading = FILE.match(line)
@@ -44,6 +44,7 @@ class Explained:
                     self.problems.append(f"line {number} has no file or no reason")
                 else:
                     self.texts.add(f"{file} | {line.strip()}")
+                    self.files.add(file)
 
     def __contains__(self, key):
         return key.text().strip() in self.texts
