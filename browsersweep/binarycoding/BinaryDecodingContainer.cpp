@@ -53,7 +53,7 @@ bool reads(const std::string& text, Number number) {
     return found == number && (!stream.fail() || std::fabs(found) < 1);
 }
 
-// The fewest decimals of the exponent form that read back the same.
+// The fewest decimals of the exponent form that read back the same. An infinity never does.
 template <typename Number>
 int fewestDecimals(Number number) {
     int decimals = 0;
@@ -78,9 +78,6 @@ template <typename Number>
 std::string shortestText(Number number) {
     if (std::isnan(number)) {
         return "nan";
-    }
-    if (std::isinf(number)) {
-        return number < 0 ? "-inf" : "inf";
     }
     const int decimals = fewestDecimals(number);
     std::string text = written(number, std::ios_base::scientific, decimals);

@@ -113,8 +113,10 @@ public:
             failForNumber(qualifiedTypeName<T>(), sizeof(T), piece.size() % sizeof(T));
         }
         std::array<T, count> numbers{};
-        for (std::size_t index = 0; index < count; ++index) {
-            numbers[index] = numberFromBytes<T>(&piece[index * sizeof(T)]);
+        const std::uint8_t* next = piece.data();
+        for (T& number : numbers) {
+            number = numberFromBytes<T>(next);
+            next += sizeof(T);
         }
         return numbers;
     }

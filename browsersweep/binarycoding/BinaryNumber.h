@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <span>
 #include <type_traits>
 
 namespace browsersweep {
@@ -40,10 +41,11 @@ using UnsignedOfSize = std::conditional_t<
 /** The bytes of a number in little-endian order. */
 template <BinaryNumber T>
 constexpr std::array<std::uint8_t, sizeof(T)> bytes(T value) noexcept {
-    const auto bits = std::uint64_t{std::bit_cast<UnsignedOfSize<sizeof(T)>>(value)};
+    auto bits = std::uint64_t{std::bit_cast<UnsignedOfSize<sizeof(T)>>(value)};
     std::array<std::uint8_t, sizeof(T)> result{};
-    for (std::size_t index = 0; index < sizeof(T); ++index) {
-        result[index] = static_cast<std::uint8_t>(bits >> (8 * index));
+    for (std::uint8_t& byte : result) {
+        byte = static_cast<std::uint8_t>(bits);
+        bits >>= 8;
     }
     return result;
 }
@@ -52,8 +54,10 @@ constexpr std::array<std::uint8_t, sizeof(T)> bytes(T value) noexcept {
 template <BinaryNumber T>
 constexpr T numberFromBytes(const std::uint8_t* first) noexcept {
     std::uint64_t bits = 0;
-    for (std::size_t index = 0; index < sizeof(T); ++index) {
-        bits |= std::uint64_t{first[index]} << (8 * index);
+    unsigned shift = 0;
+    for (const std::uint8_t byte : std::span<const std::uint8_t, sizeof(T)>(first, sizeof(T))) {
+        bits |= std::uint64_t{byte} << shift;
+        shift += 8;
     }
     return std::bit_cast<T>(static_cast<UnsignedOfSize<sizeof(T)>>(bits));
 }

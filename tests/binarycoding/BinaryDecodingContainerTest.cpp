@@ -1,23 +1,21 @@
-#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <functional>
 #include <limits>
-#include <stdexcept>
+#include <locale>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "browsersweep/binarycoding/AnyBufferedDataSource.h"
 #include "browsersweep/binarycoding/BinaryDataDecoder.h"
 #include "browsersweep/binarycoding/BinaryDataEncoder.h"
 #include "browsersweep/binarycoding/BinaryDecodingContainer.h"
 #include "browsersweep/binarycoding/BinaryDecodingError.h"
-#include "browsersweep/binarycoding/BinaryEncodingError.h"
-#include "browsersweep/binarycoding/DataBufferedDataSource.h"
 
 #include "tests/support/Bytes.h"
+#include "tests/support/StreamedData.h"
 
 namespace browsersweep {
 
@@ -32,14 +30,19 @@ struct RawRepresentation<Colour> {
     }
 };
 
-enum class Word { yes };
+enum class Word { yes, cafe };
 
 template <>
 struct RawRepresentation<Word> {
     using RawValue = std::string;
-    static RawValue rawValue(Word /*word*/) { return "yes"; }
+    static RawValue rawValue(Word word) { return word == Word::yes ? "yes" : "caf\xC3\xA9"; }
     static std::optional<Word> fromRawValue(const RawValue& raw) {
-        return raw == "yes" ? std::optional(Word::yes) : std::nullopt;
+        for (const Word each : {Word::yes, Word::cafe}) {
+            if (raw == rawValue(each)) {
+                return each;
+            }
+        }
+        return std::nullopt;
     }
 };
 
@@ -80,32 +83,6 @@ std::string errorOf(const List& data, const Reading& read) {
     return "no error";
 }
 
-// A source that cannot show its bytes, gives one at a time, and notes what it was asked for.
-class Stream {
-public:
-    explicit Stream(List data) : data_(std::move(data)) {}
-    BufferedData buffered() {
-        return BufferedData(std::make_unique<AnyBufferedDataSource>(
-            [this](std::size_t length) { return read(length); },
-            [this] { return position_ == data_.size(); }));
-    }
-    const std::vector<std::size_t>& asked() const { return asked_; }
-
-private:
-    std::optional<List> read(std::size_t length) {
-        asked_.push_back(length);
-        const std::size_t end = std::min({data_.size(), position_ + length, position_ + 1});
-        List piece(data_.begin() + static_cast<std::ptrdiff_t>(position_),
-                   data_.begin() + static_cast<std::ptrdiff_t>(end));
-        position_ = end;
-        return piece;
-    }
-
-    List data_;
-    std::size_t position_ = 0;
-    std::vector<std::size_t> asked_;
-};
-
 template <typename T>
 void expectRoundTrip(T value, const List& data) {
     EXPECT_EQ(BinaryDataEncoder().encode(value), data);
@@ -140,6 +117,9 @@ TEST(BinaryDecodingContainer, namesEveryFailure) {
         {{1, 2},
          [](auto& c) { c.template decode<std::uint32_t>(); },
          "Not enough data to create a a type of std::uint32_t. Needed: 4. Received: 2."},
+        {{1},
+         [](auto& c) { c.template decode<std::int16_t>(); },
+         "Not enough data to create a a type of std::int16_t. Needed: 2. Received: 1."},
         {{},
          [](auto& c) { c.template decode<double>(); },
          "Not enough data to create a a type of double. Needed: 8. Received: 0."},
@@ -217,6 +197,23 @@ TEST(BinaryDecodingContainer, namesAnInvalidFractionThatIsNoNumber) {
     expectShown(-std::numeric_limits<double>::quiet_NaN(), "nan");
 }
 
+/** Has a comma in the place of the decimal point. */
+class Comma : public std::numpunct<char> {
+public:
+    Comma() : std::numpunct<char>(1) {}  // it outlives the locales that it is in
+
+protected:
+    char do_decimal_point() const override { return ','; }
+};
+
+TEST(BinaryDecodingContainer, showsAnInvalidFractionWithAPointWhereverItRuns) {
+    Comma comma;
+    const std::locale before = std::locale::global(std::locale(std::locale::classic(), &comma));
+    expectShown(0.1, "0.1");
+    expectShown(1.5e300, "1.5e+300");
+    std::locale::global(before);
+}
+
 TEST(BinaryDecodingContainer, readsSeveralNumbersAtOnceAsOneByOne) {
     reading({1, 0, 0, 0, 2, 0, 0, 0, 3, 0}, [](auto& root) {
         auto page = root.nestedContainer(9);
@@ -235,8 +232,11 @@ TEST(BinaryDecodingContainer, readsAndWritesRawValues) {
     EXPECT_EQ(BinaryDataDecoder().decode<std::vector<Colour>>(List{7, 1}),
               (std::vector{Colour::blue, Colour::red}));
     EXPECT_EQ(BinaryDataEncoder().encode(std::vector{Colour::blue, Colour::red}), (List{7, 1}));
-    EXPECT_EQ(BinaryDataDecoder().decode<Word>(tests::bytes("yes")), Word::yes);
-    EXPECT_EQ(BinaryDataEncoder().encode(Word::yes), tests::bytes("yes"));
+    for (const auto& [word, text] :
+         {std::pair(Word::yes, "yes"), std::pair(Word::cafe, "caf\xC3\xA9")}) {
+        EXPECT_EQ(BinaryDataDecoder().decode<Word>(tests::bytes(text)), word);
+        EXPECT_EQ(BinaryDataEncoder().encode(word), tests::bytes(text));
+    }
 }
 
 TEST(BinaryDecodingContainer, readsAnEmptyListFromNothing) {
@@ -257,12 +257,17 @@ TEST(BinaryDecodingContainer, readsTextInLatin1) {
     });
 }
 
-TEST(DataBufferedDataSource, handsOutItsBytesOnceAndThenNothing) {
-    const List bytes{1, 2, 3};
-    DataBufferedDataSource source(bytes);
-    EXPECT_EQ(source.read(2), (List{1, 2}));
-    EXPECT_EQ(source.read(2), List{3});
-    EXPECT_EQ(source.read(2), std::nullopt);
+TEST(BinaryDecodingContainer, readsATextUpToItsOwnTerminatorAlsoInAContainerWithin) {
+    reading({'a', 0, 'x', 0xE9, 'x', 'b'}, [](auto& root) {
+        auto page = root.nestedContainer(6);
+        EXPECT_EQ(page.nestedContainer().decodeString(StringEncoding::ascii, 'x'),
+                  std::string("a\0", 2));
+        EXPECT_EQ(page.remainingLength(), 3U);
+        EXPECT_EQ(page.decodeString(StringEncoding::isoLatin1, 'x'), "\xC3\xA9");
+        EXPECT_EQ(page.remainingLength(), 1U);
+        EXPECT_THROW(page.decodeString(StringEncoding::ascii, 'x'), BinaryDecodingError);
+        EXPECT_EQ(page.remainingLength(), 0U);
+    });
 }
 
 TEST(BinaryDecodingContainer, refusesAByteBeyondTheLimit) {
@@ -304,7 +309,7 @@ TEST(BinaryDecodingContainer, peeksWithoutReadingAndGivesFewerAtTheEnd) {
 }
 
 TEST(BinaryDecodingContainer, leavesWhatItPeeksWithItsParent) {
-    Stream stream({1, 2, 3});
+    tests::NotedStream stream({1, 2, 3});
     BufferedData streamed = stream.buffered();
     const List list{1, 2, 3};
     const auto inMemory = BinaryDataDecoder::bufferedData(list);
@@ -328,34 +333,8 @@ TEST(BinaryDecodingContainer, readsStringsAcrossWhatWasPeeked) {
     });
 }
 
-TEST(BufferedData, asksItsSourceForExactlyTheShortfall) {
-    Stream stream({1, 2, 3, 4, 5, 6, 7, 8});
-    BufferedData data = stream.buffered();
-    EXPECT_EQ(data.peek(2), (List{1, 2}));
-    EXPECT_EQ(data.read(5), (List{1, 2, 3, 4, 5}));
-    EXPECT_EQ(data.readUntil(7), (BufferedData::UntilResult{{6}, true}));
-    EXPECT_EQ(stream.asked(), (std::vector<std::size_t>{2, 1, 3, 2, 1, 1, 1}));
-    EXPECT_FALSE(data.isAtEnd());
-    EXPECT_EQ(data.readUntil(0), (BufferedData::UntilResult{{8}, false}));
-    EXPECT_TRUE(data.isAtEnd());
-    EXPECT_EQ(data.read(1), List{});
-}
-
-TEST(BufferedData, givesTheRestWhereTheDelimiterNeverComes) {
-    const List data{1, 2, 3};
-    EXPECT_EQ(BinaryDataDecoder::bufferedData(data)->readUntil(9),
-              (BufferedData::UntilResult{{1, 2, 3}, false}));
-}
-
-TEST(BufferedData, passesErrorsOfItsSourceOn) {
-    BufferedData data(std::make_unique<AnyBufferedDataSource>(
-        [](std::size_t) -> std::optional<List> { throw std::domain_error("gone"); },
-        [] { return false; }));
-    EXPECT_THROW(BinaryDataDecoder().decode<int>(data), std::domain_error);
-}
-
 TEST(BinaryDecodingContainer, readsNestedContainersOfAStream) {
-    Stream stream({9, 8, 7, 'a', 0, 6});
+    tests::NotedStream stream({9, 8, 7, 'a', 0, 6});
     BufferedData data = stream.buffered();
     const BinaryUserInfo userInfo;
     BinaryDecodingContainer root(data, userInfo);
@@ -366,24 +345,6 @@ TEST(BinaryDecodingContainer, readsNestedContainersOfAStream) {
     EXPECT_EQ(record.decodeString(StringEncoding::ascii, 0), "a");
     EXPECT_TRUE(page.isAtEnd());
     EXPECT_EQ(root.decode<std::uint8_t>(), 6);
-}
-
-TEST(BinaryEncodingContainer, writesStringsAndRefusesWhatTheEncodingLacks) {
-    BinaryDataEncoderStorage storage;
-    const BinaryUserInfo userInfo;
-    BinaryEncodingContainer container = BinaryEncoder(storage, userInfo).container();
-    container.encodeString("ab", StringEncoding::ascii, 0);
-    container.encodeString("\xC3\xA9", StringEncoding::isoLatin1);
-    container.encodeString("\xC3\xA9", StringEncoding::utf8);
-    EXPECT_EQ(storage.data, (List{'a', 'b', 0, 0xE9, 0xC3, 0xA9}));
-    try {
-        container.encodeString("\xC3\xA9", StringEncoding::ascii, 0);
-        FAIL() << "no error";
-    } catch (const BinaryEncodingError& error) {
-        EXPECT_EQ(error.kind(), BinaryEncodingError::Kind::incompatibleStringEncoding);
-        EXPECT_EQ(error.context().debugDescription,
-                  "The string \xC3\xA9 could not be encoded as data using the encoding ASCII.");
-    }
 }
 
 }  // namespace browsersweep

@@ -1,22 +1,32 @@
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
-#include <string>
+#include <span>
+#include <stdexcept>
 #include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "browsersweep/binarycoding/AnyBufferedDataSource.h"
+#include "browsersweep/binarycoding/BinaryDataDecoder.h"
 #include "browsersweep/binarycoding/BinaryDecodingContainer.h"
 #include "browsersweep/binarycoding/BinaryDecodingError.h"
 #include "browsersweep/binarycoding/BufferedData.h"
+#include "browsersweep/binarycoding/DataBufferedDataSource.h"
+
+#include "tests/support/StreamedData.h"
 
 namespace browsersweep {
 namespace {
 
 using List = std::vector<std::uint8_t>;
+using UntilResult = BufferedData::UntilResult;
+
+using tests::NotedStream;
 
 /** A source that gives its bytes in pieces of at most two, and may not know its end in advance. */
 BufferedData inShortAnswers(List data, bool knowsItsEnd = true) {
@@ -107,6 +117,108 @@ TEST(BufferedDataInShortAnswers, keepsTheOrderOfManySmallPieces) {
         read.insert(read.end(), piece.begin(), piece.end());
     }
     EXPECT_EQ(read, data);
+}
+
+TEST(BufferedData, asksItsSourceForExactlyTheShortfall) {
+    NotedStream stream({1, 2, 3, 4, 5, 6, 7, 8});
+    BufferedData data = stream.buffered();
+    EXPECT_EQ(data.peek(2), (List{1, 2}));
+    EXPECT_EQ(data.read(5), (List{1, 2, 3, 4, 5}));
+    EXPECT_EQ(data.readUntil(7), (UntilResult{{6}, true}));
+    EXPECT_EQ(stream.asked(), (std::vector<std::size_t>{2, 1, 3, 2, 1, 1, 1}));
+    EXPECT_FALSE(data.isAtEnd());
+    EXPECT_EQ(data.readUntil(0), (UntilResult{{8}, false}));
+    EXPECT_TRUE(data.isAtEnd());
+    EXPECT_EQ(data.read(1), List{});
+}
+
+TEST(BufferedData, givesTheRestWhereTheDelimiterNeverComes) {
+    const List data{1, 2, 3};
+    EXPECT_EQ(BinaryDataDecoder::bufferedData(data)->readUntil(9), (UntilResult{{1, 2, 3}, false}));
+}
+
+TEST(BufferedData, passesErrorsOfItsSourceOn) {
+    BufferedData data(std::make_unique<AnyBufferedDataSource>(
+        [](std::size_t) -> std::optional<List> { throw std::domain_error("gone"); },
+        [] { return false; }));
+    EXPECT_THROW(BinaryDataDecoder().decode<int>(data), std::domain_error);
+}
+
+TEST(BufferedData, asksForNoByteBeyondALimitNorForOneThatIsBuffered) {
+    NotedStream stream({1, 2, 3, 4});
+    BufferedData data = stream.buffered();
+    const DelimitedBytes none = data.takeUntil(3, 2);
+    EXPECT_EQ(List(none.data.begin(), none.data.end()), (List{1, 2}));
+    EXPECT_FALSE(none.didFindDelimiter);
+    EXPECT_EQ(stream.asked(), (std::vector<std::size_t>{1, 1}));
+    EXPECT_EQ(data.peek(2), (List{3, 4}));
+    EXPECT_EQ(data.readUntil(4), (UntilResult{{3}, true}));
+    EXPECT_EQ(stream.asked(), (std::vector<std::size_t>{1, 1, 2, 1}));
+}
+
+TEST(BufferedData, asksForARemainderInPiecesOfItsCapacityOrTheLeastThatIsWorthIt) {
+    for (const auto& [capacity, piece] :
+         {std::pair(std::size_t{5000}, std::size_t{5000}),
+          std::pair(std::size_t{10}, BufferedData::defaultCapacity)}) {
+        NotedStream stream({1, 2});
+        BufferedData data = stream.buffered(capacity);
+        EXPECT_EQ(data.takeRemainder().size(), 2U);
+        EXPECT_EQ(stream.asked(), (std::vector<std::size_t>{piece, piece}));
+        const List bytes{1, 2};
+        DataBufferedDataSource borrowed(bytes);
+        EXPECT_EQ(BufferedData(borrowed, capacity).takeRemainder().size(), 2U);
+    }
+}
+
+TEST(BufferedData, findsADelimiterInMemory) {
+    const List bytes{1, 2, 3, 0};
+    const auto data = BinaryDataDecoder::bufferedData(bytes);
+    EXPECT_EQ(data->readUntil(2), (UntilResult{{1}, true}));
+    EXPECT_EQ(data->readUntil(0), (UntilResult{{3}, true}));
+    EXPECT_EQ(UntilResult(), (UntilResult{{}, false}));
+}
+
+/** A source that shows its bytes at times: a byte that is read is followed by those it shows. */
+class AtTimesInMemory : public BufferedDataSource {
+public:
+    explicit AtTimesInMemory(std::span<const std::uint8_t> data) : memory_(data) {}
+
+    void show(bool shows) noexcept { shows_ = shows; }
+
+    std::optional<List> read(std::size_t length) override { return memory_.read(length); }
+    bool isAtEnd() override { return memory_.isAtEnd(); }
+    std::optional<std::span<const std::uint8_t>> view(std::size_t length) override {
+        return shows_ ? memory_.view(length) : std::nullopt;
+    }
+    std::optional<DelimitedBytes> viewUntil(std::uint8_t delimiter, std::size_t length) override {
+        return shows_ ? memory_.viewUntil(delimiter, length) : std::nullopt;
+    }
+    std::optional<std::span<const std::uint8_t>> lookAhead(std::size_t length) override {
+        return shows_ ? memory_.lookAhead(length) : std::nullopt;
+    }
+
+private:
+    DataBufferedDataSource memory_;
+    bool shows_ = false;
+};
+
+TEST(BufferedData, givesWhatIsBufferedBeforeWhatItsSourceShows) {
+    using Asking = std::function<List(BufferedData&)>;
+    for (const auto& [ask, expected] : std::vector<std::pair<Asking, List>>{
+             {[](BufferedData& data) { return data.read(3); }, {0, 1, 2}},
+             {[](BufferedData& data) { return data.peek(3); }, {0, 1, 2}},
+             {[](BufferedData& data) { return data.readUntil(3).data; }, {0, 1, 2}},
+             {[](BufferedData& data) {
+                  const auto rest = data.takeRemainder();
+                  return List(rest.begin(), rest.end());
+              },
+              ten}}) {
+        AtTimesInMemory source(ten);
+        BufferedData data(source);
+        EXPECT_EQ(data.peek(1), List{0});
+        source.show(true);
+        EXPECT_EQ(ask(data), expected);
+    }
 }
 
 TEST(BufferedData, showsWhatItHasBufferedAndItsSource) {

@@ -18,5 +18,15 @@ TEST(ChromeSubscription, holdsItsFieldsAndBlockingChangesNothing) {
     EXPECT_EQ(subscription.store(), "/home/Preferences");
 }
 
+TEST(ChromeSubscription, isEqualWhereAllThreeFieldsAre) {
+    const URL site = *URL::parse("https://a.test");
+    const ChromeSubscription one(site, Browser::brave, "/home/Preferences");
+    EXPECT_TRUE(one == ChromeSubscription(site, Browser::brave, "/home/Preferences"));
+    EXPECT_FALSE(one == ChromeSubscription(*URL::parse("https://b.test"), Browser::brave,
+                                           "/home/Preferences"));
+    EXPECT_FALSE(one == ChromeSubscription(site, Browser::opera, "/home/Preferences"));
+    EXPECT_FALSE(one == ChromeSubscription(site, Browser::brave, "/other/Preferences"));
+}
+
 }  // namespace
 }  // namespace browsersweep

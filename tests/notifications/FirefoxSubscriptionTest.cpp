@@ -25,7 +25,11 @@ TEST(FirefoxSubscription, blockingChangesNothing) {
 }
 
 TEST(FirefoxSubscription, isEqualWhereAllThreeFieldsAre) {
-    EXPECT_FALSE(subscription("https://example.com") == subscription("https://example.org"));
+    const FirefoxSubscription one = subscription("https://example.com");
+    EXPECT_TRUE(one == subscription("https://example.com"));
+    EXPECT_FALSE(one == subscription("https://example.org"));
+    EXPECT_FALSE(one == FirefoxSubscription(one.sourceURL(), Browser::brave, one.store()));
+    EXPECT_FALSE(one == FirefoxSubscription(one.sourceURL(), Browser::firefox, "/other"));
 }
 
 }  // namespace

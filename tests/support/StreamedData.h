@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "browsersweep/binarycoding/AnyBufferedDataSource.h"
@@ -25,5 +26,34 @@ inline std::unique_ptr<BufferedData> streamed(const std::vector<std::uint8_t>& d
         },
         [taken, data] { return *taken == data.size(); }));
 }
+
+/** A source that cannot show its bytes, gives one at a time, and notes what it was asked for. */
+class NotedStream {
+public:
+    using Bytes = std::vector<std::uint8_t>;
+
+    explicit NotedStream(Bytes data) : data_(std::move(data)) {}
+    BufferedData buffered(std::size_t capacity = BufferedData::defaultCapacity) {
+        return BufferedData(std::make_unique<AnyBufferedDataSource>(
+                                [this](std::size_t length) { return read(length); },
+                                [this] { return position_ == data_.size(); }),
+                            capacity);
+    }
+    const std::vector<std::size_t>& asked() const { return asked_; }
+
+private:
+    std::optional<Bytes> read(std::size_t length) {
+        asked_.push_back(length);
+        const std::size_t end = std::min({data_.size(), position_ + length, position_ + 1});
+        Bytes piece(data_.begin() + static_cast<std::ptrdiff_t>(position_),
+                    data_.begin() + static_cast<std::ptrdiff_t>(end));
+        position_ = end;
+        return piece;
+    }
+
+    Bytes data_;
+    std::size_t position_ = 0;
+    std::vector<std::size_t> asked_;
+};
 
 }  // namespace browsersweep::tests

@@ -17,8 +17,7 @@ namespace browsersweep {
 namespace {
 
 // The system's file follows in the same memory.
-constexpr std::size_t ownSize = (sizeof(ConfinedFile) + alignof(std::max_align_t) - 1) /
-                                alignof(std::max_align_t) * alignof(std::max_align_t);
+static_assert(sizeof(ConfinedFile) % alignof(sqlite3_int64) == 0);
 
 sqlite3_file* systemFile(sqlite3_file* file) noexcept {
     return ConfinedFile::of(file).system();
@@ -114,39 +113,45 @@ int writeMemory(sqlite3_file* file, const void* from, int count, sqlite3_int64 o
     }
 }
 
-constexpr sqlite3_io_methods memoryMethods() {
-    sqlite3_io_methods methods{};
-    methods.iVersion = 1;
-    methods.xClose = close;
-    methods.xRead = readMemory;
-    methods.xWrite = writeMemory;
-    methods.xTruncate = [](sqlite3_file* file, sqlite3_int64 size) {
-        ConfinedFile::of(file).memory().truncate(static_cast<std::uint64_t>(size));
-        return SQLITE_OK;
-    };
-    methods.xSync = [](sqlite3_file*, int) { return SQLITE_OK; };
-    methods.xFileSize = [](sqlite3_file* file, sqlite3_int64* size) {
-        *size = static_cast<sqlite3_int64>(ConfinedFile::of(file).memory().size());
-        return SQLITE_OK;
-    };
-    methods.xLock = [](sqlite3_file*, int) { return SQLITE_OK; };
-    methods.xUnlock = [](sqlite3_file*, int) { return SQLITE_OK; };
-    methods.xCheckReservedLock = [](sqlite3_file*, int* isReserved) {
-        *isReserved = 0;
-        return SQLITE_OK;
-    };
-    methods.xFileControl = [](sqlite3_file*, int, void*) { return SQLITE_NOTFOUND; };
-    methods.xSectorSize = [](sqlite3_file*) { return 0; };
-    methods.xDeviceCharacteristics = [](sqlite3_file*) { return 0; };
-    return methods;
-}
-
-constexpr sqlite3_io_methods inMemory = memoryMethods();
+constexpr sqlite3_io_methods inMemory{
+    .iVersion = 1,
+    .xClose = close,
+    .xRead = readMemory,
+    .xWrite = writeMemory,
+    .xTruncate =
+        [](sqlite3_file* file, sqlite3_int64 size) {
+            ConfinedFile::of(file).memory().truncate(static_cast<std::uint64_t>(size));
+            return SQLITE_OK;
+        },
+    .xSync = [](sqlite3_file*, int) { return SQLITE_OK; },
+    .xFileSize =
+        [](sqlite3_file* file, sqlite3_int64* size) {
+            *size = static_cast<sqlite3_int64>(ConfinedFile::of(file).memory().size());
+            return SQLITE_OK;
+        },
+    .xLock = [](sqlite3_file*, int) { return SQLITE_OK; },
+    .xUnlock = [](sqlite3_file*, int) { return SQLITE_OK; },
+    .xCheckReservedLock =
+        [](sqlite3_file*, int* isReserved) {
+            *isReserved = 0;
+            return SQLITE_OK;
+        },
+    .xFileControl = [](sqlite3_file*, int, void*) { return SQLITE_NOTFOUND; },
+    .xSectorSize = [](sqlite3_file*) { return 0; },
+    .xDeviceCharacteristics = [](sqlite3_file*) { return 0; },
+    // A file of this version has no index and is not mapped.
+    .xShmMap = nullptr,
+    .xShmLock = nullptr,
+    .xShmBarrier = nullptr,
+    .xShmUnmap = nullptr,
+    .xFetch = nullptr,
+    .xUnfetch = nullptr,
+};
 
 }  // namespace
 
 int ConfinedFile::sizeWith(const sqlite3_vfs& system) noexcept {
-    return static_cast<int>(ownSize) + system.szOsFile;
+    return static_cast<int>(sizeof(ConfinedFile)) + system.szOsFile;
 }
 
 ConfinedFile& ConfinedFile::prepare(sqlite3_file* memory) noexcept {
@@ -160,7 +165,7 @@ ConfinedFile& ConfinedFile::of(sqlite3_file* file) noexcept {
 }
 
 sqlite3_file* ConfinedFile::system() noexcept {
-    return reinterpret_cast<sqlite3_file*>(reinterpret_cast<std::byte*>(this) + ownSize);
+    return reinterpret_cast<sqlite3_file*>(this + 1);
 }
 
 int ConfinedFile::open(sqlite3_vfs& vfs, const char* name, int flags, int* flagsGiven) noexcept {
@@ -185,7 +190,7 @@ void ConfinedFile::keepInMemory() {
 
 int ConfinedFile::close() noexcept {
     int code = SQLITE_OK;
-    if (!memory_ && system()->pMethods != nullptr) {
+    if (system()->pMethods != nullptr) {
         code = system()->pMethods->xClose(system());
         system()->pMethods = nullptr;
     }

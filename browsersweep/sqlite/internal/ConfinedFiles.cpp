@@ -39,11 +39,8 @@ std::string trueName(const std::filesystem::path& file) {
     return error ? std::string() : (folder / file.filename()).string();
 }
 
-// A name that looks like an address would be read as one, with options of its own.
-std::string nameForSQLite(const std::filesystem::path& file) {
-    const std::string name = file.string();
-    return name.starts_with("file:") ? "./" + name : name;
-}
+// SQLite only hands it back: the true name could look like an address, with options of its own.
+constexpr const char* nameForSQLite = "database";
 
 }  // namespace
 
@@ -54,19 +51,17 @@ public:
           std::shared_ptr<OperationControl> control,
           const std::filesystem::path& folderForTemporaryDatabases)
         : system_(systemFiles()),
-          given_(nameForSQLite(database)),
           database_(trueName(database)),
           index_(database_ + std::string(indexSuffix)),
           temporary_(folderForTemporaryDatabases.empty()
                          ? std::string()
-                         : (folderForTemporaryDatabases / "database").string()),
+                         : (folderForTemporaryDatabases / nameForSQLite).string()),
           access_(access),
           control_(std::move(control)),
           name_("browsersweep-" + std::to_string(reinterpret_cast<std::uintptr_t>(this))),
           vfs_(*system_) {
         vfs_.iVersion = std::min(vfs_.iVersion, 2);
         vfs_.szOsFile = ConfinedFile::sizeWith(*system_);
-        vfs_.pNext = nullptr;
         vfs_.zName = name_.c_str();
         vfs_.pAppData = this;
         vfs_.xOpen = openFile;
@@ -84,7 +79,7 @@ public:
     int openDatabase(sqlite3** database) {
         int code = SQLITE_OK;
         const int known = whileKnown(
-            [&] { code = sqlite3_open_v2(given_.c_str(), database, writeFlags, name_.c_str()); });
+            [&] { code = sqlite3_open_v2(nameForSQLite, database, writeFlags, name_.c_str()); });
         return known == SQLITE_OK ? code : known;
     }
 
@@ -121,16 +116,13 @@ private:
         };
     }
 
-    bool isDatabase(std::string_view name) const noexcept {
-        return !database_.empty() && name == database_;
-    }
+    bool isDatabase(std::string_view name) const noexcept { return name == database_; }
 
     bool isCompanion(std::string_view name) const noexcept {
-        return std::any_of(companionSuffixes.begin(), companionSuffixes.end(),
-                           [&](std::string_view suffix) {
-                               return name.size() == database_.size() + suffix.size() &&
-                                      name.starts_with(database_) && name.ends_with(suffix);
-                           });
+        return std::any_of(
+            companionSuffixes.begin(), companionSuffixes.end(), [&](std::string_view suffix) {
+                return name.starts_with(database_) && name.substr(database_.size()) == suffix;
+            });
     }
 
     /** Whether the name is one of the connection's own and nothing else stands there. */
@@ -229,7 +221,7 @@ private:
     static int fullPathname(sqlite3_vfs* vfs, const char* name, int capacity, char* into) {
         const Hooks& hooks = of(vfs);
         const std::string& full = hooks.database_;
-        if (name != hooks.given_ || full.empty() ||
+        if (std::string_view(name) != nameForSQLite || full.empty() ||
             full.size() >= static_cast<std::size_t>(capacity)) {
             return SQLITE_CANTOPEN;
         }
@@ -238,7 +230,6 @@ private:
     }
 
     sqlite3_vfs* system_;
-    std::string given_;
     std::string database_;
     std::string index_;
     std::string temporary_;
