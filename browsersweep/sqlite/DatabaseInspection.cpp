@@ -39,7 +39,7 @@ std::optional<std::filesystem::path> refusedCompanion(const std::filesystem::pat
 bool isUnfinishedJournal(const std::filesystem::path& file, const FileManager& fileManager) {
     try {
         const Bytes start = fileManager.firstBytes(file, 1);
-        return !start.empty() && start.front() != 0;
+        return std::any_of(start.begin(), start.end(), [](auto byte) { return byte != 0; });
     } catch (const std::filesystem::filesystem_error& error) {
         if (error.code() == std::errc::no_such_file_or_directory) {
             return false;  // finished meanwhile
@@ -51,7 +51,7 @@ bool isUnfinishedJournal(const std::filesystem::path& file, const FileManager& f
 bool hasPendingChanges(const std::filesystem::path& file, const FileManager& fileManager) {
     const auto log = posix::factsOf(beside(file, "-wal"));
     const auto journal = posix::factsOf(beside(file, "-journal"));
-    return (log.isRegular && log.size > 0) ||
+    return log.size > 0 ||
            (journal.isRegular && isUnfinishedJournal(beside(file, "-journal"), fileManager));
 }
 
@@ -81,21 +81,12 @@ void lookAtFiles(DatabaseInspection& found, const std::filesystem::path& file,
     }
 }
 
-std::string sqlText(std::string_view name) {
-    std::string text = "'";
-    for (const char each : name) {
-        text.append(each == '\'' ? 2 : 1, each);
-    }
-    return text + "'";
-}
-
 /** Whether a check of the table finds nothing wrong. */
 bool isWhole(const SQLiteConnection& connection, const std::string& table) {
     const TextRowsEvaluator<std::string> firstColumn(
         [](const SQLiteStatement& row) { return row.text(0); });
-    const auto remarks =
-        connection.evaluate("PRAGMA quick_check(" + sqlText(table) + ");", firstColumn);
-    return remarks.size() == 1 && remarks.front() == "ok";
+    const auto remarks = connection.evaluate("PRAGMA quick_check('" + table + "')", firstColumn);
+    return remarks == std::vector<std::string>{"ok"};
 }
 
 TableFinding finding(const SQLiteConnection& connection, const TableQuestion& question) {

@@ -96,8 +96,8 @@ CleanableDataSize SafariHistoryCleanableDatabase::size(CleanableDataFilters filt
             visitCount = countIn(connection, filters);
         });
     const auto control = fileManager_->control();
-    if (control && visitCount) {
-        control->count({0, 0, static_cast<std::uint64_t>(*visitCount)});
+    if (control) {
+        control->count({0, 0, static_cast<std::uint64_t>(visitCount.value_or(0))});
     }
     const CleanableDataSize size =
         visitCount ? databaseSize(*visitCount, file_, *fileManager_) : CleanableDataSize::zero;

@@ -80,6 +80,7 @@ TEST_F(ReadableFieldsTest, ofADatabase) {
 TEST_F(ReadableFieldsTest, ofSafarisHistory) {
     const SafariHistoryCleanableDatabase item("/file", fileManager);
     EXPECT_EQ(item.file(), "/file");
+    EXPECT_EQ(item.components().tableName, "history_visits");
     EXPECT_EQ(item.components().columnName(), "history_items.url");
     EXPECT_EQ(item.fileManager(), fileManager);
     EXPECT_EQ(item.category(), CleanableDataCategory::history);

@@ -127,6 +127,14 @@ TEST_F(CleanableSQLiteDatabaseTest, withoutTablesNothingIsOpened) {
     folder.write("History", "no database");
     EXPECT_EQ(item({}).size(), CleanableDataSize::zero);
     EXPECT_NO_THROW(item({}).clean());
+    fs::remove(folder / "tmp");  // so that nothing can be copied
+    EXPECT_EQ(item({}).size(), CleanableDataSize::zero);
+}
+
+TEST_F(CleanableSQLiteDatabaseTest, aSizeWithoutRowsHasNoBytes) {
+    for (const std::int64_t count : {0, -1}) {
+        EXPECT_EQ(databaseSize(count, file, *fileManager), (CleanableDataSize{count, 0}));
+    }
 }
 
 TEST_F(CleanableSQLiteDatabaseTest, aMissingFileOrADirectoryIsNothingAndIsNotCreated) {

@@ -1,7 +1,15 @@
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
+#include <fstream>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <system_error>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -161,6 +169,9 @@ TEST_F(DatabaseSnapshots, areApproximateWhereTheFileNeverRests) {
     EXPECT_TRUE(size.itemCount.isApproximate);
     EXPECT_GE(size.itemCount.value, visitCount);
     EXPECT_EQ(restless->copies(), 5);
+    const std::vector<CleanableDataFilter> none{{CleanableDataFilter::Rule::include, {"nowhere"}}};
+    EXPECT_EQ(SafariHistoryCleanableDatabase(file_, restless).size(none),
+              (CleanableDataSize{{0, true}, {0, true}}));
     EXPECT_EQ(tests::filesBelow(home_ / "tmp"), tests::Files());
 }
 
@@ -233,6 +244,127 @@ TEST_F(DatabaseSnapshots, neitherMakeNorDeleteWhatLiesBesideAnEmptyFile) {
     EXPECT_EQ(tests::filesBelow(home_ / "data"), before);
     EXPECT_THROW(SQLiteConnection::readingOnly(home_ / "data/missing"), SQLiteError);
     EXPECT_EQ(tests::filesBelow(home_ / "data"), before);
+}
+
+/** Does something after each copy. */
+class ChangingFileManager : public tests::ForwardingFileManager {
+public:
+    using Change = std::function<void(const fs::path& from, const fs::path& to)>;
+
+    ChangingFileManager(std::shared_ptr<const FileManager> target, Change change)
+        : ForwardingFileManager(std::move(target)), change_(std::move(change)) {}
+
+    void copy(const fs::path& from, const fs::path& to) const override {
+        ForwardingFileManager::copy(from, to);
+        copies_->push_back(from.filename().string());
+        change_(from, to);
+    }
+    const std::vector<std::string>& copies() const noexcept { return *copies_; }
+
+private:
+    Change change_;
+    std::shared_ptr<std::vector<std::string>> copies_ =
+        std::make_shared<std::vector<std::string>>();
+};
+
+TEST_F(DatabaseSnapshots, areTriedAgainWhereACompanionAppearsMeanwhile) {
+    make("WAL");
+    const auto changing = std::make_shared<ChangingFileManager>(
+        manager_, [&](const fs::path& /*from*/, const fs::path& /*to*/) {
+            home_.write("data/History.db-wal", "x");
+        });
+    const auto size = SafariHistoryCleanableDatabase(file_, changing).size();
+    EXPECT_EQ(size.itemCount, CleanableDataSize::Measurement(visitCount));
+    EXPECT_EQ(changing->copies(),
+              (std::vector<std::string>{"History.db", "History.db", "History.db-wal"}));
+}
+
+/** With a log that a browser left when it was killed, and without the log's index. */
+class DatabaseSnapshotsOfALog : public DatabaseSnapshots {
+protected:
+    DatabaseSnapshotsOfALog() {
+        make("WAL");
+        {
+            const ChildProcess browser([&](const ChildProcess::Ready& ready) {
+                const Database held(file_);
+                held.execute("INSERT INTO history_visits (history_item) VALUES (1)");
+                ready();
+            });
+        }
+        fs::remove(beside("-shm"));
+    }
+
+    void expectNeverToBeBelieved(const ChangingFileManager::Change& change) const {
+        const auto changing = std::make_shared<ChangingFileManager>(manager_, change);
+        EXPECT_TRUE(SafariHistoryCleanableDatabase(file_, changing).size().itemCount.isApproximate);
+        EXPECT_EQ(changing->copies().size(), 10U);
+    }
+};
+
+TEST_F(DatabaseSnapshotsOfALog, areNotBelievedWhereACopyDiffersFromItsFile) {
+    for (const std::string end : {".db", "-wal"}) {
+        expectNeverToBeBelieved([&](const fs::path& /*from*/, const fs::path& to) {
+            if (to.string().ends_with(end)) {
+                std::ofstream(to, std::ios::binary | std::ios::app) << "x";
+            }
+        });
+    }
+}
+
+TEST_F(DatabaseSnapshotsOfALog, areNotBelievedWhereACompanionWasGoneForAMoment) {
+    expectNeverToBeBelieved([](const fs::path& from, const fs::path& to) {
+        if (from.string().ends_with("-wal")) {
+            fs::remove(to);
+            throw fs::filesystem_error("gone", from,
+                                       std::make_error_code(std::errc::no_such_file_or_directory));
+        }
+    });
+}
+
+TEST_F(DatabaseSnapshots, lookAtACopyWhereALockIsMetInTheMiddle) {
+    make("DELETE");
+    std::optional<ChildProcess> browser;
+    std::vector<std::int32_t> seen;
+    const bool isOneState =
+        DatabaseSnapshot(file_, manager_).read([&](const SQLiteConnection& connection) {
+            EXPECT_TRUE(connection.hasTable("history_visits"));
+            if (!browser) {
+                browser.emplace([&](const ChildProcess::Ready& ready) {
+                    const Database held(file_);
+                    held.execute("BEGIN EXCLUSIVE");
+                    ready();
+                });
+            }
+            seen.push_back(
+                connection.evaluate("SELECT COUNT(*) FROM history_visits", CountEvaluator{}));
+        });
+    EXPECT_TRUE(isOneState);
+    EXPECT_EQ(seen, (std::vector<std::int32_t>{0, visitCount}));
+}
+
+TEST_F(DatabaseSnapshots, askTheHeaderAndTheNamesBesideItForCompanions) {
+    const auto mayHaveThem = [&](const std::string& contents, const char* suffix = nullptr) {
+        home_.write("data/History.db", contents);
+        if (suffix != nullptr) {
+            home_.write(beside(suffix), "");
+        }
+        const bool may = DatabaseSnapshot(file_, manager_).mayHaveCompanions();
+        if (suffix != nullptr) {
+            fs::remove(beside(suffix));
+        }
+        return may;
+    };
+    const std::string plain(100, '\1');
+    const auto with = [&](std::size_t place) { return std::string(plain).replace(place, 1, "\2"); };
+    EXPECT_FALSE(mayHaveThem(plain));
+    EXPECT_FALSE(mayHaveThem(with(17)));
+    EXPECT_TRUE(mayHaveThem(with(18)));
+    EXPECT_TRUE(mayHaveThem(with(19)));
+    EXPECT_FALSE(mayHaveThem(with(20)));
+    EXPECT_FALSE(mayHaveThem(with(18).substr(0, 19)));
+    EXPECT_TRUE(mayHaveThem(plain, "-wal"));
+    EXPECT_TRUE(mayHaveThem(plain, "-journal"));
+    EXPECT_FALSE(mayHaveThem(plain, "-shm"));
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 
@@ -135,6 +137,11 @@ void countCall(sqlite3_context* context, int /*count*/, sqlite3_value** /*values
     sqlite3_result_int(context, 1);
 }
 
+/** Ends the statement with a code, as SQLite's own calls end it. */
+void failWithCode(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
+    sqlite3_result_error_code(context, sqlite3_value_int(*values));
+}
+
 TEST_F(SQLiteConnectionTest, executeRunsAStatementToItsEnd) {
     const SQLiteConnection connection(file);
     int calls = 0;
@@ -142,6 +149,60 @@ TEST_F(SQLiteConnectionTest, executeRunsAStatementToItsEnd) {
                             nullptr, nullptr);
     connection.evaluate("SELECT called() FROM marks;", ExecuteEvaluator{});
     EXPECT_EQ(calls, 3);  // once for each row: whoever stops at the first one calls it once
+}
+
+TEST_F(SQLiteConnectionTest, executeRunsAStatementOnce) {
+    const SQLiteConnection connection(file);
+    connection.evaluate("INSERT INTO marks VALUES ('d', 'z');", ExecuteEvaluator{});
+    EXPECT_EQ(connection.changedRowCount(), 1);
+    EXPECT_EQ(connection.evaluate("SELECT COUNT(*) FROM marks;", CountEvaluator{}), 4);
+}
+
+/** Leaves a statement as it is. */
+struct NoEvaluator {
+    using EvaluationResult = int;
+    int evaluate(const SQLiteStatement& statement) const noexcept { return statement.resultCode(); }
+};
+
+TEST_F(SQLiteConnectionTest, aStatementThatIsNotRunHasNoCodeAndChangesNoneOfTheConnection) {
+    const SQLiteConnection connection(file);
+    EXPECT_EQ(connection.evaluate("SELECT 1;", NoEvaluator{}), SQLITE_OK);
+    EXPECT_EQ(connection.silentResultCode(), SQLITE_OK);
+    sqlite3_create_function(connection.dbPointer(), "fail", 1, SQLITE_UTF8, nullptr, failWithCode,
+                            nullptr, nullptr);
+    connection.evaluate("SELECT fail(11);", CountEvaluator{});
+    connection.evaluate("SELECT 1;", NoEvaluator{});
+    EXPECT_EQ(connection.silentResultCode(), SQLITE_CORRUPT);
+}
+
+TEST_F(SQLiteConnectionTest, theNumbersOfARowAreKnownByTheirColumns) {
+    struct SecondColumn {
+        using EvaluationResult = std::int32_t;
+        std::int32_t evaluate(SQLiteStatement& statement) const {
+            EXPECT_EQ(statement.step(), SQLiteStatement::Step::row);
+            return statement.integer(1);
+        }
+    };
+    EXPECT_EQ(SQLiteConnection(file).evaluate("SELECT 3, 7;", SecondColumn{}), 7);
+}
+
+TEST_F(SQLiteConnectionTest, nothingIsPreparedForAControlThatWantsToStop) {
+    bool stops = false;
+    const SQLiteConnection connection(
+        file, std::make_shared<OperationControl>([&](const OperationProgress&) { return stops; }));
+    EXPECT_EQ(connection.evaluate("SELECT 5;", CountEvaluator{}), 5);
+    stops = true;
+    EXPECT_THROW(connection.evaluate("SELECT 5;", CountEvaluator{}), OperationCancelled);
+}
+
+TEST_F(SQLiteConnectionTest, anOpeningThatFailsOrIsStoppedGivesItsMemoryBack) {
+    const sqlite3_int64 before = sqlite3_memory_used();
+    EXPECT_THROW(SQLiteConnection(folder / "missing/data.sqlite"), SQLiteError);
+    EXPECT_EQ(sqlite3_memory_used(), before);
+    const auto stopping =
+        std::make_shared<OperationControl>([](const OperationProgress&) { return true; });
+    EXPECT_THROW(SQLiteConnection(file, stopping), OperationCancelled);
+    EXPECT_EQ(sqlite3_memory_used(), before);
 }
 
 TEST_F(SQLiteConnectionTest, aConstraintThatRefusesIsNoRowAndNoError) {
@@ -189,11 +250,6 @@ TEST_F(SQLiteConnectionTest, whatTheSystemCannotReadIsNoRowAndNoError) {
     EXPECT_EQ(SQLiteError::kindOf(connection.silentResultCode()), SQLiteError::Kind::cannotOpen);
     fs::remove(fs::path(file) += "-journal");
     EXPECT_EQ(tests::Database(file).number("SELECT COUNT(*) FROM marks"), 3);
-}
-
-/** Ends the statement with a code, as SQLite's own calls end it. */
-void failWithCode(sqlite3_context* context, int /*count*/, sqlite3_value** values) {
-    sqlite3_result_error_code(context, sqlite3_value_int(*values));
 }
 
 TEST_F(SQLiteConnectionTest, ofAllCodesThatAreNoRowErrorAloneIsAFailure) {
@@ -264,6 +320,7 @@ TEST_F(SQLiteConnectionTest, aLaterStepThatFailsPassesSilently) {
     EXPECT_NO_THROW(connection.evaluate(
         "SELECT CASE rowid WHEN 2 THEN abs(-9223372036854775808) ELSE 1 END FROM marks;",
         ExecuteEvaluator{}));
+    EXPECT_EQ(connection.silentResultCode(), SQLITE_OK);
 }
 
 TEST_F(SQLiteConnectionTest, aDatabaseLockedByAnotherGivesNoRowsAndDeletesNothing) {

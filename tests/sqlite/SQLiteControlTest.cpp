@@ -140,6 +140,14 @@ TEST_F(SQLiteControl, isToldOfTheRowsThatWereCounted) {
               (OperationProgress{0, 0, static_cast<std::uint64_t>(2 * rowCount)}));
 }
 
+TEST_F(SQLiteControl, isToldOfNoRowsWhereTheTablesAreMissing) {
+    Database(file_).execute("DROP TABLE history_items");
+    const auto control = std::make_shared<OperationControl>();
+    EXPECT_EQ(safari(control).size(), CleanableDataSize::zero);
+    EXPECT_EQ(table(control).size(), CleanableDataSize::zero);
+    EXPECT_EQ(control->progress(), (OperationProgress{0, 0, 0U}));
+}
+
 TEST_F(SQLiteControl, isToldOfTheRowsThatWereDeleted) {
     const auto control = std::make_shared<OperationControl>();
     const std::vector<CleanableDataFilter> some{{CleanableDataFilter::Rule::include, {"host1."}}};

@@ -160,6 +160,11 @@ TEST(SQLiteStatementComponents, thePatternColumnIsKnownByName) {
     EXPECT_EQ(Components("t", std::nullopt, {}).columnName(), std::nullopt);
 }
 
+TEST(SQLiteStatementComponents, aTableWithAPatternColumnKeepsItsFixedClauses) {
+    EXPECT_EQ(Components::withPatternColumn("t", "u", {"a = 1"}).sql("DELETE", {}),
+              "DELETE FROM t WHERE (a = 1);");
+}
+
 TEST(SQLiteStatementComponents, withoutAPatternColumnsNameTheColumnsAreStillPresent) {
     const auto nameless = Components::withPatternColumn("t", std::nullopt, {});
     ASSERT_TRUE(nameless.columnsForFiltering.has_value());

@@ -10,6 +10,7 @@ import pwd
 import resource
 import signal
 import subprocess
+import tempfile
 import time
 
 from . import confine
@@ -91,27 +92,30 @@ def run_mutant(task):
     return number, None, time.monotonic() - started
 
 
-def listed(program):
-    """The names of all tests in the order of the program."""
-    output = subprocess.run([program, "--gtest_list_tests"], stdout=subprocess.PIPE, text=True,
-                            check=True).stdout
-    names, suite = [], ""
-    for line in output.splitlines():
-        if line.startswith("  "):
-            names.append(suite + line.split("#")[0].strip())
-        elif line.split("#")[0].strip().endswith("."):
-            suite = line.split("#")[0].strip()
-    return names
+def listed(program, root):
+    """The tests in the order of the program: the name of each and its file."""
+    with tempfile.TemporaryDirectory() as folder:
+        report = pathlib.Path(folder) / "tests.json"
+        subprocess.run([program, "--gtest_list_tests", f"--gtest_output=json:{report}"],
+                       stdout=subprocess.DEVNULL, check=True)
+        suites = json.loads(report.read_text(encoding="utf-8"))["testsuites"]
+    return [(f"{suite['name']}.{each['name']}", file_of(each, root))
+            for suite in suites for each in suite["testsuite"]]
+
+
+def file_of(test, root):
+    path = pathlib.PurePath(test.get("file", ""))
+    return os.path.relpath(path, root) if path.is_absolute() else str(path).lstrip("./")
 
 
 def record(task):
     """Runs the tests of one part of a few, unchanged, and says where the map and the report lie."""
-    program, part, parts, tests, width = task
+    program, part, parts, tests, width, without = task
     folder = pathlib.Path(os.environ["TMPDIR"])
     seen, report = folder / f"map.{part}", folder / f"report.{part}"
     with open(seen, "wb") as file:
         file.truncate((tests + 1) * width)
-    execute(program, [f"--gtest_output=json:{report}"],
+    execute(program, [f"--gtest_output=json:{report}", "--gtest_filter=-" + ":".join(without)],
             {"BROWSERSWEEP_MUTANT_MAP": str(seen), "BROWSERSWEEP_MUTANTS": str(width),
              "GTEST_TOTAL_SHARDS": str(parts), "GTEST_SHARD_INDEX": str(part)}, 900)
     return str(seen), str(report)
@@ -120,10 +124,16 @@ def record(task):
 class Tests:
     """The tests of a program, and which of them reach a mutant."""
 
-    def __init__(self, pool, program, width, root, parts):
-        names = listed(program)
-        made = pool.map(record, [(program, part, parts, len(names), width) for part in range(parts)],
-                        chunksize=1)
+    def __init__(self, pool, program, width, root, parts, without=()):
+        """The files and folders `without` below tests/ are left out."""
+        known = listed(program, root)
+        names = [name for name, _ in known]
+        folders = [pathlib.PurePath("tests", each) for each in without]
+        unused = {name for name, file in known
+                  if any(each in (pathlib.PurePath(file), *pathlib.PurePath(file).parents)
+                         for each in folders)}
+        made = pool.map(record, [(program, part, parts, len(names), width, sorted(unused))
+                                 for part in range(parts)], chunksize=1)
         outcome = {}
         for seen, report in made:
             if not os.path.exists(report):
@@ -131,7 +141,7 @@ class Tests:
             outcome.update(self.passed(report, root))
         self.all = [Test(index, name, *outcome[name]) for index, name in enumerate(names, 1)
                     if name in outcome]
-        self.left_out = [name for name in names if name not in outcome]
+        self.left_out = [name for name in names if name not in outcome and name not in unused]
         self.reached = {}
         self.outside = set()
         usable = {each.number: each for each in self.all}
@@ -146,7 +156,7 @@ class Tests:
             for each in suite["testsuite"]:
                 if each["result"] == "COMPLETED" and "failures" not in each:
                     found[f"{suite['name']}.{each['name']}"] = (
-                        os.path.relpath(each.get("file", ""), root), float(each["time"].rstrip("s")))
+                        file_of(each, root), float(each["time"].rstrip("s")))
         return found
 
     def read(self, data, rows, width, usable):
