@@ -134,7 +134,7 @@ class Explanations(ScriptTest):
         self.assertIn(self.KEY, listed)
         self.assertNotIn(accepted.Key("cookies/A.cpp", "constant", "int b = 0;", "0", "0 + 1"), listed)
         self.assertNotIn(accepted.Key("cookies/B.cpp", "constant", "int a = 0;", "0", "0 + 1"), listed)
-        self.assertEqual(listed.problems, [])
+        self.assertEqual((listed.files, listed.problems), ({"cookies/A.cpp"}, []))
 
     def test_a_mutant_without_a_reason_is_not_explained(self):
         listed = accepted.Explained("== cookies/A.cpp\nconstant | int a = 0; | 0 => 0 + 1\n")
