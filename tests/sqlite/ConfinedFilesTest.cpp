@@ -132,6 +132,8 @@ TEST_F(ConfinedFilings, openTheDatabaseAndItsCompanionsAlone) {
     constexpr int flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
     for (const std::string& name : {beside(""), beside("-journal"), beside("-wal")}) {
         SCOPED_TRACE(name);
+        // It is SQLite's own text, behind which parameters may follow.
+        system_.onOpening = [&](const char* opened) { EXPECT_EQ(opened, name.c_str()); };
         EXPECT_EQ(asked.open(name.c_str(), flags, &number_), SQLITE_OK);
         EXPECT_EQ(asked.close(), answer);
         EXPECT_EQ(system_.taken(), (Calls{call("xOpen", name.c_str(), flags, &number_), "xClose"}));
@@ -198,6 +200,11 @@ TEST_F(ConfinedFilings, ofAConnectionThatReadsAskForReadingAloneAndForAnIndexTha
         asked.close();
         system_.taken();
     }
+    system_.onOpening = nullptr;
+    EXPECT_EQ(asked.open(beside("-wal").c_str(), flags, &number_), SQLITE_OK);
+    EXPECT_EQ(system_.taken(), Calls{call("xOpen", beside("-wal").c_str(),
+                                          SQLITE_OPEN_READONLY | SQLITE_OPEN_MAIN_DB, &number_)});
+    asked.close();
 }
 
 TEST_F(ConfinedFilings, giveBackTheMemoryOfTheNamesThatTheyMake) {

@@ -227,6 +227,7 @@ TEST_F(DatabaseInspections, sayWhetherItMayBeReadAndChanged) {
         EXPECT_FALSE(found.readError);
         EXPECT_EQ(found.writeError, std::errc::permission_denied);
     });
+    fs::permissions(file_.parent_path(), fs::perms::all);
     home_.write("data/History.db-wal", "x");
     askedAs(fs::perms::none, fs::perms::all, [](const DatabaseInspection& found) {
         EXPECT_EQ(found.readError, std::errc::permission_denied);
