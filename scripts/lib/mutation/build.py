@@ -1,6 +1,7 @@
 """Compiles the changed sources, gives up the mutants that do not compile, and links the tests with them."""
 
 import concurrent.futures
+import hashlib
 import json
 import os
 import pathlib
@@ -46,6 +47,7 @@ class Build:
                          for each in listed}
         self.launcher = [shutil.which("ccache")] if shutil.which("ccache") else []
         self.schemas = {}
+        self.kind = ""
 
     def options(self):
         """What clang++ needs to know to read a file of the library."""
@@ -61,7 +63,7 @@ class Build:
         given[given.index("-o") + 1] = str(output)
         given[given.index("-c") + 1] = str(source)
         # The folders of changed files come before all others.
-        return [given[0], "-w", "-Wno-narrowing", f"-I{self.tree}", "-include",
+        return [given[0], "-w", "-Wno-narrowing", f"-I{self.tree}", self.kind, "-include",
                 str(OWN / "Mutation.h"), *given[1:]]
 
     # Files.
@@ -80,6 +82,10 @@ class Build:
         for schema in schemas:
             self.write(schema)
         headers = {name for name in self.schemas if name.endswith(".h")}
+        # The compiler's cache looks at the headers that a file has used, and not at whether another one
+        # lies before them by now.
+        names = " ".join(sorted(headers)).encode()
+        self.kind = f"-DBROWSERSWEEP_CHANGED_HEADERS={hashlib.sha256(names).hexdigest()}"
         sources = sorted(self.schemas.keys() - headers) + self.affected(headers)
         self.compile(sorted(headers), sources)
         self.link(sources, program)
