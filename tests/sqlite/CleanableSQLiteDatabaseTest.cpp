@@ -2,9 +2,11 @@
 #include <limits>
 #include <optional>
 #include <stdexcept>
+#include <system_error>
 
 #include <gtest/gtest.h>
 
+#include "browsersweep/platform/ForwardingFileManager.h"
 #include "browsersweep/sqlite/CleanableSQLiteDatabase.h"
 #include "browsersweep/sqlite/SQLiteError.h"
 
@@ -123,12 +125,21 @@ TEST_F(CleanableSQLiteDatabaseTest, tablesThatAreAllMissingAreExactlyNothing) {
     EXPECT_NO_THROW(item({missing()}).clean());
 }
 
+/** Copies no file. */
+class WithoutCopies : public ForwardingFileManager {
+public:
+    using ForwardingFileManager::ForwardingFileManager;
+    void copy(const fs::path& from, const fs::path& /*to*/) const override {
+        throw fs::filesystem_error("refused", from, std::make_error_code(std::errc::io_error));
+    }
+};
+
 TEST_F(CleanableSQLiteDatabaseTest, withoutTablesNothingIsOpened) {
     folder.write("History", "no database");
     EXPECT_EQ(item({}).size(), CleanableDataSize::zero);
     EXPECT_NO_THROW(item({}).clean());
-    fs::remove(folder / "tmp");  // so that nothing can be copied
-    EXPECT_EQ(item({}).size(), CleanableDataSize::zero);
+    const auto withoutCopies = std::make_shared<WithoutCopies>(fileManager);
+    EXPECT_EQ(CleanableSQLiteDatabase(file, {}, withoutCopies).size(), CleanableDataSize::zero);
 }
 
 TEST_F(CleanableSQLiteDatabaseTest, aSizeWithoutRowsHasNoBytes) {

@@ -1,4 +1,5 @@
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -9,6 +10,7 @@
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
+#include <sys/stat.h>
 
 #include "browsersweep/sqlite/internal/ConfinedFile.h"
 #include "browsersweep/sqlite/internal/ConfinedFiles.h"
@@ -49,11 +51,12 @@ public:
     int close() noexcept { return file()->pMethods->xClose(file()); }
     bool isOpen() noexcept { return file()->pMethods != nullptr; }
 
-    /** The name that SQLite is to go on with, and the code. */
+    /** The code, and all that is written for the name that SQLite is to go on with. */
     std::pair<int, std::string> fullName(const char* name, int capacity) const {
-        std::string into(2000, '\0');
+        std::string into(2000, '?');
         const int code = vfs_->xFullPathname(vfs_, name, capacity, into.data());
-        return {code, into.c_str()};
+        const std::size_t end = into.find_last_not_of('?') + 1;
+        return {code, into.substr(0, end)};
     }
 
 private:
@@ -276,7 +279,7 @@ TEST_F(ConfinedFilings, putTemporaryDatabasesAloneInTheFolderThatIsGiven) {
     EXPECT_EQ(asked.open(nullptr, SQLITE_OPEN_TEMP_DB), SQLITE_FULL);
     EXPECT_FALSE(asked.isOpen());
     system_.taken();
-    EXPECT_EQ(asked.open(nullptr, SQLITE_OPEN_TEMP_JOURNAL), SQLITE_OK);
+    EXPECT_EQ(asked.open(nullptr, SQLITE_OPEN_TEMP_JOURNAL | SQLITE_OPEN_READONLY), SQLITE_OK);
     EXPECT_EQ(asked.close(), SQLITE_OK);
     EXPECT_EQ(system_.taken(), Calls());
 }
@@ -309,8 +312,9 @@ TEST_F(ConfinedFilings, answerThemselvesWhetherAnotherFileExistsWhichAnEmptyOneD
     home_.write("empty", "");
     home_.write("full", "x");
     home_.makeFolder("folder");
+    ASSERT_EQ(::mkfifo((home_ / "pipe").c_str(), 0600), 0);
     for (const auto& [name, exists] : std::vector<std::pair<const char*, int>>{
-             {"missing", 0}, {"empty", 0}, {"full", 1}, {"folder", 1}}) {
+             {"missing", 0}, {"empty", 0}, {"full", 1}, {"folder", 1}, {"pipe", 1}}) {
         SCOPED_TRACE(name);
         int yes = 7;
         EXPECT_EQ(asked->xAccess(asked.get(), (home_ / name).c_str(), SQLITE_ACCESS_EXISTS, &yes),
@@ -325,7 +329,7 @@ TEST_F(ConfinedFilings, nameTheDatabaseByItsTrueNameWhereThatHasRoom) {
     const WayToFiles asked(home_ / "link/History.db", DatabaseAccess::readWrite);
     const char* const given = "database";
     const int length = static_cast<int>(file_.string().size());
-    EXPECT_EQ(asked.fullName(given, length + 1), std::pair(SQLITE_OK, file_.string()));
+    EXPECT_EQ(asked.fullName(given, length + 1), std::pair(SQLITE_OK, file_.string() + '\0'));
     EXPECT_EQ(asked.fullName(given, length), std::pair(SQLITE_CANTOPEN, std::string()));
     EXPECT_EQ(asked.fullName("other", 1000), std::pair(SQLITE_CANTOPEN, std::string()));
 }
@@ -342,7 +346,7 @@ TEST(ConfinedFiles, nameADatabaseWithoutAFolderByTheCurrentOne) {
     const WayToFiles asked("History.db", DatabaseAccess::readWrite);
     fs::current_path(before);
     EXPECT_EQ(asked.fullName("database", 1000),
-              std::pair(SQLITE_OK, (fs::canonical(home.path()) / "History.db").string()));
+              std::pair(SQLITE_OK, (fs::canonical(home.path()) / "History.db").string() + '\0'));
 }
 
 }  // namespace
