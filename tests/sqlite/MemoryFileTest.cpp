@@ -63,6 +63,13 @@ TEST(MemoryFile, isCutButNeverMadeLonger) {
     EXPECT_EQ(file.size(), 0U);
 }
 
+TEST(MemoryFile, isMadeLongerByWhatIsPutAtItsEnd) {
+    MemoryFile file;
+    EXPECT_TRUE(write(file, "ab", 0));
+    EXPECT_TRUE(write(file, "cd", 2));
+    EXPECT_EQ(file.size(), 4U);
+}
+
 TEST(MemoryFile, endsAtItsCapacity) {
     MemoryFile file;
     EXPECT_EQ(MemoryFile::capacity, 268435456U);

@@ -336,6 +336,14 @@ TEST_F(SQLiteConnectionTest, aDatabaseLockedByAnotherGivesNoRowsAndDeletesNothin
     EXPECT_EQ(browser.number("SELECT COUNT(*) FROM marks"), 3);
 }
 
+TEST_F(SQLiteConnectionTest, noStatementChangesTheSchemaByHand) {
+    const SQLiteConnection connection(file);
+    connection.evaluate("PRAGMA writable_schema = ON;", ExecuteEvaluator{});
+    EXPECT_EQ(
+        messageOf([&] { connection.evaluate("DELETE FROM sqlite_master;", ExecuteEvaluator{}); }),
+        "table sqlite_master may not be modified");
+}
+
 TEST_F(SQLiteConnectionTest, aFileThatIsNoDatabaseFailsAtTheFirstStatement) {
     const SQLiteConnection connection(folder.write("text", "this is no database, not at all"));
     EXPECT_EQ(messageOf([&] { connection.hasTable("marks"); }), "file is not a database");
