@@ -205,6 +205,10 @@ Bytes PropertyList::binaryData() const {
     return binaryPropertyListData(*this);
 }
 
+Bytes PropertyList::dataLike(BytesView other) const {
+    return isBinaryPropertyList(other) ? binaryData() : xmlPropertyListData(*this);
+}
+
 bool operator==(const PropertyList& a, const PropertyList& b) noexcept {
     const PropertyList::Node::Value& left = a.node_->value;
     const PropertyList::Node::Value& right = b.node_->value;

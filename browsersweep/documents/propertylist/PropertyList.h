@@ -106,6 +106,14 @@ public:
     Bytes binaryData() const;
 
     /**
+     * The value in the form that other bytes have: binary where they are a binary property list,
+     * otherwise XML as the platform writes it. The order of keys is kept. XML tells dates to the
+     * second, and has no word for references within an archive and for most control characters:
+     * `std::invalid_argument` where the value holds any of these, or a date beyond its years.
+     */
+    Bytes dataLike(BytesView other) const;
+
+    /**
      * Whether both are the same value of the same kind. Reals and dates are compared bit by bit,
      * and the order of a dictionary's entries counts: equal values have equal binary data.
      */

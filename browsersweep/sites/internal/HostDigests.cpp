@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "browsersweep/documents/internal/Base64.h"
 #include "browsersweep/documents/internal/Digest.h"
 #include "browsersweep/sites/internal/StoreFiles.h"
 
@@ -13,26 +14,6 @@ constexpr std::string_view base64Digits =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 constexpr unsigned bitsOfDigit = 6;
 constexpr unsigned bitsOfByte = 8;
-
-std::string toBase64(std::string_view bytes) {
-    constexpr unsigned mask = (1U << bitsOfDigit) - 1;
-    std::string text;
-    std::uint32_t waiting = 0;
-    unsigned count = 0;
-    for (const char byte : bytes) {
-        waiting = waiting << bitsOfByte | static_cast<unsigned char>(byte);
-        for (count += bitsOfByte; count >= bitsOfDigit; count -= bitsOfDigit) {
-            text += base64Digits[waiting >> (count - bitsOfDigit) & mask];
-        }
-    }
-    if (count > 0) {
-        text += base64Digits[waiting << (bitsOfDigit - count) & mask];
-    }
-    while (text.size() % 4 != 0) {
-        text += '=';
-    }
-    return text;
-}
 
 /** Each label after a byte with its length, and the root's empty one at the end. */
 std::string inWireForm(std::string_view host) {

@@ -1,4 +1,6 @@
+#include <cstdint>
 #include <limits>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -230,6 +232,54 @@ TEST(XMLPropertyList, everyCorruptionOfOneByteIsAnErrorOrAValue) {
         "<plist><dict><key>a</key><array><integer>1</integer><data>AQID</data>"
         "<date>2001-01-01T00:00:00Z</date><real>1.5</real></array></dict></plist>");
     tests::expectErrorOrValueForEveryCorruptionOfOneByte(valid);
+}
+
+std::string written(const PropertyList& value) {
+    const Bytes bytes = xmlPropertyListData(value);
+    return {bytes.begin(), bytes.end()};
+}
+
+TEST(XMLPropertyList, isWrittenAsThePlatformWritesIt) {
+    const Bytes data(60, 0xFF);
+    EXPECT_EQ(
+        written(tests::dictionary(
+            {{"z", text("a & <b>\r\n")},
+             {"a", PropertyList::array({PropertyList::boolean(true), PropertyList::integer(-3),
+                                        PropertyList::unsignedInteger(~std::uint64_t{0}),
+                                        PropertyList::real(0.1)})},
+             {"data", PropertyList::data(data)},
+             {"date", PropertyList::date(dateFromReferenceSeconds(700000000.75))},
+             {"none", tests::dictionary({})}})),
+        inPlist("<dict>\n\t<key>z</key>\n\t<string>a &amp; &lt;b&gt;&#13;\n</string>\n"
+                "\t<key>a</key>\n\t<array>\n\t\t<true/>\n\t\t<integer>-3</integer>\n"
+                "\t\t<integer>18446744073709551615</integer>\n\t\t<real>0.1</real>\n\t</array>\n"
+                "\t<key>data</key>\n\t<data>\n\t" +
+                std::string(68, '/') + "\n\t" + std::string(12, '/') +
+                "\n\t</data>\n"
+                "\t<key>date</key>\n\t<date>2023-03-08T20:26:40Z</date>\n"
+                "\t<key>none</key>\n\t<dict/>\n</dict>"));
+}
+
+TEST(XMLPropertyList, isReadAgainAsItWasWritten) {
+    for (const XMLCase& each : xmlCases()) {
+        const Bytes bytes = xmlPropertyListData(each.expected);
+        EXPECT_EQ(parseXMLPropertyList(bytes), each.expected) << each.xml;
+    }
+}
+
+TEST(XMLPropertyList, hasNoWordForSomeValues) {
+    for (const PropertyList& value :
+         {PropertyList::uid(1), text(std::string("a\1")),
+          PropertyList::date(dateFromReferenceSeconds(1e15)),
+          PropertyList::date(dateFromReferenceSeconds(std::numeric_limits<double>::quiet_NaN()))}) {
+        EXPECT_THROW(xmlPropertyListData(value), std::invalid_argument);
+    }
+}
+
+TEST(XMLPropertyList, isTheFormOfWhatStandsInTheSameFormOrInNone) {
+    const PropertyList value = text("a");
+    EXPECT_EQ(value.dataLike(bytes("<plist><true/></plist>")), xmlPropertyListData(value));
+    EXPECT_EQ(value.dataLike(value.binaryData()), value.binaryData());
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -104,6 +105,11 @@ std::optional<int> field(std::string_view text) noexcept {
     return value ? std::optional(static_cast<int>(*value)) : std::nullopt;
 }
 
+std::string padded(int value, std::size_t width) {
+    const std::string text = std::to_string(value);
+    return std::string(width - std::min(width, text.size()), '0') + text;
+}
+
 std::optional<std::uint32_t> base64Digit(char character) noexcept {
     constexpr std::string_view alphabet =
         "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
@@ -179,6 +185,26 @@ std::optional<PropertyList> dateFromText(std::string_view text) {
     const auto days = static_cast<double>(std::chrono::sys_days(day).time_since_epoch().count());
     return PropertyList::date(
         dateFrom1970Seconds(days * secondsPerDay + hour * 3600 + minute * 60 + second));
+}
+
+std::optional<std::string> textOfDate(Date date) {
+    constexpr double firstSecond = -62167219200;  // of the year 0
+    constexpr double lastSecond = 253402300799;   // of the year 9999
+    const double seconds = std::floor(secondsSince1970(date));
+    if (!(seconds >= firstSecond && seconds <= lastSecond)) {
+        return std::nullopt;
+    }
+    const std::chrono::sys_seconds time{std::chrono::seconds(static_cast<std::int64_t>(seconds))};
+    const auto day = std::chrono::floor<std::chrono::days>(time);
+    const std::chrono::year_month_day calendar(day);
+    const std::chrono::hh_mm_ss clock(time - day);
+    std::string text;
+    text += padded(static_cast<int>(calendar.year()), 4) + "-";
+    text += padded(static_cast<int>(static_cast<unsigned>(calendar.month())), 2) + "-";
+    text += padded(static_cast<int>(static_cast<unsigned>(calendar.day())), 2) + "T";
+    text += padded(static_cast<int>(clock.hours().count()), 2) + ":";
+    text += padded(static_cast<int>(clock.minutes().count()), 2) + ":";
+    return text + padded(static_cast<int>(clock.seconds().count()), 2) + "Z";
 }
 
 std::optional<PropertyList> dataFromBase64(std::string_view text) {

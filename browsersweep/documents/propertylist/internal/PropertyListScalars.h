@@ -1,8 +1,10 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <string_view>
 
+#include "browsersweep/base/Date.h"
 #include "browsersweep/documents/propertylist/PropertyList.h"
 
 namespace browsersweep {
@@ -18,6 +20,9 @@ std::optional<PropertyList> realFromText(std::string_view text);
 
 /** A date such as 2001-01-01T00:00:00Z. */
 std::optional<PropertyList> dateFromText(std::string_view text);
+
+/** The text of a date, without its part of a second; nothing for one beyond the years 0 to 9999. */
+std::optional<std::string> textOfDate(Date date);
 
 /** Base 64 with white space anywhere. */
 std::optional<PropertyList> dataFromBase64(std::string_view text);

@@ -17,4 +17,7 @@ bool isXMLPropertyList(BytesView bytes) noexcept;
  */
 PropertyList parseXMLPropertyList(BytesView bytes);
 
+/** Writes a property list in XML, as `PropertyList::dataLike` says. */
+Bytes xmlPropertyListData(const PropertyList& value);
+
 }  // namespace browsersweep
