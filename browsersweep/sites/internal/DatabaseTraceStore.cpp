@@ -69,11 +69,11 @@ std::optional<Date> dateOf(double ticks, TimeForm form) {
     return dateFrom1970Seconds(ticks / epoch.ticksPerSecond - epoch.secondsBefore1970);
 }
 
-// What several related rows name comes as lines. A message is bytes, and has no lines.
+// What several related rows name comes as lines. Messages and the like are bytes, without lines.
 void appendHosts(std::vector<std::string>& hosts, SiteForm form, std::string_view text) {
+    const bool isOfBytes = form == SiteForm::message || form == SiteForm::bytes;
     while (!text.empty()) {
-        const auto end =
-            form == SiteForm::message ? text.size() : std::min(text.find('\n'), text.size());
+        const auto end = isOfBytes ? text.size() : std::min(text.find('\n'), text.size());
         for (std::string& host : hostsIn(form, text.substr(0, end))) {
             hosts.push_back(std::move(host));
         }
@@ -131,8 +131,13 @@ std::string meaningOf(const TraceTable& table) {
                                  : std::string(table.meaning);
 }
 
+/** What only tidies up after other rules. */
+bool isAfterwards(const Rule& rule) {
+    return rule.table.rule == TableRule::orphans || rule.table.rule == TableRule::loosens;
+}
+
 bool isListed(const Rule& rule) {
-    return rule.table.rule != TableRule::orphans && rule.table.rule != TableRule::follows;
+    return !isAfterwards(rule) && rule.table.rule != TableRule::follows;
 }
 
 }  // namespace
@@ -244,8 +249,8 @@ DatabaseTraceStore::Survey DatabaseTraceStore::surveyOf(sqlite3* database,
     Survey survey{false, keptIn(database, request)};
     bool isAnyTaken = false;
     for (const Rule& rule : rulesIn(database, database_.tables, control)) {
-        const bool isAsked = isTaken(rule, request) &&
-                             !(rule.table.rule == TableRule::orphans && request.sites.isOnly());
+        const bool isAsked =
+            isTaken(rule, request) && !(isAfterwards(rule) && request.sites.isOnly());
         isAnyTaken = isAnyTaken || isAsked;
         if (isAsked && numberOf(database, rule.sql.question(request.sites), control) != 0) {
             survey.isAnythingToDo = true;
@@ -277,7 +282,9 @@ bool DatabaseTraceStore::hasRemains(const SiteDatabase& database,
     if (request.sites.isOnly()) {
         return false;
     }
-    if (!goingFiles(database.handle(), request).empty()) {
+    const SiteFunctions functions(database.handle(), request.sites, {});
+    const FileKeys known = keysOfFiles(database.handle());
+    if (!goingFiles(known, known, request).empty()) {
         return true;
     }
     const auto rules = rulesIn(database.handle(), database_.tables, fileManager_->control().get());
@@ -290,7 +297,7 @@ void DatabaseTraceStore::remove(const SiteDatabase& database, const ForgetReques
     OperationControl* const control = fileManager_->control().get();
     const SiteFunctions functions(database.handle(), request.sites, protectedAddresses());
     database.change([&] {
-        removeRowFiles(goingFiles(database.handle(), request), *fileManager_);
+        const FileKeys before = keysOfFiles(database.handle());
         for (const Rule& rule : rulesIn(database.handle(), database_.tables, control)) {
             if (!isTaken(rule, request)) {
                 continue;
@@ -300,28 +307,34 @@ void DatabaseTraceStore::remove(const SiteDatabase& database, const ForgetReques
             database.run(isWithoutParents ? rule.sql.removalOfAll()
                                           : rule.sql.removal(request.sites));
         }
+        removeRowFiles(goingFiles(before, keysOfFiles(database.handle()), request), *fileManager_);
     });
 }
 
-// A row without its files is of no use to the browser, and forgotten by the next run; files without
-// their row would stay for ever. So they go first. Where more than certain sites is meant, those
-// go too whose row is gone already.
-std::vector<RowFile> DatabaseTraceStore::goingFiles(sqlite3* database,
-                                                    const ForgetRequest& request) const {
-    const RowFiles& files = database_.files;
+DatabaseTraceStore::FileKeys DatabaseTraceStore::keysOfFiles(sqlite3* database) const {
     OperationControl* const control = fileManager_->control().get();
     for (const Rule& rule : rulesIn(database, database_.tables, control)) {
-        if (rule.table.name != files.table || !isTaken(rule, request)) {
-            continue;
+        if (rule.table.name == database_.files.table) {
+            const std::string keys = rule.sql.allValues(database_.files.key);
+            return {rule.table.kind, keysOf(database, keys, control)};
         }
-        const RowKeys going = keysOf(database, rule.sql.values(files.key, request.sites), control);
-        const RowKeys known = keysOf(database, rule.sql.allValues(files.key), control);
-        const bool takesLost = !request.sites.isOnly();
-        return chosenFiles(files.find(*fileManager_, database_.file), [&](const std::string& key) {
-            return going.contains(key) || (takesLost && !known.contains(key));
-        });
     }
     return {};
+}
+
+// A row without its files is of no use to the browser, and forgotten by the next run; files without
+// their row would stay for ever. So they go before the change of rows is final. Where more than
+// certain sites is meant, those go too whose row was gone already.
+std::vector<RowFile> DatabaseTraceStore::goingFiles(const FileKeys& before, const FileKeys& after,
+                                                    const ForgetRequest& request) const {
+    if (!before.kind) {
+        return {};
+    }
+    const bool takesLost = request.takes(*before.kind) && !request.sites.isOnly();
+    const auto files = database_.files.find(*fileManager_, database_.file);
+    return chosenFiles(files, [&](const std::string& key) {
+        return before.keys.contains(key) ? !after.keys.contains(key) : takesLost;
+    });
 }
 
 ForgetOutcome DatabaseTraceStore::forget(const ForgetRequest& request) const {

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <set>
 #include <span>
 #include <string_view>
@@ -47,14 +48,19 @@ public:
     TraceListing list(const KnownHosts& knownHosts) const override;
 
     /**
-     * Files that belong to rows go first. One transaction for all rows, then the file is written
-     * anew. Where nothing is selected no byte is written; only where more than certain sites is
-     * meant the file is also freed of what earlier deletions left in it.
+     * One transaction for all rows, within which the files that belong to them go, too; then the
+     * file is written anew. Where nothing is selected no byte is written; only where more than
+     * certain sites is meant the file is also freed of what earlier deletions left in it.
      */
     ForgetOutcome forget(const ForgetRequest& request) const override;
 
 private:
     struct Survey;
+    /** What files are known by in the rows that are there; without a kind there are no files. */
+    struct FileKeys {
+        std::optional<TraceKind> kind;
+        RowKeys keys;
+    };
 
     bool exists() const;
     bool hasLeftovers() const;
@@ -65,7 +71,9 @@ private:
     std::vector<KeptTrace> keptIn(sqlite3* database, const ForgetRequest& request) const;
     bool hasRemains(const SiteDatabase& database, const ForgetRequest& request) const;
     void remove(const SiteDatabase& database, const ForgetRequest& request) const;
-    std::vector<RowFile> goingFiles(sqlite3* database, const ForgetRequest& request) const;
+    FileKeys keysOfFiles(sqlite3* database) const;
+    std::vector<RowFile> goingFiles(const FileKeys& before, const FileKeys& after,
+                                    const ForgetRequest& request) const;
     void removeColdJournal() const;
 
     TraceDatabase database_;

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 
+#include "browsersweep/sites/internal/ByteHosts.h"
 #include "browsersweep/sites/internal/MessageHosts.h"
 
 namespace browsersweep {
@@ -243,6 +244,8 @@ std::vector<std::string> hostsIn(SiteForm form, std::string_view text) {
             return text.find("://") == std::string_view::npos ? inHost(text) : inAddress(text);
         case SiteForm::message:
             return hostsInMessage(text);
+        case SiteForm::bytes:
+            return hostsInBytes(text);
     }
     return {};
 }

@@ -20,6 +20,7 @@ enum class SiteForm {
     originAttributes,    ///< Firefox: "^userContextId=1&partitionKey=%28https%2Cb.com%29"
     hostOrAddress,       ///< either of the two
     message,             ///< a protocol buffer: the hosts and addresses among its texts
+    bytes,               ///< a property list, or bytes of no known form: the addresses in them
 };
 
 /**

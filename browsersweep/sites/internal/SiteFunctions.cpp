@@ -4,10 +4,12 @@
 #include <cstddef>
 #include <exception>
 #include <span>
+#include <string>
 #include <utility>
 
 #include <sqlite3.h>
 
+#include "browsersweep/sites/internal/HostDigests.h"
 #include "browsersweep/sqlite/SQLiteError.h"
 
 namespace browsersweep {
@@ -54,15 +56,26 @@ void isProtectedAddress(sqlite3_context* context, int count, sqlite3_value** val
     });
 }
 
+void md5OfText(sqlite3_context* context, int count, sqlite3_value** values) {
+    try {
+        const Values given(values, static_cast<std::size_t>(count));
+        const std::string digest = md5OfHost(std::string(textOf(given.front())));
+        sqlite3_result_text(context, digest.c_str(), -1, SQLITE_TRANSIENT);
+    } catch (const std::exception&) {
+        sqlite3_result_error_nomem(context);
+    }
+}
+
 struct KnownFunction {
     const char* name;
     int argumentCount;  // negative: any
     void (*call)(sqlite3_context*, int, sqlite3_value**);
 };
 
-constexpr std::array<KnownFunction, 2> knownFunctions{{
+constexpr std::array<KnownFunction, 3> knownFunctions{{
     {"namesSite", -1, namesSite},
     {"isProtected", 1, isProtectedAddress},
+    {"md5Of", 1, md5OfText},
 }};
 
 }  // namespace

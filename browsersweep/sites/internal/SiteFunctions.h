@@ -17,8 +17,8 @@ using ProtectedAddresses = std::set<std::string, std::less<>>;
 
 /**
  * The questions that statements ask about a selection: `namesSite(form, text, ...)` and
- * `isProtected(address)`. No view, trigger or index of a schema can ask them. Must outlive the
- * statements.
+ * `isProtected(address)`; and `md5Of(text)`, in small hexadecimal digits, by which browsers name
+ * files. No view, trigger or index of a schema can ask them. Must outlive the statements.
  */
 class SiteFunctions {
 public:

@@ -54,6 +54,7 @@ enum class TableRule {
     bySite,   ///< with the sites that the row's columns, or the related row's, name
     follows,  ///< the same, but the related rows are what is listed
     orphans,  ///< when the row that it refers to is gone, whenever that went
+    loosens,  ///< the row stays, but what it refers to becomes NULL when that is gone
     resets,   ///< by site; the row stays, but some of its columns are reset
     mixed,    ///< with everything: no column names a site
 };

@@ -50,6 +50,7 @@ bool TraceTableSQL::applies() const {
     }
     switch (table_.rule) {
         case TableRule::orphans:
+        case TableRule::loosens:
             return hasRelation();
         case TableRule::follows:
             return isNamedByRelation();
@@ -60,8 +61,12 @@ bool TraceTableSQL::applies() const {
     }
 }
 
+bool TraceTableSQL::isAboutOrphans() const {
+    return table_.rule == TableRule::orphans || table_.rule == TableRule::loosens;
+}
+
 bool TraceTableSQL::isMixed() const {
-    return table_.rule != TableRule::orphans && namesAny(true).empty();
+    return !isAboutOrphans() && namesAny(true).empty();
 }
 
 std::string TraceTableSQL::ownNames() const {
@@ -132,7 +137,7 @@ std::string TraceTableSQL::resetCondition() const {
 
 std::string TraceTableSQL::condition(const SiteSelection& selection) const {
     std::string condition = isTrace();
-    if (table_.rule == TableRule::orphans) {
+    if (isAboutOrphans()) {
         append(condition, " AND ", orphanCondition());
         return condition;
     }
@@ -144,6 +149,10 @@ std::string TraceTableSQL::condition(const SiteSelection& selection) const {
 }
 
 std::string TraceTableSQL::removal(const SiteSelection& selection) const {
+    if (table_.rule == TableRule::loosens) {
+        return "UPDATE " + identifier(table_.name) + " SET " + identifier(table_.relation.column) +
+               " = NULL" + withWhere(condition(selection));
+    }
     if (table_.rule != TableRule::resets) {
         return "DELETE FROM " + identifier(table_.name) + withWhere(condition(selection));
     }
@@ -183,11 +192,6 @@ std::string TraceTableSQL::bytes() const {
 
 std::string TraceTableSQL::allValues(std::string_view expression) const {
     return "SELECT " + std::string(expression) + " FROM " + identifier(table_.name);
-}
-
-std::string TraceTableSQL::values(std::string_view expression,
-                                  const SiteSelection& selection) const {
-    return allValues(expression) + withWhere(condition(selection));
 }
 
 std::string TraceTableSQL::listing(std::string_view expression) const {

@@ -39,7 +39,7 @@ public:
     /** The rows that the rule takes with a selection. Of orphans, the selection does not matter. */
     std::string condition(const SiteSelection& selection) const;
 
-    /** Deletes or resets these rows. */
+    /** Deletes, resets or loosens these rows. */
     std::string removal(const SiteSelection& selection) const;
 
     /**
@@ -59,8 +59,7 @@ public:
     std::string listing(std::string_view expression) const;
     std::vector<SiteForm> listedForms() const;
 
-    /** An expression over each row that the rule takes with a selection; over each row at all. */
-    std::string values(std::string_view expression, const SiteSelection& selection) const;
+    /** An expression over each row of the table. */
     std::string allValues(std::string_view expression) const;
 
     /** The number of rows and the bytes of their values. */
@@ -70,6 +69,7 @@ private:
     bool has(std::string_view column) const;
     bool hasRelation() const;
     bool isNamedByRelation() const;
+    bool isAboutOrphans() const;
     std::string ownNames() const;
     std::string relatedNames() const;
     std::string namesAny(bool alsoWhatOnlyRemoves) const;
