@@ -1,7 +1,6 @@
 #include "browsersweep/cookies/CleanableSafariCookies.h"
 
 #include <algorithm>
-#include <array>
 #include <exception>
 #include <string>
 #include <utility>
@@ -10,6 +9,7 @@
 #include "browsersweep/binarycoding/BinaryDataDecoder.h"
 #include "browsersweep/binarycoding/BinaryDataEncoder.h"
 #include "browsersweep/cookies/BinaryCookies.h"
+#include "browsersweep/cookies/internal/CookieDaemons.h"
 #include "browsersweep/platform/internal/Text.h"
 
 namespace browsersweep {
@@ -20,7 +20,6 @@ using Measurement = CleanableDataSize::Measurement;
 constexpr std::string_view cookieFile = "Cookies/Cookies.binarycookies";
 constexpr std::string_view couldNotRead = "Could not read cookies at ";
 constexpr std::string_view couldNotClean = "Could not clean cookies at ";
-constexpr std::array<std::string_view, 2> cookieDaemons{"nsurlstoraged", "nsurlsessiond"};
 
 struct DecodedFile {
     BinaryCookies cookies;
@@ -134,7 +133,7 @@ std::vector<CleanableDataPart> CleanableSafariCookies::parts() const {
 void CleanableSafariCookies::clean(CleanableDataFilters filters) const {
     // The daemons are left running where nothing is to be cleaned any more.
     continueOrThrow(fileManager()->control().get());
-    stopDaemons();
+    stopCookieDaemons(*home_.services().processLauncher);
     for (const std::filesystem::path& file : cookieFiles()) {
         logFailure(couldNotClean, file, [&] { count(cleanFile(file, filters)); });
     }
@@ -178,13 +177,6 @@ Measurement CleanableSafariCookies::fileSize(const std::filesystem::path& file) 
         throw;
     } catch (...) {
         return {0, true};
-    }
-}
-
-void CleanableSafariCookies::stopDaemons() const {
-    for (const std::string_view daemon : cookieDaemons) {
-        const std::array<std::string, 2> arguments{"-c", "killall -KILL " + std::string(daemon)};
-        home_.services().processLauncher->runAndWait("/bin/sh", arguments);
     }
 }
 

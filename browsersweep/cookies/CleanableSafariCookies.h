@@ -77,7 +77,6 @@ private:
     std::vector<std::filesystem::path> cookieFiles() const;
     CleanableDataSize sizeOf(const std::filesystem::path& file, CleanableDataFilters filters) const;
     CleanableDataSize::Measurement fileSize(const std::filesystem::path& file) const;
-    void stopDaemons() const;
     OperationProgress cleanFile(const std::filesystem::path& file,
                                 CleanableDataFilters filters) const;
     void cleanStorage(CleanableDataFilters filters) const;
