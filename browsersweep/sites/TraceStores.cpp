@@ -4,6 +4,8 @@
 #include "browsersweep/sites/chromium/internal/ChromiumStores.h"
 #include "browsersweep/sites/firefox/internal/FirefoxDatabases.h"
 #include "browsersweep/sites/firefox/internal/FirefoxFileStores.h"
+#include "browsersweep/sites/safari/SafariNamedProfileReader.h"
+#include "browsersweep/sites/safari/internal/SafariStores.h"
 
 namespace browsersweep {
 namespace {
@@ -29,19 +31,30 @@ TraceStores traceStores(const BrowserProfile& profile, const Home& home) {
         case BrowserFamily::firefox:
             return firefoxStores(*folders, home.fileManager());
         case BrowserFamily::safari:
-            return {};
+            return safariStores(profile, home);
     }
     return {};
 }
 
 TraceStores traceStores(Browser browser, const Home& home) {
     const BrowserRow& row = rowOf(browser);
-    if (row.family != BrowserFamily::chromium) {
+    if (row.family == BrowserFamily::safari) {
+        return sharedSafariStores(home);
+    }
+    if (row.family == BrowserFamily::firefox) {
         return {};
     }
     const auto folder =
         home.directoryProvider()->applicationSupportDirectory() / row.applicationSupportFolder;
     return sharedChromiumStores(folder, home.fileManager());
+}
+
+std::vector<std::shared_ptr<const BrowserProfile>> profilesBeside(Browser browser,
+                                                                  const Home& home) {
+    if (rowOf(browser).family != BrowserFamily::safari) {
+        return {};
+    }
+    return SafariNamedProfileReader(home).profiles();
 }
 
 }  // namespace browsersweep

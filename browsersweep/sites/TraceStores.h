@@ -22,4 +22,12 @@ BROWSERSWEEP_EXPORT TraceStores traceStores(const BrowserProfile& profile, const
 /** The stores that all profiles of a browser share, beside their folders. Touches no file. */
 BROWSERSWEEP_EXPORT TraceStores traceStores(Browser browser, const Home& home);
 
+/**
+ * The profiles that have stores beside those that the browser's own reader lists: Safari's named
+ * ones, which have nothing that is measured or cleaned. Changes no file. Throws `filesystem_error`
+ * and `OperationCancelled`.
+ */
+BROWSERSWEEP_EXPORT std::vector<std::shared_ptr<const BrowserProfile>> profilesBeside(
+    Browser browser, const Home& home);
+
 }  // namespace browsersweep

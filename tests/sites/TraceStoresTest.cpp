@@ -7,6 +7,7 @@
 
 #include "browsersweep/profiles/chromium/ChromiumBasedProfile.h"
 #include "browsersweep/profiles/firefox/FirefoxProfile.h"
+#include "browsersweep/profiles/safari/SafariProfile.h"
 #include "browsersweep/sites/TraceStores.h"
 
 #include "tests/support/GuardedFileManager.h"
@@ -42,6 +43,8 @@ TEST_F(TraceStoresTest, areThoseOfTheProfilesFamilyAndTouchNoFile) {
         EXPECT_TRUE(hasStoreAt(ofChromium, support_ / "Chromium/Default" / name)) << name;
     }
     EXPECT_TRUE(hasStoreAt(ofFirefox, firefox.folders()->data / "serviceworker.txt"));
+    EXPECT_TRUE(hasStoreAt(traceStores(SafariProfile(home_), home_),
+                           folder_ / "Library/Safari/History.db"));
     EXPECT_EQ(folder_.snapshot(), std::vector<std::string>{});
 }
 
@@ -56,6 +59,20 @@ TEST_F(TraceStoresTest, theBrowsersOwnAreSharedByItsProfiles) {
     EXPECT_TRUE(hasStoreAt(traceStores(Browser::chromium, home_),
                            support_ / "Chromium/segmentation_platform/ukm_db"));
     EXPECT_EQ(traceStores(Browser::firefox, home_), TraceStores{});
+    const fs::path container = folder_ / "Library/Containers/com.apple.Safari/Data/Library";
+    EXPECT_TRUE(
+        hasStoreAt(traceStores(Browser::safari, home_), container / "Safari/SafariTabs.db"));
+}
+
+TEST_F(TraceStoresTest, onlySafariHasProfilesBesideThoseThatItsReaderLists) {
+    const std::string identifier = "0F1E2D3C-0000-4000-8000-0123456789AB";
+    folder_.makeFolder("Library/Safari/Profiles/" + identifier);
+    EXPECT_TRUE(profilesBeside(Browser::chromium, home_).empty());
+    const auto profiles = profilesBeside(Browser::safari, home_);
+    ASSERT_EQ(profiles.size(), 1U);
+    EXPECT_EQ(profiles[0]->folder(), identifier);
+    EXPECT_TRUE(hasStoreAt(traceStores(*profiles[0], home_),
+                           folder_ / "Library/Safari/Profiles" / identifier / "History.db"));
 }
 
 }  // namespace
