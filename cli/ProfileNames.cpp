@@ -16,9 +16,10 @@ namespace {
 
 using Profiles = std::vector<std::shared_ptr<const BrowserProfile>>;
 
-Profiles profilesOf(const BrowserCleaner& cleaner) {
+template <typename Read>
+Profiles profilesOf(const Read& read) {
     try {
-        return cleaner.profileReader().profiles();
+        return read();
     } catch (const std::exception&) {
         return {};
     }
@@ -98,13 +99,17 @@ private:
 
 }  // namespace
 
-std::vector<std::string> settleProfiles(Selection& selection, const CleanerFactory& cleanerOf) {
+std::vector<std::string> settleProfiles(Selection& selection, const CleanerFactory& cleanerOf,
+                                        const ProfilesBeside& beside) {
     if (selection.profileNames.empty()) {
         return {};
     }
     Settlement settlement(selection);
     for (const Browser browser : selection.selectedBrowsers()) {
-        settlement.look(browser, profilesOf(*cleanerOf(browser)));
+        auto profiles = profilesOf([&] { return cleanerOf(browser)->profileReader().profiles(); });
+        const auto more = profilesOf([&] { return beside ? beside(browser) : Profiles(); });
+        profiles.insert(profiles.end(), more.begin(), more.end());
+        settlement.look(browser, profiles);
     }
     return settlement.missingLines();
 }

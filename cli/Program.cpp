@@ -68,6 +68,10 @@ bool isDeleting(Command command) noexcept {
     return command == Command::clean || command == Command::forget;
 }
 
+bool isAboutSites(Command command) noexcept {
+    return command == Command::sites || command == Command::forget;
+}
+
 /** One run of one command. */
 class Run {
 public:
@@ -121,8 +125,16 @@ private:
         }
     }
 
+    /** Only the commands about sites know of any. */
+    ProfilesBeside profilesBeside() const {
+        if (!isAboutSites(options_.command)) {
+            return {};
+        }
+        return [this](Browser browser) { return profilesOfSites(browser, home_); };
+    }
+
     bool settleProfilesOfSelection() {
-        const auto missing = settleProfiles(options_.selection, cleanerFactory());
+        const auto missing = settleProfiles(options_.selection, cleanerFactory(), profilesBeside());
         for (const auto& line : missing) {
             console_.note(line);
         }

@@ -1,12 +1,14 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "browsersweep/base/Browser.h"
 #include "browsersweep/home/Home.h"
+#include "browsersweep/profiles/BrowserProfile.h"
 
 #include "cli/Commands.h"
 #include "cli/Gather.h"
@@ -31,6 +33,10 @@ void requireSites(const Options& options);
 
 /** Adds the sites of the file that `--keep-list` names. Throws a `UsageError` for a bad line. */
 void readKeepList(SiteOptions& options);
+
+/** The profiles that only these commands know; none in a program without them. */
+std::vector<std::shared_ptr<const BrowserProfile>> profilesOfSites(Browser browser,
+                                                                   const Home& home);
 
 /** Where the commands work. */
 struct SiteWork {

@@ -7,12 +7,11 @@
 #include <memory>
 #include <utility>
 
-#include <fmt/format.h>
-
 #include "browsersweep/hosting/sites/ForgetSweep.h"
 #include "browsersweep/hosting/sites/SiteInventory.h"
 #include "browsersweep/hosting/sites/SweepStore.h"
 #include "browsersweep/sites/ListingParts.h"
+#include "browsersweep/sites/TraceStores.h"
 
 #include "cli/ErrorText.h"
 #include "cli/Order.h"
@@ -62,9 +61,8 @@ void tellApart(const std::map<Browser, ProfileLabels>& labels, Rows& rows) {
     }
 }
 
-void addStores(Browser browser, const Options& options, const SiteWork& work, Observer& observer,
+void addStores(Browser browser, const Options& options, const SiteWork& work,
                SelectedStores& selected) {
-    bool hasProfile = false;
     auto& labels = selected.labels[browser];
     const auto isSelected = [&](const BrowserProfile& profile) {
         labels.add(profile);
@@ -74,16 +72,11 @@ void addStores(Browser browser, const Options& options, const SiteWork& work, Ob
             selected.errors.push_back(
                 {ownerOf(browser, &profile), profile.folder(), "left out, " + *reason});
         }
-        hasProfile |= isChosen && !reason;
         return isChosen;
     };
     try {
         const auto found = sweepStores(browser, *work.cleanerOf(browser), isSelected, work.home);
         selected.stores.insert(selected.stores.end(), found.begin(), found.end());
-        if (hasProfile && found.empty()) {
-            observer.note(fmt::format("{}: what sites left there is not known to this version",
-                                      displayName(browser)));
-        }
     } catch (const OperationCancelled&) {
         selected.errors.push_back({{browser, {}, {}}, {}, std::string(stoppedText)});
     } catch (const std::exception& error) {
@@ -91,10 +84,10 @@ void addStores(Browser browser, const Options& options, const SiteWork& work, Ob
     }
 }
 
-SelectedStores selectedStores(const Options& options, const SiteWork& work, Observer& observer) {
+SelectedStores selectedStores(const Options& options, const SiteWork& work) {
     SelectedStores selected;
     for (const Browser browser : options.selection.selectedBrowsers()) {
-        addStores(browser, options, work, observer, selected);
+        addStores(browser, options, work, selected);
     }
     return selected;
 }
@@ -305,7 +298,7 @@ ForgetReport reportOf(const std::vector<SweepStore>& stores, const ForgetResult&
 enum class Work { plan, deletion };
 
 ForgetReport work(Work kind, const Options& options, const SiteWork& work, Observer& observer) {
-    auto selected = selectedStores(options, work, observer);
+    auto selected = selectedStores(options, work);
     ForgetOptions how{requestOf(options.sites), observer.control(), {}};
     if (!options.force) {
         how.refusal = work.refusal;
@@ -335,8 +328,13 @@ ForgetReport work(Work kind, const Options& options, const SiteWork& work, Obser
 
 }  // namespace
 
+std::vector<std::shared_ptr<const BrowserProfile>> profilesOfSites(Browser browser,
+                                                                   const Home& home) {
+    return profilesBeside(browser, home);
+}
+
 SiteListReport gatherSites(const Options& options, const SiteWork& work, Observer& observer) {
-    auto selected = selectedStores(options, work, observer);
+    auto selected = selectedStores(options, work);
     const auto kinds = kindsOf(options.sites);
     const auto inventory =
         SiteInventory(selected.stores, {kinds, {}, observer.control()}, progressOf(observer))

@@ -28,6 +28,11 @@ std::optional<std::string> nameOfSite(const std::string& text) {
     return patternFault(text) ? std::nullopt : std::optional(text);
 }
 
+std::vector<std::shared_ptr<const BrowserProfile>> profilesOfSites(Browser /*browser*/,
+                                                                   const Home& /*home*/) {
+    return {};
+}
+
 SiteListReport gatherSites(const Options& /*options*/, const SiteWork& /*work*/,
                            Observer& /*observer*/) {
     throw std::logic_error("a program without sites");

@@ -37,8 +37,16 @@ COOKIE_PAGES = (
 )
 FOOTER = bytes.fromhex("071720050000004b")
 
+CACHE = """
+CREATE TABLE cfurl_cache_response(entry_ID INTEGER PRIMARY KEY, request_key TEXT UNIQUE, time_stamp,
+    partition TEXT);
+CREATE TABLE cfurl_cache_blob_data(entry_ID INTEGER PRIMARY KEY, response_object BLOB);
+CREATE TABLE cfurl_cache_receiver_data(entry_ID INTEGER PRIMARY KEY, isDataOnFS INTEGER, receiver_data BLOB);
+INSERT INTO cfurl_cache_response VALUES(1, 'https://www.example.com/', '2024-01-01', '');
+INSERT INTO cfurl_cache_receiver_data VALUES(1, 1, '1');
+"""
+
 FILES = {
-    "Containers/com.apple.Safari/Data/Library/Caches/com.apple.Safari/Cache.db": 20480,
     "Containers/com.apple.Safari/Data/Library/Caches/com.apple.Safari/fsCachedData/1": 4096,
     "Containers/com.apple.Safari/Data/Library/Caches/WebKit/NetworkCache/salt": 8,
     "Caches/com.apple.Safari/Webpage Previews/1.jpeg": 6144,
@@ -76,6 +84,16 @@ def write_history(path):
                 "INSERT INTO history_visits(history_item, visit_time, title) VALUES(?, ?, ?)",
                 (number, safari_time(moment), f"Page {number}"),
             )
+    database.commit()
+    database.close()
+
+
+def write_cache(path):
+    """Five pages of 4096 bytes: one for each table, for the index and for the list of them."""
+    database = sqlite3.connect(path)
+    database.execute("PRAGMA page_size = 4096")
+    database.execute("PRAGMA synchronous = OFF")
+    database.executescript(CACHE)
     database.commit()
     database.close()
 
@@ -157,6 +175,7 @@ def make(home: pathlib.Path) -> None:
     (library / "Safari" / "RemoteNotifications").mkdir(parents=True, exist_ok=True)
     (library / "Cookies").mkdir(exist_ok=True)
     write_history(library / "Safari" / "History.db")
+    write_cache(library / "Containers/com.apple.Safari/Data/Library/Caches/com.apple.Safari/Cache.db")
     write_bookmarks(library / "Safari" / "Bookmarks.plist")
     write_permissions(library / "Safari" / "RemoteNotifications" / "Permissions.plist")
     (library / "Cookies" / "Cookies.binarycookies").write_bytes(cookie_file(COOKIE_PAGES))

@@ -1,11 +1,15 @@
 """The commands about sites, as far as they go without any data: what they take, say and refuse."""
 
 import base64
+import contextlib
 import hashlib
 import json
+import os
 import re
+import sqlite3
+import subprocess
 
-from fixture import ROOT, HostProgramTest, approximate, database, size, write
+from fixture import PROGRAM, ROOT, HostProgramTest, approximate, database, size, write
 from html_test import Page
 
 
@@ -50,13 +54,68 @@ class Script(HostProgramTest):
         self.assertEqual(base64.b64encode(hashlib.sha256(script.encode()).digest()).decode(), digest)
 
 
-class Unknown(HostProgramTest):
-    def test_a_browser_whose_sites_are_not_known_is_named(self):
-        for command in (("sites",), ("forget", "--all", "--dry-run")):
-            result = self.run_program(*command, "--browser", "safari")
-            self.assertEqual((result.status, result.error),
-                             (0, "browsersweep: Safari: what sites left there is not known to this "
-                                 "version\n"))
+class Safari(SitesTest):
+    WORK = "0F1E2D3C-0000-4000-8000-0123456789AB"
+
+    def make_home(self):
+        super().make_home()
+        self.safari = self.home / "Library" / "Safari"
+        self.container = self.home / "Library" / "Containers" / "com.apple.Safari" / "Data" / "Library"
+        for folder, site in ((self.safari, "https://own.example/"),
+                             (self.safari / "Profiles" / self.WORK, "https://work.example/")):
+            database(folder / "History.db",
+                     "CREATE TABLE history_items (id INTEGER PRIMARY KEY, url TEXT)",
+                     "CREATE TABLE history_visits (id INTEGER PRIMARY KEY, history_item INTEGER, visit_time REAL)",
+                     f"INSERT INTO history_items VALUES (1, '{site}')")
+        database(self.container / "Safari" / "SafariTabs.db",
+                 "CREATE TABLE bookmarks (id INTEGER PRIMARY KEY, type INTEGER, subtype INTEGER, title TEXT,"
+                 " url TEXT, external_uuid TEXT)",
+                 f"INSERT INTO bookmarks VALUES (1, 1, 2, 'Work', NULL, '{self.WORK}')")
+
+    def profiles(self, *arguments):
+        document = self.document("sites", "--browser=safari", *arguments)
+        self.assertEqual(document["errors"], [])
+        return {each["site"]: [trace["profile"] for trace in each["traces"]] for each in document["sites"]}
+
+    def test_a_named_profile_is_shown_by_its_title_and_chosen_by_it(self):
+        self.assertEqual(self.profiles(), {"own.example": [None], "work.example": ["Work"]})
+        self.assertEqual(self.profiles("--profile=Work"), {"work.example": ["Work"]})
+        self.assertEqual(self.profiles(f"--profile={self.WORK}"), {"work.example": ["Work"]})
+        result = self.run_program("forget", "--all", "--yes", "--force", "--browser=safari", "--profile=Work")
+        self.assertEqual((result.status, result.error), (0, ""))
+        self.assertEqual(self.profiles(), {"own.example": [None]})
+
+    def test_other_commands_know_one_profile_alone(self):
+        result = self.run_program("size", "--browser=safari", "--profile=Work")
+        self.assertEqual(result.status, 1)
+        self.assertIn("no selected browser has the profile 'Work'", result.error)
+
+    def test_a_profile_whose_identifier_is_none_is_left_out(self):
+        with contextlib.closing(sqlite3.connect(self.container / "Safari" / "SafariTabs.db")) as tabs:
+            tabs.execute("UPDATE bookmarks SET external_uuid = '../../Documents'")
+            tabs.commit()
+        result = self.run_program("sites", "--browser=safari")
+        self.assertEqual(result.status, 1)
+        self.assertIn("left out, its identifier is not of the form of a UUID", result.error)
+        self.assertIn("own.example", result.text)
+
+    def test_what_may_not_be_looked_at_is_an_error_and_not_nothing(self):
+        for path in (self.root, *self.root.rglob("*")):
+            path.chmod(0o777 if path.is_dir() else 0o666)
+        containers = self.home / "Library" / "Containers"
+        containers.chmod(0)
+        self.addCleanup(containers.chmod, 0o777)
+        become = {"user": 65534, "group": 65534} if os.geteuid() == 0 else {}
+        if become and subprocess.run(["/bin/test", "-x", PROGRAM], check=False, **become).returncode != 0:
+            self.skipTest("another user cannot run the program where it lies")
+        for arguments in (("sites",), ("forget", "--all", "--dry-run")):
+            result = self.run_program(*arguments, "--browser=safari", **become)
+            self.assertEqual(result.status, 1, result.error)
+            # Each store in it meets it, and it is said once of each profile.
+            self.assertEqual(result.error.count(f"no permission: Its permissions forbid it to this user; its owner"
+                                                f" can change them.: {containers}\n"), 2)
+            self.assertLess(len(result.error.splitlines()), 6)
+            self.assertIn("own.example", result.text)
 
 
 class Links(HostProgramTest):

@@ -12,11 +12,23 @@
 namespace browsersweep {
 namespace {
 
+/** The outermost folder that may not be opened: all stores below it meet the same, told once. */
+ItemObstacle outermost(ItemObstacle obstacle, const std::filesystem::path& place) {
+    for (auto path = place.parent_path(); path.has_relative_path(); path = path.parent_path()) {
+        auto above = obstacleToOpening(path);
+        if (!above) {
+            break;
+        }
+        obstacle = std::move(*above);
+    }
+    return obstacle;
+}
+
 /** What keeps a place from being seen, though listing it finds nothing. */
 std::optional<ItemObstacle> obstacleTo(const TraceStore& store) {
     for (const auto& place : store.places()) {
         if (auto obstacle = obstacleToOpening(place)) {
-            return obstacle;
+            return outermost(std::move(*obstacle), place);
         }
     }
     return std::nullopt;
@@ -120,6 +132,8 @@ StoreListing SiteInventory::listOne(const TraceStore& store, const KnownHosts& k
         result.listing = {};
         result.error = evidence.error = std::current_exception();
         evidence.isHeld = isHeld(store);
+        evidence.lookBefore.toSeeing = obstacleTo(store);
+        evidence.error = evidence.lookBefore.toSeeing ? nullptr : evidence.error;
     }
     if (options_.control) {
         evidence.leftOut = options_.control->takeLeftOut();

@@ -21,7 +21,10 @@ std::vector<SweepStore> sweepStores(Browser browser, const BrowserCleaner& clean
                                     const Home& home) {
     std::vector<SweepStore> stores;
     bool isEveryProfileChosen = true;
-    for (const auto& profile : cleaner.profileReader().profiles()) {
+    auto profiles = cleaner.profileReader().profiles();
+    const auto beside = profilesBeside(browser, home);
+    profiles.insert(profiles.end(), beside.begin(), beside.end());
+    for (const auto& profile : profiles) {
         if (shouldIncludeProfile(*profile)) {
             add(browser, profile, traceStores(*profile, home), stores);
         } else {

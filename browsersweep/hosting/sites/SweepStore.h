@@ -28,9 +28,10 @@ using StoreProgress =
     std::function<bool(const SweepStore& next, std::size_t done, std::size_t all)>;
 
 /**
- * The stores of a browser's chosen profiles, profile after profile, and then those that all its
- * profiles share: these only where every profile is chosen that is not left out. Throws what
- * reading the profiles throws, and what the predicate throws.
+ * The stores of a browser's chosen profiles, profile after profile, also of those that no reader of
+ * the cleaner lists (`profilesBeside`), and then those that all its profiles share: these only
+ * where every profile is chosen that is not left out. Throws what reading the profiles throws, and
+ * what the predicate throws.
  */
 BROWSERSWEEP_EXPORT std::vector<SweepStore> sweepStores(
     Browser browser, const BrowserCleaner& cleaner, const ProfilePredicate& shouldIncludeProfile,
