@@ -314,5 +314,8 @@ class PlantedWeb:
         self._server.shutdown()
         self._server.server_close()
 
+    def forget_served(self) -> None:
+        self._server.served.clear()
+
     def has_served(self, site: Site, path: str) -> bool:
         return (site.word, path) in self._server.served
