@@ -56,9 +56,9 @@ std::optional<std::string> nameOfSite(const std::string& text);
 SiteListReport gatherSites(const Options& options, const SiteWork& work, Observer& observer);
 
 /** Forgets without asking, or says what would go where nothing is to be deleted. */
-ForgetReport gatherForget(const Options& options, const SiteWork& work, Observer& observer);
+ForgetReport gatherForget(const Options& options, const SiteWork& where, Observer& observer);
 
 /** What would go, and what would stay. */
-ForgetReport previewForget(const Options& options, const SiteWork& work, Observer& observer);
+ForgetReport previewForget(const Options& options, const SiteWork& where, Observer& observer);
 
 }  // namespace browsersweep::cli

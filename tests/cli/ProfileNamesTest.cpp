@@ -71,7 +71,8 @@ protected:
                                       browser == Browser::microsoftEdge
                                           ? edge_
                                           : (browser == Browser::opera ? opera_ : none_));
-                              });
+                              },
+                              {});
     }
 
     std::vector<bool> selected() const {
@@ -128,7 +129,8 @@ TEST_F(ProfileNames, nothingIsReadWhereNoProfileIsNamed) {
     EXPECT_EQ(settleProfiles(selection_,
                              [](Browser) -> std::unique_ptr<const BrowserCleaner> {
                                  throw std::logic_error("asked for a browser");
-                             }),
+                             },
+                             {}),
               std::vector<std::string>{});
     EXPECT_EQ(selected(), (std::vector<bool>{true, true, true, true}));
 }
