@@ -65,7 +65,8 @@ class Safari(SitesTest):
                              (self.safari / "Profiles" / self.WORK, "https://work.example/")):
             database(folder / "History.db",
                      "CREATE TABLE history_items (id INTEGER PRIMARY KEY, url TEXT)",
-                     "CREATE TABLE history_visits (id INTEGER PRIMARY KEY, history_item INTEGER, visit_time REAL)",
+                     "CREATE TABLE history_visits (id INTEGER PRIMARY KEY, history_item INTEGER,"
+                     " visit_time REAL)",
                      f"INSERT INTO history_items VALUES (1, '{site}')")
         database(self.container / "Safari" / "SafariTabs.db",
                  "CREATE TABLE bookmarks (id INTEGER PRIMARY KEY, type INTEGER, subtype INTEGER, title TEXT,"
@@ -112,8 +113,8 @@ class Safari(SitesTest):
             result = self.run_program(*arguments, "--browser=safari", **become)
             self.assertEqual(result.status, 1, result.error)
             # Each store in it meets it, and it is said once of each profile.
-            self.assertEqual(result.error.count(f"no permission: Its permissions forbid it to this user; its owner"
-                                                f" can change them.: {containers}\n"), 2)
+            self.assertEqual(result.error.count("no permission: Its permissions forbid it to this user; its "
+                                                f"owner can change them.: {containers}\n"), 2)
             self.assertLess(len(result.error.splitlines()), 6)
             self.assertIn("own.example", result.text)
 

@@ -23,11 +23,13 @@ SECONDS = 780_000_000.0
 DATE = datetime(2025, 9, 19, 18, 40)
 
 HISTORY = """PRAGMA journal_mode = WAL;
-CREATE TABLE history_items (id INTEGER PRIMARY KEY AUTOINCREMENT, url TEXT NOT NULL UNIQUE, domain_expansion TEXT,
-    visit_count INTEGER NOT NULL, daily_visit_counts BLOB NOT NULL, visit_count_score INTEGER NOT NULL);
+CREATE TABLE history_items (id INTEGER PRIMARY KEY AUTOINCREMENT, url TEXT NOT NULL UNIQUE,
+    domain_expansion TEXT, visit_count INTEGER NOT NULL, daily_visit_counts BLOB NOT NULL,
+    visit_count_score INTEGER NOT NULL);
 CREATE TABLE history_visits (id INTEGER PRIMARY KEY AUTOINCREMENT, history_item INTEGER NOT NULL, visit_time
     REAL NOT NULL, title TEXT, redirect_source INTEGER UNIQUE, redirect_destination INTEGER UNIQUE);
-CREATE TABLE history_tombstones (id INTEGER PRIMARY KEY AUTOINCREMENT, start_time REAL, end_time REAL, url TEXT);
+CREATE TABLE history_tombstones (id INTEGER PRIMARY KEY AUTOINCREMENT, start_time REAL, end_time REAL,
+    url TEXT);
 CREATE TABLE history_events (id INTEGER PRIMARY KEY AUTOINCREMENT, event_type TEXT, value BLOB);
 CREATE TABLE history_tags (id INTEGER PRIMARY KEY, title TEXT NOT NULL, item_count INTEGER);
 CREATE TABLE history_items_to_tags (history_item INTEGER NOT NULL, tag_id INTEGER NOT NULL);
@@ -37,17 +39,21 @@ ICONS = """CREATE TABLE page_url (url TEXT PRIMARY KEY, uuid TEXT NOT NULL);
 CREATE TABLE icon_info (uuid TEXT PRIMARY KEY, url TEXT NOT NULL, timestamp REAL);
 CREATE TABLE rejected_resources (page_url TEXT, icon_url TEXT, timestamp REAL);"""
 SITE_ICONS = "CREATE TABLE cache_settings (host TEXT PRIMARY KEY, last_request_date REAL);"
-PREFERENCES = "CREATE TABLE preference_values (id INTEGER PRIMARY KEY, domain TEXT, preference TEXT, timestamp REAL);"
+PREFERENCES = """CREATE TABLE preference_values (id INTEGER PRIMARY KEY, domain TEXT, preference TEXT,
+    timestamp REAL);"""
 TABS = """PRAGMA journal_mode = WAL;
-CREATE TABLE bookmarks (id INTEGER PRIMARY KEY, parent INTEGER, type INTEGER, subtype INTEGER DEFAULT 0, title TEXT,
-    url TEXT, external_uuid TEXT UNIQUE, extra_attributes BLOB, local_attributes BLOB, last_selected_child INTEGER);
+CREATE TABLE bookmarks (id INTEGER PRIMARY KEY, parent INTEGER, type INTEGER, subtype INTEGER DEFAULT 0,
+    title TEXT, url TEXT, external_uuid TEXT UNIQUE, extra_attributes BLOB, local_attributes BLOB,
+    last_selected_child INTEGER);
 CREATE TABLE bookmark_title_words (id INTEGER PRIMARY KEY, bookmark_id INTEGER NOT NULL, word TEXT);
 CREATE TABLE session_state (uuid TEXT PRIMARY KEY, data BLOB);
 CREATE TABLE windows_tab_groups (id INTEGER PRIMARY KEY, active_tab_id INTEGER, tab_group_id INTEGER);"""
 CLOUD_TABS = "CREATE TABLE cloud_tabs (tab_uuid TEXT PRIMARY KEY, title TEXT, url TEXT NOT NULL);"
-CACHE = """CREATE TABLE cfurl_cache_response(entry_ID INTEGER PRIMARY KEY, request_key TEXT UNIQUE, time_stamp, partition);
+CACHE = """CREATE TABLE cfurl_cache_response(entry_ID INTEGER PRIMARY KEY, request_key TEXT UNIQUE,
+    time_stamp, partition);
 CREATE TABLE cfurl_cache_blob_data(entry_ID INTEGER PRIMARY KEY, response_object BLOB, request_object BLOB);
-CREATE TABLE cfurl_cache_receiver_data(entry_ID INTEGER PRIMARY KEY, isDataOnFS INTEGER, receiver_data BLOB);"""
+CREATE TABLE cfurl_cache_receiver_data(entry_ID INTEGER PRIMARY KEY, isDataOnFS INTEGER,
+    receiver_data BLOB);"""
 
 
 class Folders:
@@ -177,7 +183,8 @@ def tab_lists(folder: Path) -> None:
 def tabs(folders: Folders) -> None:
     with new_database(folders.container / "Safari" / "SafariTabs.db", TABS) as database:
         database.execute("INSERT INTO bookmarks(id, type, subtype, title, external_uuid) VALUES"
-                         "(1, 1, 2, '', 'DefaultProfile'), (2, 1, 2, 'Work', ?), (3, 1, 0, 'group', 'G')", (WORK,))
+                         "(1, 1, 2, '', 'DefaultProfile'), (2, 1, 2, 'Work', ?), (3, 1, 0, 'group', 'G')",
+                         (WORK,))
         for number, site in enumerate(SITES, 10):
             extra = plistlib.dumps({"LocalURL": f"{site.origin}/qzopen{site.word}"}, fmt=plistlib.FMT_BINARY)
             local = plistlib.dumps(tab(site, "open"), fmt=plistlib.FMT_BINARY)
@@ -202,19 +209,21 @@ def url_cache(folder: Path) -> None:
                              (number, f"{site.origin}/qzimgu{site.word}.png"))
             database.execute("INSERT INTO cfurl_cache_blob_data VALUES(?, ?, ?)",
                              (number, f"qzetag{site.word}", f"{site.origin}/qzimgu{site.word}.png"))
-            database.execute("INSERT INTO cfurl_cache_receiver_data VALUES(?, 1, ?)", (number, f"BODY-{number}"))
+            database.execute("INSERT INTO cfurl_cache_receiver_data VALUES(?, 1, ?)",
+                             (number, f"BODY-{number}"))
             (folder / "fsCachedData" / f"BODY-{number}").write_text(f"qzbody{site.word}")
 
 
 def cookies(path: Path, sites: tuple[Site, ...]) -> None:
     path.parent.mkdir(parents=True, exist_ok=True)
-    path.write_bytes(sample.cookie_file([[(site.host, site.marker("cknm"), "/", site.marker("ckvl")),
-                                          (f".{site.registrable}", site.marker("ckdn"), "/", site.marker("ckdv"))]
-                                         for site in sites]))
+    path.write_bytes(sample.cookie_file([
+        [(site.host, site.marker("cknm"), "/", site.marker("ckvl")),
+         (f".{site.registrable}", site.marker("ckdn"), "/", site.marker("ckdv"))] for site in sites]))
 
 
 def lists(folder: Path) -> None:
-    downloads = [{"DownloadEntryURL": f"{site.origin}/download/qzdown{site.word}.bin", "DownloadEntryDateAddedKey": DATE,
+    downloads = [{"DownloadEntryURL": f"{site.origin}/download/qzdown{site.word}.bin",
+                  "DownloadEntryDateAddedKey": DATE,
                   "DownloadEntryPath": f"/Users/x/Downloads/qzdown{site.word}.bin",
                   **({"DownloadEntryProfileUUIDStringKey": WORK} if is_work else {})}
                  for site in SITES for is_work in (False, True)]
@@ -226,8 +235,8 @@ def lists(folder: Path) -> None:
         {"URLString": MARKED.bookmark, "URIDictionary": {"title": MARKED.marker("bmrk")}}]})
     with new_database(folder / "PerSitePreferences.db", PREFERENCES) as database:
         for site in (GONE, KEPT, FRAME):
-            database.execute("INSERT INTO preference_values(domain, preference, timestamp) VALUES(?, 'zoom', ?)",
-                             (site.host, SECONDS))
+            database.execute("INSERT INTO preference_values(domain, preference, timestamp)"
+                             " VALUES(?, 'zoom', ?)", (site.host, SECONDS))
 
 
 def make_safari(home: Path, engine: Engine, version: str) -> None:

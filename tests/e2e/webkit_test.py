@@ -34,9 +34,11 @@ from residue import Allowed, beyond, of_words, residue  # noqa: E402
 
 BELONGINGS = (
     Allowed("Safari/Bookmarks.plist", "file", "host path quer bmrk", MARKED.word),
-    Allowed("Safari/Favicon Cache/favicons.db", "row of (page_url|icon_info)", "host path quer icou", MARKED.word),
+    Allowed("Safari/Favicon Cache/favicons.db", "row of (page_url|icon_info)", "host path quer icou",
+            MARKED.word),
     Allowed("Safari/Favicon Cache/favicons/.*", "file", "icon", MARKED.word),
-    Allowed("Safari/Touch Icons Cache/TouchIconCacheSettings.db", "row of cache_settings", "host", MARKED.word),
+    Allowed("Safari/Touch Icons Cache/TouchIconCacheSettings.db", "row of cache_settings", "host",
+            MARKED.word),
     Allowed("Safari/Touch Icons Cache/Images/.*", "file|name", "icon hmd5", MARKED.word),
 )
 DECISIONS = (
@@ -44,8 +46,9 @@ DECISIONS = (
 )
 # The list of pages to go back to names a forgotten site; the tab itself stays.
 WASTE = (Allowed("Safari/LastSession.plist", "file", "body", KEPT.word),)
-EXPECTED_KINDS = """host path quer titl late push stat icou icon imgu open clos body etag cknm ckvl ckdn ckdv down bmrk
-    lsky lsvl lsbg lsbv idbn idbs idbk idbv idbg idbb capn capu capp capr capb swsc reso jscr jsbo csbo dict"""
+EXPECTED_KINDS = """host path quer titl late push stat icou icon imgu open clos body etag
+    cknm ckvl ckdn ckdv down bmrk lsky lsvl lsbg lsbv idbn idbs idbk idbv idbg idbb
+    capn capu capp capr capb swsc reso jscr jsbo csbo dict"""
 
 
 class SafariBench(Bench):
@@ -106,8 +109,9 @@ def all_leaves_only_what_is_named(bench: SafariBench) -> None:
         bench.forget(layout, "--all")
         left = residue(layout.home / "Library")
         same(beyond(left, *BELONGINGS, *DECISIONS), [], "left")
-        belongings = {found for found in bench.planted if any(rule.holds(found) for rule in BELONGINGS)}
-        same(sorted(map(str, {found for found in belongings if found.why not in STALE} - left)), [], "gone")
+        belongings = {found for found in bench.planted
+                      if found.why not in STALE and any(rule.holds(found) for rule in BELONGINGS)}
+        same(sorted(map(str, belongings - left)), [], "gone")
         bench.forget(layout, "--all", "--settings")
         same(beyond(residue(layout.home / "Library"), *BELONGINGS), [], "left without settings")
         whole(layout)
@@ -119,15 +123,16 @@ def all_leaves_only_what_is_named(bench: SafariBench) -> None:
 def nothing_is_found(told: dict) -> None:
     for name in ("localStorage", "caches", "files"):
         same(told[name], [], name)
-    same((told["indexedDB"], told["cachedResponse"], told["workers"], told["isCached"]), (None, None, 0, False),
-         "database, response, workers and cached file")
+    same((told["indexedDB"], told["cachedResponse"], told["workers"], told["isCached"]),
+         (None, None, 0, False), "database, response, workers and cached file")
 
 
 def one_site_goes_and_the_others_stay(bench: SafariBench) -> None:
     with bench.copy() as layout:
         before = bench.asked(layout, KEPT, FRAME, MARKED)
         # Behind a certificate that is nobody's the engine asks the server all the same.
-        check(before[KEPT.word]["workers"] == 1 and before[MARKED.word]["isCached"], f"the home is poor: {before}")
+        check(before[KEPT.word]["workers"] == 1 and before[MARKED.word]["isCached"],
+              f"the home is poor: {before}")
         told = bench.forget(layout, GONE.registrable)
         same([kept for kept in told["kept"] if kept["kind"] != "settings"], [], "what is told to stay")
         left = residue(layout.home / "Library")
@@ -158,7 +163,8 @@ def all_but_one_leaves_that_one_to_the_engine(bench: SafariBench) -> None:
         # the kept site goes back to the forgotten one.
         shared = (Allowed(".*/(origin|NetworkCache/.*)", "file", "host", FRAME.word),
                   Allowed("Safari/LastSession.plist", "file", "host body", GONE.word))
-        same(beyond(of_words(left, GONE.word, FRAME.word, MARKED.word), *BELONGINGS, *DECISIONS, *shared), [], "left")
+        same(beyond(of_words(left, GONE.word, FRAME.word, MARKED.word), *BELONGINGS, *DECISIONS, *shared),
+             [], "left")
         lost = {found for found in of_words(bench.planted, KEPT.word) - left if found.why not in STALE}
         same(beyond(lost), [], f"lost of {KEPT.word}")
         whole(layout)
@@ -173,7 +179,8 @@ def a_named_profile_alone_can_be_chosen(bench: SafariBench) -> None:
         folders = Folders(layout.home)
         same(beyond(residue(folders.work)), [], "left of the named profile")
         same(beyond(residue(folders.safari / "Profiles")), [], "left of its history")
-        left = {found for found in residue(layout.home / "Library") if "/WebsiteDataStore/" not in found.place}
+        left = {found for found in residue(layout.home / "Library")
+                if "/WebsiteDataStore/" not in found.place}
         lost = {found for found in bench.planted - left
                 if "/WebsiteDataStore/" not in found.place and "Profiles/" not in found.place
                 and found.why not in STALE}
@@ -182,7 +189,8 @@ def a_named_profile_alone_can_be_chosen(bench: SafariBench) -> None:
 
 CASES = (home_holds_traces_of_every_kind, sites_lists_the_planted_ones_and_changes_no_byte,
          all_leaves_only_what_is_named, one_site_goes_and_the_others_stay,
-         a_site_without_tls_is_forgotten_with_its_cached_files, all_but_one_leaves_that_one_to_the_engine, a_named_profile_alone_can_be_chosen)
+         a_site_without_tls_is_forgotten_with_its_cached_files,
+         all_but_one_leaves_that_one_to_the_engine, a_named_profile_alone_can_be_chosen)
 
 
 def planted_home(version: str, web: PlantedWeb, scratch: pathlib.Path) -> pathlib.Path:
