@@ -14,7 +14,6 @@
 #include "tests/support/Database.h"
 #include "tests/support/ForwardingFileManager.h"
 #include "tests/support/GuardedFileManager.h"
-#include "tests/support/PageDamage.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace browsersweep {
@@ -134,12 +133,11 @@ TEST_F(FailingInspections, takeAJournalThatVanishesForFinished) {
     EXPECT_TRUE(failed.tables.empty());
 }
 
-TEST_F(FailingInspections, findADamagedPageAlsoWhereNoRowIsCounted) {
-    std::string bytes = tests::readFile(file_);
-    const std::size_t size = tests::pageSizeOf(bytes);
-    const std::size_t page = bytes.find("https://host300.") / size * size;
-    bytes.replace(page + 8, size - 8, std::string(size - 8, '\xff'));
-    home_.write("data/History.db", bytes);
+TEST_F(FailingInspections, findARowThatItsTableForbidsAlsoWhereNoneIsCounted) {
+    Database(file_).execute(
+        "INSERT INTO items VALUES (NULL); PRAGMA writable_schema = ON;"
+        "UPDATE sqlite_master SET sql = 'CREATE TABLE items (url TEXT NOT NULL)'"
+        " WHERE name = 'items';");
     const auto found = inspected({{"items", ""}});
     EXPECT_EQ(found.tables, (Tables{{"items", true, 0, false}}));
     EXPECT_EQ(found.resultCode, SQLITE_OK);

@@ -178,9 +178,10 @@ class Tests:
             for each in numbers_of_file:
                 own = own | self.reached.get(each, set())
         room = f"tests/{pathlib.PurePath(file).parts[1]}/"
-        if number in self.outside and not own:
-            own = {each for each in self.all if each.file.startswith(room)}
         path = pathlib.PurePath(file)
+        if number in self.outside:
+            own = own | {each for each in self.all if pathlib.PurePath(each.file).stem == f"{path.stem}Test"}
+            own = own or {each for each in self.all if each.file.startswith(room)}
         groups = {"file": [], "room": [], "slow": [], "rest": []}
         for each in sorted(own, key=lambda test: test.number):
             of_file = pathlib.PurePath(each.file).stem in (f"{path.stem}Test",
