@@ -393,13 +393,14 @@ def expected_notifications(found: list[Profile], browser: str) -> dict:
 
 
 # What documents say besides the figures that are counted here independently.
-BESIDES = ("items", "freedBytes", "leftOut", "folder")
+BESIDES = ("items", "freedBytes", "leftOut", "folder", "unseen")
 
 
 def figures_of(document: object) -> object:
-    """The document without what tells of single items."""
+    """The document without what tells of single items, and of the same figures by profile."""
     if isinstance(document, dict):
-        return {key: figures_of(value) for key, value in document.items() if key not in BESIDES}
+        return {key: figures_of(value) for key, value in document.items()
+                if key not in BESIDES and not (key == "profiles" and "categories" in document)}
     return [figures_of(value) for value in document] if isinstance(document, list) else document
 
 

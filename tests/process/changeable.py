@@ -5,6 +5,7 @@ import re
 COMPANIONS = r"(-journal|-wal|-shm)?"
 CHROMIUM = "Application Support/Chromium/[^/]+/"
 FIREFOX = "Application Support/Firefox/Profiles/[^/]+/"
+SAFARIS_LIBRARY = r"(Containers/com\.apple\.Safari/Data/Library/)?"
 BY_CATEGORY = {
     ("chromium", "cache"): r"Caches/Chromium/[^/]+/.*",
     ("chromium", "history"): rf"{CHROMIUM}((History|Favicons|Top Sites|Network Action Predictor){COMPANIONS}"
@@ -22,8 +23,7 @@ BY_CATEGORY = {
     ("safari", "cache"): r"(Containers/com\.apple\.Safari/Data/Library/Caches/(com\.apple\.Safari|WebKit)"
                          r"|Caches/com\.apple\.Safari)/.*",
     ("safari", "history"): rf"Safari/History\.db{COMPANIONS}",
-    ("safari", "httpCookies"): r"(Containers/com\.apple\.Safari/Data/Library/)?Cookies/"
-                               r"Cookies\.binarycookies",
+    ("safari", "httpCookies"): rf"{SAFARIS_LIBRARY}Cookies/Cookies\.binarycookies",
     ("safari", "flashCookies"): r"Preferences/Macromedia/.*",
     ("safari", "localStorage"): r"Safari/LocalStorage/.*",
 }
@@ -34,7 +34,11 @@ BY_FORGETTING = {
                 r"|Caches/Chromium/[^/]+/(Cache|Code Cache)/.*",
     "firefox": rf"{FIREFOX}(places|cookies|formhistory|webappsstore|permissions)\.sqlite{COMPANIONS}"
                r"|Caches/Firefox/Profiles/[^/]+/cache2(/.*)?",
+    "safari": rf"Safari/(History\.db{COMPANIONS}|LocalStorage(/.*)?)|{SAFARIS_LIBRARY}Cookies/Cookies\.binarycookies"
+              rf"|{SAFARIS_LIBRARY}Caches/(com\.apple\.Safari|WebKit)(/.*)?",
 }
+# A file of nothing else; the other families have them beside what else forgetting takes.
+DECISIONS = {"safari": r"Safari/RemoteNotifications/Permissions\.plist"}
 
 
 def below_library(patterns):
@@ -47,5 +51,8 @@ def by_cleaning(browser, categories):
                           if browser in (None, name) and (not categories or category in categories)])
 
 
-def by_forgetting(browser):
-    return below_library([pattern for name, pattern in BY_FORGETTING.items() if browser in (None, name)])
+def by_forgetting(browser, words):
+    """The same of forgetting, which with these words may take what the user decided for sites."""
+    tables = (BY_FORGETTING, DECISIONS) if "--settings" in words else (BY_FORGETTING,)
+    return below_library([pattern for table in tables for name, pattern in table.items()
+                          if browser in (None, name)])

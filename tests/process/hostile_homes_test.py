@@ -71,7 +71,7 @@ class HostileHomes(unittest.TestCase):
         of_browser = ("--browser", browser, "--force") if browser else ("--force",)
         if home.random.random() < 0.4:
             words = home.random.choice(FORGETTING) + of_browser
-            self.check_change(home, words, by_forgetting(browser))
+            self.check_change(home, words, by_forgetting(browser, words))
         else:
             categories = home.random.sample(["cache", "history", "httpCookies", "formData", "localStorage"],
                                             home.random.choice((0, 1, 2)))

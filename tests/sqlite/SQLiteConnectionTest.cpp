@@ -355,5 +355,17 @@ TEST_F(SQLiteConnectionTest, anErrorWithoutAMessageHasNoDescription) {
     EXPECT_STREQ(error.what(), "");
 }
 
+TEST(SQLiteConnection, theNamesOfDatabasesWithoutAFileMakeNone) {
+    const tests::TemporaryFolder folder;
+    const fs::path before = fs::current_path();
+    fs::current_path(folder.path());
+    for (const char* name : {"", ":memory:"}) {
+        const SQLiteConnection database(name);
+        database.execute("CREATE TABLE t (x);");
+        EXPECT_TRUE(fs::is_empty(folder.path())) << name;
+    }
+    fs::current_path(before);
+}
+
 }  // namespace
 }  // namespace browsersweep

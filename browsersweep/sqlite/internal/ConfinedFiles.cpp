@@ -40,7 +40,14 @@ std::string trueName(const std::filesystem::path& file) {
 }
 
 // SQLite only hands it back: the true name could look like an address, with options of its own.
-constexpr const char* nameForSQLite = "database";
+constexpr std::string_view nameForSQLite = "database";
+
+/** The name to open a database by: its own where it is one of SQLite's for a database without a
+ * file. */
+std::string nameToOpen(const std::filesystem::path& file) {
+    const bool isWithoutFile = file.empty() || file == ":memory:";
+    return isWithoutFile ? file.string() : std::string(nameForSQLite);
+}
 
 }  // namespace
 
@@ -51,6 +58,7 @@ public:
           std::shared_ptr<OperationControl> control,
           const std::filesystem::path& folderForTemporaryDatabases)
         : system_(systemFiles()),
+          given_(nameToOpen(database)),
           database_(trueName(database)),
           index_(database_ + std::string(indexSuffix)),
           temporary_(folderForTemporaryDatabases.empty()
@@ -79,7 +87,7 @@ public:
     int openDatabase(sqlite3** database) {
         int code = SQLITE_OK;
         const int known = whileKnown(
-            [&] { code = sqlite3_open_v2(nameForSQLite, database, writeFlags, name_.c_str()); });
+            [&] { code = sqlite3_open_v2(given_.c_str(), database, writeFlags, name_.c_str()); });
         return known == SQLITE_OK ? code : known;
     }
 
@@ -230,6 +238,7 @@ private:
     }
 
     sqlite3_vfs* system_;
+    std::string given_;
     std::string database_;
     std::string index_;
     std::string temporary_;
