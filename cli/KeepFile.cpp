@@ -35,6 +35,21 @@ std::string_view trimmed(std::string_view text) noexcept {
     return text.substr(begin, text.find_last_not_of(blanks) - begin + 1);
 }
 
+bool isLink(const std::filesystem::path& path) noexcept {
+    std::error_code ignored;
+    return std::filesystem::is_symlink(std::filesystem::symlink_status(path, ignored));
+}
+
+/** Whether a line may end in a way that would make the next one a part of it, such as of a comment. */
+bool hasLoneReturns(std::string_view text) noexcept {
+    for (auto at = text.find('\r'); at != std::string_view::npos; at = text.find('\r', at + 1)) {
+        if (text.substr(at + 1, 1) != "\n") {
+            return true;
+        }
+    }
+    return false;
+}
+
 [[noreturn]] void refuse(const std::filesystem::path& file, std::string_view reason) {
     throw UsageError(
         fmt::format("the keep list {} {} (nothing was deleted; --no-config ignores it)",
@@ -131,7 +146,8 @@ std::optional<KeepRules> readKeepFile(const std::filesystem::path& home) {
     constexpr std::size_t largest = 65536;
     const auto file = home / place;
     const SmallFile found = readSmallFile(file, largest);
-    if (found.error == ENOENT || found.error == ENOTDIR) {
+    // A link that leads nowhere now, as to a disk that is away, is a list that cannot be read.
+    if (found.error == ENOENT && !isLink(file) && !isLink(file.parent_path())) {
         return std::nullopt;
     }
     if (found.error != 0) {
@@ -151,6 +167,9 @@ KeepRules parseKeepRules(std::string_view text, std::filesystem::path file) {
     rules.file = std::move(file);
     if (!isWellFormed(text) || text.find('\0') != std::string_view::npos) {
         refuse(rules.file, "is no text in UTF-8");
+    }
+    if (hasLoneReturns(text)) {
+        refuse(rules.file, "has lines that end in a carriage return alone");
     }
     if (text.starts_with(byteOrderMark)) {
         text.remove_prefix(byteOrderMark.size());

@@ -127,6 +127,7 @@ Dates parseDays(std::string_view text, Date now) {
         const Date next = startOf(dayAfter(daysOf(last, now).last, 1));
         dates.endDate = dateFrom1970Seconds(secondsSince1970(next) - microsecond);
     }
+    requireBound(dates, text);
     requireOrder(dates, text);
     return dates;
 }
@@ -136,8 +137,9 @@ Dates parseLast(std::string_view age, Date now) {
     if (!seconds) {
         throw UsageError(faultOfAge(std::string(age)));
     }
-    return {Dates::Rule::insideRange, dateFrom1970Seconds(secondsSince1970(now) - *seconds),
-            std::nullopt};
+    // As a date that is typed: one that no browser can store is refused.
+    const auto start = fmt::format("@{:.6f}", secondsSince1970(now) - *seconds);
+    return {Dates::Rule::insideRange, parseDate(start), std::nullopt};
 }
 
 std::string localText(Date date) {

@@ -1,16 +1,39 @@
 #include "cli/Unseen.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace browsersweep::cli {
+
+namespace {
+
+/**
+ * Whether what is to be kept for good would go with an item: data that is told by exclusions alone
+ * hears none of them beside another filter.
+ */
+bool takesWhatIsKept(const SweepItem& item, const Options& options) {
+    if (!options.keep || options.keep->sites.empty()) {
+        return false;
+    }
+    const auto parts = item.data->parts();
+    return std::any_of(parts.begin(), parts.end(), [](const CleanableDataPart& part) {
+        return part.sight.exclusions && !part.sight.inclusions;
+    });
+}
+
+}  // namespace
 
 Unseen::Unseen(const std::vector<SweepItem>& items, const Options& options,
                const Observer& observer)
     : isStrict_(options.strict), acted_(items), sizes_(items.size()) {
     for (SweepItem& item : acted_) {
         divisions_.push_back(divide(item.data, options.filters));
-        if (isStrict_) {
+        const bool mustStay = divisions_.back().unseen && takesWhatIsKept(item, options);
+        if (isStrict_ || mustStay) {
             item.data = divisions_.back().seen;
+        }
+        if (mustStay) {
+            divisions_.back() = {item.data, nullptr, {}, {}};
         }
     }
     measure(options, observer);
@@ -47,7 +70,10 @@ std::optional<UnseenRow> Unseen::rowOf(std::size_t index, const ItemResult& resu
         return std::nullopt;
     }
     const bool isItemItself = !isStrict_ && division.unseen == acted_[index].data;
-    return UnseenRow{division.blindTo, division.tables, isItemItself ? result.size : sizes_[index]};
+    // Where the item failed nobody knows how much of the part went.
+    const bool isKnown = isStrict_ || isSuccess(result.verdict);
+    const auto part = isKnown ? sizes_[index] : std::nullopt;
+    return UnseenRow{division.blindTo, division.tables, isItemItself ? result.size : part};
 }
 
 }  // namespace browsersweep::cli

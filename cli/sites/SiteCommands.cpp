@@ -142,8 +142,8 @@ void requireSites(const Options& options) {
 }
 
 std::optional<std::string> nameOfSite(const std::string& text) {
-    const auto site = isWellFormed(text) ? Site::ofText(text) : std::nullopt;
-    return site ? std::optional(site->name()) : std::nullopt;
+    return faultOfSite(text).empty() ? std::optional(Site::ofText(text).value().name())
+                                     : std::nullopt;
 }
 
 void readKeepList(SiteOptions& options) {

@@ -1,6 +1,7 @@
 #include "cli/sites/SiteNames.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 
 #include <fmt/format.h>
@@ -22,10 +23,23 @@ std::string_view trimmed(std::string_view text) noexcept {
     return text.substr(begin, text.find_last_not_of(blanks) - begin + 1);
 }
 
+/**
+ * Blanks, dots and marks that look like nothing or like ASCII, as they come along when a name is
+ * copied: the name would be that of no site, and nothing would be found or kept of the one meant.
+ */
+bool hasUnseenMarks(std::string_view text) noexcept {
+    constexpr std::array<std::string_view, 14> marks{
+        "\u00A0", "\u00AD", "\u2000", "\u2002", "\u2003", "\u2009", "\u200B",
+        "\u200E", "\u200F", "\u202F", "\u2060", "\u3000", "\u3002", "\uFF0E"};
+    return std::any_of(marks.begin(), marks.end(), [text](std::string_view mark) {
+        return text.find(mark) != std::string_view::npos;
+    });
+}
+
 }  // namespace
 
 std::string faultOfSite(const std::string& text) {
-    if (isWellFormed(text) && Site::ofText(text)) {
+    if (isWellFormed(text) && !hasUnseenMarks(text) && Site::ofText(text)) {
         return {};
     }
     return fmt::format("'{}' is no site; write a name such as example.com", printable(text));
