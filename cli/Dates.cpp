@@ -241,14 +241,6 @@ Date parseDate(std::string_view text) {
                     printable(text)));
 }
 
-void requireBound(const CleanableDataFilter::Dates& dates, std::string_view text) {
-    if (!dates.startDate && !dates.endDate) {
-        throw UsageError(fmt::format(
-            "the range '{}' has neither a start nor an end and would take everything; give one",
-            printable(text)));
-    }
-}
-
 void requireOrder(const CleanableDataFilter::Dates& dates, std::string_view text) {
     if (dates.startDate && dates.endDate && *dates.startDate > *dates.endDate) {
         throw UsageError(fmt::format(
@@ -270,7 +262,6 @@ CleanableDataFilter::Dates parseDateRange(CleanableDataFilter::Dates::Rule rule,
     };
     const CleanableDataFilter::Dates dates{rule, bound(text.substr(0, dots)),
                                            bound(text.substr(dots + 2))};
-    requireBound(dates, text);
     requireOrder(dates, text);
     return dates;
 }

@@ -26,9 +26,6 @@ Date dateFromNumber(double secondsSince2001, std::string_view text);
 CleanableDataFilter::Dates parseDateRange(CleanableDataFilter::Dates::Rule rule,
                                           std::string_view text);
 
-/** Refuses a range without a start and an end, such as of a script whose variables are empty. */
-void requireBound(const CleanableDataFilter::Dates& dates, std::string_view text);
-
 /** Throws a `UsageError` where both ends are given and the start is after the end. */
 void requireOrder(const CleanableDataFilter::Dates& dates, std::string_view text);
 

@@ -40,7 +40,8 @@ bool isLink(const std::filesystem::path& path) noexcept {
     return std::filesystem::is_symlink(std::filesystem::symlink_status(path, ignored));
 }
 
-/** Whether a line may end in a way that would make the next one a part of it, such as of a comment. */
+/** Whether a line may end in a way that would make the next one a part of it, such as of a comment.
+ */
 bool hasLoneReturns(std::string_view text) noexcept {
     for (auto at = text.find('\r'); at != std::string_view::npos; at = text.find('\r', at + 1)) {
         if (text.substr(at + 1, 1) != "\n") {

@@ -127,7 +127,12 @@ Dates parseDays(std::string_view text, Date now) {
         const Date next = startOf(dayAfter(daysOf(last, now).last, 1));
         dates.endDate = dateFrom1970Seconds(secondsSince1970(next) - microsecond);
     }
-    requireBound(dates, text);
+    // Such as of a script whose variables are empty.
+    if (!dates.startDate && !dates.endDate) {
+        throw UsageError(fmt::format(
+            "'{}' has neither a first day nor a last and would take everything; give one",
+            printable(text)));
+    }
     requireOrder(dates, text);
     return dates;
 }

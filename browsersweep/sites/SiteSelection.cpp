@@ -8,11 +8,9 @@ bool SiteSelection::selects(std::span<const Site> sites) const noexcept {
     if (rule_ == Rule::everything) {
         return true;
     }
-    const auto isIn = [&sites](const std::set<Site>& named) {
-        return std::any_of(sites.begin(), sites.end(),
-                           [&named](const Site& site) { return named.contains(site); });
-    };
-    return isIn(sites_) == (rule_ == Rule::only) && !isIn(kept_);
+    const bool isNamed = std::any_of(sites.begin(), sites.end(),
+                                     [this](const Site& site) { return sites_.contains(site); });
+    return isNamed == (rule_ == Rule::only);
 }
 
 }  // namespace browsersweep

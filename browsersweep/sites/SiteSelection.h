@@ -14,12 +14,8 @@ class BROWSERSWEEP_EXPORT SiteSelection {
 public:
     /** Everything, also what belongs to no site. */
     static SiteSelection everything() { return {Rule::everything, {}}; }
-    /** What belongs to one of these sites, and to none of those that are kept. */
-    static SiteSelection only(std::set<Site> sites, std::set<Site> kept = {}) {
-        SiteSelection selection{Rule::only, std::move(sites)};
-        selection.kept_ = std::move(kept);
-        return selection;
-    }
+    /** What belongs to one of these sites. */
+    static SiteSelection only(std::set<Site> sites) { return {Rule::only, std::move(sites)}; }
     /** Everything but what belongs to one of these sites. */
     static SiteSelection allBut(std::set<Site> sites) { return {Rule::allBut, std::move(sites)}; }
 
@@ -46,7 +42,6 @@ private:
 
     Rule rule_;
     std::set<Site> sites_;
-    std::set<Site> kept_;  ///< beside those that are named alone
 };
 
 }  // namespace browsersweep

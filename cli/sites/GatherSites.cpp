@@ -190,7 +190,7 @@ ForgetRequest requestOf(const SiteOptions& options) {
     ForgetRequest request;
     auto kept = sitesNamed(options.alwaysKept);
     kept.merge(sitesNamed(options.kept));
-    request.sites = !options.all   ? SiteSelection::only(sitesNamed(options.names), kept)
+    request.sites = !options.all   ? SiteSelection::only(sitesNamed(options.names))
                     : kept.empty() ? SiteSelection::everything()
                                    : SiteSelection::allBut(kept);
     request.kinds = kindsOf(options);

@@ -5,7 +5,7 @@ import subprocess
 import sys
 
 from fixture import ROOT, HostProgramTest, rows, write
-from items_test import ItemsTest
+from items_test import ItemsTest, cookie_file
 
 CHROMIUM = "--browser=chromium"
 
@@ -45,6 +45,17 @@ class Cleaning(KeepTest):
         self.assertIn(line, screen.replace("\r", ""))
         self.assertEqual(self.run_program("clean", "--yes", CHROMIUM).error, line)
 
+    def test_a_site_stays_where_data_hears_an_exclusion_only_alone(self):
+        file = self.home / "Library" / "Cookies" / "Cookies.binarycookies"
+        write(file, cookie_file())
+        self.keep("site one.example")
+        safari = ("--browser=safari", "--category=cookies")
+        found = self.document("clean", "--yes", "--last=20y", *safari)
+        self.assertEqual(found["total"]["itemCount"]["value"], 0)
+        self.assertEqual(file.read_bytes(), cookie_file())
+        self.document("clean", "--yes", "--last=20y", "--no-config", *safari)
+        self.assertFalse(file.exists() and file.read_bytes() == cookie_file())
+
     def test_no_config_ignores_it(self):
         self.keep("site one.example", "nonsense")
         found = self.document("clean", "--yes", "--no-config", CHROMIUM)
@@ -73,6 +84,20 @@ class Cleaning(KeepTest):
 
 
 class Wrong(KeepTest):
+    def test_a_link_that_leads_nowhere(self):
+        self.list.parent.mkdir(parents=True)
+        self.list.symlink_to(self.root / "away" / "keep.conf")
+        self.check("cannot be read")
+
+    def test_lines_that_end_in_a_return_alone(self):
+        write(self.list, "# mine\rsite one.example\r")
+        self.check("carriage return")
+
+    def test_a_name_with_a_blank_that_is_not_seen(self):
+        for mark in ("\u00a0", "\u200b", "\u3002"):
+            self.keep(f"site one{mark}.example")
+            self.check("is no site")
+
     def check(self, says):
         for command in (["clean", "--yes"], ["clean", "-n"]):
             self.assert_usage_error(*command, CHROMIUM,

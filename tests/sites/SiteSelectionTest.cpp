@@ -24,13 +24,6 @@ TEST(SiteSelection, ofOnlySomeIsMetByOneOfTwoSites) {
     EXPECT_FALSE(selection.selects(std::vector<Site>{}));
 }
 
-TEST(SiteSelection, ofOnlySomeIsHinderedByOneThatIsKept) {
-    const auto selection = SiteSelection::only({a}, {b});
-    EXPECT_TRUE(selection.selects(a));
-    EXPECT_FALSE(selection.selects(std::vector{b, a}));
-    EXPECT_FALSE(selection.selects(b));
-}
-
 TEST(SiteSelection, ofAllButSomeIsHinderedByOneOfTwoSites) {
     const auto selection = SiteSelection::allBut({a});
     EXPECT_FALSE(selection.selects(a));

@@ -361,7 +361,8 @@ TEST(SQLiteConnection, theNamesOfDatabasesWithoutAFileMakeNone) {
     fs::current_path(folder.path());
     for (const char* name : {"", ":memory:"}) {
         const SQLiteConnection database(name);
-        database.execute("CREATE TABLE t (x);");
+        EXPECT_EQ(database.evaluate("CREATE TABLE t AS SELECT 1 AS x;", CountEvaluator{}), 0);
+        EXPECT_EQ(database.evaluate("SELECT COUNT(*) FROM t;", CountEvaluator{}), 1);
         EXPECT_TRUE(fs::is_empty(folder.path())) << name;
     }
     fs::current_path(before);

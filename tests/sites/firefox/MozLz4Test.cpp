@@ -40,6 +40,12 @@ TEST(MozLz4, everyCorruptionIsAnErrorOrOtherContents) {
     EXPECT_THROW(decodedMozLz4(bytes(ofAnother + "x")), DecodingError);
 }
 
+TEST(MozLz4, moreThanAnySessionHoldsIsRefused) {
+    const std::string text((std::size_t{64} << 20) + 1, 'x');
+    EXPECT_THROW(decodedMozLz4(encodedMozLz4(text)), DecodingError);
+    EXPECT_EQ(decodedMozLz4(encodedMozLz4(text.substr(1))).size(), text.size() - 1);
+}
+
 TEST(MozLz4, aLengthThatTheBytesCannotHaveAsksForNoMemory) {
     std::string file = ofAnother;
     for (const char byte : {'\x7F', '\xFF'}) {

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -264,6 +265,27 @@ TEST_F(SessionStoreTest, aFileThatHoldsNothingOfASiteKeepsEveryByteOfIt) {
     const auto before = profile.folder.snapshot();
     EXPECT_EQ(store(file)->forget(only({"a.com"})), ForgetOutcome());
     EXPECT_EQ(profile.folder.snapshot(), before);
+}
+
+TEST_F(SessionStoreTest, aLinkInItsPlaceIsNotFollowed) {
+    const Bytes file = encodedMozLz4(session({window({tab({ofA})})}));
+    const fs::path outside = profile.folder.write("outside", std::string(file.begin(), file.end()));
+    const fs::path link = profile.data() / "sessionstore.jsonlz4";
+    fs::create_symlink(outside, link);
+    EXPECT_EQ(tests::hostsOf(store(link)->list({})), std::set<std::string>());
+    EXPECT_EQ(store(link)->forget(only({"a.com"})).kept.size(), 1U);
+    store(link)->forget(everything());
+    EXPECT_FALSE(fs::is_symlink(link));
+    EXPECT_EQ(tests::readFile(outside), std::string(file.begin(), file.end()));
+}
+
+TEST_F(SessionStoreTest, aStateOfManyLevelsIsNotLookedInto) {
+    const std::string more = R"(,"x":"]}\"","children":)";
+    const auto nested = [&](std::size_t depth) {
+        return session({}, more + std::string(depth, '[') + std::string(depth, ']'));
+    };
+    EXPECT_EQ(tests::inShort(store(write(nested(63)))->list({})), Lines());
+    EXPECT_EQ(tests::inShort(store(write(nested(64)))->list({})), Lines{"? openTabs 1"});
 }
 
 TEST(SessionDocument, hostsAreFoundInAddressesEscapedOrNotAndInBase64) {

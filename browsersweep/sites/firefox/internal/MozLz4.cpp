@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <limits>
 
 #include <lz4.h>
 
@@ -16,8 +15,9 @@ constexpr std::array<std::uint8_t, 8> magic{'m', 'o', 'z', 'L', 'z', '4', '0', '
 constexpr std::size_t headSize = magic.size() + sizeof(std::uint32_t);
 
 // A byte of LZ4 stands for 255 at the most: a length beyond that is a lie, and no reason to ask for
-// memory.
+// memory. No session is as large as the second bound.
 constexpr std::size_t mostOfAByte = 255;
+constexpr std::size_t longest = std::size_t{64} << 20;
 
 std::size_t lengthIn(BytesView file) noexcept {
     std::size_t length = 0;
@@ -42,15 +42,14 @@ char* asText(Bytes& bytes, std::size_t begin) noexcept {
 }  // namespace
 
 Bytes decodedMozLz4(BytesView file) {
-    constexpr std::size_t most = std::numeric_limits<int>::max();
     const auto refused = DecodingError::dataCorrupted("not a sound compressed file of Firefox");
-    if (file.size() < headSize || file.size() > most ||
+    if (file.size() < headSize || file.size() > longest ||
         !std::equal(magic.begin(), magic.end(), file.begin())) {
         throw refused;
     }
     const BytesView block = file.subspan(headSize);
     const std::size_t length = lengthIn(file);
-    if (length > std::min(most, mostOfAByte * block.size())) {
+    if (length > std::min(longest, mostOfAByte * block.size())) {
         throw refused;
     }
     Bytes contents(length);

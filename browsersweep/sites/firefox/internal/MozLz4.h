@@ -9,7 +9,7 @@ namespace browsersweep {
 /**
  * What a compressed file of Firefox holds: eight bytes "mozLz40\0", the length of the contents in
  * four bytes, the least significant first, and one block of LZ4. Throws a `DecodingError` for
- * anything else.
+ * anything else, and for more than 64 MB.
  */
 Bytes decodedMozLz4(BytesView file);
 

@@ -9,6 +9,7 @@
 #include <optional>
 #include <utility>
 
+#include "browsersweep/documents/DecodingError.h"
 #include "browsersweep/sites/internal/HostDigests.h"
 #include "browsersweep/sites/internal/SiteForm.h"
 
@@ -23,6 +24,9 @@ constexpr std::string_view blankTab = R"({"entries":[]})";
 
 // Shorter ones hold no address.
 constexpr std::size_t shortestInBase64 = 24;
+
+// What a text says behind so many bytes is what somebody wrote there, not where it is from.
+constexpr std::size_t longestText = 65536;
 
 /** A list of pages or tabs, and what goes with it. */
 struct ListRow {
@@ -87,11 +91,13 @@ bool isInBase64(std::string_view text) {
 std::string unescaped(std::string_view text) {
     constexpr std::array<std::pair<std::string_view, char>, 6> escapes{
         {{"%3A", ':'}, {"%3a", ':'}, {"%2F", '/'}, {"%2f", '/'}, {"%3F", '?'}, {"%26", ' '}}};
-    std::string result(text);
-    for (const auto& [escape, letter] : escapes) {
-        for (auto at = result.find(escape); at != std::string::npos; at = result.find(escape, at)) {
-            result.replace(at, escape.size(), 1, letter);
-        }
+    std::string result;
+    while (!text.empty()) {
+        const auto* const found =
+            std::find_if(escapes.begin(), escapes.end(),
+                         [text](const auto& each) { return text.starts_with(each.first); });
+        result += found == escapes.end() ? text.front() : found->second;
+        text.remove_prefix(found == escapes.end() ? 1 : found->first.size());
     }
     return result;
 }
@@ -160,11 +166,34 @@ TraceKind kindBelow(std::string_view key, TraceKind kind) {
     return key == "cookies" ? TraceKind::cookies : key == "storage" ? TraceKind::siteStorage : kind;
 }
 
+// Each value is read once for each that it stands in, and no state of Firefox's is half as deep.
+constexpr int deepest = 64;
+
+BytesView notTooDeep(BytesView json) {
+    int depth = 0;
+    bool isString = false;
+    for (std::size_t place = 0; place < json.size(); ++place) {
+        const std::uint8_t letter = json[place];
+        place += isString && letter == '\\' ? 1 : 0;
+        isString = isString != (letter == '"');
+        if (!isString && (letter == '{' || letter == '[') && ++depth > deepest) {
+            throw DecodingError::dataCorrupted("a session that is too deep");
+        }
+        depth -= !isString && (letter == '}' || letter == ']') ? 1 : 0;
+    }
+    return json;
+}
+
 }  // namespace
+
+SessionDocument::SessionDocument(BytesView json) : document_(notTooDeep(json)) {}
 
 Hosts hostsInSessionText(std::string_view text) {
     if (text.starts_with("data:")) {
         return {};
+    }
+    if (text.size() > longestText) {
+        text = text.substr(0, longestText);
     }
     Hosts hosts = hostsBetween(unescaped(text));
     addHosts(hostsIn(SiteForm::originAttributes, text), hosts);

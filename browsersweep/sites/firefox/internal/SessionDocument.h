@@ -20,8 +20,8 @@ public:
     using Question = std::function<bool(TraceKind kind, std::span<const std::string> hosts,
                                         std::uint64_t byteCount)>;
 
-    /** Throws a `DecodingError` for what is no document in JSON. */
-    explicit SessionDocument(BytesView json) : document_(json) {}
+    /** Throws a `DecodingError` for what is no document in JSON, and for one of many levels. */
+    explicit SessionDocument(BytesView json);
 
     /**
      * Asks about each page of a tab, each page within it, the values that a site stored for the

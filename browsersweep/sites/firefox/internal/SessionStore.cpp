@@ -20,8 +20,9 @@ namespace fs = std::filesystem;
 constexpr std::string_view named = "pages of other sites that name it in open and closed tabs";
 
 /** The state that a file holds; absent where it is none, or none that can be read. */
-std::optional<SessionDocument> documentIn(const FileManager& fileManager, const fs::path& file) {
-    if (!fileManager.fileExists(file).isFile()) {
+std::optional<SessionDocument> documentIn(const FileManager& fileManager, const fs::path& file,
+                                          const FolderEntry& entry) {
+    if (entry.kind != FolderEntry::Kind::file) {
         return std::nullopt;
     }
     try {
@@ -41,14 +42,21 @@ std::set<TraceKind> SessionStore::kinds() const {
     return {TraceKind::openTabs, TraceKind::cookies, TraceKind::siteStorage};
 }
 
-std::set<fs::path> SessionStore::files() const {
-    const FileExistence existence = fileManager_->fileExists(path_);
-    if (!existence.isDirectory) {
-        return existence.exists ? std::set{path_} : std::set<fs::path>();
-    }
-    std::set<fs::path> files;
-    for (const FolderEntry& entry : fileManager_->entries(path_)) {
-        files.insert(path_ / entry.name);
+// A link is seen as what it is: what it leads to is somebody else's.
+SessionStore::Files SessionStore::files() const {
+    Files files;
+    for (FolderEntry& entry : fileManager_->entries(path_.parent_path())) {
+        if (entry.name != path_.filename()) {
+            continue;
+        }
+        if (entry.kind != FolderEntry::Kind::folder) {
+            files.emplace(path_, std::move(entry));
+            continue;
+        }
+        for (FolderEntry& below : fileManager_->entries(path_)) {
+            fs::path file = path_ / below.name;
+            files.emplace(std::move(file), std::move(below));
+        }
     }
     return files;
 }
@@ -56,10 +64,12 @@ std::set<fs::path> SessionStore::files() const {
 TraceListing SessionStore::list(const KnownHosts& /*knownHosts*/) const {
     TraceCollector collector;
     TraceListing listing;
-    for (const fs::path& file : files()) {
-        if (auto document = documentIn(*fileManager_, file)) {
+    const auto control = fileManager_->control();
+    for (const auto& [file, entry] : files()) {
+        if (auto document = documentIn(*fileManager_, file, entry)) {
             document->prune(
                 [&](TraceKind kind, std::span<const std::string> hosts, std::uint64_t byteCount) {
+                    continueOrThrow(control.get());
                     collector.add(kind, hosts, {1, byteCount});
                     return false;
                 });
@@ -72,9 +82,9 @@ TraceListing SessionStore::list(const KnownHosts& /*knownHosts*/) const {
     return listing;
 }
 
-void SessionStore::forgetIn(const fs::path& file, const ForgetRequest& request,
-                            ForgetOutcome& outcome) const {
-    auto document = documentIn(*fileManager_, file);
+void SessionStore::forgetIn(const fs::path& file, const FolderEntry& entry,
+                            const ForgetRequest& request, ForgetOutcome& outcome) const {
+    auto document = documentIn(*fileManager_, file, entry);
     if (!document && request.takesMixedOf(TraceKind::openTabs)) {
         removeAll(*fileManager_, file);
     } else if (!document) {
@@ -84,8 +94,10 @@ void SessionStore::forgetIn(const fs::path& file, const ForgetRequest& request,
         return;
     }
     SiteMatcher matcher(request.sites);
+    const auto control = fileManager_->control();
     document->prune(
         [&](TraceKind kind, std::span<const std::string> hosts, std::uint64_t /*byteCount*/) {
+            continueOrThrow(control.get());
             return request.takes(kind) && matcher.selectsHosts(hosts);
         });
     const std::string edited = document->edited();
@@ -107,9 +119,9 @@ ForgetOutcome SessionStore::forget(const ForgetRequest& request) const {
         removeAll(*fileManager_, path_);
         return outcome;
     }
-    for (const fs::path& file : files()) {
+    for (const auto& [file, entry] : files()) {
         removeLeftBeside(*fileManager_, file);
-        forgetIn(file, request, outcome);
+        forgetIn(file, entry, request, outcome);
     }
     return outcome;
 }

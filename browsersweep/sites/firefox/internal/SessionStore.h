@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <set>
 #include <string>
@@ -28,9 +29,11 @@ public:
     ForgetOutcome forget(const ForgetRequest& request) const override;
 
 private:
-    std::set<std::filesystem::path> files() const;
-    void forgetIn(const std::filesystem::path& file, const ForgetRequest& request,
-                  ForgetOutcome& outcome) const;
+    using Files = std::map<std::filesystem::path, FolderEntry>;
+
+    Files files() const;
+    void forgetIn(const std::filesystem::path& file, const FolderEntry& entry,
+                  const ForgetRequest& request, ForgetOutcome& outcome) const;
 
     std::filesystem::path path_;
     std::string meaning_;
