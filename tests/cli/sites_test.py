@@ -69,9 +69,9 @@ class Safari(SitesTest):
                      " visit_time REAL)",
                      f"INSERT INTO history_items VALUES (1, '{site}')")
         database(self.container / "Safari" / "SafariTabs.db",
-                 "CREATE TABLE bookmarks (id INTEGER PRIMARY KEY, type INTEGER, subtype INTEGER, title TEXT,"
-                 " url TEXT, external_uuid TEXT)",
-                 f"INSERT INTO bookmarks VALUES (1, 1, 2, 'Work', NULL, '{self.WORK}')")
+                 "CREATE TABLE bookmarks (id INTEGER PRIMARY KEY, parent INTEGER, type INTEGER,"
+                 " subtype INTEGER, title TEXT, url TEXT, external_uuid TEXT)",
+                 f"INSERT INTO bookmarks VALUES (1, 0, 1, 2, 'Work', NULL, '{self.WORK}')")
 
     def profiles(self, *arguments):
         document = self.document("sites", "--browser=safari", *arguments)

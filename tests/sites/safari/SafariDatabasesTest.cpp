@@ -370,6 +370,40 @@ TEST_F(SafariRows, aTabOfAnotherSiteLosesOnlyWhereItMayGoBackTo) {
     EXPECT_EQ(filesHolding(tabs, "gone.test"), Lines{});
 }
 
+TEST_F(SafariRows, favouritesOfAGroupOfTabsAreNoTabs) {
+    tests::plant(tests::makeSafariDatabase(tabs),
+                 {"bookmarks|id=51|type=1|title='group'",
+                  "bookmarks|id=52|type=1|subtype=1|parent=51|title='favourites'",
+                  "bookmarks|id=53|type=0|parent=52|url='https://gone.test/favourite'|"
+                  "local_attributes='https://gone.test/'",
+                  "bookmarks|id=54|type=1|parent=52|title='folder'",
+                  "bookmarks|id=55|type=0|parent=54|url='https://gone.test/deeper'",
+                  "bookmarks|id=56|type=0|parent=51|url='https://gone.test/tab'"},
+                 "", 0);
+    EXPECT_EQ(tests::inShort(store(tabs)->list({})), Lines{"gone.test openTabs 1"});
+    for (const ForgetRequest& request : {tests::only({"gone.test"}), tests::everything()}) {
+        store(tabs)->forget(request);
+        EXPECT_EQ(Database(tabs).text("SELECT group_concat(id || ' ' ||"
+                                      " ifnull(local_attributes, '-'), ', ') FROM bookmarks"),
+                  "51 -, 52 -, 53 https://gone.test/, 54 -, 55 -");
+    }
+}
+
+TEST_F(SafariRows, aBookmarkOfAWholeSiteKeepsTheIconOfItsFirstPage) {
+    home_.write("Library/Safari/Bookmarks.plist",
+                "<plist><dict><key>Children</key><array><dict><key>URLString</key>"
+                "<string>https://a.test</string></dict></array></dict></plist>");
+    const fs::path icons = library() / "Safari/Favicon Cache/favicons.db";
+    tests::plant(
+        tests::makeSafariDatabase(icons),
+        {"page_url|url='https://a.test/'|uuid='U'", "icon_info|uuid='U'|url='https://a.test/i'",
+         "page_url|url='https://a.test/page'|uuid='U'"},
+        "", 0);
+    store(icons)->forget(tests::everything());
+    EXPECT_EQ(Database(icons).text("SELECT group_concat(url) FROM page_url"), "https://a.test/");
+    EXPECT_EQ(Database(icons).number("SELECT COUNT(*) FROM icon_info"), 1);
+}
+
 TEST_F(SafariRows, aPageThatIsKeptKeepsItsIconOfAnotherSite) {
     const fs::path icons = library() / "Safari/Favicon Cache/favicons.db";
     tests::plant(tests::makeSafariDatabase(icons),

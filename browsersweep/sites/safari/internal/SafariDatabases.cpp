@@ -1,6 +1,8 @@
 #include "browsersweep/sites/safari/internal/SafariDatabases.h"
 
 #include <array>
+#include <string>
+#include <string_view>
 #include <utility>
 
 #include "browsersweep/profiles/safari/SafariBookmarks.h"
@@ -64,8 +66,12 @@ constexpr std::array suggestionTables{
 };
 
 // A tab has an address; a group of tabs, and a profile, is a folder without one. A tab of another
-// site stays, without the list of pages to go back to where that names a site that goes.
-constexpr std::string_view isTab = "type IS NOT 1 AND url IS NOT NULL";
+// site stays, without the list of pages to go back to where that names a site that goes. What lies
+// in a group's folder of favourites (subtype 1) was put there by the user, and is no tab.
+constexpr std::string_view isTab =
+    "type IS NOT 1 AND url IS NOT NULL AND id NOT IN (WITH RECURSIVE held(folder) AS ("
+    "SELECT id FROM bookmarks WHERE type IS 1 AND subtype IS 1"
+    " UNION SELECT bookmarks.id FROM bookmarks, held WHERE parent = folder) SELECT folder FROM held)";
 constexpr std::array pagesBefore{ColumnReset{"local_attributes", "NULL"}};
 constexpr std::array archives{ColumnReset{"restoration_archive", "NULL"}};
 
@@ -158,6 +164,15 @@ constexpr std::array sharedDatabases{
 };
 // clang-format on
 
+/** Whether nothing stands behind the host and the port: icons then have the address with a slash.
+ */
+bool isWithoutPath(std::string_view address) {
+    constexpr std::string_view separator = "://";
+    const auto scheme = address.find(separator);
+    return scheme != std::string_view::npos &&
+           address.find_first_of("/?#", scheme + separator.size()) == std::string_view::npos;
+}
+
 // An icon that was kept too much is better than bookmarks without icons, so an error of reading
 // them is passed on: nothing goes then.
 ProtectedAddresses bookmarked(const std::filesystem::path& file, const FileManager& fileManager) {
@@ -169,6 +184,9 @@ ProtectedAddresses bookmarked(const std::filesystem::path& file, const FileManag
          SafariBookmarks::decode(fileManager.contents(file)).bookmarks()) {
         const std::string& address = bookmark.url.absoluteString();
         addresses.insert(address);
+        if (isWithoutPath(address)) {
+            addresses.insert(address + '/');
+        }
         addresses.insert(hostOfAddress(address));
     }
     return addresses;
