@@ -116,6 +116,18 @@ TEST_F(WebKitServiceWorkers, ofAnOlderDatabaseBesideTheNewOneGoToo) {
     EXPECT_EQ(tests::Database(older).number("SELECT COUNT(*) FROM Records"), 0);
 }
 
+TEST_F(WebKitServiceWorkers, areNoneInADatabaseWithoutTheirTable) {
+    const auto folder = home.container() / "Caches/WebKit/ServiceWorkers";
+    tests::Database(folder / "ServiceWorkerRegistrations-9.sqlite3")
+        .execute("CREATE TABLE Other(key TEXT)");
+    tests::Database(folder / "ServiceWorkerRegistrations-10.sqlite3")
+        .execute("CREATE TABLE Records(key TEXT)");
+    EXPECT_EQ(home.store(root)->forget(only({"a.test", "c.test"})).kept, std::vector<KeptTrace>());
+    Lines left{ofB, "lost/lost"};
+    std::sort(left.begin(), left.end());
+    EXPECT_EQ(scriptsLeft(), left);
+}
+
 TEST_F(WebKitServiceWorkers, ofAnotherKindAreLeft) {
     ForgetRequest cookies = everything();
     cookies.kinds = {TraceKind::cookies};

@@ -16,6 +16,7 @@
 #include "browsersweep/sites/internal/SiteForm.h"
 #include "browsersweep/sites/internal/SiteMatcher.h"
 #include "browsersweep/sites/internal/StoreFiles.h"
+#include "browsersweep/sites/internal/TableCatalogue.h"
 #include "browsersweep/sqlite/SQLiteError.h"
 #include "browsersweep/sqlite/internal/DatabaseSnapshot.h"
 
@@ -61,6 +62,13 @@ std::string originOf(std::string_view identifier) {
 /** Older versions stored the whole address of the scope. */
 std::string scopeOf(std::string_view origin, std::string_view scope) {
     return scope.starts_with('/') ? std::string(origin).append(scope) : std::string(scope);
+}
+
+/** Whether the database has what their scripts are found by: an empty or another one has not. */
+bool hasWorkers(sqlite3* database, OperationControl* control) {
+    const TableColumns columns = columnsIn(database, tables.front(), control);
+    return columns.own.contains("origin") && columns.own.contains("topOrigin") &&
+           columns.own.contains("scopeURL");
 }
 
 void add(TraceListing& listing, const TraceListing& more) {
@@ -122,6 +130,9 @@ std::vector<ServiceWorkerStore::Worker> ServiceWorkerStore::workersIn(
     std::vector<Worker> workers;
     const auto read = [&](const SQLiteConnection& connection) {
         workers.clear();
+        if (!hasWorkers(connection.dbPointer(), fileManager_->control().get())) {
+            return;
+        }
         DatabaseQuery query(connection.dbPointer(),
                             "SELECT origin, topOrigin, scopeURL FROM Records",
                             fileManager_->control().get());
