@@ -137,6 +137,10 @@ TEST_F(WebKitCache, whatCannotBeReadGoesWhereItNamesTheSite) {
 
 TEST_F(WebKitCache, aPartWithoutItsRecordGoesWithAnySite) {
     writeRecord("Resource/L-blob", "of a record that is gone");
+    const TraceListing listing = home.store(root)->list({});
+    ASSERT_EQ(listing.notBySite.size(), 1U);
+    EXPECT_TRUE(listing.notBySite[0].goesAlong);
+    EXPECT_EQ(listing.notBySite[0].size.itemCount, CleanableDataSize::Measurement(1));
     home.store(root)->forget(only({"b.test"}));
     EXPECT_FALSE(std::filesystem::exists(
         home.container() / "Caches/WebKit/NetworkCache/Version 17/Records/P/Resource/L-blob"));

@@ -27,6 +27,10 @@ constexpr std::string_view unreadable =
     "cached files in a format that cannot be read: any site may have loaded them; without them "
     "pages load more slowly once";
 
+constexpr std::string_view wasteMeaning =
+    "contents of cached files whose records are gone: they go with any site, and nothing needs "
+    "them";
+
 constexpr std::string_view blobEnding = "-blob";
 
 /** The names of the files that a going record has, and which contents those that stay have. */
@@ -88,18 +92,26 @@ void WebKitCacheStore::visitFolder(const fs::path& folder, const Visit& visit) c
 TraceListing WebKitCacheStore::list(const KnownHosts& /*knownHosts*/) const {
     TraceCollector collector;
     CleanableDataSize unread;
+    CleanableDataSize waste;
     const auto add = [&](const Entry& entry) {
         const CleanableDataSize size{1, entry.file.size + (entry.blob ? entry.blob->size : 0)};
         if (entry.record) {
             collector.add(TraceKind::cachedFiles, entry.record->hosts(), size, entry.file.modified);
         }
-        unread = entry.record ? unread : unread + size;
+        if (!entry.record) {
+            CleanableDataSize& unknown = entry.isWaste ? waste : unread;
+            unknown = unknown + size;
+        }
     };
     visitVersions([&](const fs::path& version) { visitEntries(version, add); });
     TraceListing listing{collector.traces(), {}};
     if (unread.itemCount.value > 0) {
         listing.notBySite.push_back(
             {TraceKind::cachedFiles, folder_, unread, std::string(unreadable)});
+    }
+    if (waste.itemCount.value > 0) {
+        listing.notBySite.push_back(
+            {TraceKind::cachedFiles, folder_, waste, std::string(wasteMeaning), true});
     }
     return listing;
 }
