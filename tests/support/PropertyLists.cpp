@@ -19,6 +19,18 @@ PropertyList dictionary(PropertyList::Dictionary entries) {
     return PropertyList::dictionary(std::move(entries));
 }
 
+PropertyList manyInEachOther(PropertyList value) {
+    constexpr int depth = 6;
+    constexpr std::size_t count = 64;
+    // Some length, so that the end is reached soon.
+    PropertyList next = PropertyList::array({std::move(value), text(std::string(65536, 'x'))});
+    for (int level = 0; level < depth; ++level) {
+        const PropertyList data = PropertyList::data(next.binaryData());
+        next = PropertyList::array(PropertyList::Array(count, data));
+    }
+    return next;
+}
+
 void expectCorrupted(BytesView bytes) {
     try {
         PropertyList::parse(bytes);

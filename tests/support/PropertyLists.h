@@ -13,6 +13,12 @@ PropertyList text(std::string value);
 /** A value of the kind dictionary. */
 PropertyList dictionary(PropertyList::Dictionary entries);
 
+/**
+ * Property lists in data within each other, to a depth that is read, each of which holds the next
+ * one many times, and the innermost the value: short, but without end for those who read them all.
+ */
+PropertyList manyInEachOther(PropertyList value);
+
 /** Expects that reading the bytes fails with `dataCorrupted` and says why. */
 void expectCorrupted(BytesView bytes);
 

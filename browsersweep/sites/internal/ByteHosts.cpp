@@ -16,8 +16,6 @@ using Hosts = std::vector<std::string>;
 /** Property lists within property lists: real ones have one or two. */
 constexpr int maximumDepth = 8;
 
-void addBytes(std::string_view bytes, int depth, Hosts& hosts);
-
 char inSmall(char letter) noexcept {
     return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
@@ -88,30 +86,6 @@ void addScanned(std::string_view bytes, Hosts& hosts) {
     }
 }
 
-void addText(std::string_view text, Hosts& hosts) {
-    if (std::string host = hostOfAddress(text); !host.empty()) {
-        hosts.push_back(std::move(host));
-    }
-}
-
-// Recursive: a property list cannot be deeper than its limit.
-void addValue(const PropertyList& value, int depth, Hosts& hosts) {
-    if (const std::string* const text = value.asString()) {
-        addText(*text, hosts);
-    } else if (const Bytes* const data = value.asData()) {
-        addBytes(textOf(*data), depth + 1, hosts);
-    } else if (const PropertyList::Array* const values = value.asArray()) {
-        for (const PropertyList& each : *values) {
-            addValue(each, depth, hosts);
-        }
-    } else if (const PropertyList::Dictionary* const entries = value.asDictionary()) {
-        for (const PropertyList::Entry& entry : *entries) {
-            addText(entry.key, hosts);
-            addValue(entry.value, depth, hosts);
-        }
-    }
-}
-
 std::optional<PropertyList> propertyListIn(std::string_view bytes) {
     const auto place = placeOfPropertyList(bytes);
     if (!place) {
@@ -125,20 +99,58 @@ std::optional<PropertyList> propertyListIn(std::string_view bytes) {
     }
 }
 
-void addBytes(std::string_view bytes, int depth, Hosts& hosts) {
-    const auto value = depth < maximumDepth ? propertyListIn(bytes) : std::nullopt;
-    if (value) {
-        addValue(*value, depth, hosts);
-    } else {
-        addScanned(bytes, hosts);
-    }
-}
+/** Collects hosts at any depth. */
+class HostReader {
+public:
+    explicit HostReader(NestingBudget& budget) : budget_(budget) {}
 
-Hosts withoutDoubles(Hosts hosts) {
-    std::sort(hosts.begin(), hosts.end());
-    hosts.erase(std::unique(hosts.begin(), hosts.end()), hosts.end());
-    return hosts;
-}
+    void addBytes(std::string_view bytes, int depth) {
+        const auto value = depth < maximumDepth ? propertyListIn(bytes) : std::nullopt;
+        if (value) {
+            addValue(*value, depth);
+        } else {
+            addScanned(bytes, hosts_);
+        }
+    }
+
+    // Recursive: a property list cannot be deeper than its limit.
+    void addValue(const PropertyList& value, int depth) {
+        budget_.take(1);
+        if (const std::string* const text = value.asString()) {
+            addText(*text);
+        } else if (const Bytes* const data = value.asData()) {
+            budget_.take(data->size());
+            addBytes(textOf(*data), depth + 1);
+        } else if (const PropertyList::Array* const values = value.asArray()) {
+            for (const PropertyList& each : *values) {
+                addValue(each, depth);
+            }
+        } else if (const PropertyList::Dictionary* const entries = value.asDictionary()) {
+            for (const PropertyList::Entry& entry : *entries) {
+                addText(entry.key);
+                addValue(entry.value, depth);
+            }
+        }
+    }
+
+    /** Each host once, in their order. */
+    Hosts hosts() && {
+        std::sort(hosts_.begin(), hosts_.end());
+        hosts_.erase(std::unique(hosts_.begin(), hosts_.end()), hosts_.end());
+        return std::move(hosts_);
+    }
+
+private:
+    void addText(std::string_view text) {
+        budget_.take(text.size());
+        if (std::string host = hostOfAddress(text); !host.empty()) {
+            hosts_.push_back(std::move(host));
+        }
+    }
+
+    NestingBudget& budget_;
+    Hosts hosts_;
+};
 
 }  // namespace
 
@@ -152,15 +164,21 @@ std::optional<std::size_t> placeOfPropertyList(std::string_view bytes) noexcept 
 }
 
 std::vector<std::string> hostsInBytes(std::string_view bytes) {
-    Hosts hosts;
-    addBytes(bytes, 0, hosts);
-    return withoutDoubles(std::move(hosts));
+    NestingBudget budget(NestingBudget::ofValue);
+    HostReader reader(budget);
+    reader.addBytes(bytes, 0);
+    return std::move(reader).hosts();
 }
 
 std::vector<std::string> hostsInValue(const PropertyList& value) {
-    Hosts hosts;
-    addValue(value, 0, hosts);
-    return withoutDoubles(std::move(hosts));
+    NestingBudget budget(NestingBudget::ofValue);
+    return hostsInValue(value, budget);
+}
+
+std::vector<std::string> hostsInValue(const PropertyList& value, NestingBudget& budget) {
+    HostReader reader(budget);
+    reader.addValue(value, 0);
+    return std::move(reader).hosts();
 }
 
 }  // namespace browsersweep

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <exception>
+#include <new>
 #include <span>
 #include <string>
 #include <utility>
@@ -26,16 +27,26 @@ std::string_view textOf(sqlite3_value* value) noexcept {
                             : std::string_view(static_cast<const char*>(bytes), count);
 }
 
-/** Answers with true or false, and with SQLite's error where memory runs out. */
+/** Answers, or with an error of SQLite: that memory ran out, or what else was wrong. */
+template <typename Make>
+void answerOrFail(sqlite3_context* context, Make make) {
+    try {
+        make();
+    } catch (const std::bad_alloc&) {
+        sqlite3_result_error_nomem(context);
+    } catch (const std::exception& error) {
+        sqlite3_result_error(context, error.what(), -1);
+    }
+}
+
+/** Answers with true or false. */
 template <typename Answer>
 void answer(sqlite3_context* context, int count, sqlite3_value** values, Answer ask) {
-    try {
+    answerOrFail(context, [&] {
         auto& functions = *static_cast<SiteFunctions*>(sqlite3_user_data(context));
         const bool yes = ask(functions, Values(values, static_cast<std::size_t>(count)));
         sqlite3_result_int(context, yes ? 1 : 0);
-    } catch (const std::exception&) {
-        sqlite3_result_error_nomem(context);
-    }
+    });
 }
 
 void namesSite(sqlite3_context* context, int count, sqlite3_value** values) {
@@ -57,13 +68,11 @@ void isProtectedAddress(sqlite3_context* context, int count, sqlite3_value** val
 }
 
 void md5OfText(sqlite3_context* context, int count, sqlite3_value** values) {
-    try {
+    answerOrFail(context, [&] {
         const Values given(values, static_cast<std::size_t>(count));
         const std::string digest = md5OfHost(std::string(textOf(given.front())));
         sqlite3_result_text(context, digest.c_str(), -1, SQLITE_TRANSIENT);
-    } catch (const std::exception&) {
-        sqlite3_result_error_nomem(context);
-    }
+    });
 }
 
 struct KnownFunction {

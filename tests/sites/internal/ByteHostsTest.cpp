@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "browsersweep/documents/DecodingError.h"
 #include "browsersweep/sites/internal/ByteHosts.h"
 
 #include "tests/support/PropertyLists.h"
@@ -71,6 +72,12 @@ TEST(ByteHosts, propertyListsWithinPropertyListsEnd) {
         value = PropertyList::data(bytesOf(binary(value)));
     }
     EXPECT_EQ(hostsInValue(value), Hosts{"deep.test"});
+}
+
+TEST(ByteHosts, ofPropertyListsThatAddUpToTooMuchAreAnError) {
+    const PropertyList value = tests::manyInEachOther(text("https://a.test/"));
+    EXPECT_THROW(hostsInValue(value), DecodingError);
+    EXPECT_THROW(hostsInBytes(binary(value)), DecodingError);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "browsersweep/documents/DecodingError.h"
 #include "browsersweep/documents/propertylist/PropertyList.h"
 #include "browsersweep/sites/safari/internal/TabListStore.h"
 
@@ -102,6 +103,48 @@ TEST_F(TabLists, loseTheTabsOfASiteAndWindowsThatHaveNoOther) {
               only({"a.test"})),
         session({kept}));
     EXPECT_EQ(after(session({window({tab("https://a.test/")}, 0)}), only({"a.test"})), session({}));
+}
+
+TEST_F(TabLists, aWindowStaysWithTheLastTabInAnyOfItsMembers) {
+    const auto withClosed = [](PropertyList::Array open, PropertyList::Array closedTabs) {
+        return dictionary({{"SelectedTabIndex", PropertyList::integer(0)},
+                           {"TabStates", PropertyList::array(std::move(open))},
+                           {"ClosedTabStates", PropertyList::array(std::move(closedTabs))}});
+    };
+    EXPECT_EQ(after(session({withClosed({tab("https://a.test/")}, {tab("https://b.test/")})}),
+                    only({"a.test"})),
+              session({withClosed({}, {tab("https://b.test/")})}));
+    EXPECT_EQ(after(session({withClosed({tab("https://a.test/")}, {tab("https://a.test/2")})}),
+                    only({"a.test"})),
+              session({}));
+}
+
+TEST_F(TabLists, ofKeptSitesStayWhereNotesBesideThemGo) {
+    const PropertyList kept = session({window({tab("https://b.test/")}, 0)});
+    PropertyList::Dictionary members =
+        *session({window({tab("https://a.test/"), tab("https://b.test/")}, 1)}).asDictionary();
+    members.push_back({"Odd", text("https://a.test/")});
+    const PropertyList all = dictionary(std::move(members));
+    EXPECT_EQ(after(all, allBut({"b.test"})), kept);
+    EXPECT_EQ(after(all, allBut({"c.test"})), std::nullopt);
+}
+
+TEST_F(TabLists, ofWindowsWithinWindowsAreReadOnce) {
+    PropertyList inner = window({tab("https://a.test/"), tab("https://b.test/")}, 1);
+    PropertyList left = window({tab("https://b.test/")}, 0);
+    for (int depth = 0; depth < 100; ++depth) {
+        inner = window({inner}, 0);
+        left = window({left}, 0);
+    }
+    EXPECT_EQ(after(session({inner}), only({"a.test"})), session({left}));
+}
+
+TEST_F(TabLists, thatAddUpToTooMuchAreAnError) {
+    const PropertyList list = tests::manyInEachOther(tab("https://a.test/"));
+    const auto file = home.write(place, binary(list));
+    EXPECT_THROW(home.store(place)->list({}), DecodingError);
+    EXPECT_THROW(home.store(place)->forget(only({"a.test"})), DecodingError);
+    EXPECT_EQ(tests::readFile(file), binary(list));
 }
 
 TEST_F(TabLists, aTabOfAnotherSiteLosesOnlyThePagesBefore) {

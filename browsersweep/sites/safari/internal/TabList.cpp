@@ -9,6 +9,7 @@
 
 #include "browsersweep/documents/DecodingError.h"
 #include "browsersweep/sites/internal/ByteHosts.h"
+#include "browsersweep/sites/internal/NestingBudget.h"
 #include "browsersweep/sites/internal/SiteForm.h"
 #include "browsersweep/sites/internal/StoreFiles.h"
 
@@ -60,9 +61,9 @@ std::optional<PropertyList> propertyListIn(const Bytes& data) {
     }
 }
 
-ListedTab listed(const PropertyList& tab) {
+ListedTab listed(const PropertyList& tab, NestingBudget& budget) {
     ListedTab result{ownHosts(tab), {}, lastUse(tab), tab.binaryData().size()};
-    for (std::string& host : hostsInValue(tab)) {
+    for (std::string& host : hostsInValue(tab, budget)) {
         if (std::find(result.hosts.begin(), result.hosts.end(), host) == result.hosts.end()) {
             result.earlier.push_back(std::move(host));
         }
@@ -70,20 +71,23 @@ ListedTab listed(const PropertyList& tab) {
     return result;
 }
 
-void addTabs(const PropertyList& value, int depth, std::vector<ListedTab>& tabs) {
+void addTabs(const PropertyList& value, int depth, NestingBudget& budget,
+             std::vector<ListedTab>& tabs) {
+    budget.take(1);
     if (isTab(value)) {
-        tabs.push_back(listed(value));
+        tabs.push_back(listed(value, budget));
     } else if (const auto* const values = value.asArray()) {
         for (const PropertyList& each : *values) {
-            addTabs(each, depth, tabs);
+            addTabs(each, depth, budget, tabs);
         }
     } else if (const auto* const members = value.asDictionary()) {
         for (const PropertyList::Entry& member : *members) {
-            addTabs(member.value, depth, tabs);
+            addTabs(member.value, depth, budget, tabs);
         }
     } else if (const auto* const data = value.asData(); data != nullptr && depth < maximumDepth) {
+        budget.take(data->size());
         if (const auto inner = propertyListIn(*data)) {
-            addTabs(*inner, depth + 1, tabs);
+            addTabs(*inner, depth + 1, budget, tabs);
         }
     }
 }
@@ -95,11 +99,12 @@ public:
 
     /** Nothing where the value goes with the tabs in it. */
     std::optional<PropertyList> edited(const PropertyList& value, int depth) {
+        budget_.take(1);
         if (isTab(value)) {
             return editedTab(value);
         }
         if (value.asArray() != nullptr) {
-            return editedArray(value, depth);
+            return editedArray(value, depth).left;
         }
         if (value.asDictionary() != nullptr) {
             return editedDictionary(value, depth, false);
@@ -115,72 +120,100 @@ public:
     }
 
 private:
+    /** What is left of an array, and which of its elements stay in it. */
+    struct EditedArray {
+        std::optional<PropertyList> left;
+        std::vector<bool> stay;
+    };
+
     std::optional<PropertyList> editedTab(const PropertyList& tab) {
         if (matcher_.selectsHosts(ownHosts(tab))) {
             return std::nullopt;
         }
+        ++tabsLeft_;
         if (!matcher_.selection().isOnly()) {
             return tab;
         }
         PropertyList::Dictionary left = *tab.asDictionary();
         const auto count = left.size();
         std::erase_if(left, [this](const PropertyList::Entry& member) {
-            return member.key != addressKey && matcher_.selectsHosts(hostsInValue(member.value));
+            return member.key != addressKey &&
+                   matcher_.selectsHosts(hostsInValue(member.value, budget_));
         });
         return left.size() == count ? tab : PropertyList::dictionary(std::move(left));
     }
 
     /** With the last of its tabs it goes itself. */
-    std::optional<PropertyList> editedArray(const PropertyList& value, int depth) {
+    EditedArray editedArray(const PropertyList& value, int depth) {
         PropertyList::Array left;
+        std::vector<bool> stay;
         bool isChanged = false;
         for (const PropertyList& each : *value.asArray()) {
             auto element = edited(each, depth);
             isChanged = isChanged || !element || !(*element == each);
+            stay.push_back(element.has_value());
             if (element) {
                 left.push_back(std::move(*element));
             }
         }
         if (!isChanged) {
-            return value;
+            return {value, std::move(stay)};
         }
-        return left.empty() ? std::nullopt : std::optional(PropertyList::array(std::move(left)));
+        if (left.empty()) {
+            return {std::nullopt, std::move(stay)};
+        }
+        return {PropertyList::array(std::move(left)), std::move(stay)};
     }
 
+    /** With the last of the tabs in it, it goes itself; the root stays. */
     std::optional<PropertyList> editedDictionary(const PropertyList& value, int depth,
                                                  bool isRoot) {
-        PropertyList::Dictionary left = *value.asDictionary();
-        bool isChanged = false;
-        for (PropertyList::Entry& member : left) {
-            auto element = edited(member.value, depth);
-            if (!element && !isRoot) {
-                return std::nullopt;
-            }
-            if (!element || !(*element == member.value)) {
-                isChanged = true;
-                member.value = element.value_or(PropertyList::array({}));
+        PropertyList::Dictionary left;
+        std::vector<bool> tabsThatStay;
+        const std::size_t tabsBefore = tabsLeft_;
+        bool isAnyGone = false;
+        for (const PropertyList::Entry& member : *value.asDictionary()) {
+            auto element = editedMember(member, depth, tabsThatStay);
+            isAnyGone = isAnyGone || !element;
+            if (element) {
+                left.push_back({member.key, std::move(*element)});
+            } else if (member.value.asArray() != nullptr) {
+                left.push_back({member.key, PropertyList::array({})});
             }
         }
-        if (!isChanged) {
+        if (isAnyGone && !isRoot && tabsLeft_ == tabsBefore) {
+            return std::nullopt;
+        }
+        if (left == *value.asDictionary()) {
             return value;
         }
-        correctSelection(value, left);
+        correctSelection(value, tabsThatStay, left);
         return PropertyList::dictionary(std::move(left));
     }
 
+    /** Notes which tabs stay, where it is the tabs of a window. */
+    std::optional<PropertyList> editedMember(const PropertyList::Entry& member, int depth,
+                                             std::vector<bool>& tabsThatStay) {
+        if (member.key != tabsKey || member.value.asArray() == nullptr) {
+            return edited(member.value, depth);
+        }
+        EditedArray tabs = editedArray(member.value, depth);
+        tabsThatStay = std::move(tabs.stay);
+        return std::move(tabs.left);
+    }
+
     /** The number of the tab that a window shows counts those before it. */
-    void correctSelection(const PropertyList& window, PropertyList::Dictionary& left) {
-        const PropertyList* const tabs = window.find(tabsKey);
+    static void correctSelection(const PropertyList& window, const std::vector<bool>& tabsThatStay,
+                                 PropertyList::Dictionary& left) {
         const PropertyList* const selected = window.find(selectedKey);
         const auto index = selected == nullptr ? std::nullopt : selected->asInteger();
-        if (tabs == nullptr || tabs->asArray() == nullptr || !index || *index < 0) {
+        if (tabsThatStay.empty() || !index || *index < 0) {
             return;
         }
         std::int64_t place = 0;
         std::int64_t corrected = 0;
         std::int64_t count = 0;
-        for (const PropertyList& tab : *tabs->asArray()) {
-            const bool stays = edited(tab, 0).has_value();
+        for (const bool stays : tabsThatStay) {
             corrected += stays && place < *index ? 1 : 0;
             count += stays ? 1 : 0;
             ++place;
@@ -194,6 +227,7 @@ private:
     }
 
     std::optional<PropertyList> editedData(const PropertyList& value, int depth) {
+        budget_.take(value.asData()->size());
         const auto inner = propertyListIn(*value.asData());
         if (!inner) {
             return value;
@@ -206,13 +240,16 @@ private:
     }
 
     SiteMatcher& matcher_;
+    NestingBudget budget_{NestingBudget::ofFile};
+    std::size_t tabsLeft_ = 0;
 };
 
 }  // namespace
 
 std::vector<ListedTab> tabsIn(const PropertyList& root) {
     std::vector<ListedTab> tabs;
-    addTabs(root, 0, tabs);
+    NestingBudget budget(NestingBudget::ofFile);
+    addTabs(root, 0, budget, tabs);
     return tabs;
 }
 

@@ -19,13 +19,16 @@ struct ListedTab {
     std::size_t bytes = 0;  ///< about what it takes
 };
 
-/** The tabs in a property list, at any depth, also in property lists within it. */
+/**
+ * The tabs in a property list, at any depth, also in property lists within it. Throws a
+ * `DecodingError` where those add up to too much.
+ */
 std::vector<ListedTab> tabsIn(const PropertyList& root);
 
 /**
  * The list without the tabs that are selected, and without the windows that have no other; a tab
  * of another site stays, but loses the list of pages to go back to where that names a selected
- * one.
+ * one. Throws as `tabsIn` does.
  */
 PropertyList withoutTabs(const PropertyList& root, SiteMatcher& matcher);
 

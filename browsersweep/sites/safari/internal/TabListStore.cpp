@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "browsersweep/documents/propertylist/PropertyList.h"
 #include "browsersweep/sites/internal/ByteHosts.h"
@@ -27,6 +28,18 @@ CleanableDataSize approximately(std::size_t bytes) {
 bool namesElsewhere(const PropertyList& root) {
     SiteMatcher all(SiteSelection::everything());
     return !hostsInValue(withoutTabs(root, all)).empty();
+}
+
+/** Without the members that name sites and hold no tab. */
+PropertyList withoutNotesBeside(const PropertyList& root) {
+    if (root.asDictionary() == nullptr) {
+        return root;
+    }
+    PropertyList::Dictionary left = *root.asDictionary();
+    std::erase_if(left, [](const PropertyList::Entry& member) {
+        return tabsIn(member.value).empty() && namesElsewhere(member.value);
+    });
+    return PropertyList::dictionary(std::move(left));
 }
 
 }  // namespace
@@ -73,16 +86,19 @@ ForgetOutcome TabListStore::forget(const ForgetRequest& request) const {
         return {};
     }
     const PropertyList root = PropertyList::parse(*contents);
-    if (namesElsewhere(root) && request.takesMixedOf(TraceKind::openTabs)) {
-        removeAll(*fileManager_, file_);
-        return {};
-    }
     SiteMatcher matcher(request.sites);
-    const PropertyList left = withoutTabs(root, matcher);
+    PropertyList left = withoutTabs(root, matcher);
+    if (namesElsewhere(root) && request.takesMixedOf(TraceKind::openTabs)) {
+        if (request.sites.isOnly() || tabsIn(left).empty()) {
+            removeAll(*fileManager_, file_);
+            return {};
+        }
+        left = withoutNotesBeside(left);  // the tabs of the sites that are kept stay
+    }
     if (!(left == root)) {
         fileManager_->replace(file_, left.dataLike(*contents));
     }
-    if (namesElsewhere(root)) {
+    if (namesElsewhere(left)) {
         return {{{TraceKind::openTabs, file_, std::string(elsewhere)}}, true};
     }
     return {};
