@@ -65,25 +65,38 @@ void addWhatMacOSTells(struct stat& status, const timespec& birth) {
     status.st_birthtimespec = birth;
 }
 
-/** Makes the clone's contents; the caller has made sure that there is a place for it. */
+/** Writes as much as one piece of a clone has, at its place. */
+bool writePiece(int target, const std::vector<char>& buffer, std::size_t count, off_t place) {
+    for (std::size_t written = 0; written < count;) {
+        const ssize_t more = ::pwrite(target, &buffer[written], count - written,
+                                      place + static_cast<off_t>(written));
+        if (more < 0) {
+            return false;
+        }
+        written += static_cast<std::size_t>(more);
+    }
+    return true;
+}
+
+/**
+ * Makes the clone's contents; the caller has made sure that there is a place for it. A clone takes
+ * no room, and the pieces of it that would be none in a file with holes take none here.
+ */
 int copyContents(int source, int target) {
     std::vector<char> buffer(std::size_t{1} << 16);
-    off_t position = 0;
-    for (;;) {
-        const ssize_t count = ::pread(source, buffer.data(), buffer.size(), position);
-        if (count <= 0) {
-            return static_cast<int>(count);
+    off_t place = 0;
+    while ((place = ::lseek(source, place, SEEK_DATA)) >= 0) {
+        const ssize_t count = ::pread(source, buffer.data(), buffer.size(), place);
+        if (count == 0) {
+            break;  // it was cut short meanwhile
         }
-        for (ssize_t written = 0; written < count;) {
-            const ssize_t more = ::write(target, &buffer[static_cast<std::size_t>(written)],
-                                         static_cast<std::size_t>(count - written));
-            if (more < 0) {
-                return -1;
-            }
-            written += more;
+        if (count < 0 || !writePiece(target, buffer, static_cast<std::size_t>(count), place)) {
+            return -1;
         }
-        position += count;
+        place += count;
     }
+    struct stat status = {};
+    return ::fstat(source, &status) == 0 ? ::ftruncate(target, status.st_size) : -1;
 }
 
 }  // namespace
