@@ -8,6 +8,7 @@
 #include <set>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -15,11 +16,13 @@
 #include "browsersweep/documents/DecodingError.h"
 #include "browsersweep/profiles/safari/SafariProfile.h"
 #include "browsersweep/sites/safari/internal/SafariDatabases.h"
+#include "browsersweep/sqlite/SQLiteError.h"
 
 #include "tests/support/Database.h"
 #include "tests/support/DatabaseContents.h"
 #include "tests/support/GuardedFileManager.h"
 #include "tests/support/PlantedRows.h"
+#include "tests/support/PropertyLists.h"
 #include "tests/support/SafariSchemas.h"
 #include "tests/support/SiteStores.h"
 #include "tests/support/TemporaryFolder.h"
@@ -387,6 +390,24 @@ TEST_F(SafariRows, favouritesOfAGroupOfTabsAreNoTabs) {
                                       " ifnull(local_attributes, '-'), ', ') FROM bookmarks"),
                   "51 -, 52 -, 53 https://gone.test/, 54 -, 55 -");
     }
+}
+
+TEST_F(SafariRows, aValueThatAddsUpToTooMuchIsAnErrorThatSaysSo) {
+    const Bytes bytes = tests::manyInEachOther(tests::text("https://gone.test/")).binaryData();
+    std::string digits;
+    for (const auto byte : bytes) {
+        constexpr std::string_view hexadecimal = "0123456789ABCDEF";
+        digits += {hexadecimal[byte / 16U], hexadecimal[byte % 16U]};
+    }
+    tests::makeSafariDatabase(tabs).execute("INSERT INTO session_state(uuid, data) VALUES('S', x'" +
+                                            digits + "')");
+    try {
+        store(tabs)->forget(tests::only({"gone.test"}));
+        FAIL();
+    } catch (const SQLiteError& error) {
+        EXPECT_EQ(error.what(), std::string("property lists within one add up to too much"));
+    }
+    EXPECT_EQ(Database(tabs).number("SELECT COUNT(*) FROM session_state"), 1);
 }
 
 TEST_F(SafariRows, aBookmarkOfAWholeSiteKeepsTheIconOfItsFirstPage) {
