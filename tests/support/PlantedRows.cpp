@@ -93,8 +93,10 @@ void plantDeleted(const Database& database, const PlantedRows& rows, const std::
         const std::string table = row.substr(0, row.find('|'));
         database.execute("CREATE TEMP TABLE before AS SELECT * FROM " + table);
         plant(database, {row}, site, number);
-        database.execute("DELETE FROM " + table + "; INSERT INTO " + table +
-                         " SELECT * FROM before; DROP TABLE before");
+        std::string takingBack = "DELETE FROM " + table;
+        takingBack.append("; INSERT INTO ").append(table);
+        takingBack.append(" SELECT * FROM before; DROP TABLE before");
+        database.execute(takingBack);
     }
 }
 
