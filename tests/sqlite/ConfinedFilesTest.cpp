@@ -160,6 +160,9 @@ TEST_F(ConfinedFilings, openNoLinkAndNoCompanionWithAnotherName) {
         const bool isDatabase = name == file_;
         EXPECT_EQ(asked.open(name.c_str(), 0), isDatabase ? SQLITE_OK : SQLITE_CANTOPEN);
         EXPECT_EQ(asked.isOpen(), isDatabase);
+        if (asked.isOpen()) {
+            EXPECT_EQ(asked.close(), answer);
+        }
         fs::remove(name);
         fs::create_symlink(home_ / "other", name);
         EXPECT_EQ(asked.open(name.c_str(), 0), SQLITE_CANTOPEN);
