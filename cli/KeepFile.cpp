@@ -12,6 +12,7 @@
 
 #include "browsersweep/hosting/PatternFault.h"
 
+#include "cli/ListLines.h"
 #include "cli/Names.h"
 #include "cli/Options.h"
 #include "cli/SiteCommands.h"
@@ -24,31 +25,10 @@ namespace browsersweep::cli {
 namespace {
 
 constexpr const char* place = "Library/Application Support/browsersweep/keep.conf";
-constexpr std::string_view blanks = " \t\r";
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-
-std::string_view trimmed(std::string_view text) noexcept {
-    const auto begin = text.find_first_not_of(blanks);
-    if (begin == std::string_view::npos) {
-        return {};
-    }
-    return text.substr(begin, text.find_last_not_of(blanks) - begin + 1);
-}
 
 bool isLink(const std::filesystem::path& path) noexcept {
     std::error_code ignored;
     return std::filesystem::is_symlink(std::filesystem::symlink_status(path, ignored));
-}
-
-/** Whether a line may end in a way that would make the next one a part of it, such as of a comment.
- */
-bool hasLoneReturns(std::string_view text) noexcept {
-    for (auto at = text.find('\r'); at != std::string_view::npos; at = text.find('\r', at + 1)) {
-        if (text.substr(at + 1, 1) != "\n") {
-            return true;
-        }
-    }
-    return false;
 }
 
 [[noreturn]] void refuse(const std::filesystem::path& file, std::string_view reason) {
@@ -79,12 +59,13 @@ std::string faultOfRule(std::string_view keyword, const std::string& value, Keep
 
 /** What is wrong with a line, which is added to the rules where nothing is. */
 std::string addLine(std::string_view line, KeepRules& rules) {
-    const auto end = std::min(line.find_first_of(blanks), line.size());
-    const std::string value(trimmed(line.substr(end)));
-    if (value.empty()) {
+    const std::string_view keyword = line.substr(0, line.find_first_of(listBlanks));
+    line.remove_prefix(keyword.size());
+    if (line.empty()) {
         return "write site, browser or category and a name, such as 'site example.com'";
     }
-    return faultOfRule(line.substr(0, end), value, rules);
+    line.remove_prefix(line.find_first_not_of(listBlanks));
+    return faultOfRule(keyword, std::string(line), rules);
 }
 
 template <typename Value>
@@ -169,21 +150,9 @@ KeepRules parseKeepRules(std::string_view text, std::filesystem::path file) {
     if (!isWellFormed(text) || text.find('\0') != std::string_view::npos) {
         refuse(rules.file, "is no text in UTF-8");
     }
-    if (hasLoneReturns(text)) {
-        refuse(rules.file, "has lines that end in a carriage return alone");
-    }
-    if (text.starts_with(byteOrderMark)) {
-        text.remove_prefix(byteOrderMark.size());
-    }
-    for (std::size_t number = 1; !text.empty(); ++number) {
-        const auto end = std::min(text.find('\n'), text.size());
-        const auto line = trimmed(text.substr(0, std::min(end, text.find('#'))));
-        text.remove_prefix(std::min(end + 1, text.size()));
-        if (line.empty()) {
-            continue;
-        }
-        if (const auto fault = addLine(line, rules); !fault.empty()) {
-            refuse(rules.file, fmt::format("is wrong in line {}: {}", number, fault));
+    for (const ListLine& line : listLines(text)) {
+        if (const auto fault = addLine(line.text, rules); !fault.empty()) {
+            refuse(rules.file, fmt::format("is wrong in line {}: {}", line.number, fault));
         }
     }
     return rules;

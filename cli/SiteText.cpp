@@ -13,6 +13,7 @@
 
 #include "cli/Figures.h"
 #include "cli/ProfileLabels.h"
+#include "cli/Remark.h"
 #include "cli/Table.h"
 #include "cli/Text.h"
 #include "cli/Wrapping.h"
@@ -25,15 +26,6 @@ constexpr std::size_t leastName = 8;
 /** A table of more sites tells of each kind how many there are. */
 constexpr std::size_t mostSitesInDetail = 20;
 constexpr std::string_view anySite = "(any site)";
-
-std::string remark(const std::string& text, const Appearance& appearance) {
-    if (text.empty()) {
-        return {};
-    }
-    const auto lines = wrapped(text, appearance.columns);
-    return styled(std::string_view(lines).substr(0, lines.size() - 1), Style::faint, appearance) +
-           "\n";
-}
 
 bool isApproximate(const CleanableDataSize& size) noexcept {
     return size.itemCount.isApproximate || size.byteCount.isApproximate;

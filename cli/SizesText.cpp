@@ -14,8 +14,8 @@
 
 #include "cli/CategoryResult.h"
 #include "cli/Figures.h"
+#include "cli/Remark.h"
 #include "cli/Table.h"
-#include "cli/Wrapping.h"
 
 namespace browsersweep::cli {
 namespace {
@@ -263,15 +263,6 @@ std::string legendOf(const Line& total) {
                        isApproximate ? "databases count with their whole file" : "",
                        isApproximate && total.lacksSomething ? ", and " : "",
                        total.lacksSomething ? "what failed is not counted" : "");
-}
-
-std::string remark(const std::string& text, const Appearance& appearance) {
-    if (text.empty()) {
-        return {};
-    }
-    const auto lines = wrapped(text, appearance.columns);
-    return styled(std::string_view(lines).substr(0, lines.size() - 1), Style::faint, appearance) +
-           "\n";
 }
 
 }  // namespace

@@ -56,6 +56,10 @@ class Cleaning(KeepTest):
         self.document("clean", "--yes", "--last=20y", "--no-config", *safari)
         self.assertFalse(file.exists() and file.read_bytes() == cookie_file())
 
+    def test_lines_may_end_in_a_return_alone(self):
+        write(self.list, "# mine\rsite one.example\r")
+        self.assertEqual(self.document("clean", "--dry-run", CHROMIUM)["keepList"]["sites"], ["one.example"])
+
     def test_no_config_ignores_it(self):
         self.keep("site one.example", "nonsense")
         found = self.document("clean", "--yes", "--no-config", CHROMIUM)
@@ -88,10 +92,6 @@ class Wrong(KeepTest):
         self.list.parent.mkdir(parents=True)
         self.list.symlink_to(self.root / "away" / "keep.conf")
         self.check("cannot be read")
-
-    def test_lines_that_end_in_a_return_alone(self):
-        write(self.list, "# mine\rsite one.example\r")
-        self.check("carriage return")
 
     def test_a_name_with_a_blank_that_is_not_seen(self):
         for mark in ("\u00a0", "\u200b", "\u3002"):

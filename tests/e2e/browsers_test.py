@@ -7,10 +7,12 @@ an earlier run, which saves making one.
 
 from __future__ import annotations
 
+import contextlib
 import os
 import pathlib
 import shutil
 import tempfile
+from collections.abc import Iterator
 
 import pytest
 
@@ -23,6 +25,17 @@ from home import make_home
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 PROGRAM = pathlib.Path(os.environ.get("BROWSERSWEEP_PROGRAM", ROOT / "build/debug/cli/browsersweep"))
 MEMORY = pathlib.Path("/dev/shm")
+
+
+@contextlib.contextmanager
+def scratch_folder() -> Iterator[pathlib.Path]:
+    """A folder for what a browser and its tests make, in memory where there is some."""
+    scratch = pathlib.Path(tempfile.mkdtemp(
+        prefix="browsersweep-e2e-", dir=MEMORY if os.access(MEMORY, os.W_OK) else None)).resolve()
+    try:
+        yield scratch
+    finally:
+        shutil.rmtree(scratch, ignore_errors=True)  # a browser may still be writing there
 
 
 def made_home(family, binary, scratch):
@@ -51,12 +64,8 @@ class Browser:
             binary, _ = find_browser(family)
         except BrowserError as error:
             pytest.skip(str(error))
-        scratch = pathlib.Path(tempfile.mkdtemp(
-            prefix="browsersweep-e2e-", dir=MEMORY if os.access(MEMORY, os.W_OK) else None)).resolve()
-        try:
+        with scratch_folder() as scratch:
             yield Bench(PROGRAM, family, binary, made_home(family, binary, scratch), scratch)
-        finally:
-            shutil.rmtree(scratch, ignore_errors=True)  # a browser may still be writing there
 
     @pytest.mark.parametrize("case", cases.CASES + running.CASES, ids=lambda case: case.__name__)
     def test(self, bench, case):

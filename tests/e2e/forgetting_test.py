@@ -15,12 +15,11 @@ import shutil
 import sqlite3
 import subprocess
 import sys
-import tempfile
 
 import pytest
 
 from browser import BrowserError, Layout, find_browser
-from browsers_test import MEMORY, PROGRAM, ROOT
+from browsers_test import PROGRAM, ROOT, scratch_folder
 
 for module in ("cryptography", "lz4.block", "plyvel", "snappy"):
     pytest.importorskip(module)
@@ -75,15 +74,10 @@ class Browser:
         except BrowserError as error:
             pytest.skip(str(error))
         environment = plain_sqlite()
-        scratch = pathlib.Path(tempfile.mkdtemp(
-            prefix="browsersweep-e2e-", dir=MEMORY if os.access(MEMORY, os.W_OK) else None)).resolve()
-        try:
-            with PlantedWeb() as web:
-                yield forgetting.PlantedBench(PROGRAM, family, binary,
-                                              planted_home(family, binary, web, scratch), scratch,
-                                              environment, web)
-        finally:
-            shutil.rmtree(scratch, ignore_errors=True)  # a browser may still be writing there
+        with scratch_folder() as scratch, PlantedWeb() as web:
+            yield forgetting.PlantedBench(PROGRAM, family, binary,
+                                          planted_home(family, binary, web, scratch), scratch,
+                                          environment, web)
 
     @pytest.mark.parametrize("case", forgetting.CASES, ids=lambda case: case.__name__)
     def test(self, bench, case):

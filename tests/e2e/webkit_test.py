@@ -17,7 +17,7 @@ import tempfile
 import pytest
 
 from bench import Bench, check, differences, fingerprints, same
-from browsers_test import MEMORY, PROGRAM
+from browsers_test import PROGRAM, scratch_folder
 
 for module in ("cryptography", "lz4.block", "plyvel", "snappy"):
     pytest.importorskip(module)
@@ -217,13 +217,8 @@ class Safari:
         if reason:
             pytest.skip(reason)
         environment = plain_sqlite()
-        scratch = pathlib.Path(tempfile.mkdtemp(
-            prefix="browsersweep-e2e-", dir=MEMORY if os.access(MEMORY, os.W_OK) else None)).resolve()
-        try:
-            with PlantedWeb() as web:
-                yield SafariBench(version, planted_home(version, web, scratch), scratch, environment, web)
-        finally:
-            shutil.rmtree(scratch, ignore_errors=True)  # the engine may still be writing there
+        with scratch_folder() as scratch, PlantedWeb() as web:
+            yield SafariBench(version, planted_home(version, web, scratch), scratch, environment, web)
 
     @pytest.mark.parametrize("case", CASES, ids=lambda case: case.__name__)
     def test(self, bench, case):

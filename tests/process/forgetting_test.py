@@ -12,7 +12,7 @@ import sqlite3
 import subprocess
 import unittest
 
-from homes import PROGRAM, Home, ProcessTest, damage_of, read_tree, strace, strace_problem
+from homes import PROGRAM, Home, ProcessTest, damage_of, leave_log, read_tree, strace, strace_problem
 
 BROWSERS = ("--browser=chromium", "--browser=firefox")
 SITE = ("--json", "forget", "example.com", "--yes", *BROWSERS)
@@ -123,15 +123,7 @@ class Forgetting(ProcessTest):
     def test_a_full_temporary_folder_keeps_only_those_that_need_a_copy(self):
         with Home(self.template) as home:
             # A log of changes without its index is counted in a copy.
-            shutil.copyfile(home.home / COOKIES, home.root / "written")
-            with sqlite3.connect(home.root / "written") as connection:
-                connection.execute("PRAGMA journal_mode = WAL")
-                connection.execute("INSERT INTO cookies SELECT * FROM cookies WHERE 0")
-                connection.execute("CREATE TABLE later (x)")
-                connection.commit()
-                for end in ("", "-wal"):
-                    shutil.copyfile(f"{home.root}/written{end}", f"{home.home / COOKIES}{end}")
-            connection.close()
+            leave_log(home.home / COOKIES, home.root / "written")
             # One that is in the mode of logs and has none is read as it lies.
             with sqlite3.connect(home.home / CHROMIUM / "Profile 1" / "Cookies") as connection:
                 connection.execute("PRAGMA journal_mode = WAL")

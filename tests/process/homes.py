@@ -76,6 +76,24 @@ def tables_of(path):
         connection.close()
 
 
+def leave_log(path, scratch):
+    """Leaves the log of a change beside a database, without its index, as a browser that was killed."""
+    shutil.copyfile(path, scratch)
+    connection = sqlite3.connect(scratch)
+    try:
+        connection.execute("PRAGMA journal_mode = WAL")
+        connection.execute("PRAGMA wal_autocheckpoint = 0")
+        connection.execute("CREATE TABLE IF NOT EXISTS later (x)")
+        connection.execute("INSERT INTO later VALUES (1)")
+        connection.commit()
+        for end in ("", "-wal"):
+            shutil.copyfile(f"{scratch}{end}", f"{path}{end}")
+    finally:
+        connection.close()
+        for end in ("", "-wal", "-shm"):
+            pathlib.Path(f"{scratch}{end}").unlink(missing_ok=True)
+
+
 def damage_of(path):
     """What PRAGMA integrity_check finds, or None."""
     connection = sqlite3.connect(path)

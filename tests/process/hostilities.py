@@ -9,6 +9,8 @@ import pathlib
 import shutil
 import sqlite3
 
+from homes import leave_log
+
 CHROMIUM = pathlib.PurePath("Library/Application Support/Chromium")
 FIREFOX = pathlib.PurePath("Library/Application Support/Firefox")
 SAFARI = pathlib.PurePath("Library/Safari")
@@ -191,23 +193,10 @@ def waiting_log(home):
     path = home.any_database()
     if path is None or any(path.with_name(path.name + end).exists() for end in ("-wal", "-journal", "-shm")):
         return None
-    copy = home.root / "written"
-    shutil.copyfile(path, copy)
-    connection = sqlite3.connect(copy)
     try:
-        connection.execute("PRAGMA journal_mode = WAL")
-        connection.execute("PRAGMA wal_autocheckpoint = 0")
-        connection.execute("CREATE TABLE IF NOT EXISTS later (x)")
-        connection.execute("INSERT INTO later VALUES (1)")
-        connection.commit()
-        for end in ("", "-wal"):
-            shutil.copyfile(f"{copy}{end}", f"{path}{end}")
+        leave_log(path, home.root / "written")
     except (sqlite3.Error, UnicodeDecodeError):
         return None
-    finally:
-        connection.close()
-        for end in ("", "-wal", "-shm"):
-            pathlib.Path(f"{copy}{end}").unlink(missing_ok=True)
     return home.shown(path)
 
 

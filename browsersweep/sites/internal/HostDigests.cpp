@@ -10,11 +10,6 @@
 namespace browsersweep {
 namespace {
 
-constexpr std::string_view base64Digits =
-    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-constexpr unsigned bitsOfDigit = 6;
-constexpr unsigned bitsOfByte = 8;
-
 /** Each label after a byte with its length, and the root's empty one at the end. */
 std::string inWireForm(std::string_view host) {
     std::string result;
@@ -60,25 +55,6 @@ std::string md5OfHost(const std::string& host) {
 std::string sha256OfHost(const std::string& host) {
     const auto digest = sha256(inWireForm(host));
     return toBase64(textOf(digest));
-}
-
-std::string fromBase64(std::string_view text) {
-    std::string bytes;
-    std::uint32_t waiting = 0;
-    unsigned count = 0;
-    for (const char letter : text) {
-        const auto digit = base64Digits.find(letter);
-        if (digit == std::string_view::npos) {
-            break;
-        }
-        waiting = waiting << bitsOfDigit | static_cast<std::uint32_t>(digit);
-        count += bitsOfDigit;
-        if (count >= bitsOfByte) {
-            count -= bitsOfByte;
-            bytes += static_cast<char>(waiting >> count & 0xFFU);
-        }
-    }
-    return bytes;
 }
 
 }  // namespace browsersweep

@@ -31,7 +31,4 @@ std::string md5OfHost(const std::string& host);
 /** SHA-256 of the host as it stands in a message of DNS, in base64: the list of HSTS. */
 std::string sha256OfHost(const std::string& host);
 
-/** The bytes that a text in base64 stands for; what is no such text ends it. */
-std::string fromBase64(std::string_view text);
-
 }  // namespace browsersweep

@@ -48,8 +48,24 @@ char32_t inSmall(char32_t letter) noexcept {
     return found == capitals.end() ? letter : letter + found->distance;
 }
 
-bool isCombiningMark(char32_t point) noexcept {
-    return point >= 0x300 && point <= 0x36F;
+/** Points that no name has: the first and the last of some in a row. */
+struct NoLetters {
+    char32_t first;
+    char32_t last;
+};
+
+// Accents as marks of their own; then blanks, dots and marks that look like nothing or like ASCII,
+// as they come along when a name is copied. The joiners between them are letters of some names.
+constexpr std::array noLetters{
+    NoLetters{0x300, 0x36F},   NoLetters{0x80, 0xA0},     NoLetters{0xAD, 0xAD},
+    NoLetters{0x2000, 0x200B}, NoLetters{0x200E, 0x206F}, NoLetters{0x3000, 0x3002},
+    NoLetters{0xFEFF, 0xFEFF}, NoLetters{0xFF0E, 0xFF0E}, NoLetters{0xFF61, 0xFF61},
+};
+
+bool isNoLetter(char32_t point) noexcept {
+    return std::any_of(noLetters.begin(), noLetters.end(), [point](const NoLetters& each) {
+        return point >= each.first && point <= each.last;
+    });
 }
 
 constexpr std::uint32_t base = 36;
@@ -133,7 +149,7 @@ std::string asciiHost(std::string_view host) {
         return {};
     }
     CodePoints points = codePointsOf(host);
-    if (std::any_of(points.begin(), points.end(), isCombiningMark)) {
+    if (std::any_of(points.begin(), points.end(), isNoLetter)) {
         return {};
     }
     std::transform(points.begin(), points.end(), points.begin(), inSmall);

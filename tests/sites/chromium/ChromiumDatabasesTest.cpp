@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <iterator>
 #include <memory>
-#include <ostream>
 #include <set>
 #include <span>
 #include <string>
@@ -18,6 +17,7 @@
 #include "tests/support/DatabaseContents.h"
 #include "tests/support/GuardedFileManager.h"
 #include "tests/support/PlantedRows.h"
+#include "tests/support/Planting.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace browsersweep {
@@ -31,25 +31,9 @@ using tests::contentsOf;
 using tests::Database;
 using tests::filesHolding;
 using tests::PlantedRows;
+using tests::Planting;
 using tests::TemporaryFolder;
 using tests::withSecondSite;
-
-/** What is planted in one database. */
-struct Planting {
-    std::string file;
-    PlantedRows ofBrowser;  ///< stay whatever is forgotten
-    PlantedRows ofSite;     ///< for each of two sites
-    /** Each names the first site in one column alone, and the second, "{t}", in all others. One
-     * entry may be several rows that belong together, with ";;" between them. */
-    PlantedRows crossing;
-    PlantedRows orphans;  ///< what they refer to is gone; they tell no site
-    PlantedRows mixed{};  ///< they tell no site and go with everything
-    PlantedRows alone{};  ///< of the first site, planted without anything else of it
-};
-
-void PrintTo(const Planting& planting, std::ostream* stream) {
-    *stream << planting.file;
-}
 
 // clang-format off
 const std::vector<Planting> plantings{
@@ -234,8 +218,7 @@ protected:
         const auto only = SiteSelection::only({*Site::ofHost(gone)});
         const PlantedRows& own = planting().ofSite;
         const PlantedRows first(own.begin(), own.begin() + (own.empty() ? 0 : 1));
-        std::vector<PlantedRows> trials{own, planting().alone,
-                                        withFirst(first, planting().orphans)};
+        std::vector<PlantedRows> trials{own, planting().alone, withFirst(first, planting().lost)};
         for (const std::string& row : withSecondSite(planting().crossing, kept)) {
             trials.push_back(withFirst(first, {row}));
         }
@@ -275,7 +258,7 @@ TEST_P(ChromiumDatabases, oneSiteIsForgottenInEveryColumnAndTheOtherStaysAsItIs)
         tests::plantDeleted(database, planting().ofSite, gone, 1);
         tests::plant(database, planting().ofSite, gone, 1);
         tests::plant(database, withSecondSite(planting().crossing, kept), gone, 1);
-        tests::plant(database, planting().orphans, gone, 1);
+        tests::plant(database, planting().lost, gone, 1);
     }
     EXPECT_EQ(store()->forget(request(SiteSelection::only({*Site::ofHost(gone)}))),
               ForgetOutcome{});
@@ -299,7 +282,7 @@ TEST_P(ChromiumDatabases, eachRowThatNamesASiteInOneColumnIsForgottenByItself) {
 TEST_P(ChromiumDatabases, allButOneSiteIsForgotten) {
     {
         const Database database = made("profile", {kept, gone});
-        tests::plant(database, planting().orphans, gone, 1);
+        tests::plant(database, planting().lost, gone, 1);
     }
     store()->forget(request(SiteSelection::allBut({*Site::ofHost(kept)})));
     EXPECT_EQ(contentsOf(file()), contentsMade({kept}));
@@ -310,7 +293,7 @@ TEST_P(ChromiumDatabases, everythingIsForgottenButWhatTheBrowserNeeds) {
     {
         const Database database = made("profile", {kept, gone});
         tests::plant(database, withSecondSite(planting().crossing, kept), gone, 1);
-        tests::plant(database, planting().orphans, gone, 1);
+        tests::plant(database, planting().lost, gone, 1);
         tests::plant(database, planting().mixed, gone, 1);
     }
     store()->forget(request(SiteSelection::everything()));
@@ -392,15 +375,8 @@ TEST_F(ChromiumHistory, iconsOfBookmarksThatCannotBeReadStay) {
     EXPECT_EQ(Database(home_ / "Favicons").number("SELECT COUNT(*) FROM icon_mapping"), 1);
 }
 
-std::string nameOf(const testing::TestParamInfo<Planting>& info) {
-    std::string name = info.param.file;
-    name.erase(std::remove_if(name.begin(), name.end(),
-                              [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); }),
-               name.end());
-    return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(OfAllFiles, ChromiumDatabases, testing::ValuesIn(plantings), nameOf);
+INSTANTIATE_TEST_SUITE_P(OfAllFiles, ChromiumDatabases, testing::ValuesIn(plantings),
+                         tests::nameOf);
 
 }  // namespace
 }  // namespace browsersweep

@@ -1,9 +1,7 @@
 #include <algorithm>
-#include <cctype>
 #include <cstddef>
 #include <filesystem>
 #include <memory>
-#include <ostream>
 #include <set>
 #include <span>
 #include <string>
@@ -20,6 +18,7 @@
 #include "tests/support/FirefoxSchemas.h"
 #include "tests/support/GuardedFileManager.h"
 #include "tests/support/PlantedRows.h"
+#include "tests/support/Planting.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace browsersweep {
@@ -33,21 +32,9 @@ using tests::contentsOf;
 using tests::Database;
 using tests::filesHolding;
 using tests::PlantedRows;
+using tests::Planting;
 using tests::TemporaryFolder;
 using tests::withSecondSite;
-
-/** What is planted in one database. */
-struct Planting {
-    std::string file;
-    PlantedRows ofBrowser;  ///< stay whatever is forgotten
-    PlantedRows ofSite;     ///< for each of two sites
-    PlantedRows crossing;   ///< each names the first site in one column alone, the second in others
-    PlantedRows lost;       ///< mixed, and what refers to rows that are gone
-};
-
-void PrintTo(const Planting& planting, std::ostream* stream) {
-    *stream << planting.file;
-}
 
 const PlantedRows heldRows{
     "moz_places|id=50|url='https://www.bookmarked.test/page'|origin_id=50|guid='held'",
@@ -278,15 +265,7 @@ TEST_P(FirefoxDatabases, listingChangesNothingAndKnowsTheSites) {
     EXPECT_TRUE(home_.snapshot() == before);
 }
 
-std::string nameOf(const testing::TestParamInfo<Planting>& info) {
-    std::string name = info.param.file;
-    name.erase(std::remove_if(name.begin(), name.end(),
-                              [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); }),
-               name.end());
-    return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(OfAllFiles, FirefoxDatabases, testing::ValuesIn(plantings), nameOf);
+INSTANTIATE_TEST_SUITE_P(OfAllFiles, FirefoxDatabases, testing::ValuesIn(plantings), tests::nameOf);
 
 TEST(FirefoxContentPreferences, aSitesNameGoesWithTheLastOfItsNotesAndSettings) {
     const TemporaryFolder home(tests::folderInMemory());

@@ -38,6 +38,11 @@ TEST(Punycode, isNotMadeOfWhatIsNoName) {
     EXPECT_EQ(asciiHost("mu\u0308nchen.de"), "");
     EXPECT_EQ(asciiHost("m\xFCnchen.de"), "");
     EXPECT_EQ(asciiHost(std::string(5000, 'a')), "");
+    for (const char* mark : {"\u00A0", "\u00AD", "\u200B", "\u202F", "\u2060", "\u3002", "\uFEFF",
+                             "\uFF0E", "\uFF61"}) {
+        EXPECT_EQ(asciiHost(std::string("a") + mark + "b.com"), "") << mark;
+    }
+    EXPECT_NE(asciiHost("a\u200Cb.com"), "");
 }
 
 }  // namespace

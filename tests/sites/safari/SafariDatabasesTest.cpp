@@ -1,10 +1,8 @@
 #include <algorithm>
-#include <cctype>
 #include <cstddef>
 #include <filesystem>
 #include <iterator>
 #include <memory>
-#include <ostream>
 #include <set>
 #include <span>
 #include <string>
@@ -22,6 +20,7 @@
 #include "tests/support/DatabaseContents.h"
 #include "tests/support/GuardedFileManager.h"
 #include "tests/support/PlantedRows.h"
+#include "tests/support/Planting.h"
 #include "tests/support/PropertyLists.h"
 #include "tests/support/SafariSchemas.h"
 #include "tests/support/SiteStores.h"
@@ -38,21 +37,9 @@ using tests::contentsOf;
 using tests::Database;
 using tests::filesHolding;
 using tests::PlantedRows;
+using tests::Planting;
 using tests::TemporaryFolder;
 using tests::withSecondSite;
-
-/** What is planted in one database. */
-struct Planting {
-    std::string file;       ///< below Library
-    PlantedRows ofBrowser;  ///< stay whatever is forgotten
-    PlantedRows ofSite;     ///< for each of two sites
-    PlantedRows crossing;   ///< each names the first site in one column alone, the second in others
-    PlantedRows lost;       ///< what refers to rows that are gone
-};
-
-void PrintTo(const Planting& planting, std::ostream* stream) {
-    *stream << planting.file;
-}
 
 const std::string inContainer = "Containers/com.apple.Safari/Data/Library/";
 
@@ -299,15 +286,10 @@ TEST_P(SafariDatabases, listingChangesNothingAndKnowsTheSites) {
     EXPECT_TRUE(home_.snapshot() == before);
 }
 
-std::string nameOf(const testing::TestParamInfo<Planting>& info) {
-    std::string name = std::to_string(info.index) + info.param.file;
-    name.erase(std::remove_if(name.begin(), name.end(),
-                              [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); }),
-               name.end());
-    return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(OfAllFiles, SafariDatabases, testing::ValuesIn(plantings), nameOf);
+INSTANTIATE_TEST_SUITE_P(OfAllFiles, SafariDatabases, testing::ValuesIn(plantings),
+                         [](const auto& each) {
+                             return std::to_string(each.index) + nameOf(each);
+                         });
 
 class SafariRows : public SafariHome {
 protected:

@@ -11,6 +11,8 @@
 #include <string>
 #include <utility>
 
+#include "browsersweep/documents/internal/Base64.h"
+
 namespace browsersweep {
 namespace {
 
@@ -108,14 +110,6 @@ std::optional<int> field(std::string_view text) noexcept {
 std::string padded(int value, std::size_t width) {
     const std::string text = std::to_string(value);
     return std::string(width - std::min(width, text.size()), '0') + text;
-}
-
-std::optional<std::uint32_t> base64Digit(char character) noexcept {
-    constexpr std::string_view alphabet =
-        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    const std::size_t digit = alphabet.find(character);
-    return digit == std::string_view::npos ? std::nullopt
-                                           : std::optional(static_cast<std::uint32_t>(digit));
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "browsersweep/documents/internal/Base64.h"
 #include "browsersweep/sites/chromium/internal/ChromiumDate.h"
 #include "browsersweep/sites/internal/DocumentStore.h"
 #include "browsersweep/sites/internal/SiteForm.h"

@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "browsersweep/documents/DecodingError.h"
-#include "browsersweep/sites/internal/HostDigests.h"
+#include "browsersweep/documents/internal/Base64.h"
 #include "browsersweep/sites/internal/SiteForm.h"
 
 namespace browsersweep {
@@ -75,15 +75,10 @@ Hosts hostsBetween(std::string text) {
     return hostsIn(SiteForm::networkKey, text);
 }
 
-bool isDigitOfBase64(char letter) {
-    constexpr std::string_view others = "+/=";
-    return (letter >= 'a' && letter <= 'z') || (letter >= 'A' && letter <= 'Z') ||
-           (letter >= '0' && letter <= '9') || others.find(letter) != std::string_view::npos;
-}
-
 bool isInBase64(std::string_view text) {
     return text.size() >= shortestInBase64 &&
-           std::all_of(text.begin(), text.end(), isDigitOfBase64);
+           std::all_of(text.begin(), text.end(),
+                       [](char letter) { return letter == '=' || base64Digit(letter); });
 }
 
 /** "%3A%2F%2F" as it stands in an address that is a part of another: the marks of an address alone.
