@@ -44,10 +44,6 @@ bool listAccepts(CleanableDataFilters filters, DirectoryEnumerator& entry) {
     return verdict;
 }
 
-bool lacksDate(CleanableDataFilters filters, DirectoryEnumerator& entry) {
-    return partsOf(filters).dates && !entry.creationDate();
-}
-
 CleanableDataSize fileSize(std::uint64_t bytes) {
     if (!std::in_range<std::int64_t>(bytes)) {
         fatalError("a file's size does not fit in 63 bits");
@@ -74,10 +70,12 @@ void CleanableDirectory::forEachSelectedEntry(CleanableDataFilters filters, Visi
     if (!fileManager_->fileExists(directory_).isDirectory) {
         return;
     }
+    const bool needsDate = !takesUndated_ && partsOf(filters).dates;
     const auto entry = fileManager_->enumerator(directory_);
     while (entry && entry->next()) {
         continueOrThrow(control.get());
-        if (!accepts(filters, *entry)) {
+        if (!listAccepts(filters_, *entry) || !listAccepts(filters, *entry) ||
+            (needsDate && !entry->creationDate())) {
             continue;
         }
         const OperationProgress done = visit(*entry);
@@ -85,11 +83,6 @@ void CleanableDirectory::forEachSelectedEntry(CleanableDataFilters filters, Visi
             control->count(done);
         }
     }
-}
-
-bool CleanableDirectory::accepts(CleanableDataFilters filters, DirectoryEnumerator& entry) const {
-    return listAccepts(filters_, entry) && listAccepts(filters, entry) &&
-           (takesUndated_ || !lacksDate(filters, entry));
 }
 
 std::vector<CleanableDataPart> CleanableDirectory::parts() const {

@@ -88,7 +88,6 @@ public:
 private:
     template <typename Visitor>
     void forEachSelectedEntry(CleanableDataFilters filters, Visitor visit) const;
-    bool accepts(CleanableDataFilters filters, DirectoryEnumerator& entry) const;
 
     std::filesystem::path directory_;
     bool requiresClosedBrowserToClean_;

@@ -26,7 +26,8 @@ enum class SiteForm {
 /**
  * The hosts that a text of this form names, in small letters and without dots around them, as
  * `Site::ofHost` takes them: none where it names no web site, as an extension's own origin does
- * not; two where a site is embedded in another. Never throws but `std::bad_alloc`.
+ * not; two where a site is embedded in another. Throws a `DecodingError` for bytes that
+ * are property lists within property lists without end.
  */
 std::vector<std::string> hostsIn(SiteForm form, std::string_view text);
 

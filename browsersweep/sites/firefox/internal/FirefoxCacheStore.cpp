@@ -92,11 +92,15 @@ FirefoxCacheStore::FirefoxCacheStore(std::filesystem::path folder,
                                      std::shared_ptr<const FileManager> fileManager)
     : folder_(std::move(folder)), fileManager_(std::move(fileManager)) {}
 
-// The contents, which may be long, are not read.
+// The contents, which may be long, are not read, and most files are opened once.
 std::string FirefoxCacheStore::keyOf(const std::filesystem::path& file, std::uint64_t size) const {
-    const Bytes end = lastBytesIfThere(*fileManager_, file, numberSize);
-    return keyInFirefoxCacheMetadata(
-        lastBytesIfThere(*fileManager_, file, lengthOfFirefoxCacheMetadata(end, size)));
+    constexpr std::size_t usual = 16384;
+    const Bytes end = lastBytesIfThere(*fileManager_, file, usual);
+    const std::size_t length = lengthOfFirefoxCacheMetadata(end, size);
+    if (length > end.size()) {
+        return keyInFirefoxCacheMetadata(lastBytesIfThere(*fileManager_, file, length));
+    }
+    return keyInFirefoxCacheMetadata(BytesView(end).last(length));
 }
 
 void FirefoxCacheStore::visitEntries(const Visit& visit) const {

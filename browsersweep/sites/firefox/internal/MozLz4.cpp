@@ -7,6 +7,7 @@
 #include <lz4.h>
 
 #include "browsersweep/documents/DecodingError.h"
+#include "browsersweep/sites/internal/StoreFiles.h"
 
 namespace browsersweep {
 namespace {
@@ -27,15 +28,8 @@ std::size_t lengthIn(BytesView file) noexcept {
     return length;
 }
 
-const char* asText(BytesView bytes) noexcept {
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the same bytes, as LZ4 takes
-    // them
-    return reinterpret_cast<const char*>(bytes.data());
-}
-
 char* asText(Bytes& bytes, std::size_t begin) noexcept {
-    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the same bytes, as LZ4 takes
-    // them
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the same bytes, for LZ4
     return reinterpret_cast<char*>(bytes.data()) + begin;
 }
 
@@ -54,8 +48,8 @@ Bytes decodedMozLz4(BytesView file) {
     }
     Bytes contents(length);
     const int written =
-        LZ4_decompress_safe(asText(block), asText(contents, 0), static_cast<int>(block.size()),
-                            static_cast<int>(length));
+        LZ4_decompress_safe(textOf(block).data(), asText(contents, 0),
+                            static_cast<int>(block.size()), static_cast<int>(length));
     if (written < 0 || static_cast<std::size_t>(written) != length) {
         throw refused;
     }

@@ -11,6 +11,7 @@
 
 #include "browsersweep/documents/DecodingError.h"
 #include "browsersweep/documents/internal/Base64.h"
+#include "browsersweep/sites/internal/ByteHosts.h"
 #include "browsersweep/sites/internal/SiteForm.h"
 
 namespace browsersweep {
@@ -62,17 +63,6 @@ void addHosts(const Hosts& more, Hosts& hosts) {
             hosts.push_back(host);
         }
     }
-}
-
-/** The hosts of the addresses that stand between whatever else. */
-Hosts hostsBetween(std::string text) {
-    const auto isNoPartOfOne = [](char letter) {
-        constexpr std::string_view marks = "\"'<>()^,;\x7F";
-        return static_cast<unsigned char>(letter) <= ' ' ||
-               marks.find(letter) != std::string_view::npos;
-    };
-    std::replace_if(text.begin(), text.end(), isNoPartOfOne, ' ');
-    return hostsIn(SiteForm::networkKey, text);
 }
 
 bool isInBase64(std::string_view text) {
@@ -190,11 +180,11 @@ Hosts hostsInSessionText(std::string_view text) {
     if (text.size() > longestText) {
         text = text.substr(0, longestText);
     }
-    Hosts hosts = hostsBetween(unescaped(text));
+    Hosts hosts = hostsInBytes(unescaped(text));
     addHosts(hostsIn(SiteForm::originAttributes, text), hosts);
     if (isInBase64(text)) {
         const std::string bytes = fromBase64(text);
-        addHosts(hostsBetween(bytes), hosts);
+        addHosts(hostsInBytes(bytes), hosts);
         addHosts(hostsIn(SiteForm::originAttributes, bytes), hosts);
     }
     return hosts;
