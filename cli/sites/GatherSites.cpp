@@ -11,7 +11,7 @@
 #include "browsersweep/hosting/sites/SiteInventory.h"
 #include "browsersweep/hosting/sites/SweepStore.h"
 #include "browsersweep/sites/ListingParts.h"
-#include "browsersweep/sites/TraceStores.h"
+#include "browsersweep/traces/TraceStores.h"
 
 #include "cli/ErrorText.h"
 #include "cli/Order.h"

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "browsersweep/home/Home.h"
-#include "browsersweep/sites/TraceStores.h"
+#include "browsersweep/traces/TraceStores.h"
 
 #include "tests/support/TemporaryFolder.h"
 

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "browsersweep/profiles/BrowserProfile.h"
-#include "browsersweep/sites/TraceStores.h"
+#include "browsersweep/traces/TraceStores.h"
 
 #include "tests/support/TemporaryFolder.h"
 

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "browsersweep/sites/TraceStores.h"
+#include "browsersweep/traces/TraceStores.h"
 
 namespace browsersweep {
 namespace {

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "browsersweep/sites/chromium/internal/ChromiumDatabases.h"
+#include "browsersweep/traces/chromium/internal/ChromiumDatabases.h"
 
 #include "tests/support/ChromiumSchemas.h"
 #include "tests/support/Database.h"

@@ -1,0 +1,92 @@
+#include "browsersweep/traces/firefox/internal/FirefoxFileStores.h"
+
+#include <array>
+#include <filesystem>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include "browsersweep/sites/internal/FolderStore.h"
+#include "browsersweep/sites/internal/MixedStore.h"
+#include "browsersweep/sites/internal/SiteForm.h"
+#include "browsersweep/traces/firefox/internal/FirefoxCacheStore.h"
+#include "browsersweep/traces/firefox/internal/ServiceWorkerListStore.h"
+#include "browsersweep/traces/firefox/internal/SessionStore.h"
+
+namespace browsersweep {
+namespace {
+
+/** "https+++www.example.com": what is of no web site is Firefox's, an extension's or the user's. */
+std::optional<FolderOwner> ownerInName(const FileManager& /*fileManager*/,
+                                       const std::filesystem::path& /*parent*/,
+                                       const FolderEntry& entry) {
+    if (entry.kind != FolderEntry::Kind::folder) {
+        return std::nullopt;
+    }
+    auto hosts = hostsIn(SiteForm::firefoxFolder, entry.name);
+    const bool isOfNoSite = hosts.empty();
+    return FolderOwner{std::move(hosts), isOfNoSite};
+}
+
+// clang-format off
+constexpr std::array folderRows{
+    FolderRow{"storage/default", TraceKind::siteStorage, ownerInName, {}},
+    FolderRow{"storage/temporary", TraceKind::siteStorage, ownerInName, {}},
+    FolderRow{"storage/private", TraceKind::siteStorage, ownerInName, {}},
+};
+
+constexpr std::array mixedRows{
+    MixedRow{"storage/to-be-removed", TraceKind::siteStorage,
+             "data of scripts that Firefox has begun to delete", false, true},
+    MixedRow{"notificationstore.json", TraceKind::siteStorage, "notifications of any site"},
+    MixedRow{"SiteSecurityServiceState.bin", TraceKind::networkState,
+             "sites that asked to be loaded by https alone: without it the first page is asked for by http"},
+    MixedRow{"SiteSecurityServiceState.txt", TraceKind::networkState,
+             "sites that asked to be loaded by https alone: without it the first page is asked for by http"},
+    MixedRow{"AlternateServices.bin", TraceKind::networkState, "other ways to the servers of any site"},
+    MixedRow{"AlternateServices.txt", TraceKind::networkState, "other ways to the servers of any site"},
+};
+
+struct SessionRow {
+    std::string_view path;
+    std::string_view meaning;  ///< of a file that cannot be read
+};
+constexpr std::array sessionRows{
+    SessionRow{"sessionstore.jsonlz4", "open and closed tabs of all sites: without it Firefox opens none of them again"},
+    SessionRow{"sessionstore-backups", "earlier states of the open tabs and windows, of all sites"},
+};
+
+/** Below the profile's folder for caches. */
+constexpr std::array mixedCaches{
+    MixedRow{"thumbnails", TraceKind::predictions,
+             "pictures of pages, named by digests of their addresses: Firefox makes them anew"},
+    MixedRow{"activity-stream.shortcut_cache.json", TraceKind::predictions,
+             "the sites that a new tab shows: Firefox finds them anew"},
+};
+// clang-format on
+
+}  // namespace
+
+TraceStores firefoxFileStores(const ProfileFolders& folders,
+                              const std::shared_ptr<const FileManager>& fileManager) {
+    TraceStores stores;
+    for (const FolderRow& row : folderRows) {
+        stores.push_back(std::make_shared<FolderStore>(row, folders.data, fileManager));
+    }
+    stores.push_back(
+        std::make_shared<ServiceWorkerListStore>(folders.data / "serviceworker.txt", fileManager));
+    for (const SessionRow& row : sessionRows) {
+        stores.push_back(
+            std::make_shared<SessionStore>(folders.data / row.path, row.meaning, fileManager));
+    }
+    for (const MixedRow& row : mixedRows) {
+        stores.push_back(std::make_shared<MixedStore>(row, folders.data, fileManager));
+    }
+    stores.push_back(std::make_shared<FirefoxCacheStore>(folders.cache / "cache2", fileManager));
+    for (const MixedRow& row : mixedCaches) {
+        stores.push_back(std::make_shared<MixedStore>(row, folders.cache, fileManager));
+    }
+    return stores;
+}
+
+}  // namespace browsersweep

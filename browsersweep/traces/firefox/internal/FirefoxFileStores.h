@@ -1,0 +1,16 @@
+#pragma once
+
+#include <memory>
+
+#include "browsersweep/platform/FileManager.h"
+#include "browsersweep/profiles/BrowserProfile.h"
+#include "browsersweep/traces/TraceStores.h"
+
+namespace browsersweep {
+
+/** The stores of a profile of Firefox that are files and folders, not databases. Touches no file.
+ */
+TraceStores firefoxFileStores(const ProfileFolders& folders,
+                              const std::shared_ptr<const FileManager>& fileManager);
+
+}  // namespace browsersweep
