@@ -58,6 +58,17 @@ class Runner(ScriptTest):
         finished = self.assert_ends_with("1 passed, 1 failed, 0 skipped", 1, "asan")
         self.assertIn("failed: fails wrong\n      Actual: 2\n", finished.stdout)
 
+    def test_what_failed_stands_once_more_at_the_end(self):
+        self.reports(FAILS, status=8)
+        self.stand_in("cmake", 'case "$*" in *clang*) echo no such file; exit 1 ;; esac')
+        finished = self.assert_ends_with("1 passed, 2 failed, 0 skipped", 1, "asan", "clang")
+        end = finished.stdout[finished.stdout.index("== what failed"):]
+        self.assertEqual(end, "== what failed\nasan: failed: fails wrong\n      Actual: 2\n"
+                              "      no such file\nclang: FAILED: it ended with status 1\n\n"
+                              "1 passed, 2 failed, 0 skipped\n")
+        self.reports(PASSES)
+        self.assertNotIn("what failed", self.run_parts("asan").stdout)
+
     def test_a_build_that_fails_is_a_failure_and_later_parts_still_run(self):
         self.stand_in("cmake", 'case "$*" in *asan*) echo no such file; exit 1 ;; esac')
         finished = self.assert_ends_with("1 passed, 1 failed, 0 skipped", 1, "asan", "clang")
