@@ -28,10 +28,18 @@ def remove(private):
     shutil.rmtree(private, ignore_errors=True)
 
 
+def hear_signals():
+    """What is started in the background, or by nohup, ignores signals, and so would all that the tests
+    start and end."""
+    signal.signal(signal.SIGTERM, end)
+    signal.signal(signal.SIGINT, signal.default_int_handler)
+    signal.signal(signal.SIGHUP, signal.SIG_DFL)
+
+
 def pytest_configure(config):
     """Gives every process of pytest a home and a temporary folder of its own, before anything can ask
     for them. Some tests run the program as another user, who must get through."""
-    signal.signal(signal.SIGTERM, end)
+    hear_signals()
     private = pathlib.Path(tempfile.mkdtemp(prefix="browsersweep-pytest.")).resolve()
     private.chmod(0o711)
     if not hasattr(config, "workerinput"):  # the folders of workers lie in the one of the first process
