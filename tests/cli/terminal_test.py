@@ -3,7 +3,7 @@
 import re
 import unittest
 
-from fixture import COMMANDS, PROGRAM, HostProgramTest, write
+from fixture import COMMANDS, HANGS, PROGRAM, HostProgramTest, write
 
 try:
     import pexpect
@@ -35,7 +35,7 @@ class TerminalTest(HostProgramTest):
     def spawn(self, columns, *arguments):
         child = pexpect.spawn(PROGRAM, ["--home", str(self.home), *arguments],
                               env=self.environment, dimensions=(24, columns), encoding="utf-8",
-                              timeout=60)
+                              timeout=HANGS)
         self.addCleanup(child.close)
         return child
 
@@ -126,7 +126,7 @@ class Widths(TerminalTest):
 
     def run_bare(self, columns):
         child = pexpect.spawn(PROGRAM, [], env=self.environment, dimensions=(24, columns),
-                              encoding="utf-8", timeout=60)
+                              encoding="utf-8", timeout=HANGS)
         text = self.screen(child)
         return child.exitstatus, text
 
