@@ -2,7 +2,7 @@
 // with what failed.
 (async word => {
     const failed = {};
-    const limit = () => new Promise((_, reject) => setTimeout(() => reject(new Error('timeout')), 20000));
+    const limit = () => new Promise((_, reject) => setTimeout(() => reject(new Error('timeout')), 120000));
     const step = async (name, work) => {
         try {
             await Promise.race([work(), limit()]);

@@ -42,7 +42,7 @@ class _Trusting(Firefox):
 
     def _connect(self):
         super()._connect()
-        self.marionette.call("WebDriver:SetTimeouts", {"script": 120000, "pageLoad": 120000})
+        self.marionette.call("WebDriver:SetTimeouts", {"script": 600000, "pageLoad": 240000})
         lines = self._authority.splitlines()
         self.marionette.chrome(
             "Cc['@mozilla.org/security/x509certdb;1'].getService(Ci.nsIX509CertDB)"
