@@ -96,7 +96,9 @@ def make_home(home: Path) -> Path:
         profile = browser / "Default"
         profile.mkdir(parents=True)
         (browser / "Local State").write_text(
-            json.dumps({"profile": {"info_cache": {"Default": {"name": "Person 1"}}}}), "utf-8")
+            json.dumps({"profile": {"info_cache": {"Default": {
+                "is_consented_primary_account": False, "name": "Person 1"}},
+                                    "last_active_profiles": ["Default"]}}), "utf-8")
         make_history(profile / "History")
         make_cookies(profile / "Cookies")
         make_storage(profile / "IndexedDB")

@@ -5,17 +5,14 @@
 #include <functional>
 #include <string_view>
 
-#include <nlohmann/json.hpp>
-
 #include "cli/ErrorText.h"
+#include "cli/JSONValues.h"
 #include "cli/Table.h"
 #include "cli/Text.h"
 #include "cli/Wrapping.h"
 
 namespace browsersweep::cli {
 namespace {
-
-using JSON = nlohmann::ordered_json;
 
 std::vector<std::filesystem::path> pathsOf(Browser browser,
                                            const CurrentUserDirectoryProvider& directories) {
@@ -152,11 +149,8 @@ std::string jsonText(const Diagnosis& diagnosis) {
     for (const BrowserPlaces& browser : diagnosis.browsers) {
         browsers.push_back(toJSON(browser));
     }
-    const JSON document{{"needsFullDiskAccess", diagnosis.isAnythingProtected()},
-                        {"browsers", std::move(browsers)}};
-    constexpr int indentation = 2;
-    return escapedDocument(document.dump(indentation, ' ', false, JSON::error_handler_t::replace) +
-                           "\n");
+    return documentText({{"needsFullDiskAccess", diagnosis.isAnythingProtected()},
+                         {"browsers", std::move(browsers)}});
 }
 
 }  // namespace browsersweep::cli

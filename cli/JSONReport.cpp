@@ -7,7 +7,6 @@
 
 #include "cli/JSONValues.h"
 #include "cli/SiteJSON.h"
-#include "cli/Text.h"
 
 namespace browsersweep::cli {
 namespace {
@@ -181,13 +180,19 @@ JSON toJSON(const NotificationsReport& report) {
              })}};
 }
 
+struct TextOfReport {
+    template <typename AnyReport>
+    std::string operator()(const AnyReport& report) const {
+        return documentText(toJSON(report));
+    }
+    std::string operator()(const SiteListReport& report) const { return jsonText(report); }
+    std::string operator()(const ForgetReport& report) const { return jsonText(report); }
+};
+
 }  // namespace
 
 std::string jsonText(const Report& report) {
-    constexpr int indentation = 2;
-    const JSON document = std::visit([](const auto& any) { return toJSON(any); }, report);
-    return escapedDocument(document.dump(indentation, ' ', false, JSON::error_handler_t::replace) +
-                           "\n");
+    return std::visit(TextOfReport(), report);
 }
 
 }  // namespace browsersweep::cli

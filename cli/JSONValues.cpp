@@ -1,6 +1,21 @@
 #include "cli/JSONValues.h"
 
+#include <utility>
+
+#include "cli/Text.h"
+
 namespace browsersweep::cli {
+
+std::string indentedText(const JSON& value) {
+    constexpr int indentation = 2;
+    return value.dump(indentation, ' ', false, JSON::error_handler_t::replace);
+}
+
+std::string documentText(const JSON& document) {
+    std::string text = indentedText(document);
+    text += '\n';
+    return escapedDocument(std::move(text));
+}
 
 JSON toJSON(const CleanableDataSize::Measurement& measurement) {
     return {{"value", measurement.value}, {"isApproximate", measurement.isApproximate}};

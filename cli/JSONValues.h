@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 
 #include <nlohmann/json.hpp>
 
@@ -28,6 +29,12 @@ JSON listOf(const Rows& rows, const ToJSON& rowToJSON) {
     }
     return list;
 }
+
+/** A value, indented; bytes that are no text become replacement characters. */
+std::string indentedText(const JSON& value);
+
+/** A document as the program writes it: indented, with nothing in it that acts on a terminal. */
+std::string documentText(const JSON& document);
 
 /** A number of items, or of bytes. */
 JSON toJSON(const CleanableDataSize::Measurement& measurement);

@@ -2,6 +2,9 @@
 
 #include <cstdint>
 #include <optional>
+#include <utility>
+
+#include "cli/DocumentText.h"
 
 namespace browsersweep::cli {
 namespace {
@@ -49,10 +52,6 @@ JSON toJSON(const SiteRow& row, Figures figures) {
     return object;
 }
 
-JSON sitesOf(const std::vector<SiteRow>& rows, Figures figures) {
-    return listOf(rows, [figures](const SiteRow& row) { return toJSON(row, figures); });
-}
-
 JSON mixedOf(const std::vector<MixedRow>& rows, Figures figures) {
     return listOf(rows, [figures](const MixedRow& row) {
         JSON object = toJSON(row.owner);
@@ -93,25 +92,30 @@ JSON toJSON(const StoreRow& row) {
 
 }  // namespace
 
-JSON toJSON(const SiteListReport& report) {
-    return {{"sites", sitesOf(report.sites, Figures::sizes)},
-            {"notBySite", mixedOf(report.notBySite, Figures::sizes)},
-            {"errors", errorsOf(report.errors)}};
+std::string jsonText(const SiteListReport& report) {
+    DocumentText text;
+    text.addList("sites", report.sites,
+                 [](const SiteRow& row) { return toJSON(row, Figures::sizes); });
+    text.add("notBySite", mixedOf(report.notBySite, Figures::sizes));
+    text.add("errors", errorsOf(report.errors));
+    return std::move(text).finish();
 }
 
-JSON toJSON(const ForgetReport& report) {
-    JSON object{{"dryRun", report.isDryRun},
-                {"total", toJSON(report.total)},
-                {"freedBytes", report.freedBytes},
-                {"forgotten", sitesOf(report.forgotten, Figures::removed)},
-                {"notBySite", mixedOf(report.notBySite, Figures::removed)},
-                {"kept", listOf(report.kept, [](const KeptRow& row) { return toJSON(row); })},
-                {"stores", listOf(report.stores, [](const StoreRow& row) { return toJSON(row); })},
-                {"errors", errorsOf(report.errors)}};
+std::string jsonText(const ForgetReport& report) {
+    DocumentText text;
+    text.add("dryRun", report.isDryRun);
+    text.add("total", toJSON(report.total));
+    text.add("freedBytes", report.freedBytes);
+    text.addList("forgotten", report.forgotten,
+                 [](const SiteRow& row) { return toJSON(row, Figures::removed); });
+    text.add("notBySite", mixedOf(report.notBySite, Figures::removed));
+    text.addList("kept", report.kept, [](const KeptRow& row) { return toJSON(row); });
+    text.addList("stores", report.stores, [](const StoreRow& row) { return toJSON(row); });
+    text.add("errors", errorsOf(report.errors));
     if (report.keep) {
-        object["keepList"] = toJSON(*report.keep);
+        text.add("keepList", toJSON(*report.keep));
     }
-    return object;
+    return std::move(text).finish();
 }
 
 }  // namespace browsersweep::cli

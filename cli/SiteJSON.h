@@ -1,14 +1,15 @@
 #pragma once
 
-#include "cli/JSONValues.h"
+#include <string>
+
 #include "cli/SiteReport.h"
 
 namespace browsersweep::cli {
 
 /** The document of `sites`. */
-JSON toJSON(const SiteListReport& report);
+std::string jsonText(const SiteListReport& report);
 
 /** The document of `forget`. */
-JSON toJSON(const ForgetReport& report);
+std::string jsonText(const ForgetReport& report);
 
 }  // namespace browsersweep::cli

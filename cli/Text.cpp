@@ -102,6 +102,11 @@ bool changesLayout(char32_t codePoint) noexcept {
            (codePoint >= 0x2066 && codePoint <= 0x2069);
 }
 
+/** JSON has an escape of its own for what lies below. */
+bool isHarmfulInDocument(char32_t codePoint) noexcept {
+    return codePoint >= 0x7F && (isControlCharacter(codePoint) || changesLayout(codePoint));
+}
+
 std::size_t widthOf(char32_t codePoint) noexcept {
     if (contains(zeroWidthRanges, codePoint)) {
         return 0;
@@ -161,21 +166,22 @@ std::string printable(std::string_view text) {
     return shown;
 }
 
-std::string escapedDocument(std::string_view json) {
+std::string escapedDocument(std::string json) {
     std::string escaped;
-    escaped.reserve(json.size());
+    std::size_t taken = 0;
     for (std::size_t i = 0; i < json.size();) {
         const auto character = characterAt(json, i);
-        const bool isHarmful =
-            character.codePoint >= 0x7F &&
-            (isControlCharacter(character.codePoint) || changesLayout(character.codePoint));
-        if (character.isValid && isHarmful) {
+        if (character.isValid && isHarmfulInDocument(character.codePoint)) {
+            escaped.append(json, taken, i - taken);
             escaped += fmt::format("\\u{:04x}", static_cast<unsigned>(character.codePoint));
-        } else {
-            escaped += json.substr(i, character.length);
+            taken = i + character.length;
         }
         i += character.length;
     }
+    if (taken == 0) {
+        return json;  // as hardly any document holds one, a large one is not copied
+    }
+    escaped.append(json, taken);
     return escaped;
 }
 

@@ -35,7 +35,7 @@ std::string printable(std::string_view text);
  * A JSON document with an escape for every character that would act on a terminal or turn the text
  * around where the document is looked at. Its values stay the same.
  */
-std::string escapedDocument(std::string_view json);
+std::string escapedDocument(std::string json);
 
 /** The printable text with a question mark for each visible character outside ASCII. */
 std::string asciiOf(std::string_view text);
