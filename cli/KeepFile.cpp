@@ -75,12 +75,6 @@ bool holds(const std::vector<Value>& values, const Value& value) {
 
 /** In `clean` a site is kept by a filter, the last one, which decides among files. */
 void keepByFilter(const KeepRules& rules, Options& options) {
-    // SQLite takes no condition that is much longer.
-    constexpr std::size_t mostSites = 500;
-    if (rules.sites.size() > mostSites) {
-        refuse(rules.file,
-               fmt::format("has more than the {} sites that clean can keep", mostSites));
-    }
     for (const std::string& site : rules.sites) {
         if (patternFault(site)) {
             refuse(rules.file,

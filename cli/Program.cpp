@@ -23,6 +23,7 @@
 #include "cli/DeletionGuard.h"
 #include "cli/Doctor.h"
 #include "cli/ErrorText.h"
+#include "cli/FilterLimits.h"
 #include "cli/Gather.h"
 #include "cli/HTMLReport.h"
 #include "cli/HomeRemark.h"
@@ -38,7 +39,6 @@
 #include "cli/TextReport.h"
 #include "cli/UnseenText.h"
 #include "cli/UsageError.h"
-#include "cli/Wrapping.h"
 
 namespace browsersweep::cli {
 namespace {
@@ -83,8 +83,10 @@ public:
           guard_(options_, home_, cleanerFactory(), console_) {}
 
     int execute() {
-        tellOfHome();
         heedKeepList();
+        requireFittingFilters(options_);
+        tellOfHome();
+        tellOfKeepList();
         const bool areProfilesFound = settleProfilesOfSelection();
         std::optional<Report> settled;
         if (isDeletion() && (!guard_.mayDelete() || !isConfirmed(settled))) {
@@ -110,7 +112,6 @@ public:
     }
 
 private:
-    /** What the user wants left alone for good is told in every plan and beside every result. */
     void heedKeepList() {
         if (!isDeleting(options_.command) || options_.ignoresConfig) {
             return;
@@ -121,6 +122,12 @@ private:
         }
         if (options_.keep) {
             keep(*options_.keep, options_);
+        }
+    }
+
+    /** What the user wants left alone for good is told in every plan and beside every result. */
+    void tellOfKeepList() const {
+        if (options_.keep) {
             console_.note(keepText(*options_.keep));
         }
     }
@@ -266,7 +273,7 @@ private:
         tellFailuresOfPlan(planned);
         console_.writeError(peopleText(planned, errorAppearance(), options_.view));
         console_.discardTypedInput();
-        console_.writeError(questionOn(planned));
+        console_.writeError(unseenRemark(planned, errorAppearance()) + "Delete this? [y/N] ");
         interruption_.letThrough();
         const auto answer = console_.readLine();
         interruption_.holdBack();
@@ -276,15 +283,6 @@ private:
         }
         console_.note("nothing was deleted");
         return false;
-    }
-
-    /** What is asked, with what the filters cannot see; in lines that fit the terminal. */
-    std::string questionOn(const Report& planned) const {
-        const auto* const sizes = std::get_if<SizesReport>(&planned);
-        const auto question = (sizes == nullptr ? "" : unseenRemark(*sizes)) + "Delete this? [y/N]";
-        auto lines = wrapped(question, errorAppearance().columns);
-        lines.back() = ' ';
-        return lines;
     }
 
     int exitStatus(const Report& report, std::optional<int> signal) const {

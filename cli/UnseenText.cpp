@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <optional>
 #include <string_view>
+#include <variant>
 
 #include <fmt/format.h>
 
@@ -43,9 +44,12 @@ std::string shown(const Sum& sum, const std::string& figure) {
 }
 
 std::string tableOf(const SizesReport& report, const Appearance& appearance) {
-    constexpr std::size_t leastName = 8;
-    Table table({{"Browser", Alignment::left, leastName},
-                 {"Category", Alignment::left, leastName},
+    // Narrow enough for 40 columns; the name of a browser that is the only one says least.
+    constexpr std::size_t leastBrowser = 6;
+    constexpr std::size_t leastCategory = 7;
+    const int expendable = report.browsers.size() == 1 ? 2 : 0;
+    Table table({{"Browser", Alignment::left, leastBrowser, expendable},
+                 {"Category", Alignment::left, leastCategory},
                  {"Items", Alignment::right, 0, 1},
                  {"Size", Alignment::right},
                  {"Has no"}});
@@ -115,13 +119,15 @@ std::string filtersText(const SizesReport& report, const Appearance& appearance)
     return text;
 }
 
-std::string unseenRemark(const SizesReport& plan) {
-    if (!plan.unseen || !plan.unseen->isTaken || !isAnyUnseen(plan)) {
+std::string unseenRemark(const Report& plan, const Appearance& appearance) {
+    const auto* const sizes = std::get_if<SizesReport>(&plan);
+    if (sizes == nullptr || !sizes->unseen || !sizes->unseen->isTaken || !isAnyUnseen(*sizes)) {
         return "";
     }
-    const auto& size = plan.unseen->size;
-    return fmt::format("{} items ({}) of it the filters cannot see. ", countText(size.itemCount),
-                       bytesText(size.byteCount));
+    const auto& [items, bytes] = sizes->unseen->size;
+    return wrapped(fmt::format("The filters cannot see {} items ({}) of this.", countText(items),
+                               bytesText(bytes)),
+                   appearance.columns);
 }
 
 }  // namespace browsersweep::cli

@@ -13,7 +13,7 @@ namespace browsersweep::cli {
  */
 std::string filtersText(const SizesReport& report, const Appearance& appearance);
 
-/** What the question about a plan says of data that the filters cannot see; may be empty. */
-std::string unseenRemark(const SizesReport& plan);
+/** What stands before the question about a plan: what the filters cannot see; may be empty. */
+std::string unseenRemark(const Report& plan, const Appearance& appearance);
 
 }  // namespace browsersweep::cli

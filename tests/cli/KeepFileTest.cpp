@@ -67,16 +67,6 @@ TEST(KeepFile, keepsSitesInACleanByAFilterAfterTheOthers) {
               CleanableDataFilter(CleanableDataFilter::Rule::exclude, {"a.com", "b.com"}));
 }
 
-TEST(KeepFile, refusesMoreSitesThanAStatementTakes) {
-    std::string text;
-    for (int i = 0; i <= 500; ++i) {
-        text += "site a" + std::to_string(i) + ".com\n";
-    }
-    Options options;
-    options.command = Command::clean;
-    EXPECT_THROW(keep(parseKeepRules(text, "/k"), options), UsageError);
-}
-
 TEST(KeepFile, keepsSitesAndCategoriesFromBeingForgotten) {
     Options options;
     options.command = Command::forget;

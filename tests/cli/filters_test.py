@@ -75,8 +75,8 @@ class Unseen(FiltersTest):
         _, _, screen = self.run_on_terminal("clean", CHROMIUM, "--include=no-such-site",
                                             answer=b"n\n")
         self.assertIn("which goes whole (--strict leaves it out)", screen)
-        self.assertRegex(screen, r"4 items \(~[\d.]+ KB\) of it the filters cannot see. "
-                                 r"Delete this\? \[y/N\]")
+        self.assertRegex(screen, r"\nThe filters cannot see 4 items \(~[\d.]+ KB\) of this\.\r\n"
+                                 r"Delete this\? \[y/N\] ")
         self.assertEqual(self.snapshot(), before)
         _, _, screen = self.run_on_terminal("clean", CHROMIUM, "--category=cookies",
                                             "--include=no-such-site", answer=b"n\n")
@@ -192,6 +192,19 @@ class Days(FiltersTest):
         self.assertEqual(self.count("--days", "2020-01-01"), 1)
         self.assertEqual(self.count("--days", "2024-01"), 2)
         self.assertEqual(self.count("--days", "..2023-12"), 1)
+
+    def test_bounds_on_chromiums_history_are_shifted_by_the_time_zone_of_1601(self):
+        # 4 hours and 56 minutes behind UTC; 9 hours and 19 minutes ahead of it.
+        for zone, minutes, found in (("UTC", 90, 0), ("America/New_York", 90, 1),
+                                     ("America/New_York", 350, 1), ("America/New_York", 370, 0),
+                                     ("Asia/Tokyo", 1, 0)):
+            with self.subTest(zone=zone, minutes=minutes):
+                self.environment["TZ"] = zone
+                now = datetime.datetime.now(datetime.timezone.utc).timestamp()
+                database(self.history, "DELETE FROM urls", "INSERT INTO urls VALUES "
+                         f"(4, 'https://new.test/', "
+                         f"{int((now - 60 * minutes + 11644473600) * 1_000_000)})")
+                self.assertEqual(self.count("--last=1h"), found)
 
     def test_the_last_hours_are_counted_from_now(self):
         now = datetime.datetime.now(datetime.timezone.utc).timestamp()

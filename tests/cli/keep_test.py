@@ -118,8 +118,13 @@ class Wrong(KeepTest):
     def test_a_file_that_is_too_large(self):
         write(self.list, b"# " + b"x" * 65536)
         self.check("larger than 64 KiB")
-        write(self.list, "".join(f"site a{number}.com\n" for number in range(501)))
-        self.check("more than the 500 sites")
+
+    def test_more_sites_than_databases_take(self):
+        write(self.list, "".join(f"site a{number}.com\n" for number in range(1000)))
+        for command in (["clean", "--yes"], ["clean", "-n"]):
+            self.assert_usage_error(*command, CHROMIUM, says=[
+                str(self.list), "1,000 patterns", "1,000 of them sites of the keep list", "--no-config",
+                "nothing was done"])
 
     def test_what_is_no_file(self):
         self.list.mkdir(parents=True)

@@ -113,6 +113,21 @@ class Usage(HostProgramTest):
             with self.subTest(text=text):
                 self.assert_usage_error("size", f"--filter={text}")
 
+    def test_more_filters_than_databases_take(self):
+        patterns = [f"--exclude={number}.test" for number in range(1000)]
+        for command in (["clean", "--yes"], ["clean", "--dry-run"], ["size"]):
+            with self.subTest(command=command):
+                self.assert_usage_error(*command, "--browser=chromium", *patterns,
+                                        says=("1,000 patterns", "at most 990", "nothing was done"))
+        self.assert_usage_error("clean", "--yes", *patterns[:600],
+                                says=("600 patterns", "Safari's history", "at most 490"))
+        for arguments in (patterns[:990], [f"--inside={number}..{number}" for number in range(990)]):
+            self.assertEqual(self.run_program("size", "--browser=chromium", *arguments).status, 0)
+        self.assertEqual(self.run_program("size", *patterns[:490]).status, 0)
+
+    def test_a_pattern_longer_than_databases_compare(self):
+        self.assert_usage_error("size", "--include=" + "a" * 60000, says=("longer than databases",))
+
     def test_clean_without_a_terminal_needs_yes_or_a_dry_run(self):
         self.assert_usage_error("clean", says=("--yes", "--dry-run"))
         self.assert_usage_error("clean", "--force", "--json", says=("--yes",))
