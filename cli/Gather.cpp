@@ -65,8 +65,8 @@ private:
 
     void add(CleanableDataCategory category, const Items& items, BrowserSizes& row) const {
         observer_.begin(category);
-        auto part = options_.html ? sizeByProfile(category, items, row)
-                                  : sizeWithProfiles(category, items, row);
+        auto part = sizeOf(category, items);
+        addToProfiles(items, part, row);
         tellOfDatabases(items, part, row.browser);
         row.size = *row.size + part.size.value_or(CleanableDataSize::zero);
         row.freedBytes += part.freedBytes;
@@ -88,7 +88,8 @@ private:
         SweepOptions how;
         how.filters = options_.filters;
         how.ignoresErrors = options_.ignoreErrors;
-        how.keepsGoing = options_.keepGoing;
+        // A page shows the figures of one profile also where another fails.
+        how.keepsGoing = options_.keepGoing || options_.html;
         how.examines = true;
         how.control = observer_.control();
         return how;
@@ -135,34 +136,8 @@ private:
         return places.empty() ? std::filesystem::path() : places.front().path;
     }
 
-    /** The same profile by profile: a page shows the figures of one also where another fails. */
-    CategorySize sizeByProfile(CleanableDataCategory category, const Items& items,
-                               BrowserSizes& row) const {
-        CategorySize all{};
-        all.category = category;
-        all.size = CleanableDataSize::zero;
-        for (auto begin = items.begin(); begin != items.end();) {
-            const auto end = std::find_if(begin, items.end(), [&](const SweepItem& item) {
-                return item.profile != begin->profile;
-            });
-            const auto part = sizeOf(category, Items(begin, end));
-            all.items.insert(all.items.end(), part.items.begin(), part.items.end());
-            all.requiresClosedBrowserToClean |= part.requiresClosedBrowserToClean;
-            all.error = all.error ? all.error : part.error;
-            all.size = *all.size + part.size.value_or(CleanableDataSize::zero);
-            addToProfile(*begin->profile, part, row);
-            begin = end;
-        }
-        if (all.error && !options_.keepGoing) {
-            all.size.reset();
-        }
-        return all;
-    }
-
-    /** The same at once, as it is cleaned; what each profile has is told by its items. */
-    CategorySize sizeWithProfiles(CleanableDataCategory category, const Items& items,
-                                  BrowserSizes& row) const {
-        auto all = sizeOf(category, items);
+    /** What each profile has is told by its items. */
+    void addToProfiles(const Items& items, const CategorySize& all, BrowserSizes& row) const {
         for (std::size_t begin = 0; begin < all.items.size();) {
             auto end = begin;
             while (end < items.size() && items[end].profile == items[begin].profile) {
@@ -171,7 +146,6 @@ private:
             addToProfile(*items[begin].profile, partOf(all, begin, end), row);
             begin = end;
         }
-        return all;
     }
 
     /** What some items of a category come to; an error is theirs only where one of them failed. */

@@ -11,7 +11,7 @@ import stat
 import subprocess
 import sys
 
-from fixture import HANGS, PROGRAM, HostProgramTest, write
+from fixture import HANGS, PROGRAM, HostProgramTest, exact, write
 
 VOID = {"meta", "rect", "br", "link"}  # rect closes itself
 
@@ -85,6 +85,19 @@ class PageTest(HostProgramTest):
 
 
 class Contents(PageTest):
+    def test_a_profile_has_its_figures_where_another_fails(self):
+        shutil.copy(self.history, self.second / "History")
+        write(self.history, b"no database" * 100)
+        page = self.root / "page.html"
+        found = self.document("size", "--browser=chromium", "--category=history", "--html", page, status=1)
+        browser = found["browsers"][0]
+        self.assertIsNone(browser["categories"][0]["size"])
+        first, second = [profile["categories"][0] for profile in browser["profiles"]]
+        self.assertEqual((first["error"], first["size"]),
+                         ("not understood: file is not a database", None))
+        self.assertEqual((second["error"], second["size"]["itemCount"]), (None, exact(3)))
+        self.assertEqual(page.read_text("utf-8").count("failed: not understood"), 1)
+
     def test_the_table_holds_every_browser_profile_and_category_the_largest_first(self):
         def text(path):
             return f"~{path.stat().st_size / 1000:.1f} KB"
