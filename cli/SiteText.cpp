@@ -78,31 +78,56 @@ std::string_view figureHeader(const ForgetReport& report) noexcept {
     return report.isPlan ? "To be removed" : "Removed";
 }
 
+/** A terminal that is narrow has no room to repeat the name of the only site. */
+bool tellsSites(const ForgetReport& report, const Appearance& appearance) noexcept {
+    constexpr std::size_t wideEnough = 60;
+    const bool isNarrow = appearance.columns > 0 && appearance.columns < wideEnough;
+    return !isNarrow || report.forgotten.size() > 1 || !report.notBySite.empty();
+}
+
+std::vector<Table::Column> detailColumns(const ForgetReport& report, bool areSitesTold) {
+    std::vector<Table::Column> columns{{"Kind", Alignment::left, leastName},
+                                       {"Where", Alignment::left, leastName, 1},
+                                       {"Items", Alignment::right, 0, 2},
+                                       {std::string(figureHeader(report)), Alignment::right}};
+    if (areSitesTold) {
+        columns.insert(columns.begin(), {"Site", Alignment::left, leastSite});
+    }
+    return columns;
+}
+
+std::vector<Table::Cell> totalOf(const ForgetReport& report, bool areSitesTold) {
+    std::vector<Table::Cell> cells{{"Total", Style::strong}, ""};
+    cells.resize(cells.size() + (areSitesTold ? 1 : 0), "");
+    cells.emplace_back(countText(report.total.itemCount), Style::strong);
+    cells.emplace_back(bytesText(report.total.byteCount), Style::strong);
+    return cells;
+}
+
 /** A row for each site, kind and profile. */
 std::string detailTable(const ForgetReport& report, const Appearance& appearance) {
-    Table table({{"Site", Alignment::left, leastSite},
-                 {"Kind", Alignment::left, leastName},
-                 {"Where", Alignment::left, leastName, 2},
-                 {"Items", Alignment::right, 0, 1},
-                 {std::string(figureHeader(report)), Alignment::right}});
-    const auto add = [&table](const std::string& site, const KindName& kind, const SiteOwner& owner,
-                              const CleanableDataSize& size) {
-        table.addRow({site, std::string(kind.display), displayName(owner),
-                      countText(size.itemCount), bytesText(size.byteCount)});
+    const bool areSitesTold = tellsSites(report, appearance);
+    Table table(detailColumns(report, areSitesTold));
+    const auto add = [&table, areSitesTold](const std::string& site, const auto& row) {
+        std::vector<Table::Cell> cells;
+        if (areSitesTold) {
+            cells.emplace_back(site);
+        }
+        cells.emplace_back(std::string(row.kind.display));
+        cells.emplace_back(displayName(row.owner));
+        cells.emplace_back(countText(row.size.itemCount));
+        cells.emplace_back(bytesText(row.size.byteCount));
+        table.addRow(std::move(cells));
     };
     for (const auto& site : report.forgotten) {
         for (const auto& row : site.traces) {
-            add(site.site, row.kind, row.owner, row.size);
+            add(site.site, row);
         }
     }
     for (const auto& row : report.notBySite) {
-        add(std::string(anySite), row.kind, row.owner, row.size);
+        add(std::string(anySite), row);
     }
-    table.addRow({{"Total", Style::strong},
-                  "",
-                  "",
-                  {countText(report.total.itemCount), Style::strong},
-                  {bytesText(report.total.byteCount), Style::strong}});
+    table.addRow(totalOf(report, areSitesTold));
     return table.text(appearance);
 }
 
@@ -136,10 +161,10 @@ std::string summaryTable(const ForgetReport& report, const Appearance& appearanc
         auto& sum = sumOf(row.owner, row.kind);
         sum.size = sum.size + row.size;
     }
-    Table table({{"Where", Alignment::left, leastName, 2},
-                 {"Kind", Alignment::left, leastSite},
+    Table table({{"Where", Alignment::left, leastName, 1},
+                 {"Kind", Alignment::left, leastName},
                  {"Sites", Alignment::right},
-                 {"Items", Alignment::right, 0, 1},
+                 {"Items", Alignment::right, 0, 2},
                  {std::string(figureHeader(report)), Alignment::right}});
     for (const auto& [key, sum] : sums) {
         table.addRow({displayName(sum.owner), std::string(sum.kind),

@@ -72,6 +72,22 @@ TEST(SiteText, tellsWhatWouldGoAndWhatStays) {
               "--mixed takes them.\n");
 }
 
+TEST(SiteText, aNarrowTerminalTellsWhoseTheTracesOfTheOnlySiteAre) {
+    ForgetReport report;
+    report.isPlan = true;
+    report.forgotten = {site("a.com", 2)};
+    report.forgotten[0].traces.pop_back();
+    report.total = {2, 2000};
+    Appearance appearance;
+    appearance.columns = 40;
+    EXPECT_EQ(peopleText(report, appearance),
+              "Kind     Where      Items  To be removed\n"
+              "History  Chromiu..      2         2.0 KB\n"
+              "Total                   2         2.0 KB\n");
+    report.forgotten.push_back(site("b.com", 1));
+    EXPECT_EQ(peopleText(report, appearance).substr(0, 5), "Site ");
+}
+
 TEST(SiteText, onATerminalReasonsAreBrokenAndPathsCutAtTheirFront) {
     ForgetReport report;
     report.isPlan = true;

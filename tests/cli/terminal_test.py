@@ -1,9 +1,10 @@
 """The program in a terminal of several widths: what people see, are asked and may press."""
 
 import re
+import shutil
 import unittest
 
-from fixture import COMMANDS, HANGS, PROGRAM, HostProgramTest, write
+from fixture import COMMANDS, HANGS, PROGRAM, HostProgramTest, database, write
 
 try:
     import pexpect
@@ -82,6 +83,33 @@ class Widths(TerminalTest):
                     self.assert_fits(text, columns)
                     self.assertIn("Total", text)
 
+    def test_what_filters_cannot_see_fits_and_is_said_whole(self):
+        database(self.history, "CREATE TABLE downloads (id INTEGER)", "INSERT INTO downloads VALUES (1)")
+        shutil.copytree(self.support / "Chromium", self.support / "Google" / "Chrome")
+        shutil.copytree(self.caches / "Chromium", self.caches / "Google" / "Chrome")
+        text, both = ["--include=no-such-site"], ["--exclude=x", "--last=7d"]
+        for filters, lacks in ((text, "text"), (["--last=7d"], "date"), (both, "text or date")):
+            for columns in (NARROWEST, *WIDTHS):
+                for arguments in (["size"], ["clean", "-n"], ["clean", "-n", "-b", "chromium"],
+                                  ["clean", "-n", "--strict"], ["clean", "--list"]):
+                    with self.subTest(filters=filters, columns=columns, arguments=arguments):
+                        status, text = self.run_at(columns, *arguments, *filters)
+                        self.assertEqual(status, 0, text)
+                        self.assert_fits(text, columns)
+                        rows = self.lines(text)
+                        self.assertTrue(any(line.endswith("  Has no") for line in rows), text)
+                        self.assertTrue(any(line.endswith(f"  {lacks}") for line in rows), text)
+
+    def test_a_plan_of_one_site_says_whose_its_traces_are(self):
+        for columns in (NARROWEST, *WIDTHS):
+            with self.subTest(columns=columns):
+                status, text = self.run_at(columns, "forget", "one.example", "-n", "-b", "chromium")
+                self.assertEqual(status, 0, text)
+                self.assert_fits(text, columns)
+                lines = "\n".join(self.lines(text))
+                self.assertRegex(lines, r"\n(Site +)?Kind +Where +Items +To be removed\n")
+                self.assertRegex(lines, r"\nTotal +2 +~51 B\n")
+
     def test_bars_grow_with_the_terminal(self):
         longest = [max(line.count("#") for line in self.lines(self.run_at(columns, "size")[1])
                        if "Measuring" not in line)
@@ -132,6 +160,14 @@ class Widths(TerminalTest):
 
 
 class Questions(TerminalTest):
+    def test_what_filters_cannot_see_is_in_the_question(self):
+        for columns in (NARROWEST, *WIDTHS):
+            with self.subTest(columns=columns):
+                child = self.asked(columns, "clean", "-b", "chromium", "--include=no-such-site")
+                self.assertRegex(child.before.replace("\r\n", " "), r"The filters cannot see .* of this\.")
+                child.sendline("n")
+                self.screen(child)
+
     def asked(self, columns, *arguments):
         child = self.spawn(columns, *arguments)
         child.expect_exact("Delete this? [y/N] ")
