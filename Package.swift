@@ -1,8 +1,7 @@
 // swift-tools-version:5.7
 // The library for Swift's package manager: a module over the interface for C, compiled from the
 // sources here. SQLite and expat come with macOS; nlohmann-json, of which only headers are used, comes
-// from Homebrew, as scripts/setup build installs it. What sites left takes libraries that a package of
-// Swift could not bring along, so that room is left out. CMakeLists.txt is what everything else is built by.
+// from Homebrew, as scripts/setup build installs it. CMakeLists.txt is what everything else is built by.
 
 import PackageDescription
 
@@ -13,6 +12,9 @@ let systemLibraries: [LinkerSetting] = [.linkedFramework("Foundation")]
 let otherSystems = ["platform/internal/darwin", "platform/internal/foundation"]
 let systemLibraries: [LinkerSetting] = [.linkedLibrary("icuuc"), .linkedLibrary("icui18n")]
 #endif
+
+// What sites left needs libraries that such a package cannot bring along.
+let rooms = ["sites", "hosting/sites", "traces"]
 
 let package = Package(
     name: "browsersweep",
@@ -32,7 +34,7 @@ let package = Package(
             name: "browsersweep",
             dependencies: ["nlohmann_json"],
             path: "browsersweep",
-            exclude: ["CMakeLists.txt", "sites"] + otherSystems,
+            exclude: ["CMakeLists.txt"] + rooms + otherSystems,
             publicHeadersPath: "c",
             cxxSettings: [
                 .headerSearchPath(".."),

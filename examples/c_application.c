@@ -1,5 +1,6 @@
 /* A small application in C: tells what each browser keeps, and cleans the cache of one of them. Its user
- * presses Stop in the middle, and then lets it go to its end. */
+ * presses Stop in the middle, and then lets it go to its end. Of one site the user first looks at what
+ * would go, and then removes what is surely that site's. */
 
 #include <stdio.h>
 #include <stdlib.h>
@@ -65,6 +66,46 @@ static void clean_cache(const browsersweep_data* data, bool stop_is_pressed) {
     printf("%s: %lld files removed\n", is_done ? "done" : "stopped", (long long)removed.items);
 }
 
+static browsersweep_filters* only(const char* site) {
+    const browsersweep_patterns patterns = {
+        .struct_size = sizeof patterns, .include = true, .patterns = &site, .count = 1};
+    browsersweep_error* error = NULL;
+    browsersweep_filters* filters = browsersweep_filters_new(&error);
+    if (filters == NULL || !browsersweep_filters_add(filters, &patterns, NULL, &error)) {
+        fail(error);
+    }
+    return filters;
+}
+
+/* Every table of the history of which something would go. */
+static void show_plan(const browsersweep_data* data, const browsersweep_filters* filters) {
+    browsersweep_error* error = NULL;
+    browsersweep_plan* plan = browsersweep_plan_of_data(
+        data, BROWSERSWEEP_SET_OF(BROWSERSWEEP_HISTORY), filters, 0, NULL, NULL, &error);
+    if (plan == NULL) {
+        fail(error);
+    }
+    browsersweep_entry entry = {.struct_size = sizeof entry};
+    for (size_t i = 0; browsersweep_plan_entry(plan, i, &entry); ++i) {
+        printf("%s, %s: %lld rows%s\n", entry.profile, entry.table, (long long)entry.items,
+               entry.is_unseen ? ", of any site" : "");
+    }
+    browsersweep_plan_free(plan);
+}
+
+static void clean_site(const browsersweep_data* data, const char* site) {
+    browsersweep_filters* filters = only(site);
+    browsersweep_error* error = NULL;
+    browsersweep_size removed = {.struct_size = sizeof removed};
+    show_plan(data, filters);
+    if (!browsersweep_data_clean(data, BROWSERSWEEP_SET_OF(BROWSERSWEEP_HISTORY), filters,
+                                 BROWSERSWEEP_STRICT, NULL, NULL, &removed, &error)) {
+        fail(error);
+    }
+    printf("%s: %lld rows removed\n", site, (long long)removed.items);
+    browsersweep_filters_free(filters);
+}
+
 int main(int count, char** arguments) {
     if (count != 2) {
         fputs("usage: c_application HOME\n", stderr);
@@ -83,6 +124,7 @@ int main(int count, char** arguments) {
         browsersweep_data* data = data_of(home, firefox);
         clean_cache(data, true);
         clean_cache(data, false);
+        clean_site(data, "example.com");
         browsersweep_data_free(data);
     }
     browsersweep_home_free(home);

@@ -190,7 +190,9 @@ BROWSERSWEEP_EXPORT browsersweep_filters* browsersweep_filters_new(browsersweep_
 /**
  * Adds one filter of patterns, of dates, or of both; either may be NULL. Patterns reach the
  * databases as they stand: one that is empty, is not UTF-8, or holds a quote, `%`, `_` or a control
- * character is refused.
+ * character is refused. Filters that are more than a database takes are an invalid argument of the
+ * functions that use them: about 990 patterns and ranges of dates together fit everywhere but in
+ * Safari's history, which takes about 490.
  */
 BROWSERSWEEP_EXPORT bool browsersweep_filters_add(browsersweep_filters* filters,
                                                   const browsersweep_patterns* patterns,
@@ -241,9 +243,15 @@ typedef struct browsersweep_size {
 typedef bool (*browsersweep_progress)(void* context, browsersweep_category category, size_t done,
                                       size_t total);
 
-/** How to work, in `options`: 0, or this. */
+/** How to work, in `options`: 0, or the sum of these. */
 enum {
-    BROWSERSWEEP_IGNORE_ERRORS = 1 /**< an item that fails counts zero, marked approximate */
+    BROWSERSWEEP_IGNORE_ERRORS = 1, /**< an item that fails counts zero, marked approximate */
+    /**
+     * What the filters cannot see is left out. Without it such data is taken whole: form data
+     * under any filter, most cookies under dates, and whatever else has no text or no date to be
+     * told by. Without filters it changes nothing.
+     */
+    BROWSERSWEEP_STRICT = 2
 };
 
 /**
@@ -270,6 +278,48 @@ BROWSERSWEEP_EXPORT bool browsersweep_data_clean(const browsersweep_data* data,
                                                  unsigned options, browsersweep_progress progress,
                                                  void* context, browsersweep_size* removed,
                                                  browsersweep_error** error);
+
+/** What a clean would take, one by one, as it was when it was looked at. */
+typedef struct browsersweep_plan browsersweep_plan;
+
+/** A file, rows of a table, or the cookies of a file. Its texts live as long as the plan. */
+typedef struct browsersweep_entry {
+    size_t struct_size;             /**< the size of this structure: set by the caller, and kept */
+    browsersweep_category category; /**< its kind */
+    const char* profile;            /**< the name of its profile; NULL where none is recorded */
+    const char* folder;             /**< the folder of its profile; NULL where none is recorded */
+    const char* path;               /**< the file, which for rows is the database */
+    const char* table;              /**< the table of the rows; NULL for what is no rows */
+    int64_t items;                  /**< rows, the cookies of a file, or 1 for another file */
+    int64_t bytes;                  /**< the size of a file; 0 for rows */
+    bool items_are_approximate;     /**< whether `items` is: 0 of rows that cannot be counted */
+    bool bytes_are_approximate;     /**< whether `bytes` is */
+    bool has_bytes;                 /**< false for rows: nobody can tell how many bytes they take */
+    bool is_unseen; /**< whether it goes whole because the filters, or one of their parts, cannot
+                       see it; `BROWSERSWEEP_STRICT` leaves it out */
+} browsersweep_entry;
+
+/**
+ * Lists what a clean with the same arguments would take, so that a person can look before it goes:
+ * each file, each table with its rows, each cookie file of which something is selected. Only reads.
+ * The first item that fails ends it with its error; with `BROWSERSWEEP_IGNORE_ERRORS` such an item
+ * is one entry of zero, marked approximate. Rows are counted with changes that wait beside the
+ * database.
+ */
+BROWSERSWEEP_EXPORT browsersweep_plan* browsersweep_plan_of_data(
+    const browsersweep_data* data, browsersweep_categories categories,
+    const browsersweep_filters* filters, unsigned options, browsersweep_progress progress,
+    void* context, browsersweep_error** error);
+
+/** How many entries there are. */
+BROWSERSWEEP_EXPORT size_t browsersweep_plan_count(const browsersweep_plan* plan);
+
+/** Gives one entry; false if there is none, or if `struct_size` is not set. */
+BROWSERSWEEP_EXPORT bool browsersweep_plan_entry(const browsersweep_plan* plan, size_t index,
+                                                 browsersweep_entry* entry);
+
+/** Lets go of the plan. */
+BROWSERSWEEP_EXPORT void browsersweep_plan_free(browsersweep_plan* plan);
 
 /** Bookmarks, as they were when they were read. */
 typedef struct browsersweep_bookmarks browsersweep_bookmarks;

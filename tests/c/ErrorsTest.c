@@ -49,6 +49,34 @@ static void refused_patterns(void) {
     }
 }
 
+/** More patterns than a database takes are refused before anything is done. */
+static void too_many_patterns(const browsersweep_home* home) {
+    static char texts[1100][32];
+    const char* list[1100];
+    for (size_t i = 0; i < 1100; ++i) {
+        snprintf(texts[i], sizeof texts[i], "x%zu.de", i);
+        list[i] = texts[i];
+    }
+    const browsersweep_patterns patterns = {sizeof patterns, false, list, 1100};
+    browsersweep_filters* filters = browsersweep_filters_new(NULL);
+    rule("each pattern is fit", browsersweep_filters_add(filters, &patterns, NULL, NULL));
+    browsersweep_browser chrome = 0;
+    browsersweep_browser_from_raw_value("googleChrome", &chrome);
+    browsersweep_data* data = browsersweep_data_of_browser(home, chrome, NULL);
+    browsersweep_size before = {sizeof before, 0, 0, false, false};
+    browsersweep_size after = {sizeof after, -1, 0, false, false};
+    browsersweep_data_size(data, BROWSERSWEEP_ALL_CATEGORIES, NULL, 0, NULL, NULL, &before, NULL);
+    browsersweep_error* error = NULL;
+    rule("too many patterns are refused",
+         !browsersweep_data_clean(data, BROWSERSWEEP_ALL_CATEGORIES, filters,
+                                  BROWSERSWEEP_IGNORE_ERRORS, NULL, NULL, NULL, &error));
+    is_of_kind("that is a wrong argument", BROWSERSWEEP_ERROR_INVALID_ARGUMENT, error);
+    browsersweep_data_size(data, BROWSERSWEEP_ALL_CATEGORIES, NULL, 0, NULL, NULL, &after, NULL);
+    rule("nothing was deleted by then", before.items > 0 && after.items == before.items);
+    browsersweep_data_free(data);
+    browsersweep_filters_free(filters);
+}
+
 /** A structure whose size is not set is refused, before anything is read or deleted. */
 static void structures_without_size(const browsersweep_home* home) {
     const browsersweep_error_kind wrong = BROWSERSWEEP_ERROR_INVALID_ARGUMENT;
@@ -78,6 +106,12 @@ static void structures_without_size(const browsersweep_home* home) {
          !browsersweep_data_clean(data, 1, NULL, 0, NULL, NULL, &size, &error));
     is_of_kind("that is a wrong argument", wrong, error);
     rule("such a result is left as it was", size.items == -1 && size.bytes == -1);
+    browsersweep_plan* plan = browsersweep_plan_of_data(data, 1, NULL, 0, NULL, NULL, NULL);
+    browsersweep_entry entry = {.struct_size = sizeof entry - sizeof(int64_t)};
+    rule("an entry without a size is not filled",
+         !browsersweep_plan_entry(plan, 0, &entry) && entry.path == NULL &&
+             !browsersweep_plan_entry(plan, 0, NULL));
+    browsersweep_plan_free(plan);
     size.struct_size = sizeof size;
     rule("there is still something to delete",
          browsersweep_data_size(data, 1, NULL, 0, NULL, NULL, &size, NULL) && size.items > 0);
@@ -98,6 +132,15 @@ static void structures_of_later_versions(const browsersweep_home* home) {
              grown.size.items > 0 && !grown.size.items_are_approximate);
     rule("its size and what is not known are left as they were",
          grown.size.struct_size == sizeof grown && grown.later == 7);
+    struct {
+        browsersweep_entry entry;
+        int64_t later;
+    } larger = {{.struct_size = sizeof larger}, 7};
+    browsersweep_plan* plan = browsersweep_plan_of_data(data, 1, NULL, 0, NULL, NULL, NULL);
+    rule("so is an entry of a later version",
+         browsersweep_plan_entry(plan, 0, &larger.entry) && larger.entry.path != NULL &&
+             larger.entry.struct_size == sizeof larger && larger.later == 7);
+    browsersweep_plan_free(plan);
     browsersweep_data_free(data);
 }
 
@@ -129,8 +172,19 @@ static void broken_database(const browsersweep_home* home, const char* folder) {
     rule("then there is no error", error == NULL);
     rule("the other profile's cookies are there", size.items > 0);
     rule("the number is approximate", size.items_are_approximate);
+    error = NULL;
+    rule("a broken database cannot be listed",
+         browsersweep_plan_of_data(data, cookies, NULL, 0, NULL, NULL, &error) == NULL);
+    is_of_kind("that is an error of a database, too", BROWSERSWEEP_ERROR_DATABASE, error);
+    browsersweep_plan* plan = browsersweep_plan_of_data(
+        data, cookies, NULL, BROWSERSWEEP_IGNORE_ERRORS, NULL, NULL, NULL);
+    browsersweep_entry entry = {.struct_size = sizeof entry};
+    rule("ignoring errors it is an entry that is not known",
+         browsersweep_plan_count(plan) == 2 && browsersweep_plan_entry(plan, 0, &entry) &&
+             entry.items == 0 && entry.items_are_approximate && entry.path[0] == '/');
+    browsersweep_plan_free(plan);
     rule("an option that means nothing is a wrong argument",
-         !browsersweep_data_size(data, cookies, NULL, 2, NULL, NULL, &size, NULL));
+         !browsersweep_data_size(data, cookies, NULL, 4, NULL, NULL, &size, NULL));
     browsersweep_data_free(data);
 }
 
@@ -152,10 +206,12 @@ static void nothing(void) {
     browsersweep_profiles_free(NULL);
     browsersweep_filters_free(NULL);
     browsersweep_data_free(NULL);
+    browsersweep_plan_free(NULL);
     browsersweep_bookmarks_free(NULL);
     browsersweep_notifications_free(NULL);
     rule("no list has no entries", browsersweep_profiles_count(NULL) == 0 &&
                                        browsersweep_bookmarks_count(NULL) == 0 &&
+                                       browsersweep_plan_count(NULL) == 0 &&
                                        browsersweep_notifications_count(NULL) == 0 &&
                                        browsersweep_data_categories(NULL) == 0);
     rule("no list has no texts", browsersweep_profiles_name(NULL, 0) == NULL &&
@@ -171,6 +227,7 @@ int main(int count, char** arguments) {
     browsersweep_home* home = browsersweep_home_at(arguments[1], NULL);
     wrong_arguments(home);
     refused_patterns();
+    too_many_patterns(home);
     structures_without_size(home);
     structures_of_later_versions(home);
     broken_database(home, arguments[1]);

@@ -64,6 +64,15 @@ class SwiftPackage(ScriptTest):
     def test_it_compiles_the_folders_that_cmake_compiles(self):
         self.assertEqual(folders_that_swift_leaves_out(), folders_that_cmake_leaves_out())
 
+    def test_it_leaves_out_the_sites_as_cmake_does_without_their_libraries(self):
+        text = (LIBRARY / "CMakeLists.txt").read_text("utf-8")
+        place = re.search(r"if\(NOT BROWSERSWEEP_SITES\)\n.* EXCLUDE REGEX \"/browsersweep(.*)\"\)", text)[1]
+        folders = {str(path.relative_to(LIBRARY)) for path in LIBRARY.rglob("*")
+                   if path.is_dir() and re.fullmatch(place, f"/{path.relative_to(LIBRARY)}/")}
+        self.assertEqual(folders, {"sites", "hosting/sites", "traces"})
+        rooms = re.search(r"^let rooms = \[(.*)\]$", SWIFT, re.M)[1]
+        self.assertEqual(set(re.findall(r'"([^"]+)"', rooms)), folders)
+
     def test_what_it_leaves_out_is_there(self):
         for name in re.findall(r'"(platform/[\w/]+)"', SWIFT) + ["CMakeLists.txt", "c/module.modulemap"]:
             self.assertTrue((LIBRARY / name).exists(), name)
@@ -91,7 +100,7 @@ class SwiftPackage(ScriptTest):
         names = re.findall(r"^- Name: (\w+)$", notes, re.M)
         self.assertEqual([name for name in names if not re.search(rf"\b{name}\b", header)], [])
         enumerators = set(re.findall(r"^    (BROWSERSWEEP_\w+) = \d+,? ", header, re.M))
-        unnamed = enumerators - set(names) - {"BROWSERSWEEP_IGNORE_ERRORS"}
+        unnamed = enumerators - set(names) - {"BROWSERSWEEP_IGNORE_ERRORS", "BROWSERSWEEP_STRICT"}
         self.assertEqual(unnamed, set())
 
     def test_clang_understands_its_notes(self):

@@ -44,6 +44,21 @@ struct browsersweep_data {
     std::shared_ptr<browsersweep::OperationControl> control;  ///< asked by what the items do
 };
 
+struct browsersweep_plan {
+    struct Entry {
+        browsersweep::CleanableDataCategory category;
+        std::optional<std::string> profile;
+        std::optional<std::string> folder;
+        std::string path;
+        std::optional<std::string> table;
+        browsersweep::CleanableDataSize::Measurement items;
+        std::optional<browsersweep::CleanableDataSize::Measurement> bytes;
+        bool isUnseen;
+    };
+
+    std::vector<Entry> entries;
+};
+
 struct browsersweep_bookmarks {
     std::vector<browsersweep::Bookmark> list;
 };

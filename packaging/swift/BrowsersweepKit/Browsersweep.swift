@@ -73,6 +73,29 @@ public final class Home {
     deinit { browsersweep_home_free(handle) }
 }
 
+/// A file, rows of a table, or the cookies of a file, that a clean would take.
+public struct PlanEntry {
+    public let category: BrowsersweepCategory
+    /// The name of its profile, where the browser records one.
+    public let profile: String?
+    public let path: String
+    /// The table of the rows; nil for what is no rows.
+    public let table: String?
+    /// Rows, the cookies of a file, or 1 for another file.
+    public let items: Int64
+    /// The size of a file; nil for rows, of which nobody can tell how many bytes they take.
+    public let bytes: Int64?
+
+    init(_ entry: BrowsersweepEntry) {
+        category = entry.category
+        profile = entry.profile.map { String(cString: $0) }
+        path = String(cString: entry.path)
+        table = entry.table.map { String(cString: $0) }
+        items = entry.items
+        bytes = entry.has_bytes ? entry.bytes : nil
+    }
+}
+
 /// The data of all profiles of a browser.
 public final class BrowserData {
     private let handle: OpaquePointer
@@ -92,6 +115,21 @@ public final class BrowserData {
             browsersweep_data_size(handle, chosen, nil, 0, nil, nil, &size, error) ? true : nil
         }
         return size
+    }
+
+    /// What a clean of these categories would take, one by one. Only reads.
+    public func plan(of categories: Categories = .all) throws -> [PlanEntry] {
+        let chosen = BrowsersweepCategories(rawValue: categories.rawValue)
+        let plan = try checked {
+            browsersweep_plan_of_data(handle, chosen, nil, 0, nil, nil, $0)
+        }
+        defer { browsersweep_plan_free(plan) }
+        return (0..<browsersweep_plan_count(plan)).map { index in
+            var entry = BrowsersweepEntry()
+            entry.struct_size = MemoryLayout<BrowsersweepEntry>.size
+            _ = browsersweep_plan_entry(plan, index, &entry)
+            return PlanEntry(entry)
+        }
     }
 
     /// Deletes the data of these categories, and tells what is really gone.
