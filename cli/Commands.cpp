@@ -17,8 +17,11 @@ much that is, and --strict leaves it out.
 DAYS are whole days of the time zone here, the last one included. A date is
 YYYY-MM-DD (midnight UTC), YYYY-MM-DDTHH:MM:SS[.fff]Z, a number of up to nine
 digits, which are seconds since 2001-01-01 00:00:00 UTC, or @ and a number of
-seconds since 1970. On the history of the Chromium family a bound acts late by
-what local time was ahead of UTC in 1601, or early by what it was behind.
+seconds since 1970.
+
+On the history of Chrome and all its family a bound acts later by as much as
+local time was ahead of UTC in 1601, or earlier by as much as it was behind:
+there --last 1h takes 6 minutes in Berlin, and nearly 6 hours in New York.
 
 A filter in JSON, of which every part may be left out:
   {"patterns":{"rule":"include","patterns":["a","b"]},

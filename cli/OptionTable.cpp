@@ -147,12 +147,13 @@ constexpr std::array ownOptions{
               }, nullptr},
     OptionRow{"--days", "--days", "DAYS", "filters", Scope::sizeAndClean,
               "only what is dated on these days, here and whole: 2024-02-29, 2024-02, today, "
-              "yesterday, or two of them with .. between",
+              "yesterday, or two of them with .. between; of Chrome's history see below",
               [](const std::string& value, Options& options) {
                   options.filters.push_back(daysFilter(value));
               }, nullptr},
     OptionRow{"--last", "--last", "AGE", "filters", Scope::sizeAndClean,
-              "only what is dated in the last hours, days, weeks or years, such as 1h or 7d",
+              "only what is dated in the last hours, days, weeks or years, such as 1h or 7d; of "
+              "Chrome's history see below",
               [](const std::string& value, Options& options) {
                   options.filters.push_back(lastFilter(value));
               }, nullptr},
