@@ -147,6 +147,13 @@ Dates parseLast(std::string_view age, Date now) {
     return {Dates::Rule::insideRange, parseDate(start), std::nullopt};
 }
 
+double hoursAheadIn1601() {
+    constexpr double secondsBefore1970 = 11644473600;
+    constexpr double hour = 3600;
+    const Date local = startOf(std::chrono::year(1601) / 1 / 1);
+    return (-secondsBefore1970 - secondsSince1970(local)) / hour;
+}
+
 std::string localText(Date date) {
     constexpr double year10000 = 253402300800;
     const double seconds = secondsSince1970(date);

@@ -18,6 +18,12 @@ CleanableDataFilter::Dates parseDays(std::string_view text, Date now);
 /** The range from so long before now, such as "7d". Throws a `UsageError`. */
 CleanableDataFilter::Dates parseLast(std::string_view age, Date now);
 
+/**
+ * By how many hours local time was ahead of UTC at the midnight from which Chromium's history is
+ * taken to count: the bounds of dates act so much later there. Negative where it was behind.
+ */
+double hoursAheadIn1601();
+
 /** A date in the time zone of the device, with the zone's name: "2024-02-29 12:30:00 CET". */
 std::string localText(Date date);
 

@@ -1,5 +1,7 @@
 #include "cli/UnseenText.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <optional>
 #include <string_view>
@@ -9,6 +11,7 @@
 
 #include "cli/Figures.h"
 #include "cli/FilterText.h"
+#include "cli/LocalDays.h"
 #include "cli/Table.h"
 #include "cli/Wrapping.h"
 
@@ -93,6 +96,34 @@ std::string_view headingOf(const SizesReport& report) noexcept {
     return "";
 }
 
+bool hasBounds(const CleanableDataFilter& filter) {
+    const auto& dates = filter.datesData;
+    return dates && (dates->startDate || dates->endDate);
+}
+
+bool isOfChromium(const BrowserSizes& row, CleanableDataCategory category) {
+    return row.browser != Browser::firefox && row.browser != Browser::safari &&
+           std::any_of(row.categories.begin(), row.categories.end(),
+                       [category](const CategorySize& part) { return part.category == category; });
+}
+
+/** Dates that say one thing and do another on some history are not left without a word. */
+std::string shiftText(const SizesReport& report, std::size_t columns) {
+    const bool isAnyHistory = std::any_of(
+        report.browsers.begin(), report.browsers.end(),
+        [](const BrowserSizes& row) { return isOfChromium(row, CleanableDataCategory::history); });
+    const double ahead = hoursAheadIn1601();
+    const double hours = std::round(2 * std::fabs(ahead)) / 2;
+    if (!isAnyHistory || hours == 0 ||
+        std::none_of(report.filters.begin(), report.filters.end(), hasBounds)) {
+        return "";
+    }
+    return wrapped(
+        fmt::format("On the history of Chrome and its family the dates act about {:g} hour{} {}.",
+                    hours, hours == 1 ? "" : "s", ahead > 0 ? "later" : "earlier"),
+        columns);
+}
+
 /** How much of all that is. */
 std::string shareOf(const SizesReport& report, std::size_t columns) {
     const auto& part = report.unseen->size;
@@ -112,6 +143,7 @@ std::string filtersText(const SizesReport& report, const Appearance& appearance)
     for (const std::string& each : filterTexts(report.filters)) {
         text += wrapped("Filter: " + each, appearance.columns);
     }
+    text += shiftText(report, appearance.columns);
     if (report.unseen && isAnyUnseen(report)) {
         text += "\n" + wrapped(headingOf(report), appearance.columns) +
                 tableOf(report, appearance) + shareOf(report, appearance.columns);

@@ -110,5 +110,13 @@ TEST_F(LocalDaysTest, aDateIsShownWithItsZone) {
     EXPECT_EQ(localText(parseDate("@9000000000000")), "@9000000000000");
 }
 
+TEST_F(LocalDaysTest, historyOfChromiumIsShiftedByTheZone) {
+    EXPECT_EQ(hoursAheadIn1601(), 1);
+    setZone("EST5");
+    EXPECT_EQ(hoursAheadIn1601(), -5);
+    setZone("UTC0");
+    EXPECT_EQ(hoursAheadIn1601(), 0);
+}
+
 }  // namespace
 }  // namespace browsersweep::cli

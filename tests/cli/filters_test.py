@@ -206,6 +206,19 @@ class Days(FiltersTest):
                          f"{int((now - 60 * minutes + 11644473600) * 1_000_000)})")
                 self.assertEqual(self.count("--last=1h"), found)
 
+    def test_every_plan_says_how_they_are_shifted(self):
+        line = "On the history of Chrome and its family the dates act about 5 hours earlier.\n"
+        self.environment["TZ"] = "EST5"
+        for arguments in (["size", *HISTORY], ["clean", "-n", CHROMIUM], ["clean", "--yes", *HISTORY]):
+            with self.subTest(arguments=arguments):
+                self.assertIn(line, self.run_program(*arguments, "--last=1h").text)
+        for arguments in ([*HISTORY, "--include=x"], [*HISTORY, "--inside=.."],
+                          ["-b", "safari", "-b", "firefox", "--last=1h"], [*CACHE, "--last=1h"]):
+            with self.subTest(arguments=arguments):
+                self.assertNotIn("Chrome and its family", self.run_program("size", *arguments).text)
+        self.environment["TZ"] = "UTC0"
+        self.assertNotIn("Chrome and its family", self.run_program("size", *HISTORY, "--last=1h").text)
+
     def test_the_last_hours_are_counted_from_now(self):
         now = datetime.datetime.now(datetime.timezone.utc).timestamp()
         database(self.history, "INSERT INTO urls VALUES (4, 'https://new.test/', "
