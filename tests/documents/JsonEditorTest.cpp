@@ -74,6 +74,23 @@ TEST(JsonEditor, equalKeysAreAllFoundHoweverTheyAreWritten) {
     EXPECT_EQ(found, (std::vector<std::string>{"1", "2"}));
 }
 
+TEST(JsonEditor, halfOfAPairStaysAsItIsAndReadsAsNoCharacter) {
+    const std::string_view text =
+        R"({"a":"x\ud83d","b":"\udE00\ud83d\ude00\ud83d","\ud800":"\\ud800"})";
+    const JsonEditor editor(bytes(text));
+    EXPECT_EQ(editor.edited(), text);
+    std::vector<std::string> found;
+    for (const auto& member : editor.members(editor.root())) {
+        found.push_back(member.key + "=" + editor.string(member.value));
+    }
+    EXPECT_EQ(found, (std::vector<std::string>{"a=x\xEF\xBF\xBD",
+                                               "b=\xEF\xBF\xBD\xF0\x9F\x98\x80\xEF\xBF\xBD",
+                                               "\xEF\xBF\xBD=\\ud800"}));
+    for (const char* damaged : {R"("\ud8")", R"("\ud83x")", R"("\u-800")", R"("\)"}) {
+        EXPECT_THROW(JsonEditor(bytes(damaged)), DecodingError) << damaged;
+    }
+}
+
 TEST(JsonEditor, onlyAStringHasOneAndOnlyArraysAndObjectsHaveMembers) {
     for (const char* text : {"1", "\"text\"", "null", "[]", "{}", "[ ]", "{\n}"}) {
         const JsonEditor editor(bytes(text));

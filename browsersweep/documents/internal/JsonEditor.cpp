@@ -1,6 +1,8 @@
 #include "browsersweep/documents/internal/JsonEditor.h"
 
 #include <algorithm>
+#include <charconv>
+#include <optional>
 #include <span>
 #include <utility>
 
@@ -15,6 +17,44 @@ bool isSpace(char letter) noexcept {
     return letter == ' ' || letter == '\t' || letter == '\n' || letter == '\r';
 }
 
+/** "\\ud83d": a unit of UTF-16 in hexadecimal digits. */
+constexpr std::size_t escapeLength = 6;
+
+std::optional<unsigned> unitAt(std::string_view text, std::size_t place) {
+    const std::string_view escape = text.substr(std::min(place, text.size()), escapeLength);
+    unsigned unit = 0;
+    if (escape.size() < escapeLength || !escape.starts_with("\\u")) {
+        return std::nullopt;
+    }
+    const auto read = std::from_chars(escape.data() + 2, escape.data() + escapeLength, unit, 16);
+    return read.ptr == escape.data() + escapeLength ? std::optional(unit) : std::nullopt;
+}
+
+bool isFirstHalf(std::optional<unsigned> unit) noexcept {
+    return unit && *unit >= 0xD800 && *unit < 0xDC00;
+}
+
+bool isSecondHalf(std::optional<unsigned> unit) noexcept {
+    return unit && *unit >= 0xDC00 && *unit < 0xE000;
+}
+
+/**
+ * The text with U+FFFD for each half of a pair that stands alone. The grammar of JSON allows them,
+ * and browsers write them where they cut a title in the middle of a character.
+ */
+std::string withWholeCharacters(std::string_view text) {
+    std::string whole(text);
+    for (auto place = text.find('\\'); place < text.size(); place = text.find('\\', place)) {
+        const auto unit = unitAt(text, place);
+        const bool isPair = isFirstHalf(unit) && isSecondHalf(unitAt(text, place + escapeLength));
+        if (!isPair && (isFirstHalf(unit) || isSecondHalf(unit))) {
+            whole.replace(place, escapeLength, "\\ufffd");
+        }
+        place += isPair ? 2 * escapeLength : 2;
+    }
+    return whole;
+}
+
 BytesView bytesOf(std::string_view text) noexcept {
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-reinterpret-cast): the same bytes, unsigned
     return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
@@ -24,7 +64,7 @@ BytesView bytesOf(std::string_view text) noexcept {
 
 // The text is checked once as a whole; what follows relies on it.
 JsonEditor::JsonEditor(BytesView bytes) : text_(bytes.begin(), bytes.end()) {
-    JsonDocument::parse(bytes);
+    JsonDocument::parse(bytesOf(withWholeCharacters(text_)));
     const std::size_t mark = text_.starts_with(byteOrderMark) ? byteOrderMark.size() : 0;
     root_.begin = afterSpace(mark);
     root_.end = afterValue(root_.begin);
@@ -77,7 +117,7 @@ std::string JsonEditor::string(Value value) const {
     if (whole.find('\\') == std::string_view::npos) {
         return std::string(whole.substr(1, whole.size() - 2));
     }
-    return std::string(JsonDocument::parse(bytesOf(whole)).root().string());
+    return std::string(JsonDocument::parse(bytesOf(withWholeCharacters(whole))).root().string());
 }
 
 JsonEditor::Member JsonEditor::memberAt(std::size_t place, bool hasKey) const {

@@ -29,14 +29,19 @@ public:
         std::size_t end = 0;    ///< where it ends: at a comma or a bracket
     };
 
-    /** Throws a `DecodingError` where the bytes are no document that `JsonDocument` accepts. */
+    /**
+     * Throws a `DecodingError` where the bytes are no document that `JsonDocument` accepts. Half of
+     * a pair of UTF-16 that stands alone as an escape is allowed here, and stays as it is.
+     */
     explicit JsonEditor(BytesView bytes);
 
     /** The outermost value. */
     Value root() const noexcept { return root_; }
     /** The value's text as it stands in the document. */
     std::string_view text(Value value) const noexcept;
-    /** The string that a value is, its escapes read; empty where it is none. */
+    /** The string that a value is, its escapes read, U+FFFD for half a pair; empty where it is
+     * none.
+     */
     std::string string(Value value) const;
     /** The members of an object, equal keys too, or the elements of an array; else none. */
     std::vector<Member> members(Value value) const;

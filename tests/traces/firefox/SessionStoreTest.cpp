@@ -120,6 +120,15 @@ TEST_F(SessionStoreTest, pagesGoOneByOneAndTheOneShownIsCountedAnew) {
               session({window({tab({home}, R"(,"index":1)")})}));
 }
 
+TEST_F(SessionStoreTest, aTitleThatWasCutWithinACharacterHidesNothing) {
+    const std::string cut = R"(,"note":"\ud83d")";
+    const std::string ofSite = page("https://www.a.com/1", cut);
+    EXPECT_EQ(after(only({"a.com"}), session({window({tab({ofSite, home, ofB})}, cut)})),
+              session({window({tab({home, ofB})}, cut)}));
+    EXPECT_EQ(after(only({"b.com"}), session({window({tab({ofSite, ofB})})})),
+              session({window({tab({ofSite})})}));
+}
+
 TEST_F(SessionStoreTest, aTabWhosePageHasGoneLosesItsTitleAndPicture) {
     const std::string shown = R"(,"image":"data:a","index":2)";
     EXPECT_EQ(after(only({"a.com"}), session({window({tab({home, ofA}, shown)})})),
