@@ -31,7 +31,7 @@ constexpr std::array historyTables{
     TraceTable{.name = "context_annotations", .rule = Rule::orphans, .relation = {"visit_id", "visits", "id", {}}},
     TraceTable{.name = "keyword_search_terms", .rule = Rule::orphans, .relation = {"url_id", "urls", "id", {}}},
     TraceTable{.name = "segments", .columns = {{{"name"}}}},
-    TraceTable{.name = "segments", .rule = Rule::orphans, .relation = {"url_id", "urls", "id", {}}},
+    TraceTable{.name = "segments", .rule = Rule::orphans, .relation = {"url_id", "urls", "id", {}}, .condition = "coalesce(name, '') NOT LIKE 'http%'"},
     TraceTable{.name = "segment_usage", .rule = Rule::orphans, .relation = {"segment_id", "segments", "id", {}}},
     TraceTable{.name = "visited_links", .columns = {{{"top_level_url"}, {"frame_url"}}}, .relation = {"link_url_id", "urls", "id", {"url"}}},
     TraceTable{.name = "visited_links", .rule = Rule::orphans, .relation = {"link_url_id", "urls", "id", {}}},

@@ -363,6 +363,20 @@ TEST_F(ChromiumHistory, aVisitOfAnotherSiteForgetsFromWhereItCame) {
     EXPECT_EQ(filesHolding(home_ / "History", "gone.test"), Lines{});
 }
 
+TEST_F(ChromiumHistory, aSegmentOfAKeptSiteStaysWhereItsPageHasGoneBefore) {
+    tests::plant(tests::makeChromiumDatabase(home_.path(), "History"),
+                 {"segments|id=1|name='http://kept.test/'|url_id=7",
+                  "segments|id=2|name='http://gone.test/'|url_id=8", "segments|id=3|url_id=9",
+                  "segment_usage|id=1|segment_id=1", "segment_usage|id=2|segment_id=2"},
+                 "", 0);
+    const TraceStores stores = databaseStores(home_.path(), manager_);
+    stores.front()->forget(
+        {SiteSelection::allBut({*Site::ofHost("kept.test")}), {}, false, false, {}});
+    const Database database(home_ / "History");
+    EXPECT_EQ(database.text("SELECT group_concat(name) FROM segments"), "http://kept.test/");
+    EXPECT_EQ(database.text("SELECT group_concat(id) FROM segment_usage"), "1");
+}
+
 TEST_F(ChromiumHistory, iconsOfBookmarksThatCannotBeReadStay) {
     tests::plant(tests::makeChromiumDatabase(home_.path(), "Favicons"),
                  {"icon_mapping|id=1|page_url='https://a.test/'|icon_id=1"}, "", 0);
