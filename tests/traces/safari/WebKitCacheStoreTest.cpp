@@ -146,5 +146,24 @@ TEST_F(WebKitCache, aPartWithoutItsRecordGoesWithAnySite) {
         home.container() / "Caches/WebKit/NetworkCache/Version 17/Records/P/Resource/L-blob"));
 }
 
+TEST_F(WebKitCache, contentsThatNoRecordHasAreToldAndGoWithAnySite) {
+    const std::string lost = std::string(root) + "/Version 17/Blobs/" + bodyName('L');
+    home.write(lost, "of a record that is gone");
+    const auto store = home.store(root);
+    const TraceListing listing = store->list({});
+    ASSERT_EQ(listing.notBySite.size(), 1U);
+    EXPECT_TRUE(listing.notBySite[0].goesAlong);
+    EXPECT_EQ(listing.notBySite[0].size, (CleanableDataSize{1, 24}));
+    store->forget(only({"other.test"}));
+    EXPECT_EQ(home.names(std::string(root) + "/Version 17/Blobs"),
+              (Lines{bodyName('2'), bodyName('3')}));
+    home.write(lost, "of a record that is gone");
+    writeRecord("Resource/Z", "of a later version, which may have them");
+    EXPECT_EQ(tests::inShort(store->list({})).back(), "? cachedFiles 1");
+    store->forget(only({"other.test"}));
+    EXPECT_EQ(home.names(std::string(root) + "/Version 17/Blobs"),
+              (Lines{bodyName('2'), bodyName('3'), bodyName('L')}));
+}
+
 }  // namespace
 }  // namespace browsersweep

@@ -89,12 +89,21 @@ void WebKitCacheStore::visitFolder(const fs::path& folder, const Visit& visit) c
     }
 }
 
+/** The contents that an entry may need: those of no name where it cannot be read. */
+void WebKitCacheStore::noteBody(const Entry& entry, Bodies& bodies) {
+    if (!entry.isWaste) {
+        bodies.insert(entry.record ? entry.record->body : std::string());
+    }
+}
+
 TraceListing WebKitCacheStore::list(const KnownHosts& /*knownHosts*/) const {
     TraceCollector collector;
     CleanableDataSize unread;
     CleanableDataSize waste;
+    Bodies bodies;
     const auto add = [&](const Entry& entry) {
         const CleanableDataSize size{1, entry.file.size + (entry.blob ? entry.blob->size : 0)};
+        noteBody(entry, bodies);
         if (entry.record) {
             collector.add(TraceKind::cachedFiles, entry.record->hosts(), size, entry.file.modified);
         }
@@ -103,7 +112,13 @@ TraceListing WebKitCacheStore::list(const KnownHosts& /*knownHosts*/) const {
             unknown = unknown + size;
         }
     };
-    visitVersions([&](const fs::path& version) { visitEntries(version, add); });
+    visitVersions([&](const fs::path& version) {
+        bodies.clear();
+        visitEntries(version, add);
+        for (const FolderEntry& body : bodiesBeyond(version, bodies)) {
+            waste = waste + CleanableDataSize{1, body.size};
+        }
+    });
     TraceListing listing{collector.traces(), {}};
     if (unread.itemCount.value > 0) {
         listing.notBySite.push_back(
@@ -135,12 +150,23 @@ bool WebKitCacheStore::isGoing(const Entry& entry, EntrySelector& selector,
     return (entry.record && hosts.empty() && selection.isOnly()) ? false : selector.selects(hosts);
 }
 
+/** The files of contents that no record needs any more. */
+std::vector<FolderEntry> WebKitCacheStore::bodiesBeyond(const fs::path& version,
+                                                        const Bodies& needed) const {
+    if (needed.contains("")) {
+        return {};  // a record that cannot be read may need any of them
+    }
+    std::vector<FolderEntry> bodies = fileManager_->entries(version / "Blobs");
+    std::erase_if(bodies, [&](const FolderEntry& body) { return needed.contains(body.name); });
+    return bodies;
+}
+
 void WebKitCacheStore::removeFrom(const fs::path& version, EntrySelector& selector,
                                   const SiteSelection& selection) const {
     Sorted sorted;
     visitEntries(version, [&](const Entry& entry) {
         if (!isGoing(entry, selector, selection)) {
-            sorted.bodiesThatStay.insert(entry.record ? entry.record->body : std::string());
+            noteBody(entry, sorted.bodiesThatStay);
             return;
         }
         for (const auto& file : {std::optional(entry.file), entry.blob}) {
@@ -149,13 +175,9 @@ void WebKitCacheStore::removeFrom(const fs::path& version, EntrySelector& select
             }
         }
     });
-    // A record that cannot be read may need any of them.
-    const bool mayRemoveBodies = !sorted.going.empty() && !sorted.bodiesThatStay.contains("");
     // Contents first: without a record nobody could tell any more whose they are.
-    for (const FolderEntry& body : fileManager_->entries(version / "Blobs")) {
-        if (mayRemoveBodies && !sorted.bodiesThatStay.contains(body.name)) {
-            removeAll(*fileManager_, version / "Blobs", body);
-        }
+    for (const FolderEntry& body : bodiesBeyond(version, sorted.bodiesThatStay)) {
+        removeAll(*fileManager_, version / "Blobs", body);
     }
     for (const auto& [folder, file] : sorted.going) {
         removeAll(*fileManager_, folder, file);

@@ -6,6 +6,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "browsersweep/platform/FileManager.h"
 #include "browsersweep/sites/TraceStore.h"
@@ -38,12 +39,16 @@ private:
         bool isWaste = false;  ///< a part of a record that is gone
     };
     using Visit = std::function<void(const Entry&)>;
+    using Bodies = std::set<std::string, std::less<>>;
 
     void visitVersions(const std::function<void(const std::filesystem::path&)>& visit) const;
     void visitEntries(const std::filesystem::path& version, const Visit& visit) const;
+    static void noteBody(const Entry& entry, Bodies& bodies);
     void visitFolder(const std::filesystem::path& folder, const Visit& visit) const;
     bool isNamedIn(const Entry& entry, const SiteSelection& selection) const;
     bool isGoing(const Entry& entry, EntrySelector& selector, const SiteSelection& selection) const;
+    std::vector<FolderEntry> bodiesBeyond(const std::filesystem::path& version,
+                                          const Bodies& needed) const;
     void removeFrom(const std::filesystem::path& version, EntrySelector& selector,
                     const SiteSelection& selection) const;
 
