@@ -121,27 +121,35 @@ Hosts inWords(std::string_view text) {
     return hosts;
 }
 
-// "partitionKey=(https,example.com)" or "(https,example.com,8443)", escaped as in an address.
-std::string partitionHost(std::string_view attributes) {
-    constexpr std::string_view key = "partitionKey=%28";
+// "(https,example.com)" or "(https,example.com,8443)", escaped as in an address, or a host alone.
+std::string hostOfAttribute(std::string_view value) {
     constexpr std::string_view comma = "%2C";
-    const auto found = attributes.find(key);
-    if (found == std::string_view::npos) {
-        return {};
+    value = upTo(value, "&^");
+    if (!value.starts_with("%28")) {
+        return plainHost(upTo(value, "%:,"));
     }
-    std::string_view value = attributes.substr(found + key.size());
     const auto begin = value.find(comma);
     if (begin == std::string_view::npos) {
         return {};
     }
-    value.remove_prefix(begin + comma.size());
-    return plainHost(upTo(value, "%&^"));
+    return plainHost(upTo(value.substr(begin + comma.size()), "%"));
+}
+
+// The site of the page, as a partition of today or by the setting that was there before.
+void addPageHost(std::string_view attributes, Hosts& hosts) {
+    for (const std::string_view key : {"partitionKey=%28", "firstPartyDomain="}) {
+        const auto found = attributes.find(key);
+        if (found != std::string_view::npos) {
+            const auto value = found + key.find('=') + 1;
+            addHost(hosts, hostOfAttribute(attributes.substr(value)));
+        }
+    }
 }
 
 Hosts inFirefoxOrigin(std::string_view text) {
     const std::string_view origin = upTo(text, "^");
     Hosts hosts = oneHost(hostOfAddress(origin));
-    addHost(hosts, partitionHost(text.substr(origin.size())));
+    addPageHost(text.substr(origin.size()), hosts);
     return hosts;
 }
 
@@ -159,7 +167,7 @@ Hosts inFirefoxFolder(std::string_view text) {
     }
     const std::string_view name = host.starts_with('[') ? withoutPort(host) : upTo(host, "+");
     Hosts hosts = oneHost(plainHost(name));
-    addHost(hosts, partitionHost(text.substr(origin.size())));
+    addPageHost(text.substr(origin.size()), hosts);
     return hosts;
 }
 
@@ -176,7 +184,9 @@ Hosts inReversedHost(std::string_view text) {
 }
 
 Hosts inOriginAttributes(std::string_view text) {
-    return oneHost(partitionHost(text));
+    Hosts hosts;
+    addPageHost(text, hosts);
+    return hosts;
 }
 
 }  // namespace

@@ -65,6 +65,11 @@ TEST(SiteForm, namesTheHostsOfEachForm) {
         {Form::originAttributes, "^partitionKey=%28https%2Cb.com%29", {"b.com"}},
         {Form::originAttributes, "^partitionKey=%28https%2Cb.com%2C8443%29", {"b.com"}},
         {Form::originAttributes, "^userContextId=1", {}},
+        {Form::originAttributes, "^firstPartyDomain=b.com", {"b.com"}},
+        {Form::originAttributes, "^firstPartyDomain=b.com&userContextId=1", {"b.com"}},
+        {Form::originAttributes, "^firstPartyDomain=%28https%2Cb.com%29", {"b.com"}},
+        {Form::firefoxOrigin, "https://a.com^firstPartyDomain=b.com", {"a.com", "b.com"}},
+        {Form::firefoxFolder, "https+++a.com^firstPartyDomain=b.com", {"a.com", "b.com"}},
         {Form::originAttributes, "", {}},
     };
     for (const auto& [form, text, hosts] : rows) {
@@ -93,7 +98,9 @@ TEST(SiteForm, findsNothingInWhatIsBroken) {
                                            "https://[",
                                            "\xFF",
                                            "partitionKey=%28",
-                                           "^partitionKey=%28https%2C"};
+                                           "^partitionKey=%28https%2C",
+                                           "^firstPartyDomain=",
+                                           "^firstPartyDomain=%28https"};
     for (const std::string_view text : broken) {
         for (int form = 0; form <= static_cast<int>(SiteForm::originAttributes); ++form) {
             const auto hosts = hostsIn(static_cast<SiteForm>(form), text);
