@@ -246,12 +246,17 @@ def is_mixed(key: tuple[str, str, str], but: tuple[Allowed, ...]) -> bool:
 
 # --- Forgetting all but one site ----------------------------------------------------------------
 
+# Which sites the browser says to load by https alone; Chromium is not asked.
+HTTPS_ONLY: dict[str, list[str]] = {"chromium": [], "firefox": [GONE.word, KEPT.word]}
+
+
 def all_but_one_leaves_that_one_to_the_browser(bench: PlantedBench) -> None:
     first = remembered.PROFILES[bench.family][0]
     with bench.copy() as layout:
         before = bench.asked(layout, first, KEPT)
         check(before[KEPT.word]["workers"] == 1 and before[KEPT.word]["isUsed"],
               f"the home is poor: {before[KEPT.word]}")
+        same(before["httpsOnly"], HTTPS_ONLY[bench.family], "loaded by https alone")
     with bench.copy() as layout:
         bench.forget(layout, "--all", "--keep", KEPT.registrable)
         allowed = (*bench.belongings, *bench.decisions, *EMBEDDED[bench.family])
@@ -264,7 +269,9 @@ def all_but_one_leaves_that_one_to_the_browser(bench: PlantedBench) -> None:
 
         after = bench.asked(layout, first, KEPT)
         same(after, {**before, **{word: {"history": [], "allCookies": after[word]["allCookies"]}
-                                  for word in (GONE.word, FRAME.word, MARKED.word)}}, "the browser knows")
+                                  for word in (GONE.word, FRAME.word, MARKED.word)},
+                     "httpsOnly": [word for word in before["httpsOnly"] if word == KEPT.word]},
+             "the browser knows")
         same((after[GONE.word]["allCookies"], after[MARKED.word]["allCookies"]), ([], []), "cookies")
         whole(bench, layout)
         left = residue(layout.home / "Library")

@@ -51,6 +51,7 @@ EMBEDDED = {
         Allowed(r"F:(cookies\.sqlite|storage\.sqlite|storage/default/.*)|Fcache:cache2.*", ANY,
                 "host 3ckn 3ckv pckn pckv plsk plsv pidb pidv", "cedar"),
         Allowed(r"F:permissions\.sqlite", "row of moz_perms", "host", "cedar damson"),
+        Allowed(r"F:(SiteSecurityServiceState|AlternateServices)\.(bin|txt)", "file", "host", "cedar"),
     ),
 }
 # Whom a browser calls by itself, and what its first page shows.
@@ -64,7 +65,6 @@ MIXED = {
     ),
     "firefox": (
         ("F:formhistory.sqlite", "row of .*"),
-        (r"F:(SiteSecurityServiceState|AlternateServices)\.bin", "file"),
     ),
 }
 

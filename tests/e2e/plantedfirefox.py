@@ -226,17 +226,19 @@ def second_run(browser: Firefox) -> None:
 
 # --- What is written after long use alone -------------------------------------------------------
 
-KEY_SIZE = 256
-# The sizes of their values differ.
-SLOTTED = (
-    ("SiteSecurityServiceState.bin", "{host}:HSTS", "1795348454000,1,1", 24),
-    ("AlternateServices.bin", "https:{host}:443:.::", "https:alt.{domain}:443", 1024),
+# The files have the same keys and values in both versions; the older one's stay beside the newer one's.
+KEY_SIZE, LAST_DAY = 256, 20_000
+OWN, WITHIN_KEPT = "", f"^partitionKey=%28https%2C{KEPT.registrable}%29"
+STATES = (
+    ("SiteSecurityServiceState", 24, "{host}{attributes}", "4102444800000,1,1"),
+    ("AlternateServices", 1024, "https:{host}:443:.:{attributes}:3",
+     "https:{host}:443:alt.{domain}:443::n:4102444800:h3:y:1:n:{attributes}::|n:y:"),
 )
 
 
 def slot(key: str, value: str, value_size: int) -> bytes:
     """A sum over all its numbers, how often it was used, the day of its last use, a key and a value."""
-    body = struct.pack(">HH", 1, 20_000) + key.encode().ljust(KEY_SIZE, b"\0") \
+    body = struct.pack(">HH", 1, LAST_DAY) + key.encode().ljust(KEY_SIZE, b"\0") \
         + value.encode().ljust(value_size, b"\0")
     total = 0
     for (number,) in struct.iter_unpack(">H", body):
@@ -245,10 +247,12 @@ def slot(key: str, value: str, value_size: int) -> bytes:
 
 
 def add_files(folder: Path) -> None:
-    for name, key, value, size in SLOTTED:
-        (folder / name).write_bytes(b"".join(
-            slot(*(text.format(host=site.host, domain=site.registrable) for text in (key, value)), size)
-            for site in (GONE, KEPT)))
+    for name, size, *forms in STATES:
+        pairs = [[form.format(host=site.host, domain=site.registrable, attributes=attributes)
+                  for form in forms] for site, attributes in ((GONE, OWN), (KEPT, OWN), (FRAME, WITHIN_KEPT))]
+        (folder / f"{name}.bin").write_bytes(b"".join(slot(key, value, size) for key, value in pairs))
+        (folder / f"{name}.txt").write_text("".join(
+            f"{key}\t1\t{LAST_DAY}\t{value}\n" for key, value in pairs), "utf-8")
 
 
 def make_firefox(layout: Layout, binary: str, web: PlantedWeb, log: Path) -> None:

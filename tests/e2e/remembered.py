@@ -44,6 +44,9 @@ FIREFOX_OF_PROFILE = """
     return {bookmarks: urls(await PlacesUtils.promiseBookmarksTree()),
             allowed: Services.perms.all.filter(each => each.type === 'desktop-notification')
                 .map(each => each.principal.origin).sort(),
+            httpsOnly: Object.keys(args[0]).filter(word => Cc['@mozilla.org/ssservice;1']
+                .getService(Ci.nsISiteSecurityService)
+                .isSecureURI(Services.io.newURI(args[0][word]))),
             placesStatus: PlacesUtils.history.databaseStatus};"""
 
 
@@ -60,7 +63,8 @@ def ask_chromium(browser: Chromium, sites: tuple[Site, ...]) -> dict:
         page.navigate(f"{site.origin}/qzask")
         told[site.word].update(page.evaluate(f"{script('ask.js')}({json.dumps(site.word)})"))
     page.navigate("chrome://settings/appearance")
-    return {**told, "bookmarks": sorted(known["bookmarks"]), "allowed": page.evaluate(CHROMIUM_ALLOWED)}
+    return {**told, "bookmarks": sorted(known["bookmarks"]), "httpsOnly": [],
+            "allowed": page.evaluate(CHROMIUM_ALLOWED)}
 
 
 def chromium_passwords(browser: Chromium) -> list[str]:
@@ -76,7 +80,8 @@ def ask_firefox(browser: Firefox, sites: tuple[Site, ...]) -> dict:
     for site in sites:
         remote.navigate(f"{site.origin}/qzask")
         told[site.word].update(run_script(remote, f"{script('ask.js')}({json.dumps(site.word)})"))
-    return {**told, **remote.chrome(FIREFOX_OF_PROFILE)}
+    return {**told, **remote.chrome(FIREFOX_OF_PROFILE,
+                                    {site.word: f"https://{site.host}/" for site in SITES})}
 
 
 def firefox_passwords(browser: Firefox) -> list[str]:

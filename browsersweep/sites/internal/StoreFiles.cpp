@@ -11,17 +11,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/** Its parent is asked: a link is not followed so. */
-std::optional<FolderEntry> entryAt(const FileManager& fileManager, const fs::path& path) {
-    const std::string name = path.filename().string();
-    for (FolderEntry& entry : fileManager.entries(path.parent_path())) {
-        if (entry.name == name) {
-            return std::move(entry);
-        }
-    }
-    return std::nullopt;
-}
-
 template <typename Read>
 Bytes ifThere(const Read& read) {
     try {
@@ -47,8 +36,18 @@ void removeEntry(const FileManager& fileManager, const fs::path& path, FolderEnt
 
 }  // namespace
 
+std::optional<FolderEntry> entryIfThere(const FileManager& fileManager, const fs::path& path) {
+    const std::string name = path.filename().string();
+    for (FolderEntry& entry : fileManager.entries(path.parent_path())) {
+        if (entry.name == name) {
+            return std::move(entry);
+        }
+    }
+    return std::nullopt;
+}
+
 CleanableDataSize sizeOfAll(const FileManager& fileManager, const fs::path& path) {
-    const auto entry = entryAt(fileManager, path);
+    const auto entry = entryIfThere(fileManager, path);
     return entry ? sizeOfAll(fileManager, path.parent_path(), *entry) : CleanableDataSize();
 }
 
@@ -76,7 +75,7 @@ void removeAll(const FileManager& fileManager, const fs::path& folder, const Fol
 
 void removeAll(const FileManager& fileManager, const fs::path& path) {
     continueOrThrow(fileManager.control().get());
-    if (const auto entry = entryAt(fileManager, path)) {
+    if (const auto entry = entryIfThere(fileManager, path)) {
         removeEntry(fileManager, path, entry->kind);
     }
 }
@@ -123,7 +122,7 @@ Bytes lastBytesIfThere(const FileManager& fileManager, const fs::path& file, std
 }
 
 std::optional<Bytes> contentsIfThere(const FileManager& fileManager, const fs::path& file) {
-    const auto entry = entryAt(fileManager, file);
+    const auto entry = entryIfThere(fileManager, file);
     if (!entry) {
         return std::nullopt;
     }

@@ -13,6 +13,10 @@
 
 namespace browsersweep {
 
+/** What lies at a path, asked of its parent: a link is not followed. Absent where it is missing. */
+std::optional<FolderEntry> entryIfThere(const FileManager& fileManager,
+                                        const std::filesystem::path& path);
+
 /** How many files a folder holds, and how many bytes; of a file, itself. Nothing where it is
  * missing. */
 CleanableDataSize sizeOfAll(const FileManager& fileManager, const std::filesystem::path& path);

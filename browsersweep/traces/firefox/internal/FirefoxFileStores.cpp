@@ -12,6 +12,7 @@
 #include "browsersweep/traces/firefox/internal/FirefoxCacheStore.h"
 #include "browsersweep/traces/firefox/internal/ServiceWorkerListStore.h"
 #include "browsersweep/traces/firefox/internal/SessionStore.h"
+#include "browsersweep/traces/firefox/internal/StateFileStore.h"
 
 namespace browsersweep {
 namespace {
@@ -39,12 +40,20 @@ constexpr std::array mixedRows{
     MixedRow{"storage/to-be-removed", TraceKind::siteStorage,
              "data of scripts that Firefox has begun to delete", false, true},
     MixedRow{"notificationstore.json", TraceKind::siteStorage, "notifications of any site"},
-    MixedRow{"SiteSecurityServiceState.bin", TraceKind::networkState,
-             "sites that asked to be loaded by https alone: without it the first page is asked for by http"},
-    MixedRow{"SiteSecurityServiceState.txt", TraceKind::networkState,
-             "sites that asked to be loaded by https alone: without it the first page is asked for by http"},
-    MixedRow{"AlternateServices.bin", TraceKind::networkState, "other ways to the servers of any site"},
-    MixedRow{"AlternateServices.txt", TraceKind::networkState, "other ways to the servers of any site"},
+};
+
+// Of both versions: the newer one reads the older one's file where its own is missing.
+constexpr std::string_view damagedSecurity =
+    "damaged entries about sites that asked to be loaded by https alone, of any site: without them the first page is asked for by http";
+constexpr std::string_view damagedServices = "damaged entries about other ways to the servers of any site";
+constexpr std::string_view damagedChoices = "damaged entries about certificates that were chosen for servers of any site";
+constexpr std::array stateRows{
+    StateFileRow{"SiteSecurityServiceState.bin", TraceKind::networkState, 24, hostsOfSecurityState, damagedSecurity},
+    StateFileRow{"SiteSecurityServiceState.txt", TraceKind::networkState, 0, hostsOfSecurityState, damagedSecurity},
+    StateFileRow{"AlternateServices.bin", TraceKind::networkState, 1024, hostsOfAlternateService, damagedServices},
+    StateFileRow{"AlternateServices.txt", TraceKind::networkState, 0, hostsOfAlternateService, damagedServices},
+    StateFileRow{"ClientAuthRememberList.bin", TraceKind::settings, 1024, hostsOfClientCertificate, damagedChoices},
+    StateFileRow{"ClientAuthRememberList.txt", TraceKind::settings, 0, hostsOfClientCertificate, damagedChoices},
 };
 
 struct SessionRow {
@@ -78,6 +87,9 @@ TraceStores firefoxFileStores(const ProfileFolders& folders,
     for (const SessionRow& row : sessionRows) {
         stores.push_back(
             std::make_shared<SessionStore>(folders.data / row.path, row.meaning, fileManager));
+    }
+    for (const StateFileRow& row : stateRows) {
+        stores.push_back(std::make_shared<StateFileStore>(row, folders.data, fileManager));
     }
     for (const MixedRow& row : mixedRows) {
         stores.push_back(std::make_shared<MixedStore>(row, folders.data, fileManager));
