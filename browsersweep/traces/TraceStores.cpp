@@ -12,9 +12,11 @@ namespace {
 
 TraceStores firefoxStores(const ProfileFolders& folders,
                           const std::shared_ptr<const FileManager>& fileManager) {
-    TraceStores stores = firefoxDatabaseStores(folders.data, fileManager);
-    const TraceStores more = firefoxFileStores(folders, fileManager);
-    stores.insert(stores.end(), more.begin(), more.end());
+    TraceStores stores = storesBeforeDatabases(folders, fileManager);
+    for (const TraceStores& more : {firefoxDatabaseStores(folders.data, fileManager),
+                                    firefoxFileStores(folders, fileManager)}) {
+        stores.insert(stores.end(), more.begin(), more.end());
+    }
     return stores;
 }
 

@@ -41,6 +41,10 @@ TEST(Digest, md5IsThatOfThePublishedExamples) {
               "57edf4a22be3c955ac49da2e2107b67a");
 }
 
+TEST(Digest, md5InDigitsHasSmallLetters) {
+    EXPECT_EQ(md5InDigits("abc"), "900150983cd24fb0d6963f7d28e17f72");
+}
+
 TEST(Digest, everyLengthAroundTheEndOfABlockIsPadded) {
     EXPECT_EQ(hexadecimal(md5(std::string(55, 'a'))), "ef1772b6dff9a122358552954ad0df65");
     EXPECT_EQ(hexadecimal(md5(std::string(56, 'a'))), "3b0c8ac703f828b04c6c197006d17218");

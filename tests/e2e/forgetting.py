@@ -109,7 +109,7 @@ EXPECTED_KINDS = {
     "firefox": """host titl path quer push stat late form fldn mail typd inpu cknm ckvl ckdn ckdv
         jckn jckv bckn bckv 3ckn 3ckv pckn pckv plsk plsv pidb pidv lsky lsvl lsbg lsbv ls2k ls2v ssky ssvl
         idbn idbs idbk idbv idbg idbb capn capu capp capr capb opfn opfs swsc
-        reso jscr jsbo csbo imgu icou body etag dict diid bigb down open clos
+        reso jscr jsbo csbo imgu icou body etag dict diid bigb down open clos thmb
         bmrk keyw""",
 }
 

@@ -1,7 +1,8 @@
 """Finds the markers of the planted sites in bytes, in every form that browsers give them.
 
 Plain, UTF-16 both ways, reversed (as Firefox turns hosts around), each character plus one (how leveldb
-shortens the keys of its index), base64 at each of its three offsets, and hosts as SHA-256 and MD5.
+shortens the keys of its index), base64 at each of its three offsets, hosts as SHA-256 and MD5, and typed
+addresses as MD5.
 """
 
 from __future__ import annotations
@@ -58,14 +59,16 @@ BASE64 = {form: f"qz{kind}{word}" for kind in KINDS for word in WORDS
 BASE64_PATTERN = re.compile(b"|".join(re.escape(form) for form in sorted(BASE64)))
 
 
-def hashed_hosts() -> Iterator[tuple[bytes, str]]:
+def hashed() -> Iterator[tuple[bytes, str]]:
     for site in SITES:
         labels = b"".join(bytes([len(label)]) + label.encode() for label in site.host.split("."))
         yield base64.b64encode(hashlib.sha256(labels + b"\0").digest()), site.marker("hsts")
         yield hashlib.md5(site.host.encode()).hexdigest().encode(), site.marker("hmd5")
+        typed = f"{site.origin}/{site.marker('typd')}"
+        yield hashlib.md5(typed.encode()).hexdigest().encode(), site.marker("thmb")
 
 
-HASHED = dict(hashed_hosts())
+HASHED = dict(hashed())
 
 
 def markers_in(data: bytes) -> Counter:

@@ -17,7 +17,7 @@ beside its own. No word lies inside another.
 | down dcon | downloads |
 | repo rend | reporting |
 | open clos | tabs |
-| hsts hmd5 | the host as SHA-256 of its labels, and as MD5 |
+| hsts hmd5 thmb | the host as SHA-256 of its labels, and as MD5; a typed address as MD5 |
 | bmrk bmru keyw pwus pwpw exls exlv exst exsv exib exiv | what has to stay: bookmarks, passwords, data of an extension |
 """
 
@@ -29,7 +29,7 @@ KINDS = """host titl path quer push stat late form fldn done mail typd inpu srch
 cknm ckvl ckdn ckdv sckn sckv jckn jckv bckn bckv 3ckn 3ckv pckn pckv plsk plsv pidb pidv
 lsky lsvl lsbg lsbv ls2k ls2v lsgn lsgo ssky ssvl idbn idbs idbk idbv idbg idbb
 capn capu capp capr capb opfn opfs swsc noti notb sync
-reso jscr jsbo csbo imgu icou icon body etag dict diid bigb down dcon repo rend open clos hsts hmd5
+reso jscr jsbo csbo imgu icou icon body etag dict diid bigb down dcon repo rend open clos hsts hmd5 thmb
 bmrk bmru keyw pwus pwpw exls exlv exst exsv exib exiv""".split()
 
 

@@ -204,7 +204,7 @@ def first_run(browser: Firefox, web: PlantedWeb, is_first: bool) -> None:
         zoom(remote, site)
         download(remote)
         type_address(remote, site)
-    keep_picture(remote)
+        keep_picture(remote)
     remote.navigate(f"{KEPT.origin}/qzpath{KEPT.word}/bounce")
     remote.click("#bounce")
     add_bookmarks(remote)

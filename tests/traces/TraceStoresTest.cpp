@@ -48,6 +48,18 @@ TEST_F(TraceStoresTest, areThoseOfTheProfilesFamilyAndTouchNoFile) {
     EXPECT_EQ(folder_.snapshot(), std::vector<std::string>{});
 }
 
+TEST_F(TraceStoresTest, picturesThatOnlyFirefoxsHistoryTellsApartHaveTheirTurnBeforeIt) {
+    const FirefoxProfile firefox({}, true, true, "Profiles/a.default", home_);
+    const TraceStores stores = traceStores(firefox, home_);
+    const auto placeOf = [&stores](const fs::path& path) {
+        return std::find_if(stores.begin(), stores.end(),
+                            [&path](const auto& store) { return store->path() == path; });
+    };
+    const auto pictures = placeOf(firefox.folders()->cache / "thumbnails");
+    ASSERT_NE(pictures, stores.end());
+    EXPECT_LT(pictures, placeOf(firefox.folders()->data / "places.sqlite"));
+}
+
 TEST_F(TraceStoresTest, aProfileThatIsLeftOutHasNone) {
     const ChromiumBasedProfile profile({}, Browser::chromium, true, "Chromium/../..", home_,
                                        "../..");

@@ -162,4 +162,14 @@ std::array<std::uint8_t, 16> md5(std::string_view text) {
     return bytesOf(digested(text, startOfMD5, order, mixMD5), order);
 }
 
+std::string md5InDigits(std::string_view text) {
+    constexpr std::string_view digits = "0123456789abcdef";
+    std::string result;
+    for (const std::uint8_t byte : md5(text)) {
+        result += digits[byte / digits.size()];
+        result += digits[byte % digits.size()];
+    }
+    return result;
+}
+
 }  // namespace browsersweep

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace browsersweep {
@@ -15,5 +16,8 @@ namespace browsersweep {
 std::array<std::uint8_t, 32> sha256(std::string_view text);
 std::array<std::uint8_t, 16> md5(std::string_view text);
 /** @} */
+
+/** The second of them in hexadecimal digits, with small letters. */
+std::string md5InDigits(std::string_view text);
 
 }  // namespace browsersweep

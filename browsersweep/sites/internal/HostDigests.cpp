@@ -1,7 +1,6 @@
 #include "browsersweep/sites/internal/HostDigests.h"
 
 #include <algorithm>
-#include <cstdint>
 
 #include "browsersweep/documents/internal/Base64.h"
 #include "browsersweep/documents/internal/Digest.h"
@@ -43,13 +42,7 @@ std::vector<std::string> HostDigests::hostsOf(std::string_view digest) const {
 }
 
 std::string md5OfHost(const std::string& host) {
-    constexpr std::string_view digits = "0123456789abcdef";
-    std::string text;
-    for (const std::uint8_t byte : md5(host)) {
-        text += digits[byte / digits.size()];
-        text += digits[byte % digits.size()];
-    }
-    return text;
+    return md5InDigits(host);
 }
 
 std::string sha256OfHost(const std::string& host) {

@@ -27,26 +27,47 @@ std::string rootIconOf(std::string_view address) {
     return std::string(address.substr(0, path)) + "/favicon.ico";
 }
 
-}  // namespace
+constexpr const char* allAddresses = "SELECT url FROM moz_places WHERE url IS NOT NULL";
 
-ProtectedAddresses heldPlaces(const std::filesystem::path& places,
-                              const std::shared_ptr<const FileManager>& fileManager) {
-    ProtectedAddresses addresses;
+/** Begins anew where the database was changed meanwhile. */
+void visitRows(const std::filesystem::path& places,
+               const std::shared_ptr<const FileManager>& fileManager, const char* question,
+               const std::function<void()>& begin,
+               const std::function<void(std::string_view)>& visit) {
     if (!std::filesystem::exists(std::filesystem::symlink_status(places))) {
-        return addresses;
+        return;
     }
     const bool isOfOneMoment = DatabaseSnapshot(places, fileManager).read([&](const auto& opened) {
-        addresses.clear();
-        DatabaseQuery query(opened.dbPointer(), heldAddresses, fileManager->control().get());
+        begin();
+        DatabaseQuery query(opened.dbPointer(), question, fileManager->control().get());
         while (query.next()) {
-            addresses.emplace(query.text(0));
-            addresses.insert(rootIconOf(query.text(0)));
+            visit(query.text(0));
         }
     });
     if (!isOfOneMoment) {
         throw SQLiteError("the database changes without pause", SQLITE_BUSY);
     }
+}
+
+}  // namespace
+
+ProtectedAddresses heldPlaces(const std::filesystem::path& places,
+                              const std::shared_ptr<const FileManager>& fileManager) {
+    ProtectedAddresses addresses;
+    const auto begin = [&addresses] { addresses.clear(); };
+    const auto add = [&addresses](std::string_view address) {
+        addresses.emplace(address);
+        addresses.insert(rootIconOf(address));
+    };
+    visitRows(places, fileManager, heldAddresses, begin, add);
     return addresses;
+}
+
+void visitPlaces(const std::filesystem::path& places,
+                 const std::shared_ptr<const FileManager>& fileManager,
+                 const std::function<void(std::string_view)>& visit) {
+    const auto begin = [] {};
+    visitRows(places, fileManager, allAddresses, begin, visit);
 }
 
 }  // namespace browsersweep

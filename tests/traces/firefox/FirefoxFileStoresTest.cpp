@@ -218,7 +218,6 @@ const std::vector<std::pair<const char*, TraceKind>> mixedPlaces{
     {"sessionstore.jsonlz4", TraceKind::openTabs},
     {"sessionstore-backups/previous.jsonlz4", TraceKind::openTabs},
     {"notificationstore.json", TraceKind::siteStorage},
-    {"cache:thumbnails/1.png", TraceKind::predictions},
     {"cache:activity-stream.shortcut_cache.json", TraceKind::predictions},
 };
 

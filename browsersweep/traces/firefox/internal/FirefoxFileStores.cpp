@@ -13,6 +13,7 @@
 #include "browsersweep/traces/firefox/internal/ServiceWorkerListStore.h"
 #include "browsersweep/traces/firefox/internal/SessionStore.h"
 #include "browsersweep/traces/firefox/internal/StateFileStore.h"
+#include "browsersweep/traces/firefox/internal/ThumbnailStore.h"
 
 namespace browsersweep {
 namespace {
@@ -67,8 +68,6 @@ constexpr std::array sessionRows{
 
 /** Below the profile's folder for caches. */
 constexpr std::array mixedCaches{
-    MixedRow{"thumbnails", TraceKind::predictions,
-             "pictures of pages, named by digests of their addresses: Firefox makes them anew"},
     MixedRow{"activity-stream.shortcut_cache.json", TraceKind::predictions,
              "the sites that a new tab shows: Firefox finds them anew"},
 };
@@ -99,6 +98,12 @@ TraceStores firefoxFileStores(const ProfileFolders& folders,
         stores.push_back(std::make_shared<MixedStore>(row, folders.cache, fileManager));
     }
     return stores;
+}
+
+TraceStores storesBeforeDatabases(const ProfileFolders& folders,
+                                  const std::shared_ptr<const FileManager>& fileManager) {
+    return {std::make_shared<ThumbnailStore>(folders.cache / "thumbnails",
+                                             folders.data / "places.sqlite", fileManager)};
 }
 
 }  // namespace browsersweep

@@ -13,4 +13,8 @@ namespace browsersweep {
 TraceStores firefoxFileStores(const ProfileFolders& folders,
                               const std::shared_ptr<const FileManager>& fileManager);
 
+/** Those that ask the databases, and so must have their turn before them. Touches no file. */
+TraceStores storesBeforeDatabases(const ProfileFolders& folders,
+                                  const std::shared_ptr<const FileManager>& fileManager);
+
 }  // namespace browsersweep
