@@ -170,8 +170,9 @@ std::int64_t allocatedBytesBelow(const fs::path& root, OperationControl* control
                 return sum;
             }
             sum += posix::allocatedBytes(entry->path());
+            // What the listing told of its kind: nothing is asked for a second time.
             std::error_code unknown;
-            if (entry->symlink_status(unknown).type() == fs::file_type::directory) {
+            if (!entry->is_symlink(unknown) && entry->is_directory(unknown)) {
                 folders.push_back(entry->path());
             }
         }

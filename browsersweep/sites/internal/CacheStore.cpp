@@ -56,7 +56,7 @@ public:
     };
 
     Entries(const SimpleCache& cache, const FileManager& fileManager) {
-        cache.visit([&](const SimpleCacheFile& file) {
+        isInBlocks_ = !cache.visit([&](const SimpleCacheFile& file) {
             const std::string key = file.key.value_or("");
             entries_.push_back({file, hostsIn(SiteForm::networkKey, key), {}});
             hasDigests_ = hasDigests_ || isDigest(key);
@@ -65,6 +65,9 @@ public:
             findUsers(cache, fileManager);
         }
     }
+
+    /** Whether it is in the older format, and its entries cannot be told apart. */
+    bool isInBlocks() const noexcept { return isInBlocks_; }
 
     const std::vector<Entry>& all() const noexcept { return entries_; }
 
@@ -91,6 +94,7 @@ private:
     }
 
     std::vector<Entry> entries_;
+    bool isInBlocks_ = false;
     bool hasDigests_ = false;
 };
 
@@ -109,20 +113,33 @@ bool isGoing(const Entries::Entry& entry, SiteMatcher& matcher) {
                        [&](const auto& hosts) { return matcher.selectsHosts(hosts); });
 }
 
+std::set<std::string, std::less<>> namesOfGoing(const Entries& entries,
+                                                const ForgetRequest& request) {
+    std::set<std::string, std::less<>> names;
+    SiteMatcher matcher(request.sites);
+    const bool takesDamaged = request.takesMixedOf(TraceKind::cachedFiles);
+    for (const Entries::Entry& entry : entries.all()) {
+        if (entry.file.key ? isGoing(entry, matcher) : takesDamaged) {
+            names.insert(entry.file.name);
+        }
+    }
+    return names;
+}
+
 }  // namespace
 
 CacheStore::CacheStore(std::filesystem::path folder, std::shared_ptr<const FileManager> fileManager)
     : fileManager_(std::move(fileManager)), cache_(std::move(folder), fileManager_) {}
 
 TraceListing CacheStore::list(const KnownHosts& /*knownHosts*/) const {
-    if (cache_.isInBlocks()) {
+    const Entries entries(cache_, *fileManager_);
+    if (entries.isInBlocks()) {
         return {{},
                 {{TraceKind::cachedFiles, path(), sizeOfAll(*fileManager_, path()),
                   std::string(inBlocks)}}};
     }
     TraceCollector collector;
     CleanableDataSize damaged;
-    const Entries entries(cache_, *fileManager_);
     for (const Entries::Entry& entry : entries.all()) {
         const CleanableDataSize size{1, entry.file.size};
         damaged = entry.file.key ? damaged : damaged + size;
@@ -139,34 +156,24 @@ TraceListing CacheStore::list(const KnownHosts& /*knownHosts*/) const {
     return listing;
 }
 
-std::set<std::string, std::less<>> CacheStore::namesOfGoing(const ForgetRequest& request) const {
-    std::set<std::string, std::less<>> names;
-    SiteMatcher matcher(request.sites);
-    const bool takesDamaged = request.takesMixedOf(TraceKind::cachedFiles);
-    const Entries entries(cache_, *fileManager_);
-    for (const Entries::Entry& entry : entries.all()) {
-        if (entry.file.key ? isGoing(entry, matcher) : takesDamaged) {
-            names.insert(entry.file.name);
-        }
-    }
-    return names;
-}
-
 ForgetOutcome CacheStore::forget(const ForgetRequest& request) const {
     if (!request.takes(TraceKind::cachedFiles)) {
         return {};
     }
-    const bool isInBlocks = cache_.isInBlocks();
-    if (request.sites.isEverything() ||
-        (isInBlocks && request.takesMixedOf(TraceKind::cachedFiles))) {
+    if (request.sites.isEverything()) {
         removeAll(*fileManager_, path());
         return {};
     }
-    if (isInBlocks) {
-        return {{{TraceKind::cachedFiles, path(), std::string(inBlocks)}}, true};
+    const Entries entries(cache_, *fileManager_);
+    if (!entries.isInBlocks()) {
+        cache_.remove(namesOfGoing(entries, request));
+        return {};
     }
-    cache_.remove(namesOfGoing(request));
-    return {};
+    if (request.takesMixedOf(TraceKind::cachedFiles)) {
+        removeAll(*fileManager_, path());
+        return {};
+    }
+    return {{{TraceKind::cachedFiles, path(), std::string(inBlocks)}}, true};
 }
 
 }  // namespace browsersweep

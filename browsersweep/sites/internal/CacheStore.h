@@ -26,8 +26,6 @@ public:
     ForgetOutcome forget(const ForgetRequest& request) const override;
 
 private:
-    std::set<std::string, std::less<>> namesOfGoing(const ForgetRequest& request) const;
-
     std::shared_ptr<const FileManager> fileManager_;
     SimpleCache cache_;
 };

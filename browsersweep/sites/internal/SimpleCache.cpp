@@ -62,14 +62,13 @@ std::optional<std::string> keyOf(const FileManager& fileManager, const fs::path&
 SimpleCache::SimpleCache(fs::path folder, std::shared_ptr<const FileManager> fileManager)
     : folder_(std::move(folder)), fileManager_(std::move(fileManager)) {}
 
-bool SimpleCache::isInBlocks() const {
-    const auto entries = fileManager_->entries(folder_);
-    return std::any_of(entries.begin(), entries.end(), isPartOfBlocks);
-}
-
-void SimpleCache::visit(const std::function<void(const SimpleCacheFile&)>& visit) const {
+bool SimpleCache::visit(const std::function<void(const SimpleCacheFile&)>& visit) const {
     const auto control = fileManager_->control();
-    for (FolderEntry& entry : fileManager_->entries(folder_)) {
+    auto entries = fileManager_->entries(folder_);
+    if (std::any_of(entries.begin(), entries.end(), isPartOfBlocks)) {
+        return false;
+    }
+    for (FolderEntry& entry : entries) {
         continueOrThrow(control.get());
         if (entry.kind != FolderEntry::Kind::folder && isEntryName(entry.name)) {
             auto key = entry.kind == FolderEntry::Kind::file
@@ -78,6 +77,7 @@ void SimpleCache::visit(const std::function<void(const SimpleCacheFile&)>& visit
             visit({std::move(entry.name), std::move(key), entry.size, entry.modified});
         }
     }
+    return true;
 }
 
 void SimpleCache::remove(const std::set<std::string, std::less<>>& names) const {

@@ -36,12 +36,9 @@ public:
     /** The index, which has a digest of each key, and which the browser makes anew. */
     std::filesystem::path index() const { return folder_ / "index-dir" / "the-real-index"; }
 
-    /** Whether files of the older format are there. */
-    bool isInBlocks() const;
-
-    /** Visits the files of all entries, in no certain order. Throws `filesystem_error` and what the
-     * control throws. */
-    void visit(const std::function<void(const SimpleCacheFile&)>& visit) const;
+    /** Visits the files of all entries, in no certain order. False, and no visit, where files of
+     * the older format are there. Throws `filesystem_error` and what the control throws. */
+    bool visit(const std::function<void(const SimpleCacheFile&)>& visit) const;
 
     /** Deletes files by their names and, if there are any, the index. Throws as above. */
     void remove(const std::set<std::string, std::less<>>& names) const;

@@ -85,7 +85,9 @@ Bytes PosixFileManager::contents(const std::filesystem::path& path) const {
 Bytes PosixFileManager::firstBytes(const std::filesystem::path& path, std::size_t count) const {
     struct stat status = {};
     const FileDescriptor file = openRegularFile(path, status);
-    return readUpTo(count, file, path);
+    // A short file is read to its end, without asking for more.
+    const auto size = static_cast<std::uint64_t>(status.st_size);
+    return readUpTo(static_cast<std::size_t>(std::min<std::uint64_t>(count, size)), file, path);
 }
 
 Bytes PosixFileManager::lastBytes(const std::filesystem::path& path, std::size_t count) const {
