@@ -54,20 +54,41 @@ std::size_t depthAround(std::size_t deepest) {
 }  // namespace
 
 struct PropertyList::Node {
+    // Beside its values, where it takes no more room than a text does: files have many small
+    // values.
+    template <typename Values>
+    struct Container {
+        Values values;
+        std::uint16_t depth;
+        friend bool operator==(const Container& a, const Container& b) noexcept {
+            return a.values == b.values;
+        }
+    };
+    static_assert(maximumDepth <= std::numeric_limits<std::uint16_t>::max());
+
     // Integers above 2^63-1 are the only ones held as unsigned: each has one representation.
     using Value = std::variant<bool, std::int64_t, std::uint64_t, double, std::string, Date, Bytes,
-                               Array, Dictionary, UID>;
+                               Container<Array>, Container<Dictionary>, UID>;
     Value value;
-    std::size_t depth = 0;
 
-    static PropertyList make(Value value, std::size_t depth = 0) {
-        return PropertyList(std::make_shared<const Node>(Node{std::move(value), depth}));
+    static PropertyList make(Value value) {
+        return PropertyList(std::make_shared<const Node>(Node{std::move(value)}));
+    }
+
+    template <typename Values>
+    static PropertyList make(Values values, std::size_t depth) {
+        return make(Container<Values>{std::move(values), static_cast<std::uint16_t>(depth)});
     }
 
     template <typename Type>
     std::optional<Type> get() const noexcept {
         const Type* found = std::get_if<Type>(&value);
         return found == nullptr ? std::nullopt : std::optional<Type>(*found);
+    }
+
+    template <typename Values>
+    const Container<Values>* container() const noexcept {
+        return std::get_if<Container<Values>>(&value);
     }
 };
 
@@ -145,7 +166,11 @@ PropertyList::Kind PropertyList::kind() const noexcept {
 }
 
 std::size_t PropertyList::depth() const noexcept {
-    return node_->depth;
+    if (const auto* const array = node_->container<Array>()) {
+        return array->depth;
+    }
+    const auto* const dictionary = node_->container<Dictionary>();
+    return dictionary == nullptr ? 0 : dictionary->depth;
 }
 
 std::optional<bool> PropertyList::asBoolean() const noexcept {
@@ -184,11 +209,13 @@ const Bytes* PropertyList::asData() const noexcept {
     return std::get_if<Bytes>(&node_->value);
 }
 const PropertyList::Array* PropertyList::asArray() const noexcept {
-    return std::get_if<Array>(&node_->value);
+    const auto* const found = node_->container<Array>();
+    return found == nullptr ? nullptr : &found->values;
 }
 
 const PropertyList::Dictionary* PropertyList::asDictionary() const noexcept {
-    return std::get_if<Dictionary>(&node_->value);
+    const auto* const found = node_->container<Dictionary>();
+    return found == nullptr ? nullptr : &found->values;
 }
 
 const PropertyList* PropertyList::find(std::string_view key) const noexcept {

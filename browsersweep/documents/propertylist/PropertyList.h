@@ -43,9 +43,10 @@ public:
     /**
      * Reads a property list in any of the three forms: binary, XML or old-style text. Text is in
      * UTF-8 or, with a byte order mark, in UTF-16. Time and memory are bounded by the length of the
-     * input, whatever it holds. Throws a `DecodingError` of the kind `dataCorrupted` for everything
-     * that is no property list, is nested too deeply, or holds text that is no Unicode (a lone
-     * surrogate, for example).
+     * input, whatever it holds: XML and old-style text take less than eight times their length.
+     * Throws a `DecodingError` of the kind `dataCorrupted` for everything that is no property list,
+     * is nested too deeply, or holds text that is no Unicode (a lone surrogate, for example); and
+     * for an old-style text of many values that has less than 64 bytes for each.
      */
     static PropertyList parse(BytesView bytes);
 

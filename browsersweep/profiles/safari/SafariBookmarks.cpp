@@ -8,30 +8,31 @@
 namespace browsersweep {
 namespace {
 
-using Child = SafariBookmarks::Child;
-using URIDictionary = SafariBookmarks::Child::URIDictionary;
+constexpr std::string_view childrenKey = "Children";
+constexpr std::string_view addressKey = "URLString";
+constexpr std::string_view dictionaryKey = "URIDictionary";
+constexpr std::string_view titleKey = "title";
 
 [[noreturn]] void mismatch(std::string_view needed, const CodingPath& path) {
     throw DecodingError(DecodingError::Kind::typeMismatch, "the value is no " + std::string(needed),
                         path);
 }
 
-/** Decodes a value with its place in the path, which is as before afterwards. */
-template <typename Decode>
-auto decodeBelow(CodingPath& path, std::string step, Decode decode) {
+/** Checks a value with its place in the path, which is as before afterwards. */
+template <typename Require>
+void requireBelow(const PropertyList& value, std::string step, CodingPath& path, Require require) {
     path.push_back(std::move(step));
-    auto value = decode();
+    require(value, path);
     path.pop_back();
-    return value;
 }
 
-/** A key's value, decoded; absent if the key is. */
-template <typename Decode>
-auto optional(const PropertyList& parent, std::string_view key, CodingPath& path, Decode decode) {
-    const PropertyList* value = parent.find(key);
-    return value == nullptr ? std::nullopt : std::optional(decodeBelow(path, std::string(key), [&] {
-        return decode(*value, path);
-    }));
+/** Checks a key's value, if the key is there. */
+template <typename Require>
+void requireOptional(const PropertyList& parent, std::string_view key, CodingPath& path,
+                     Require require) {
+    if (const PropertyList* const value = parent.find(key)) {
+        requireBelow(*value, std::string(key), path, require);
+    }
 }
 
 void requireDictionary(const PropertyList& value, const CodingPath& path) {
@@ -40,70 +41,115 @@ void requireDictionary(const PropertyList& value, const CodingPath& path) {
     }
 }
 
-std::string decodeText(const PropertyList& value, const CodingPath& path) {
-    const std::string* text = value.asString();
-    if (text == nullptr) {
+void requireText(const PropertyList& value, const CodingPath& path) {
+    if (value.asString() == nullptr) {
         mismatch("text", path);
     }
-    return *text;
 }
 
-URIDictionary decodeURIDictionary(const PropertyList& value, CodingPath& path) {
+void requireURIDictionary(const PropertyList& value, CodingPath& path) {
     requireDictionary(value, path);
-    return {optional(value, "title", path, decodeText)};
+    requireOptional(value, titleKey, path, requireText);
 }
 
-std::vector<Child> decodeChildren(const PropertyList& value, CodingPath& path);
+void requireChildren(const PropertyList& value, CodingPath& path);
 
-Child decodeChild(const PropertyList& value, CodingPath& path) {
+void requireChild(const PropertyList& value, CodingPath& path) {
     requireDictionary(value, path);
-    return {optional(value, "Children", path, decodeChildren),
-            optional(value, "URLString", path, decodeText),
-            optional(value, "URIDictionary", path, decodeURIDictionary)};
+    requireOptional(value, childrenKey, path, requireChildren);
+    requireOptional(value, addressKey, path, requireText);
+    requireOptional(value, dictionaryKey, path, requireURIDictionary);
 }
 
 // Recursive: a property list cannot be deeper than its limit.
-std::vector<Child> decodeChildren(const PropertyList& value, CodingPath& path) {
-    const PropertyList::Array* elements = value.asArray();
+void requireChildren(const PropertyList& value, CodingPath& path) {
+    const PropertyList::Array* const elements = value.asArray();
     if (elements == nullptr) {
         mismatch("list", path);
     }
-    std::vector<Child> children;
-    children.reserve(elements->size());
+    std::size_t index = 0;
     for (const PropertyList& element : *elements) {
-        children.push_back(decodeBelow(path, "Index " + std::to_string(children.size()),
-                                       [&] { return decodeChild(element, path); }));
+        requireBelow(element, "Index " + std::to_string(index), path, requireChild);
+        ++index;
     }
-    return children;
 }
 
-void append(const std::vector<Child>& children, std::vector<Bookmark>& bookmarks) {
-    for (const Child& child : children) {
-        if (child.children) {
-            append(*child.children, bookmarks);
-        }
-        std::optional<URL> url = child.urlString ? URL::parse(*child.urlString) : std::nullopt;
+// From here on every value is known to have the type that its key needs.
+
+const PropertyList::Array* arrayOf(const PropertyList& parent) noexcept {
+    const PropertyList* const found = parent.find(childrenKey);
+    return found == nullptr ? nullptr : found->asArray();
+}
+
+std::optional<std::string> textOf(const PropertyList& parent, std::string_view key) {
+    const PropertyList* const found = parent.find(key);
+    return found == nullptr ? std::nullopt : std::optional(*found->asString());
+}
+
+std::optional<std::string> titleOf(const PropertyList& child) {
+    const PropertyList* const dictionary = child.find(dictionaryKey);
+    return dictionary == nullptr ? std::nullopt : textOf(*dictionary, titleKey);
+}
+
+void appendBelow(const PropertyList& parent, std::vector<Bookmark>& bookmarks) {
+    const PropertyList::Array* const children = arrayOf(parent);
+    if (children == nullptr) {
+        return;
+    }
+    for (const PropertyList& child : *children) {
+        appendBelow(child, bookmarks);
+        const PropertyList* const address = child.find(addressKey);
+        auto url = address == nullptr ? std::nullopt : URL::parse(*address->asString());
         if (url) {
-            bookmarks.push_back(
-                {child.uriDictionary ? child.uriDictionary->title : std::nullopt, *std::move(url)});
+            bookmarks.push_back({titleOf(child), *std::move(url)});
         }
     }
 }
 
 }  // namespace
 
+std::optional<std::vector<SafariBookmarks::Child>> SafariBookmarks::childrenOf(
+    const PropertyList& parent) {
+    const PropertyList::Array* const found = arrayOf(parent);
+    if (found == nullptr) {
+        return std::nullopt;
+    }
+    std::vector<Child> children;
+    children.reserve(found->size());
+    for (const PropertyList& value : *found) {
+        children.push_back(Child(value));
+    }
+    return children;
+}
+
+std::optional<std::vector<SafariBookmarks::Child>> SafariBookmarks::Child::children() const {
+    return childrenOf(value_);
+}
+
+std::optional<std::string> SafariBookmarks::Child::urlString() const {
+    return textOf(value_, addressKey);
+}
+
+std::optional<SafariBookmarks::Child::URIDictionary> SafariBookmarks::Child::uriDictionary() const {
+    const PropertyList* const found = value_.find(dictionaryKey);
+    return found == nullptr ? std::nullopt : std::optional(URIDictionary{textOf(*found, titleKey)});
+}
+
+std::optional<std::vector<SafariBookmarks::Child>> SafariBookmarks::children() const {
+    return childrenOf(root_);
+}
+
 SafariBookmarks SafariBookmarks::decode(BytesView bytes) {
-    const PropertyList root = PropertyList::parse(bytes);
+    PropertyList root = PropertyList::parse(bytes);
     CodingPath path;
     requireDictionary(root, path);
-    return {optional(root, "Children", path, decodeChildren)};
+    requireOptional(root, childrenKey, path, requireChildren);
+    return SafariBookmarks(std::move(root));
 }
 
 std::vector<Bookmark> SafariBookmarks::bookmarks() const {
     std::vector<Bookmark> found;
-    if (children) {
-        append(*children, found);
-    }
+    appendBelow(root_, found);
     return found;
 }
 

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "browsersweep/Export.h"
@@ -12,20 +13,35 @@
 namespace browsersweep {
 
 /** What Safari's file "Bookmarks.plist" holds, as far as bookmarks need it. */
-struct BROWSERSWEEP_EXPORT SafariBookmarks {
-    /** A folder, a bookmark, or both. */
-    struct BROWSERSWEEP_EXPORT Child {
+class BROWSERSWEEP_EXPORT SafariBookmarks {
+public:
+    /**
+     * A folder, a bookmark, or both. Its fields stay in the property list that was read: a file of
+     * a million folders takes no more than its own length a few times.
+     */
+    class BROWSERSWEEP_EXPORT Child {
+    public:
         /** What Safari keeps beside a bookmark's address. */
         struct BROWSERSWEEP_EXPORT URIDictionary {
             std::optional<std::string> title;  ///< key "title"
         };
 
-        std::optional<std::vector<Child>> children;  ///< key "Children"
-        std::optional<std::string> urlString;        ///< key "URLString"
-        std::optional<URIDictionary> uriDictionary;  ///< key "URIDictionary"
+        /** Key "Children"; absent where it is missing. */
+        std::optional<std::vector<Child>> children() const;
+        /** Key "URLString", any text; absent where it is missing. */
+        std::optional<std::string> urlString() const;
+        /** Key "URIDictionary"; absent where it is missing. */
+        std::optional<URIDictionary> uriDictionary() const;
+
+    private:
+        friend SafariBookmarks;
+        explicit Child(PropertyList value) noexcept : value_(std::move(value)) {}
+
+        PropertyList value_;
     };
 
-    std::optional<std::vector<Child>> children;  ///< key "Children"
+    /** Key "Children"; absent where it is missing. */
+    std::optional<std::vector<Child>> children() const;
 
     /**
      * Reads them from a property list of any form. Other keys are ignored. Throws `DecodingError`:
@@ -40,6 +56,13 @@ struct BROWSERSWEEP_EXPORT SafariBookmarks {
      * what is below it.
      */
     std::vector<Bookmark> bookmarks() const;
+
+private:
+    explicit SafariBookmarks(PropertyList root) noexcept : root_(std::move(root)) {}
+
+    static std::optional<std::vector<Child>> childrenOf(const PropertyList& parent);
+
+    PropertyList root_;
 };
 
 }  // namespace browsersweep

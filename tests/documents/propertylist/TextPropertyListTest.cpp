@@ -125,6 +125,23 @@ TEST(TextPropertyList, nestingEndsAtTheLimit) {
     EXPECT_THROW(PropertyList::parse(bytes(std::string(1000000, '{'))), DecodingError);
 }
 
+TEST(TextPropertyList, manyValuesWithLittleInThemAreRefused) {
+    const auto list = [](std::size_t count, const std::string& value) {
+        std::string source = "(";
+        for (std::size_t index = 0; index < count; ++index) {
+            source += value + ",";
+        }
+        return bytes(source + ")");
+    };
+    constexpr std::size_t few = 16'000;
+    constexpr std::size_t many = 20'000;
+    EXPECT_EQ(few, PropertyList::parse(list(few, "a")).asArray()->size());
+    EXPECT_EQ(many, PropertyList::parse(list(many, std::string(63, 'a'))).asArray()->size());
+    expectCorrupted(list(many, "a"));
+    expectCorrupted(list(many, "{}"));
+    expectCorrupted(list(many / 2, "{a;}"));
+}
+
 TEST(TextPropertyList, everyCorruptionOfOneByteIsAnErrorOrAValue) {
     tests::expectErrorOrValueForEveryCorruptionOfOneByte(
         bytes("{ a = (\"b\\U00fc\", <0fbd>); /* c */ d; }"));

@@ -18,6 +18,7 @@ namespace browsersweep {
 namespace {
 
 using tests::bytes;
+using tests::dictionary;
 using tests::expectCorrupted;
 using tests::text;
 
@@ -216,6 +217,34 @@ TEST(XMLPropertyList, halfACharacterAtTheEndIsRefused) {
 TEST(XMLPropertyList, aDocumentLongerThanTheParsersChunksIsRead) {
     const std::string longText(3U << 20, 'x');
     EXPECT_EQ(text(longText), PropertyList::parse(bytes("<string>" + longText + "</string>")));
+}
+
+TEST(XMLPropertyList, whiteSpaceOfAnyLengthMayStandBetweenElements) {
+    const std::string blanks(1U << 20, '\n');
+    EXPECT_EQ(PropertyList::array({PropertyList::boolean(true)}),
+              PropertyList::parse(bytes(blanks + "<plist>" + blanks + "<array>" + blanks +
+                                        "<true/>" + blanks + "</array></plist>" + blanks)));
+}
+
+TEST(XMLPropertyList, whatTheParserWouldHaveToKeepForLongIsRefused) {
+    const std::string letters(1U << 20, 'x');
+    expectCorrupted(bytes("<plist><!--" + letters + "--><true/></plist>"));
+    expectCorrupted(bytes("<plist a=\"" + letters + "\"><true/></plist>"));
+    expectCorrupted(bytes("<plist a='' b='' c='' d='' e=''><true/></plist>"));
+    EXPECT_EQ(PropertyList::boolean(true),
+              PropertyList::parse(bytes("<plist a='' b='' c='' d=''><true/></plist>")));
+}
+
+TEST(XMLPropertyList, emptyValuesOfAllKindsStandBesideEachOther) {
+    const PropertyList expected = PropertyList::array(
+        {PropertyList::boolean(true), PropertyList::boolean(false), text(""),
+         PropertyList::data({}), PropertyList::array({}), PropertyList::dictionary({}),
+         PropertyList::array({PropertyList::array({}), text("a")}),
+         dictionary({{"", PropertyList::array({})}, {"b", text("")}})});
+    EXPECT_EQ(expected, PropertyList::parse(bytes(
+                            inPlist("<array><true/><false/><string/><data/><array/><dict/>"
+                                    "<array><array/><string>a</string></array>"
+                                    "<dict><key/><array/><key>b</key><string/></dict></array>"))));
 }
 
 TEST(XMLPropertyList, everyTruncationIsRefused) {

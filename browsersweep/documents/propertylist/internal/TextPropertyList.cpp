@@ -98,11 +98,18 @@ private:
 
 class Reader {
 public:
-    explicit Reader(std::string_view text) noexcept : text_(text) {}
+    explicit Reader(std::string_view text) noexcept
+        : text_(text), valuesLeft_(fewValues + text.size() / bytesPerValue) {}
 
     PropertyList read();
 
 private:
+    // A value takes much more room than the two characters that it may have in a text. No program
+    // writes so many with so little in them.
+    static constexpr std::size_t fewValues = std::size_t{1} << 14;
+    static constexpr std::size_t bytesPerValue = 64;
+
+    void countValue();
     bool atEnd() const noexcept { return position_ == text_.size(); }
     char peek() const noexcept { return atEnd() ? '\0' : text_[position_]; }
     bool takeIf(char character) noexcept;
@@ -120,8 +127,17 @@ private:
     PropertyList::Dictionary entries(std::size_t depth);
 
     std::string_view text_;
+    std::size_t valuesLeft_;
     std::size_t position_ = 0;
 };
+
+void Reader::countValue() {
+    if (valuesLeft_ == 0) {
+        throw DecodingError::dataCorrupted(
+            "a text property list holds more values than its length allows");
+    }
+    --valuesLeft_;
+}
 
 PropertyList Reader::read() {
     skip();
@@ -273,6 +289,7 @@ Bytes Reader::data() {
 }
 
 PropertyList Reader::value(std::size_t depth) {
+    countValue();
     if (takeIf('<')) {
         return PropertyList::data(data());
     }
@@ -323,6 +340,7 @@ PropertyList::Dictionary Reader::entries(std::size_t depth) {
             element = value(depth);
             skip();
         } else {
+            countValue();
             element = PropertyList::string(key);
         }
         if (!takeIf(';')) {
@@ -352,7 +370,7 @@ std::string decoded(BytesView bytes) {
         throw DecodingError::dataCorrupted(
             "the bytes are no property list: neither binary nor text");
     }
-    return *text;
+    return *std::move(text);
 }
 
 }  // namespace
