@@ -14,6 +14,14 @@ namespace {
 
 using Groups = std::optional<std::vector<std::string>>;
 
+std::vector<std::string_view> lines(std::string_view text) {
+    std::vector<std::string_view> taken;
+    for (auto rest = std::optional(text); rest;) {
+        taken.push_back(takeLine(rest));
+    }
+    return taken;
+}
+
 TEST(Text, linesEndAtEverySingleNewlineCharacter) {
     struct Row {
         std::string_view text;

@@ -24,22 +24,17 @@ std::size_t leadingNewlineLength(std::string_view text) noexcept {
 
 }  // namespace
 
-std::vector<std::string_view> lines(std::string_view text) {
-    std::vector<std::string_view> result;
-    std::size_t lineStart = 0;
-    std::size_t position = 0;
-    while (position < text.size()) {
-        const std::size_t newline = leadingNewlineLength(text.substr(position));
-        if (newline == 0) {
-            ++position;
-            continue;
+std::string_view takeLine(std::optional<std::string_view>& text) noexcept {
+    const std::string_view whole = text.value_or(std::string_view());
+    for (std::size_t place = 0; place < whole.size(); ++place) {
+        const std::size_t newline = leadingNewlineLength(whole.substr(place));
+        if (newline != 0) {
+            text = whole.substr(place + newline);
+            return whole.substr(0, place);
         }
-        result.push_back(text.substr(lineStart, position - lineStart));
-        position += newline;
-        lineStart = position;
     }
-    result.push_back(text.substr(lineStart));
-    return result;
+    text.reset();
+    return whole;
 }
 
 }  // namespace browsersweep

@@ -9,10 +9,11 @@
 namespace browsersweep {
 
 /**
- * The lines of a UTF-8 text, split at every single newline character (U+000A to U+000D, U+0085,
- * U+2028, U+2029): a CR LF pair gives an empty line in between, an empty text one empty line.
+ * Takes the first line off a UTF-8 text, which is absent after the last one. Lines end at every
+ * single newline character (U+000A to U+000D, U+0085, U+2028, U+2029): a CR LF pair gives an empty
+ * line in between, an empty text one empty line. One by one, since a text can be all lines.
  */
-std::vector<std::string_view> lines(std::string_view text);
+std::string_view takeLine(std::optional<std::string_view>& text) noexcept;
 
 /**
  * The text with its user-perceived characters (extended grapheme clusters) in reverse order: an

@@ -1,12 +1,14 @@
 #include "browsersweep/profiles/firefox/FirefoxProfileReader.h"
 
+#include <cstddef>
+#include <optional>
+#include <string>
 #include <string_view>
 #include <utility>
 
 #include "browsersweep/documents/DecodingError.h"
 #include "browsersweep/documents/internal/UTF16.h"
 #include "browsersweep/profiles/firefox/FirefoxProfile.h"
-#include "browsersweep/profiles/firefox/IniFile.h"
 #include "browsersweep/profiles/internal/AppendingPath.h"
 
 namespace browsersweep {
@@ -27,13 +29,8 @@ IniFile decode(const Bytes& contents) {
     return IniFile(text);
 }
 
-std::optional<std::string> find(const IniFile::Properties& properties, const std::string& key) {
-    const auto found = properties.find(key);
-    return found == properties.end() ? std::nullopt : std::optional(found->second);
-}
-
-bool isSet(const IniFile::Properties& properties, const std::string& key) {
-    return find(properties, key) == "1";
+bool isSet(const IniFile::Section& section, std::string_view key) {
+    return section.find(key) == "1";
 }
 
 }  // namespace
@@ -46,11 +43,10 @@ std::vector<std::shared_ptr<const BrowserProfile>> FirefoxProfileReader::profile
     }
     const IniFile iniFile = decode(fileManager()->contents(file.lexically_normal()));
     std::vector<std::shared_ptr<const BrowserProfile>> profiles;
-    for (const auto& [section, properties] : iniFile.sections()) {
-        if (section.compare(0, profilePrefix.size(), profilePrefix) != 0) {
-            continue;
-        }
-        if (auto profile = makeProfile(properties)) {
+    for (std::size_t number = 0; number < iniFile.count(); ++number) {
+        const IniFile::Section section = iniFile.section(number);
+        auto profile = section.name().starts_with(profilePrefix) ? makeProfile(section) : nullptr;
+        if (profile) {
             profiles.push_back(std::move(profile));
         }
     }
@@ -58,15 +54,15 @@ std::vector<std::shared_ptr<const BrowserProfile>> FirefoxProfileReader::profile
 }
 
 std::shared_ptr<const BrowserProfile> FirefoxProfileReader::makeProfile(
-    const std::map<std::string, std::string>& properties) const {
-    std::optional<std::string> name = find(properties, "Name");
-    const std::optional<std::string> path = find(properties, "Path");
+    const IniFile::Section& section) const {
+    std::optional<std::string> name = section.find("Name");
+    const std::optional<std::string> path = section.find("Path");
     if (!name || !path) {
         return nullptr;
     }
-    const bool isRelative = isSet(properties, "IsRelative");
+    const bool isRelative = isSet(section, "IsRelative");
     return std::make_shared<FirefoxProfile>(
-        std::move(name), isSet(properties, "Default"), isRelative,
+        std::move(name), isSet(section, "Default"), isRelative,
         isRelative ? appendingPath(firefoxFolder, *path) : std::filesystem::path(*path), home_,
         *path);
 }

@@ -1,14 +1,13 @@
 #pragma once
 
-#include <map>
 #include <memory>
-#include <string>
 #include <utility>
 #include <vector>
 
 #include "browsersweep/Export.h"
 #include "browsersweep/home/Home.h"
 #include "browsersweep/profiles/BrowserProfileReader.h"
+#include "browsersweep/profiles/firefox/IniFile.h"
 
 namespace browsersweep {
 
@@ -38,8 +37,7 @@ public:
     std::vector<std::shared_ptr<const BrowserProfile>> profiles() const override;
 
 private:
-    std::shared_ptr<const BrowserProfile> makeProfile(
-        const std::map<std::string, std::string>& properties) const;
+    std::shared_ptr<const BrowserProfile> makeProfile(const IniFile::Section& section) const;
 
     Home home_;
 };

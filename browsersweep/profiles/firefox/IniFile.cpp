@@ -1,9 +1,9 @@
 #include "browsersweep/profiles/firefox/IniFile.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <optional>
-#include <utility>
 
 #include "browsersweep/platform/internal/Text.h"
 
@@ -124,39 +124,89 @@ std::optional<Property> propertyIn(std::string_view line) noexcept {
     return std::nullopt;
 }
 
-/** The sections read so far, and the one that the next property goes to. */
-class Parser {
-public:
-    void parseLine(std::string_view line) {
-        const std::string_view content = line.substr(0, line.find(';'));
-        if (content.find_first_not_of(" \t") == std::string_view::npos) {
+/** A line without its comment. */
+std::string_view contentOf(std::string_view line) noexcept {
+    return line.substr(0, line.find(';'));
+}
+
+/** Tells of the properties up to the next header, in their order. */
+template <typename Visit>
+void forEachProperty(std::string_view below, Visit visit) {
+    for (auto rest = std::optional(below); rest;) {
+        const std::string_view content = contentOf(takeLine(rest));
+        if (sectionIn(content)) {
             return;
         }
-        if (const auto section = sectionIn(content)) {
-            currentSection_ = &(sections_[std::string(*section)] = {});
-            return;
-        }
-        const auto property = currentSection_ == nullptr ? std::nullopt : propertyIn(content);
-        if (property) {
-            (*currentSection_)[std::string(property->key)] = property->value;
+        if (const auto property = propertyIn(content)) {
+            visit(*property);
         }
     }
-
-    IniFile::Sections takeSections() { return std::exchange(sections_, {}); }
-
-private:
-    IniFile::Sections sections_;
-    IniFile::Properties* currentSection_ = nullptr;  // values of a map stay where they are
-};
+}
 
 }  // namespace
 
-IniFile::IniFile(std::string_view text) {
-    Parser parser;
-    for (const std::string_view line : lines(text)) {
-        parser.parseLine(line);
+std::optional<std::string> IniFile::Section::find(std::string_view key) const {
+    std::optional<std::string> found;
+    forEachProperty(below_, [&](const Property& property) {
+        if (property.key == key) {
+            found = std::string(property.value);
+        }
+    });
+    return found;
+}
+
+IniFile::Properties IniFile::Section::properties() const {
+    Properties found;
+    forEachProperty(below_, [&found](const Property& property) {
+        found[std::string(property.key)] = property.value;
+    });
+    return found;
+}
+
+std::vector<IniFile::Header> IniFile::headersIn(std::string_view text) {
+    constexpr std::size_t shortestHeader = std::string_view("[s]\n").size();
+    std::vector<Header> headers;
+    // More would have to be copied in growing, and what is not used costs nothing.
+    headers.reserve(text.size() / shortestHeader + 1);
+    for (auto rest = std::optional(text); rest;) {
+        if (const auto name = sectionIn(contentOf(takeLine(rest)))) {
+            const auto place = static_cast<std::size_t>(name->data() - text.data());
+            headers.push_back({place, name->size()});
+        }
     }
-    sections_ = parser.takeSections();
+    return headers;
+}
+
+std::string_view IniFile::nameIn(const Header& header) const noexcept {
+    return std::string_view(text_).substr(header.place, header.length);
+}
+
+IniFile::IniFile(std::string_view text) : text_(text), headers_(headersIn(text_)) {
+    // The last of equal names first, which is the one that stays.
+    std::sort(headers_.begin(), headers_.end(), [this](const Header& a, const Header& b) {
+        const int order = nameIn(a).compare(nameIn(b));
+        return order == 0 ? a.place > b.place : order < 0;
+    });
+    const auto isSameName = [this](const Header& a, const Header& b) {
+        return nameIn(a) == nameIn(b);
+    };
+    headers_.erase(std::unique(headers_.begin(), headers_.end(), isSameName), headers_.end());
+}
+
+IniFile::Section IniFile::section(std::size_t number) const {
+    const Header& header = headers_.at(number);
+    auto below = std::optional(std::string_view(text_).substr(header.place));
+    takeLine(below);
+    return {nameIn(header), below.value_or(std::string_view())};
+}
+
+IniFile::Sections IniFile::sections() const {
+    Sections found;
+    for (std::size_t number = 0; number < headers_.size(); ++number) {
+        const Section each = section(number);
+        found.emplace(each.name(), each.properties());
+    }
+    return found;
 }
 
 }  // namespace browsersweep
