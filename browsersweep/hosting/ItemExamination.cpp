@@ -240,7 +240,9 @@ bool saysNoRoom(const std::exception& error) noexcept {
         return file->code() == std::errc::no_space_on_device;
     }
     const auto* const sqlite = dynamic_cast<const SQLiteError*>(&error);
-    return sqlite != nullptr && sqlite->kind() == SQLiteError::Kind::full;
+    // SQLite says the latter where there is room for a copy and none for what it puts beside it.
+    return sqlite != nullptr && (sqlite->kind() == SQLiteError::Kind::full ||
+                                 sqlite->kind() == SQLiteError::Kind::inputOutput);
 }
 
 std::int64_t allocatedBytes(const CleanableData& item, OperationControl* control) {

@@ -56,7 +56,7 @@ BROWSERSWEEP_EXPORT std::optional<CleanableDataSize> sizeWithoutCopy(const Clean
 BROWSERSWEEP_EXPORT std::optional<ItemObstacle> obstacleToOpening(
     const std::filesystem::path& path);
 
-/** Whether an error says that a disk has no room. */
+/** Whether an error says that a disk has no room, or may say so: SQLite does not always tell. */
 BROWSERSWEEP_EXPORT bool saysNoRoom(const std::exception& error) noexcept;
 
 /**

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -216,6 +217,10 @@ public:
      */
     virtual bool replaceFolder(const std::filesystem::path& path,
                                const std::filesystem::path& contents) const = 0;
+
+    /** The same with files from memory, by their names. A name that is no plain one is an error. */
+    virtual bool replaceFolderWithFiles(const std::filesystem::path& path,
+                                        const std::map<std::string, Bytes>& files) const = 0;
 
     /**
      * Whether a name is one that replacing gives, for a moment, to what it puts in the place of a

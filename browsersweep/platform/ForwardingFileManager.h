@@ -1,6 +1,8 @@
 #pragma once
 
+#include <map>
 #include <memory>
+#include <string>
 #include <utility>
 
 #include "browsersweep/Export.h"
@@ -50,6 +52,10 @@ public:
     bool replaceFolder(const std::filesystem::path& path,
                        const std::filesystem::path& contents) const override {
         return target_->replaceFolder(path, contents);
+    }
+    bool replaceFolderWithFiles(const std::filesystem::path& path,
+                                const std::map<std::string, Bytes>& files) const override {
+        return target_->replaceFolderWithFiles(path, files);
     }
     void createDirectory(const std::filesystem::path& path) const override {
         target_->createDirectory(path);

@@ -1,6 +1,8 @@
 #include "browsersweep/sqlite/SQLiteConnection.h"
 
+#include <filesystem>
 #include <optional>
+#include <system_error>
 #include <utility>
 
 #include <sqlite3.h>
@@ -75,7 +77,9 @@ SQLiteConnection SQLiteConnection::readingOnly(const std::filesystem::path& path
 
 SQLiteConnection SQLiteConnection::readingAsItLies(const std::filesystem::path& path,
                                                    std::shared_ptr<OperationControl> control) {
-    return {path, DatabaseAccess::asItLies, std::move(control)};
+    std::error_code ignored;  // what cannot be examined cannot be opened either
+    const bool hasLog = std::filesystem::exists(std::filesystem::path(path) += "-wal", ignored);
+    return {path, hasLog ? DatabaseAccess::withLog : DatabaseAccess::asItLies, std::move(control)};
 }
 
 SQLiteStatement SQLiteConnection::prepare(const std::string& sql) const {

@@ -55,9 +55,9 @@ public:
                                         std::shared_ptr<OperationControl> control = nullptr);
 
     /**
-     * The same for a file beside which there is neither a log nor a journal: no lock is taken, and
-     * no index of a log is needed. What is read is a state of the file only if nobody has changed
-     * it meanwhile, which is for the caller to find out. Throws `SQLiteError`.
+     * The same for a file beside which there is no journal: no lock is taken, and no index of a log
+     * is needed; one is made in memory. What is read is a state of the files only if nobody changed
+     * them meanwhile, which is for the caller to find out. Throws `SQLiteError`.
      */
     static SQLiteConnection readingAsItLies(const std::filesystem::path& path,
                                             std::shared_ptr<OperationControl> control = nullptr);

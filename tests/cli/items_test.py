@@ -301,6 +301,18 @@ class Going(ItemsTest):
                  subprocess.run(["unshare", "--mount", "true"], check=False).returncode != 0,
                  "needs the right to mount")
 class FullTemporaryFolder(ItemsTest):
+    def leave_log(self):
+        """As a browser that was killed: the log lies there without its index."""
+        written = self.root / "written"
+        shutil.copyfile(self.history, written)
+        connection = sqlite3.connect(written)
+        connection.execute("PRAGMA journal_mode = WAL")
+        connection.execute("INSERT INTO urls VALUES (1000, 'https://log.example/', 1)")
+        connection.commit()
+        for end in ("", "-wal"):
+            shutil.copyfile(f"{written}{end}", f"{self.history}{end}")
+        connection.close()
+
     def test_a_database_is_cleaned_all_the_same(self):
         self.fill_history(5000)
         completed = subprocess.run(
@@ -314,6 +326,37 @@ class FullTemporaryFolder(ItemsTest):
         self.assertEqual((item["verdict"], item["removed"]["itemCount"]["value"]),
                          ("emptied", 5000))
         self.assertEqual(rows(self.history, "SELECT count(*) FROM urls"), [(0,)])
+
+
+    def test_a_database_with_a_log_is_cleaned_all_the_same(self):
+        self.fill_history(100)
+        self.leave_log()
+        completed = subprocess.run(
+            ["unshare", "--mount", "sh", "-c",
+             'mount -t tmpfs -o size=8k none "$1" && shift && exec "$@"', "sh", self.temporary,
+             *self.command("--json", "clean", "--yes", *HISTORY)],
+            env=self.environment, capture_output=True, check=False, timeout=HANGS)
+        item = self.items(self.checked_document(completed.stdout, "clean"), "Default/History")[0]
+        self.assertEqual((item["verdict"], rows(self.history, "SELECT count(*) FROM urls")),
+                         ("emptied", [(0,)]), completed.stderr)
+
+    def test_on_a_full_disk_what_stays_is_told(self):
+        """The home itself lies on a disk without room: a journal cannot be made there."""
+        self.fill_history(5000)
+        completed = subprocess.run(
+            ["unshare", "--mount", "sh", "-c",
+             'cp -a "$1" "$2" && mount -t tmpfs -o size=1m none "$1" && cp -a "$2/." "$1" && '
+             '{ cat /dev/zero >"$1/filling" 2>/dev/null; home=$1; copy=$2; shift 2; "$@"; '
+             'status=$?; cp "$home/Library/Application Support/Chromium/Default/History" '
+             '"$copy/after"; exit $status; }', "sh", self.home, self.root / "copy",
+             *self.command("--json", "clean", "--yes", *HISTORY)],
+            env=self.environment, capture_output=True, check=False, timeout=HANGS)
+        item = self.items(self.checked_document(completed.stdout, "clean"), "Default/History")[0]
+        left = rows(self.root / "copy" / "after", "SELECT count(*) FROM urls")[0][0]
+        self.assertEqual(left, 5000)
+        self.assertEqual((completed.returncode, item["verdict"]), (1, "couldNotDelete"),
+                         completed.stderr)
+        self.assertIn(str(self.history), completed.stderr.decode())
 
 
 @unittest.skipUnless(sys.platform == "linux" and shutil.which("cc"), "needs a compiler to stand in")

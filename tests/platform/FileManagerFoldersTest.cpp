@@ -13,6 +13,7 @@
 
 #include "browsersweep/platform/FileManager.h"
 
+#include "tests/support/Bytes.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/FileErrors.h"
 #include "tests/support/TemporaryFolder.h"
@@ -130,6 +131,27 @@ TEST_F(FileManagerFolders, aReplacedFolderHasTheNewFilesAndTheOldModeAndNothingS
     EXPECT_EQ(modeOf(store / "table"), 0600U);
     EXPECT_EQ(tests::readFile(store / "table"), std::string(300'000, 'x'));
     EXPECT_EQ(below("new"), (Lines{"CURRENT", "table"}));
+}
+
+TEST_F(FileManagerFolders, aFolderIsReplacedByFilesFromMemoryAllTheSame) {
+    fs::permissions(store, fs::perms(0750));
+    EXPECT_TRUE(
+        manager->replaceFolderWithFiles(store, {{"CURRENT", tests::bytes("now")}, {"empty", {}}}));
+    EXPECT_EQ(below("Library"), (Lines{"store", "store/CURRENT", "store/empty"}));
+    EXPECT_EQ(modeOf(store), 0750U);
+    EXPECT_EQ(modeOf(store / "CURRENT"), 0600U);
+    EXPECT_EQ(tests::readFile(store / "CURRENT"), "now");
+}
+
+TEST_F(FileManagerFolders, filesFromMemoryWithoutAPlainNameAreRefusedAndNothingIsBeside) {
+    for (const std::string& name : Lines{"", ".", "..", "a/b", "../file", "/file", {'a', '\0'}}) {
+        EXPECT_EQ(errorThrownBy([&] {
+                      manager->replaceFolderWithFiles(store, {{name, {}}});
+                  }),
+                  std::errc::invalid_argument)
+            << name;
+    }
+    EXPECT_EQ(below("Library"), (Lines{"store", "store/old", "store/sub", "store/sub/older"}));
 }
 
 TEST_F(FileManagerFolders, aReplacedFolderKeepsItsOwner) {

@@ -120,9 +120,9 @@ class Forgetting(ProcessTest):
                 self.assertIn(str(home.home / name), finished.stderr.decode())
 
     @unittest.skipIf(os.getuid() != 0 or shutil.which("unshare") is None, "needs the right to mount")
-    def test_a_full_temporary_folder_keeps_only_those_that_need_a_copy(self):
+    def test_a_full_temporary_folder_keeps_nothing(self):
         with Home(self.template) as home:
-            # A log of changes without its index is counted in a copy.
+            # A log of changes without its index is read with one in memory.
             leave_log(home.home / COOKIES, home.root / "written")
             # One that is in the mode of logs and has none is read as it lies.
             with sqlite3.connect(home.home / CHROMIUM / "Profile 1" / "Cookies") as connection:
@@ -131,13 +131,9 @@ class Forgetting(ProcessTest):
             finished = home.run(*SITE, prefix=["unshare", "--mount", "sh", "-c",
                                                'mount -t tmpfs -o size=8k none "$1" && shift && exec "$@"',
                                                "sh", str(home.temporary)])
-            stores = self.check_status(finished, 1)
-            self.assertEqual(stores[str(home.home / COOKIES)]["verdict"], "couldNotLook")
-            for what, row in stores.items():
-                if row["verdict"] not in SUCCESS:
-                    self.assertIn("No space left on device", row["detail"])
-                    self.assertIn(what, finished.stderr.decode())
-            for name in (HISTORY, f"{CHROMIUM}/Profile 1/Cookies"):
+            stores = self.check_status(finished, 0)
+            self.assertLessEqual({row["verdict"] for row in stores.values()}, SUCCESS)
+            for name in (HISTORY, COOKIES, f"{CHROMIUM}/Profile 1/Cookies"):
                 self.assertEqual(stores[str(home.home / name)]["verdict"], "emptied")
                 self.assertNotIn(b"example.com", (home.home / name).read_bytes())
             self.check_rest(home)

@@ -195,9 +195,40 @@ TEST_F(DatabaseSnapshots, areReadAsTheyLieWhereThereIsNoRoomForACopy) {
     EXPECT_EQ(tests::filesBelow(home_ / "data"), before);
 }
 
-TEST_F(DatabaseSnapshots, areNotReadAsTheyLieWhereALogWaits) {
+TEST_F(DatabaseSnapshots, areReadWithALogThatACrashLeftWhereThereIsNoRoomForACopy) {
+    make("WAL");
+    {
+        const Database browser(file_);
+        browser.execute("INSERT INTO history_visits (history_item) VALUES (1)");
+        for (const char* end : {"", "-wal"}) {
+            fs::copy_file(beside(end), home_ / ("left" + std::string(end)));
+        }
+    }
+    for (const char* end : {"", "-wal"}) {
+        fs::rename(home_ / ("left" + std::string(end)), beside(end));
+    }
+    const auto before = tests::filesBelow(home_ / "data");
+    ASSERT_TRUE(before.contains("History.db-wal"));
+    ASSERT_FALSE(before.contains("History.db-shm"));
+    const auto full = std::make_shared<FullFileManager>(manager_);
+    EXPECT_EQ(SafariHistoryCleanableDatabase(file_, full).size().itemCount,
+              CleanableDataSize::Measurement(visitCount + 1));
+    EXPECT_EQ(tests::filesBelow(home_ / "data"), before);
+}
+
+TEST_F(DatabaseSnapshots, areReadWithoutALogThatIsNoneWhereThereIsNoRoomForACopy) {
     make("WAL");
     home_.write("data/History.db-wal", "log");
+    const auto before = tests::filesBelow(home_ / "data");
+    const auto full = std::make_shared<FullFileManager>(manager_);
+    EXPECT_EQ(SafariHistoryCleanableDatabase(file_, full).size().itemCount,
+              CleanableDataSize::Measurement(visitCount));
+    EXPECT_EQ(tests::filesBelow(home_ / "data"), before);
+}
+
+TEST_F(DatabaseSnapshots, areNotReadAsTheyLieWhereAJournalWaits) {
+    make("WAL");
+    home_.write("data/History.db-journal", "journal");
     const auto full = std::make_shared<FullFileManager>(manager_);
     EXPECT_THROW(SafariHistoryCleanableDatabase(file_, full).size(), fs::filesystem_error);
 }

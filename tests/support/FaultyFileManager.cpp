@@ -118,6 +118,12 @@ bool FaultyFileManager::replaceFolder(const fs::path& path, const fs::path& cont
     return ForwardingFileManager::replaceFolder(path, contents);
 }
 
+bool FaultyFileManager::replaceFolderWithFiles(const fs::path& path,
+                                               const std::map<std::string, Bytes>& files) const {
+    count("replaceFolderWithFiles", path);
+    return ForwardingFileManager::replaceFolderWithFiles(path, files);
+}
+
 void FaultyFileManager::createDirectory(const fs::path& path) const {
     count("createDirectory", path);
     ForwardingFileManager::createDirectory(path);

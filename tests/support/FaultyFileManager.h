@@ -2,7 +2,9 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <map>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -70,6 +72,8 @@ public:
     bool removeFolder(const std::filesystem::path& path) const override;
     bool replaceFolder(const std::filesystem::path& path,
                        const std::filesystem::path& contents) const override;
+    bool replaceFolderWithFiles(const std::filesystem::path& path,
+                                const std::map<std::string, Bytes>& files) const override;
     void createDirectory(const std::filesystem::path& path) const override;
     bool reaches(const std::filesystem::path& path) const override;
     std::vector<FolderEntry> entries(const std::filesystem::path& directory) const override;

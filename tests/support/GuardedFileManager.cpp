@@ -79,6 +79,11 @@ bool GuardedFileManager::replaceFolder(const fs::path& path, const fs::path& con
     return ForwardingFileManager::replaceFolder(checked(path), checked(contents));
 }
 
+bool GuardedFileManager::replaceFolderWithFiles(const fs::path& path,
+                                                const std::map<std::string, Bytes>& files) const {
+    return ForwardingFileManager::replaceFolderWithFiles(checked(path), files);
+}
+
 void GuardedFileManager::createDirectory(const fs::path& path) const {
     ForwardingFileManager::createDirectory(checked(path));
 }

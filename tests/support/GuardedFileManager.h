@@ -1,7 +1,9 @@
 #pragma once
 
 #include <filesystem>
+#include <map>
 #include <memory>
+#include <string>
 
 #include "tests/support/ForwardingFileManager.h"
 #include "tests/support/TemporaryFolder.h"
@@ -31,6 +33,8 @@ public:
     bool removeFolder(const std::filesystem::path& path) const override;
     bool replaceFolder(const std::filesystem::path& path,
                        const std::filesystem::path& contents) const override;
+    bool replaceFolderWithFiles(const std::filesystem::path& path,
+                                const std::map<std::string, Bytes>& files) const override;
     void createDirectory(const std::filesystem::path& path) const override;
     std::filesystem::path temporaryDirectory() const override;
     bool reaches(const std::filesystem::path& path) const override;

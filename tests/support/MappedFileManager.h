@@ -1,7 +1,9 @@
 #pragma once
 
 #include <filesystem>
+#include <map>
 #include <memory>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -58,6 +60,10 @@ public:
     bool replaceFolder(const std::filesystem::path& path,
                        const std::filesystem::path& contents) const override {
         return GuardedFileManager::replaceFolder(onDisk(path), onDisk(contents));
+    }
+    bool replaceFolderWithFiles(const std::filesystem::path& path,
+                                const std::map<std::string, Bytes>& files) const override {
+        return GuardedFileManager::replaceFolderWithFiles(onDisk(path), files);
     }
     bool reaches(const std::filesystem::path& path) const override {
         return GuardedFileManager::reaches(onDisk(path));

@@ -1,6 +1,7 @@
 #include "browsersweep/sites/internal/LevelDatabase.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <memory>
 #include <new>
 #include <string>
@@ -8,6 +9,7 @@
 #include <utility>
 
 #include <leveldb/db.h>
+#include <leveldb/env.h>
 #include <leveldb/iterator.h>
 #include <leveldb/options.h>
 #include <leveldb/slice.h>
@@ -16,6 +18,7 @@
 
 #include "browsersweep/documents/DecodingError.h"
 #include "browsersweep/platform/internal/TemporaryFolder.h"
+#include "browsersweep/sites/internal/MemoryEnvironment.h"
 #include "browsersweep/sites/internal/QuietEnvironment.h"
 
 namespace browsersweep {
@@ -23,6 +26,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr std::string_view lockName = "LOCK";
 constexpr std::size_t bufferSize = std::size_t{16} << 20;
 constexpr std::size_t batchSize = std::size_t{1} << 20;
 
@@ -40,11 +44,38 @@ leveldb::Slice sliceOf(std::string_view text) noexcept {
     return {text.data(), text.size()};
 }
 
+/** LevelDB does not tell why a file could not be read or written: mostly for want of room. */
+class CopyError : public fs::filesystem_error {
+public:
+    explicit CopyError(const fs::path& database)
+        : filesystem_error("cannot read or write a copy of the database", database,
+                           std::make_error_code(std::errc::io_error)) {}
+};
+
+bool isWantOfRoom(const fs::filesystem_error& error) noexcept {
+    const std::error_code code = error.code();
+    const bool isOverQuota = code.value() == EDQUOT && code.category() == std::system_category();
+    return code == std::errc::no_space_on_device || isOverQuota ||
+           dynamic_cast<const CopyError*>(&error) != nullptr;
+}
+
+/** Does something on the disk or, where there is no room on it, in memory. */
+template <typename OnDisk, typename InMemory>
+auto whereThereIsRoom(OnDisk onDisk, InMemory inMemory) {
+    try {
+        return onDisk();
+    } catch (const fs::filesystem_error& error) {
+        if (!isWantOfRoom(error)) {
+            throw;
+        }
+    }
+    return inMemory();
+}
+
 /** The copies have other paths than the database: errors name the database alone. */
 void require(const leveldb::Status& status, const fs::path& database) {
     if (status.IsIOError()) {
-        throw fs::filesystem_error("cannot read or write a copy of the database", database,
-                                   std::make_error_code(std::errc::io_error));
+        throw CopyError(database);
     }
     if (!status.ok()) {
         throw DecodingError::dataCorrupted("not a sound database of LevelDB");
@@ -61,11 +92,13 @@ auto withinMemory(Deed deed) {
     }
 }
 
+}  // namespace
+
 /** An open database, all of whose work is done when it goes away. */
-class OpenDatabase {
+class LevelDatabase::OpenDatabase {
 public:
-    OpenDatabase(const fs::path& folder, bool isNew, fs::path database)
-        : database_(std::move(database)) {
+    OpenDatabase(leveldb::Env& files, const fs::path& folder, bool isNew, fs::path database)
+        : database_(std::move(database)), environment_(files) {
         leveldb::Options options;
         options.env = &environment_;
         options.create_if_missing = isNew;
@@ -92,15 +125,19 @@ public:
         }
     }
 
-    void read(const LevelDatabase::Visit& visit) const {
+    /** Up to the first record that the visit returns true for. Whether there is one. */
+    bool findFirst(const LevelDatabase::Test& test) const {
         leveldb::ReadOptions options;
         options.verify_checksums = true;
         options.fill_cache = false;
         const std::unique_ptr<leveldb::Iterator> record(opened_->NewIterator(options));
         for (record->SeekToFirst(); record->Valid(); record->Next()) {
-            visit(viewOf(record->key()), viewOf(record->value()));
+            if (test(viewOf(record->key()), viewOf(record->value()))) {
+                return true;
+            }
         }
         require(record->status(), database_);
+        return false;
     }
 
     void put(std::string_view key, std::string_view value) {
@@ -125,7 +162,12 @@ private:
     leveldb::WriteBatch batch_;
 };
 
-}  // namespace
+/** A private copy, open. Its parts go in the reverse order. */
+struct LevelDatabase::Copy {
+    std::unique_ptr<TemporaryFolder> folder;      // null where the files are in memory
+    std::unique_ptr<MemoryEnvironment> memory{};  // null where they are in the folder
+    std::unique_ptr<OpenDatabase> database{};
+};
 
 LevelDatabase::LevelDatabase(fs::path folder, std::shared_ptr<const FileManager> fileManager)
     : folder_(std::move(folder)), fileManager_(std::move(fileManager)) {}
@@ -142,43 +184,85 @@ bool LevelDatabase::exists() const {
     return std::any_of(entries.begin(), entries.end(), isPart);
 }
 
-void LevelDatabase::copyInto(const fs::path& target) const {
+LevelDatabase::Copy LevelDatabase::copyOnDisk() const {
+    Copy copy{std::make_unique<TemporaryFolder>(fileManager_)};
     for (const FolderEntry& entry : fileManager_->entries(folder_)) {
         if (isDatabaseFile(entry.name)) {
-            fileManager_->copy(folder_ / entry.name, target / entry.name);
+            fileManager_->copy(folder_ / entry.name, copy.folder->path() / entry.name);
         }
     }
+    copy.database = std::make_unique<OpenDatabase>(*leveldb::Env::Default(), copy.folder->path(),
+                                                   false, folder_);
+    return copy;
+}
+
+LevelDatabase::Copy LevelDatabase::copyInMemory() const {
+    Copy copy{nullptr, std::make_unique<MemoryEnvironment>()};
+    for (const FolderEntry& entry : fileManager_->entries(folder_)) {
+        if (isDatabaseFile(entry.name)) {
+            copy.memory->add(entry.name, fileManager_->contents(folder_ / entry.name));
+        }
+    }
+    copy.database =
+        std::make_unique<OpenDatabase>(*copy.memory, MemoryEnvironment::folder, false, folder_);
+    return copy;
+}
+
+bool LevelDatabase::holds(const Test& test) const {
+    if (!exists()) {
+        return false;
+    }
+    const auto control = fileManager_->control();
+    return withinMemory([&] {
+        const Copy copy =
+            whereThereIsRoom([this] { return copyOnDisk(); }, [this] { return copyInMemory(); });
+        return copy.database->findFirst([&](std::string_view key, std::string_view value) {
+            continueOrThrow(control.get());
+            return test(key, value);
+        });
+    });
 }
 
 void LevelDatabase::read(const Visit& visit) const {
-    if (!exists()) {
-        return;
-    }
-    const auto control = fileManager_->control();
-    const TemporaryFolder copy(fileManager_);
-    copyInto(copy.path());
-    withinMemory([&] {
-        const OpenDatabase database(copy.path(), false, folder_);
-        database.read([&](std::string_view key, std::string_view value) {
-            continueOrThrow(control.get());
-            visit(key, value);
-        });
+    holds([&visit](std::string_view key, std::string_view value) {
+        visit(key, value);
+        return false;
     });
 }
 
-void LevelDatabase::rewrite(const Stays& stays) const {
+void LevelDatabase::fill(OpenDatabase& made, const Test& stays) const {
+    read([&](std::string_view key, std::string_view value) {
+        if (stays(key, value)) {
+            made.put(key, value);
+        }
+    });
+    made.write();
+}
+
+void LevelDatabase::rewriteOnDisk(const Test& stays) const {
     const TemporaryFolder made(fileManager_);
     withinMemory([&] {
-        OpenDatabase database(made.path(), true, folder_);
-        read([&](std::string_view key, std::string_view value) {
-            if (stays(key, value)) {
-                database.put(key, value);
-            }
-        });
-        database.write();
+        OpenDatabase database(*leveldb::Env::Default(), made.path(), true, folder_);
+        fill(database, stays);
     });
-    fileManager_->removeFile(made.path() / "LOCK");
+    fileManager_->removeFile(made.path() / lockName);
     fileManager_->replaceFolder(folder_, made.path());
+}
+
+void LevelDatabase::rewriteInMemory(const Test& stays) const {
+    withinMemory([&] {
+        MemoryEnvironment made;
+        {
+            OpenDatabase database(made, MemoryEnvironment::folder, true, folder_);
+            fill(database, stays);
+        }
+        fileManager_->replaceFolderWithFiles(folder_, made.takeFiles());
+    });
+}
+
+// Nothing of the first attempt is left where the second one begins: there is no room for both.
+void LevelDatabase::rewrite(const Test& stays) const {
+    whereThereIsRoom([&] { rewriteOnDisk(stays); }, [&] { rewriteInMemory(stays); });
 }
 
 }  // namespace browsersweep

@@ -12,14 +12,15 @@ namespace browsersweep {
 /**
  * A database of LevelDB with the common order of keys. It is read on a private copy, since opening
  * one writes; and nothing is ever deleted within one, since LevelDB keeps what it deletes: a new
- * database with what stays takes the old one's place.
+ * database with what stays takes the old one's place. Where the disk has no room for a copy, it is
+ * made in memory: a full disk is why people delete.
  */
 class LevelDatabase {
 public:
     /** Is told of each live record, in the order of keys. */
     using Visit = std::function<void(std::string_view key, std::string_view value)>;
-    /** Whether a live record stays. */
-    using Stays = std::function<bool(std::string_view key, std::string_view value)>;
+    /** Tells something of a live record. */
+    using Test = std::function<bool(std::string_view key, std::string_view value)>;
 
     LevelDatabase(std::filesystem::path folder, std::shared_ptr<const FileManager> fileManager);
 
@@ -36,15 +37,26 @@ public:
      */
     void read(const Visit& visit) const;
 
+    /** Whether there is a live record of which the test is true. Throws as reading does. */
+    bool holds(const Test& test) const;
+
     /**
      * Puts a new database with the records that stay in the place of this one, all or nothing, as
-     * `FileManager::replaceFolder` does; the log files, which name folders, are not made anew.
-     * Throws as reading does.
+     * `FileManager::replaceFolder` does; the log files, which name folders, are not made anew. Room
+     * is needed beside the database, for what stays. May ask about a record more than once. Throws
+     * as reading does.
      */
-    void rewrite(const Stays& stays) const;
+    void rewrite(const Test& stays) const;
 
 private:
-    void copyInto(const std::filesystem::path& target) const;
+    class OpenDatabase;
+    struct Copy;
+
+    Copy copyOnDisk() const;
+    Copy copyInMemory() const;
+    void fill(OpenDatabase& made, const Test& stays) const;
+    void rewriteOnDisk(const Test& stays) const;
+    void rewriteInMemory(const Test& stays) const;
 
     std::filesystem::path folder_;
     std::shared_ptr<const FileManager> fileManager_;

@@ -63,7 +63,7 @@ TraceListing LevelStore::list(const KnownHosts& knownHosts) const {
             unknown = unknown + size;
         }
     });
-    TraceListing listing{collector.traces(), {}};
+    TraceListing listing{collector.takeTraces(), {}};
     if (!row_.unknown.empty() && unknown.itemCount.value > 0) {
         listing.notBySite.push_back({row_.kind, path(), unknown, std::string(row_.unknown)});
     }
@@ -81,14 +81,14 @@ void LevelStore::removeCompanions(const LevelSchema& schema, EntrySelector& sele
 }
 
 void LevelStore::removeRecords(const LevelSchema& schema, EntrySelector& selector) const {
-    bool isAnyNeeded = false;
-    database_.rewrite([&](std::string_view key, std::string_view value) {
-        const LevelRecord record = schema.recordOf(key, value);
-        const bool stays = !isGoing(record, selector);
-        isAnyNeeded = isAnyNeeded || (stays && record.need != Need::others);
-        return stays;
-    });
-    if (isAnyNeeded) {
+    const auto stays = [&](std::string_view key, std::string_view value) {
+        return !isGoing(schema.recordOf(key, value), selector);
+    };
+    const auto isNeeded = [&](std::string_view key, std::string_view value) {
+        return stays(key, value) && schema.recordOf(key, value).need != Need::others;
+    };
+    if (database_.holds(isNeeded)) {
+        database_.rewrite(stays);
         return;
     }
     if (const auto beside = companions()) {

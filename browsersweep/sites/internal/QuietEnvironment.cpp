@@ -67,7 +67,7 @@ private:
 
 }  // namespace
 
-QuietEnvironment::QuietEnvironment() : EnvWrapper(leveldb::Env::Default()) {}
+QuietEnvironment::QuietEnvironment(leveldb::Env& files) : EnvWrapper(&files) {}
 
 QuietEnvironment::~QuietEnvironment() = default;
 

@@ -15,7 +15,8 @@ namespace browsersweep {
  */
 class QuietEnvironment : public leveldb::EnvWrapper {
 public:
-    QuietEnvironment();
+    /** With the files of another environment, which must live longer. */
+    explicit QuietEnvironment(leveldb::Env& files);
     QuietEnvironment(const QuietEnvironment&) = delete;
     QuietEnvironment& operator=(const QuietEnvironment&) = delete;
     ~QuietEnvironment() override;

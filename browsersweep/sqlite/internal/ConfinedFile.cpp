@@ -47,13 +47,57 @@ int readUnlessStopped(sqlite3_file* file, void* into, int count, sqlite3_int64 o
                : passOn<&sqlite3_io_methods::xRead>(file, into, count, offset);
 }
 
+int lockUnlessUnlocked(sqlite3_file* file, int level) {
+    // Nobody is kept out, and the end of the connection takes nothing over from the log.
+    const bool isShared = level <= SQLITE_LOCK_SHARED;
+    if (ConfinedFile::of(file).indexesInMemory()) {
+        return isShared ? SQLITE_OK : SQLITE_BUSY;
+    }
+    return passOn<&sqlite3_io_methods::xLock>(file, level);
+}
+
+int unlockWhatIsLocked(sqlite3_file* file, int level) {
+    return ConfinedFile::of(file).indexesInMemory()
+               ? SQLITE_OK
+               : passOn<&sqlite3_io_methods::xUnlock>(file, level);
+}
+
+int mapOwnIndex(ConfinedFile& file, int region, int size, void volatile** memory) {
+    try {
+        *memory =
+            file.indexRegion(static_cast<std::size_t>(region), static_cast<std::size_t>(size));
+        return SQLITE_OK;
+    } catch (const std::exception&) {
+        return SQLITE_IOERR_NOMEM;
+    }
+}
+
+int lockIndex(sqlite3_file* file, int offset, int count, int flags) {
+    return ConfinedFile::of(file).indexesInMemory()
+               ? SQLITE_OK
+               : passOn<&sqlite3_io_methods::xShmLock>(file, offset, count, flags);
+}
+
+void orderIndex(sqlite3_file* file) {
+    if (!ConfinedFile::of(file).indexesInMemory()) {
+        passOn<&sqlite3_io_methods::xShmBarrier>(file);
+    }
+}
+
 int mapIndex(sqlite3_file* file, int region, int size, int extends, void volatile** memory) {
+    if (ConfinedFile::of(file).indexesInMemory()) {
+        return mapOwnIndex(ConfinedFile::of(file), region, size, memory);
+    }
     return ConfinedFile::of(file).mayOpenIndex()
                ? passOn<&sqlite3_io_methods::xShmMap>(file, region, size, extends, memory)
                : SQLITE_CANTOPEN;
 }
 
 int unmapIndex(sqlite3_file* file, int deletes) {
+    if (ConfinedFile::of(file).indexesInMemory()) {
+        ConfinedFile::of(file).dropIndex();
+        return SQLITE_OK;
+    }
     const int may = ConfinedFile::of(file).onlyReads() ? 0 : deletes;
     return passOn<&sqlite3_io_methods::xShmUnmap>(file, may);
 }
@@ -77,15 +121,15 @@ constexpr sqlite3_io_methods confinedMethods(int version) {
     methods.xTruncate = passOnUnlessReading<&M::xTruncate, sqlite3_int64>;
     methods.xSync = passOnUnlessReading<&M::xSync, int>;
     methods.xFileSize = passOn<&M::xFileSize, sqlite3_int64*>;
-    methods.xLock = passOn<&M::xLock, int>;
-    methods.xUnlock = passOn<&M::xUnlock, int>;
+    methods.xLock = lockUnlessUnlocked;
+    methods.xUnlock = unlockWhatIsLocked;
     methods.xCheckReservedLock = passOn<&M::xCheckReservedLock, int*>;
     methods.xFileControl = passOn<&M::xFileControl, int, void*>;
     methods.xSectorSize = passOn<&M::xSectorSize>;
     methods.xDeviceCharacteristics = characteristics;
     methods.xShmMap = mapIndex;
-    methods.xShmLock = passOn<&M::xShmLock, int, int, int>;
-    methods.xShmBarrier = passOn<&M::xShmBarrier>;
+    methods.xShmLock = lockIndex;
+    methods.xShmBarrier = orderIndex;
     methods.xShmUnmap = unmapIndex;
     methods.xFetch = passOn<&M::xFetch, sqlite3_int64, int, void**>;
     methods.xUnfetch = passOn<&M::xUnfetch, sqlite3_int64, void*>;
@@ -198,6 +242,14 @@ int ConfinedFile::close() noexcept {
     std::destroy_at(this);
     std::construct_at(this);
     return code;
+}
+
+void* ConfinedFile::indexRegion(std::size_t number, std::size_t size) {
+    constexpr std::size_t word = sizeof(std::uint64_t);
+    while (index_.size() <= number) {
+        index_.emplace_back((size + word - 1) / word);
+    }
+    return index_[number].data();
 }
 
 bool ConfinedFile::mayOpenIndex() const noexcept {

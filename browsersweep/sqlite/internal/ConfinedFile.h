@@ -1,7 +1,10 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "browsersweep/base/OperationControl.h"
 #include "browsersweep/sqlite/internal/MemoryFile.h"
@@ -18,6 +21,7 @@ struct FileBounds {
     std::string index;                          ///< of the log, asked about before it is opened
     std::shared_ptr<OperationControl> control;  ///< asked at each reading; may be null
     bool isSettled = false;                     ///< nobody changes it: no lock and no log is needed
+    bool indexesInMemory = false;  ///< nobody changes it: the log's index is this connection's own
 };
 
 /**
@@ -58,10 +62,16 @@ public:
     /** Whether the log's index may be opened: a regular file with one name, or none yet. */
     bool mayOpenIndex() const noexcept;
 
+    bool indexesInMemory() const noexcept { return bounds_->indexesInMemory; }
+    /** A piece of the log's index in memory: made, empty, where there is none. */
+    void* indexRegion(std::size_t number, std::size_t size);
+    void dropIndex() noexcept { index_.clear(); }
+
 private:
     const sqlite3_io_methods* methods_ = nullptr;  // first: where SQLite looks for them
     std::unique_ptr<FileBounds> bounds_;
     std::unique_ptr<MemoryFile> memory_;
+    std::vector<std::vector<std::uint64_t>> index_;  // all regions have one size
 };
 
 }  // namespace browsersweep

@@ -175,7 +175,7 @@ private:
             // A journal is read to take things back, which nothing may stop.
             const bool isJournal = (flags & SQLITE_OPEN_MAIN_JOURNAL) != 0;
             file.confine({onlyReads, index_, isJournal ? nullptr : control_,
-                          access_ == DatabaseAccess::asItLies});
+                          access_ == DatabaseAccess::asItLies, access_ == DatabaseAccess::withLog});
         }
         return code;
     }
@@ -187,7 +187,7 @@ private:
         }
         const int code = file.open(*system_, temporary_.c_str(), flags, flagsGiven);
         if (code == SQLITE_OK) {
-            file.confine({false, {}, control_, false});
+            file.confine({false, {}, control_, false, false});
         }
         return code;
     }

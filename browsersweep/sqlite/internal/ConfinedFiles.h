@@ -16,6 +16,7 @@ enum class DatabaseAccess {
     readWrite,
     readOnly,  ///< no byte of any file is changed, and no file is made or deleted
     asItLies,  ///< the same, and nothing beside the database is looked at, nor is it locked
+    withLog,   ///< the same with the log beside it, whose index is made in memory
 };
 
 /**

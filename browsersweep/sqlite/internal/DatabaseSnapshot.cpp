@@ -137,13 +137,19 @@ bool DatabaseSnapshot::readInPlace(const Use& use) const {
     }
 }
 
-// A full disk is what people clean up for.
+// A full disk is what people clean up for. What is copied may leave no room for the log's index.
 bool DatabaseSnapshot::readCopyIfThereIsRoom(const Use& use, bool isLast) const {
+    const bool isReadable = !has("-journal") && !has(indexSuffix);
     try {
         return readCopy(use, isLast);
     } catch (const std::filesystem::filesystem_error& error) {
-        const bool isAlone = !has("-wal") && !has("-journal") && !has(indexSuffix);
-        if (error.code() != std::errc::no_space_on_device || !isAlone) {
+        if (error.code() != std::errc::no_space_on_device || !isReadable) {
+            throw;
+        }
+    } catch (const SQLiteError& error) {
+        const bool isOfRoom = error.kind() == SQLiteError::Kind::full ||
+                              error.kind() == SQLiteError::Kind::inputOutput;
+        if (!isOfRoom || !isReadable) {
             throw;
         }
     }
@@ -153,9 +159,21 @@ bool DatabaseSnapshot::readCopyIfThereIsRoom(const Use& use, bool isLast) const 
 bool DatabaseSnapshot::readAsItLies(const Use& use) const {
     OperationControl* const control = fileManager_->control().get();
     const Facts before = factsOfAll(file_);
-    const auto mark = posix::markOfContents(file_, control);
-    use(SQLiteConnection::readingAsItLies(file_, fileManager_->control()));
-    return factsOfAll(file_) == before && posix::markOfContents(file_, control) == mark;
+    const auto marks = [&] {
+        std::array<std::uint64_t, copiedSuffixes.size()> found{};
+        for (std::size_t index = 0; index < copiedSuffixes.size(); ++index) {
+            if (before.at(index).exists) {
+                const auto path = withSuffix(file_, copiedSuffixes.at(index));
+                found.at(index) = posix::markOfContents(path, control);
+            }
+        }
+        return found;
+    };
+    return unlessVanished([&] {
+        const auto atFirst = marks();
+        use(SQLiteConnection::readingAsItLies(file_, fileManager_->control()));
+        return factsOfAll(file_) == before && marks() == atFirst;
+    });
 }
 
 bool DatabaseSnapshot::readCopy(const Use& use, bool isLast) const {

@@ -18,8 +18,8 @@ namespace browsersweep {
  * is read in place: SQLite's own locks give one state. Otherwise reading in place would write, so
  * the files are copied to a private temporary folder and compared after that with what they hold
  * then: if none differs, all of them held this at the moment between. If one does, it is tried
- * again, a few times. Where there is no room for a copy and nothing lies beside the database, it is
- * read as it lies, and compared with what it was before.
+ * again, a few times. Where there is no room for a copy and no journal lies beside the database, it
+ * is read as it lies with its log, and compared with what it was before.
  */
 class DatabaseSnapshot {
 public:

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -33,6 +34,12 @@ FileDescriptor openWithin(const FileDescriptor& folder, const std::string& name,
         throwSystemError("cannot open", path);
     }
     return opened;
+}
+
+bool isPlainName(const std::string& name) noexcept {
+    constexpr std::string_view refused("/\0", 2);
+    return !name.empty() && name != "." && name != ".." &&
+           name.find_first_of(refused) == std::string::npos;
 }
 
 /** The folder that is to be replaced, and the one that holds it. */
@@ -84,7 +91,23 @@ public:
             if (entry.kind != FolderEntry::Kind::file) {
                 throwSystemError("not a regular file", from, EINVAL);
             }
-            addCopy(openWithin(source, entry.name, O_RDONLY | O_NONBLOCK, from), from, control);
+            const FileDescriptor file = openWithin(source, entry.name, O_RDONLY | O_NONBLOCK, from);
+            add(entry.name, [&](const FileDescriptor& made, const std::filesystem::path& to) {
+                copyThroughBuffer(file, from, made, to, control);
+            });
+        }
+    }
+
+    void fill(const std::map<std::string, Bytes>& files, OperationControl* control) {
+        for (const auto& [name, contents] : files) {
+            const BytesView bytes = contents;
+            if (!isPlainName(name)) {
+                throwSystemError("not a plain name", path_ / name, EINVAL);
+            }
+            continueOrThrow(control);
+            add(name, [bytes](const FileDescriptor& made, const std::filesystem::path& to) {
+                writeAll(made, bytes, to);
+            });
         }
     }
 
@@ -108,14 +131,13 @@ private:
         return folder;
     }
 
-    void addCopy(const FileDescriptor& source, const std::filesystem::path& from,
-                 OperationControl* control) {
-        const std::string name = from.filename().string();
+    template <typename Write>
+    void add(const std::string& name, Write write) {
         const auto to = path_ / name;
         const FileDescriptor file = openWithin(folder_, name, O_WRONLY | O_CREAT | O_EXCL, to);
         files_.push_back(name);
         adoptOwner(old_.status, file, to);
-        copyThroughBuffer(source, from, file, to, control);
+        write(file, to);
         syncFile(file, to);
     }
 
@@ -128,7 +150,8 @@ private:
 };
 
 /** The new folder's path, which leads to the old one from now on. */
-std::filesystem::path exchange(const OldFolder& old, const std::filesystem::path& contents,
+template <typename Contents>
+std::filesystem::path exchange(const OldFolder& old, const Contents& contents,
                                OperationControl* control) {
     NewFolder made(old);
     made.fill(contents, control);
@@ -138,12 +161,23 @@ std::filesystem::path exchange(const OldFolder& old, const std::filesystem::path
     return made.path();
 }
 
+template <typename Contents>
+bool replaceWith(const std::filesystem::path& path, const Contents& contents, const Gate& gate,
+                 const std::shared_ptr<OperationControl>& control) {
+    const OldFolder old(path.has_filename() ? path : path.parent_path(), gate);
+    return DirectoryWalk::removeTree(exchange(old, contents, control.get()), gate, control);
+}
+
 }  // namespace
 
 bool replaceFolder(const std::filesystem::path& path, const std::filesystem::path& contents,
                    const Gate& gate, const std::shared_ptr<OperationControl>& control) {
-    const OldFolder old(path.has_filename() ? path : path.parent_path(), gate);
-    return DirectoryWalk::removeTree(exchange(old, contents, control.get()), gate, control);
+    return replaceWith(path, contents, gate, control);
+}
+
+bool replaceFolder(const std::filesystem::path& path, const std::map<std::string, Bytes>& files,
+                   const Gate& gate, const std::shared_ptr<OperationControl>& control) {
+    return replaceWith(path, files, gate, control);
 }
 
 }  // namespace browsersweep::posix

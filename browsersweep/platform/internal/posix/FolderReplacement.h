@@ -1,8 +1,11 @@
 #pragma once
 
 #include <filesystem>
+#include <map>
 #include <memory>
+#include <string>
 
+#include "browsersweep/base/Bytes.h"
 #include "browsersweep/base/OperationControl.h"
 #include "browsersweep/platform/internal/posix/Gate.h"
 
@@ -15,6 +18,10 @@ namespace browsersweep::posix {
  * throws, which may be null; where the old folder is still in its place the new one is gone again.
  */
 bool replaceFolder(const std::filesystem::path& path, const std::filesystem::path& contents,
+                   const Gate& gate, const std::shared_ptr<OperationControl>& control);
+
+/** The same with files from memory, by their names. A name that is no plain one is an error. */
+bool replaceFolder(const std::filesystem::path& path, const std::map<std::string, Bytes>& files,
                    const Gate& gate, const std::shared_ptr<OperationControl>& control);
 
 }  // namespace browsersweep::posix

@@ -144,6 +144,11 @@ bool PosixFileManager::replaceFolder(const std::filesystem::path& path,
     return posix::replaceFolder(path, contents, gate(), control_);
 }
 
+bool PosixFileManager::replaceFolderWithFiles(const std::filesystem::path& path,
+                                              const std::map<std::string, Bytes>& files) const {
+    return posix::replaceFolder(path, files, gate(), control_);
+}
+
 void PosixFileManager::createDirectory(const std::filesystem::path& path) const {
     if (::mkdir(path.c_str(), S_IRWXU) != 0) {
         throwSystemError("cannot create directory", path);

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <optional>
+#include <string>
 #include <utility>
 
 #include "browsersweep/platform/FileManager.h"
@@ -32,6 +34,8 @@ public:
     bool removeFolder(const std::filesystem::path& path) const override;
     bool replaceFolder(const std::filesystem::path& path,
                        const std::filesystem::path& contents) const override;
+    bool replaceFolderWithFiles(const std::filesystem::path& path,
+                                const std::map<std::string, Bytes>& files) const override;
     void createDirectory(const std::filesystem::path& path) const override;
     std::filesystem::path temporaryDirectory() const override;
     std::filesystem::path homeDirectory() const override;
