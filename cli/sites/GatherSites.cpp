@@ -137,11 +137,13 @@ SiteRow rowOf(const SiteSummary& summary, const FreedShares& shares) {
 }
 
 std::vector<SiteRow> rowsOf(const std::vector<SweepStore>& stores,
-                            const std::vector<TraceListing>& listings,
-                            const FreedShares& shares = {}) {
+                            std::vector<TraceListing> listings, const FreedShares& shares = {}) {
+    auto summaries = summarize(stores, std::move(listings));
     std::vector<SiteRow> rows;
-    for (const SiteSummary& summary : summarize(stores, listings)) {
+    rows.reserve(summaries.size());
+    for (SiteSummary& summary : summaries) {
         rows.push_back(rowOf(summary, shares));
+        summary.traces = {};
     }
     return rows;
 }
@@ -287,7 +289,7 @@ ForgetReport reportOf(const std::vector<SweepStore>& stores, const ForgetResult&
         addMixed(stores[i], gone.back(), report.notBySite);
         addKept(stores[i], store, report.kept);
     }
-    report.forgotten = rowsOf(stores, gone, shares);
+    report.forgotten = rowsOf(stores, std::move(gone), shares);
     sort(report.forgotten, Order::size);
     for (std::size_t i = 0; i < report.notBySite.size(); ++i) {
         report.notBySite[i].freedBytes = shares.ofMixed()[i];
@@ -336,20 +338,21 @@ std::vector<std::shared_ptr<const BrowserProfile>> profilesOfSites(Browser brows
 SiteListReport gatherSites(const Options& options, const SiteWork& work, Observer& observer) {
     auto selected = selectedStores(options, work);
     const auto kinds = kindsOf(options.sites);
-    const auto inventory =
+    auto inventory =
         SiteInventory(selected.stores, {kinds, {}, observer.control()}, progressOf(observer))
             .list();
+    inventory.knownHosts = {};
     SiteListReport report;
     report.errors = std::move(selected.errors);
     std::vector<TraceListing> listings;
     for (std::size_t i = 0; i < selected.stores.size(); ++i) {
-        listings.push_back(partOfKinds(inventory.listings[i].listing, kinds));
+        listings.push_back(partOfKinds(std::move(inventory.listings[i].listing), kinds));
         addMixed(selected.stores[i], listings.back(), report.notBySite);
         if (auto error = errorOf(selected.stores[i], inventory.listings[i])) {
             report.errors.push_back(std::move(*error));
         }
     }
-    report.sites = rowsOf(selected.stores, listings);
+    report.sites = rowsOf(selected.stores, std::move(listings));
     tellApart(selected.labels, report.errors);
     tellApart(selected.labels, report.notBySite);
     for (auto& site : report.sites) {

@@ -84,6 +84,38 @@ static void stopping(const browsersweep_data* data) {
     browsersweep_error_free(error);
 }
 
+/** The piece of work at hand, and how often it was asked within it whether to go on. */
+typedef struct {
+    size_t piece;
+    size_t calls;
+} within;
+
+/** Stops in the middle of the first piece that deletes and asks more than twice. */
+static bool stop_within(void* context, browsersweep_category category, size_t done, size_t total) {
+    within* seen = context;
+    (void)category;
+    seen->calls = done == seen->piece ? seen->calls + 1 : 0;
+    seen->piece = done;
+    const bool deletes = done >= total / 3 && done < 2 * (total / 3);
+    return !deletes || seen->calls < 2;
+}
+
+static void stopping_within(const browsersweep_data* data) {
+    const browsersweep_categories cache = BROWSERSWEEP_SET_OF(BROWSERSWEEP_CACHE);
+    within seen = {0, 0};
+    browsersweep_error* error = NULL;
+    browsersweep_size removed = {sizeof removed, 0, 0, false, false};
+    const int64_t before = items(data, cache, NULL);
+    rule("work stops in the middle of a folder",
+         !browsersweep_data_clean(data, cache, NULL, 0, stop_within, &seen, &removed, &error));
+    rule("that is an error of the same kind",
+         browsersweep_error_get_kind(error) == BROWSERSWEEP_ERROR_CANCELLED);
+    rule("what went is told", removed.items > 0 && removed.items < before);
+    rule("approximately", removed.items_are_approximate);
+    rule("the rest is there", items(data, cache, NULL) == before - removed.items);
+    browsersweep_error_free(error);
+}
+
 static void cleaning(const browsersweep_data* data) {
     browsersweep_filters* filters = keeping("example.com");
     const int64_t selected = items(data, cookies, filters);
@@ -120,6 +152,7 @@ int main(int count, char** arguments) {
     sizes(data);
     dates(data);
     stopping(data);
+    stopping_within(data);
     cleaning(data);
     browsersweep_data_free(data);
     return verdict();

@@ -45,7 +45,7 @@ void addHosts(const TraceListing& listing, KnownHosts& hosts) {
     }
 }
 
-void addTrace(const SweepStore& store, const Trace& trace, SiteSummary& summary) {
+void addTrace(const SweepStore& store, Trace&& trace, SiteSummary& summary) {
     summary.size = summary.size + trace.size;
     summary.lastUsed = std::max(summary.lastUsed, trace.lastUsed);
     const auto found =
@@ -56,7 +56,7 @@ void addTrace(const SweepStore& store, const Trace& trace, SiteSummary& summary)
     if (found != summary.traces.end()) {
         merge(found->trace, trace);
     } else {
-        summary.traces.push_back({store.browser, store.profile, trace});
+        summary.traces.push_back({store.browser, store.profile, std::move(trace)});
     }
 }
 
@@ -146,19 +146,21 @@ StoreListing SiteInventory::listOne(const TraceStore& store, const KnownHosts& k
 }
 
 std::vector<SiteSummary> summarize(const std::vector<SweepStore>& stores,
-                                   const std::vector<TraceListing>& listings) {
+                                   std::vector<TraceListing> listings) {
     std::map<Site, SiteSummary> sites;
     for (std::size_t i = 0; i < stores.size(); ++i) {
-        for (const Trace& trace : listings[i].bySite) {
+        for (Trace& trace : listings[i].bySite) {
             auto& summary =
                 sites.try_emplace(trace.site, SiteSummary{trace.site, {}, {}, {}}).first->second;
-            addTrace(stores[i], trace, summary);
+            addTrace(stores[i], std::move(trace), summary);
         }
+        listings[i] = {};
     }
+    // One by one: there may be a million, which need not be there twice.
     std::vector<SiteSummary> all;
     all.reserve(sites.size());
-    for (auto& entry : sites) {
-        all.push_back(std::move(entry.second));
+    while (!sites.empty()) {
+        all.push_back(std::move(sites.extract(sites.begin()).mapped()));
     }
     return all;
 }

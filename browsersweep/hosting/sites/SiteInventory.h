@@ -96,6 +96,6 @@ struct SiteSummary {
  * listings as stores.
  */
 BROWSERSWEEP_EXPORT std::vector<SiteSummary> summarize(const std::vector<SweepStore>& stores,
-                                                       const std::vector<TraceListing>& listings);
+                                                       std::vector<TraceListing> listings);
 
 }  // namespace browsersweep

@@ -148,7 +148,7 @@ TraceListing CacheStore::list(const KnownHosts& /*knownHosts*/) const {
             collector.add(TraceKind::cachedFiles, hosts, size);
         }
     }
-    TraceListing listing{collector.traces(), {}};
+    TraceListing listing{collector.takeTraces(), {}};
     if (damaged.itemCount.value > 0) {
         listing.notBySite.push_back(
             {TraceKind::cachedFiles, path(), damaged, std::string(withoutKey)});

@@ -221,7 +221,7 @@ TraceListing DatabaseTraceStore::listingOf(sqlite3* database) const {
             listRows(traces, database, rule, database_.files, sizes, control);
         }
     }
-    listing.bySite = traces.traces();
+    listing.bySite = traces.takeTraces();
     return listing;
 }
 

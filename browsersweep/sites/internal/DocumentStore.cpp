@@ -87,7 +87,7 @@ TraceListing DocumentStore::list(const KnownHosts& knownHosts) const {
             }
         }
     }
-    TraceListing listing{collector.traces(), {}};
+    TraceListing listing{collector.takeTraces(), {}};
     if (!form_.unknown.empty() && unknown.itemCount.value > 0) {
         listing.notBySite.push_back(
             {*form_.kinds.begin(), path_, unknown, std::string(form_.unknown)});

@@ -27,7 +27,7 @@ TraceListing FolderStore::list(const KnownHosts& /*knownHosts*/) const {
             unknown = unknown + size;
         }
     }
-    TraceListing listing{collector.traces(), {}};
+    TraceListing listing{collector.takeTraces(), {}};
     if (unknown.itemCount.value > 0) {
         listing.notBySite.push_back({row_.kind, path_, unknown, std::string(row_.unknown)});
     }

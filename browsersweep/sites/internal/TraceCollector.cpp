@@ -3,7 +3,20 @@
 #include <algorithm>
 #include <utility>
 
+#include "browsersweep/documents/DecodingError.h"
+
 namespace browsersweep {
+namespace {
+
+constexpr std::size_t mostSharedNames = std::size_t{1} << 20;
+
+void requireFewNames(std::size_t count) {
+    if (count > mostSharedNames) {
+        throw DecodingError::dataCorrupted("too many sites share what is stored");
+    }
+}
+
+}  // namespace
 
 // Asked once for each row: many rows name few hosts, and the public suffix list is not small.
 const Site* TraceCollector::siteOf(const std::string& host) {
@@ -26,6 +39,7 @@ void TraceCollector::add(TraceKind kind, std::span<const std::string> hosts,
         if (site == nullptr) {
             continue;
         }
+        requireFewNames(sites.size() * sites.size());
         Trace& trace = traceOf(*site, kind);
         trace.hosts.insert(host);
         if (sites.insert(*site).second) {
@@ -43,16 +57,20 @@ void TraceCollector::addShared(TraceKind kind, const std::set<Site>& sites,
     for (const Site& site : sites) {
         auto others = sites;
         others.erase(site);
-        auto& part = traceOf(site, kind).shared[std::move(others)];
-        part = part + size;
+        const auto [part, isNew] = traceOf(site, kind).shared.try_emplace(std::move(others));
+        part->second = part->second + size;
+        sharedNames_ += isNew ? part->first.size() : 0;
+        requireFewNames(sharedNames_);
     }
 }
 
-std::vector<Trace> TraceCollector::traces() const {
+// One by one: there may be a million, which need not be there twice.
+std::vector<Trace> TraceCollector::takeTraces() {
+    sites_.clear();
     std::vector<Trace> result;
     result.reserve(traces_.size());
-    for (const auto& entry : traces_) {
-        result.push_back(entry.second);
+    while (!traces_.empty()) {
+        result.push_back(std::move(traces_.extract(traces_.begin()).mapped()));
     }
     return result;
 }

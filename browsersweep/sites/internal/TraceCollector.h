@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <map>
 #include <optional>
 #include <set>
@@ -20,13 +21,15 @@ class TraceCollector {
 public:
     /**
      * Adds what belongs to these hosts, as `hostsIn` gives them. What belongs to two sites counts
-     * for both, and is noted as shared; what belongs to none counts for nothing.
+     * for both, and is noted as shared; what belongs to none counts for nothing. Each site of some
+     * that share is noted with all others: where that adds up to more than a million names, a
+     * `DecodingError` (dataCorrupted) is thrown. No page has a thousand others in it.
      */
     void add(TraceKind kind, std::span<const std::string> hosts, const CleanableDataSize& size,
              std::optional<Date> lastUsed = {});
 
-    /** What was added, in the order of the sites and kinds. */
-    std::vector<Trace> traces() const;
+    /** What was added, in the order of the sites and kinds. Afterwards there is nothing. */
+    std::vector<Trace> takeTraces();
 
 private:
     const Site* siteOf(const std::string& host);
@@ -35,6 +38,7 @@ private:
 
     std::map<std::pair<Site, TraceKind>, Trace> traces_;
     std::unordered_map<std::string, std::optional<Site>> sites_;
+    std::size_t sharedNames_ = 0;
 };
 
 }  // namespace browsersweep

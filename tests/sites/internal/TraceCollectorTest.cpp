@@ -1,8 +1,10 @@
+#include <cstddef>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "browsersweep/documents/DecodingError.h"
 #include "browsersweep/sites/internal/TraceCollector.h"
 
 namespace browsersweep {
@@ -27,7 +29,7 @@ TEST(TraceCollector, addsUpBySiteAndKindAndKeepsTheLatestDate) {
          dateFromReferenceSeconds(5)},
         {example, TraceKind::cookies, {"example.com"}, {1, 10}, {}},
     };
-    EXPECT_EQ(collector.traces(), expected);
+    EXPECT_EQ(collector.takeTraces(), expected);
 }
 
 TEST(TraceCollector, countsWhatBelongsToTwoSitesForBothAndTwoHostsOfOneSiteOnce) {
@@ -43,14 +45,30 @@ TEST(TraceCollector, countsWhatBelongsToTwoSitesForBothAndTwoHostsOfOneSiteOnce)
          {{{other}, one}}},
         {other, TraceKind::siteStorage, {"other.org"}, {1, 10}, {}, {{{example}, one}}},
     };
-    EXPECT_EQ(collector.traces(), expected);
+    EXPECT_EQ(collector.takeTraces(), expected);
+}
+
+Hosts manyHosts(std::size_t count) {
+    Hosts hosts;
+    for (std::size_t number = 0; number < count; ++number) {
+        hosts.push_back("host" + std::to_string(number) + ".test");
+    }
+    return hosts;
+}
+
+TEST(TraceCollector, refusesWhatTooManySitesShare) {
+    TraceCollector collector;
+    EXPECT_THROW(collector.add(TraceKind::settings, manyHosts(100'000), one), DecodingError);
+    collector.add(TraceKind::history, manyHosts(1000), one);
+    collector.add(TraceKind::history, manyHosts(1000), one);  // the same, which takes no more room
+    EXPECT_THROW(collector.add(TraceKind::history, manyHosts(999), one), DecodingError);
 }
 
 TEST(TraceCollector, ignoresWhatBelongsToNoSite) {
     TraceCollector collector;
     collector.add(TraceKind::history, Hosts{}, one);
     collector.add(TraceKind::history, Hosts{"no host"}, one);
-    EXPECT_EQ(collector.traces(), std::vector<Trace>{});
+    EXPECT_EQ(collector.takeTraces(), std::vector<Trace>{});
 }
 
 }  // namespace

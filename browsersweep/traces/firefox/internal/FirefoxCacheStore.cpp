@@ -124,7 +124,7 @@ TraceListing FirefoxCacheStore::list(const KnownHosts& /*knownHosts*/) const {
         collector.add(TraceKind::cachedFiles, hosts, size, entry.modified);
         ownPages = hosts.empty() ? ownPages + size : ownPages;
     });
-    TraceListing listing{collector.traces(), {}};
+    TraceListing listing{collector.takeTraces(), {}};
     if (ownPages.itemCount.value > 0) {
         listing.notBySite.push_back({TraceKind::cachedFiles, folder_ / "entries", ownPages,
                                      std::string(pagesOfFirefox), true});

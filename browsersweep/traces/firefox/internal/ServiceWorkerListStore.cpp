@@ -74,7 +74,7 @@ TraceListing ServiceWorkerListStore::list(const KnownHosts& /*knownHosts*/) cons
     for (const Record& record : recordsOf(textOf(contents))) {
         collector.add(TraceKind::serviceWorkers, record.hosts, {1, record.text.size()});
     }
-    return {collector.traces(), {}};
+    return {collector.takeTraces(), {}};
 }
 
 ForgetOutcome ServiceWorkerListStore::forget(const ForgetRequest& request) const {

@@ -78,7 +78,7 @@ TraceListing SessionStore::list(const KnownHosts& /*knownHosts*/) const {
                 {TraceKind::openTabs, file, sizeOfAll(*fileManager_, file), meaning_});
         }
     }
-    listing.bySite = collector.traces();
+    listing.bySite = collector.takeTraces();
     return listing;
 }
 

@@ -137,7 +137,7 @@ TraceListing StateFileStore::list(const KnownHosts& /*knownHosts*/) const {
             unknown = unknown + size;
         }
     }
-    TraceListing listing{collector.traces(), {}};
+    TraceListing listing{collector.takeTraces(), {}};
     if (unknown.itemCount.value > 0) {
         listing.notBySite.push_back({row_.kind, path_, unknown, std::string(row_.meaning)});
     }

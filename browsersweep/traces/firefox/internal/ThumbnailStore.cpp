@@ -65,7 +65,7 @@ TraceListing ThumbnailStore::list(const KnownHosts& knownHosts) const {
             unknown = unknown + size;
         }
     }
-    TraceListing listing{collector.traces(), {}};
+    TraceListing listing{collector.takeTraces(), {}};
     if (unknown.itemCount.value > 0) {
         listing.notBySite.push_back(
             {TraceKind::predictions, folder_, unknown, std::string(meaning)});

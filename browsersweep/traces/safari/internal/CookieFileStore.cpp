@@ -42,7 +42,7 @@ TraceListing CookieFileStore::list(const KnownHosts& /*knownHosts*/) const {
                           cookie.creationDate);
         }
     }
-    return {collector.traces(), {}};
+    return {collector.takeTraces(), {}};
 }
 
 void CookieFileStore::removeFromStorage(const SiteSelection& selection) const {

@@ -133,7 +133,7 @@ TraceListing OriginStore::list(const KnownHosts& /*knownHosts*/) const {
             collector.add(TraceKind::siteStorage, folder.owner.hosts, {1, 0});
         }
     }
-    TraceListing listing{collector.traces(), {}};
+    TraceListing listing{collector.takeTraces(), {}};
     if (lost.itemCount.value > 0) {
         listing.notBySite.push_back({TraceKind::siteStorage, root_, lost, std::string(unknown)});
     }

@@ -8,6 +8,7 @@
 #include "browsersweep/sites/internal/SiteMatcher.h"
 #include "browsersweep/sites/internal/StoreFiles.h"
 #include "browsersweep/sites/internal/TraceCollector.h"
+#include "browsersweep/traces/safari/internal/ValueSize.h"
 
 namespace browsersweep {
 namespace {
@@ -20,18 +21,17 @@ struct Entry {
     const PropertyList& value;
 };
 
-std::vector<Entry> entriesOf(const PropertyList& holder) {
-    std::vector<Entry> entries;
+template <typename Visit>
+void forEachEntry(const PropertyList& holder, Visit visit) {
     if (const auto* const values = holder.asArray()) {
         for (const PropertyList& value : *values) {
-            entries.push_back({{}, value});
+            visit(Entry{{}, value});
         }
     } else if (const auto* const members = holder.asDictionary()) {
         for (const PropertyList::Entry& member : *members) {
-            entries.push_back({member.key, member.value});
+            visit(Entry{member.key, member.value});
         }
     }
-    return entries;
 }
 
 const PropertyList* holderOf(const PropertyListRow& row, const PropertyList& root) noexcept {
@@ -70,10 +70,6 @@ PropertyList withoutEntriesOf(const PropertyListRow& row, const PropertyList& ho
     return holder;
 }
 
-std::size_t bytesOf(const PropertyList& value) {
-    return value.binaryData().size();
-}
-
 }  // namespace
 
 PropertyListStore::PropertyListStore(const PropertyListForm& form,
@@ -104,14 +100,17 @@ TraceListing PropertyListStore::list(const KnownHosts& /*knownHosts*/) const {
     const auto root = contents ? std::optional(PropertyList::parse(*contents)) : std::nullopt;
     for (const PropertyListRow& row : root ? form_.rows : std::span<const PropertyListRow>()) {
         const PropertyList* const holder = holderOf(row, *root);
-        for (const Entry& entry : holder != nullptr ? entriesOf(*holder) : std::vector<Entry>()) {
+        if (holder == nullptr) {
+            continue;
+        }
+        forEachEntry(*holder, [&](const Entry& entry) {
             if (isOwn(entry.value)) {
-                collector.add(row.kind, hostsOf(row, entry), {1, {bytesOf(entry.value), true}},
+                collector.add(row.kind, hostsOf(row, entry), {1, {roughSize(entry.value), true}},
                               dateOf(row, entry.value));
             }
-        }
+        });
     }
-    return {collector.traces(), {}};
+    return {collector.takeTraces(), {}};
 }
 
 PropertyList PropertyListStore::withoutEntries(const PropertyList& root,
@@ -151,9 +150,8 @@ ForgetOutcome PropertyListStore::forget(const ForgetRequest& request) const {
         return {};
     }
     const PropertyList root = PropertyList::parse(*contents);
-    const Bytes before = root.binaryData();
     const PropertyList left = withoutEntries(root, request);
-    if (left.binaryData() != before) {
+    if (!(left == root)) {
         fileManager_->replace(path_, left.dataLike(*contents));
     }
     return {};

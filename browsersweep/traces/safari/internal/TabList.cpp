@@ -12,6 +12,7 @@
 #include "browsersweep/sites/internal/NestingBudget.h"
 #include "browsersweep/sites/internal/SiteForm.h"
 #include "browsersweep/sites/internal/StoreFiles.h"
+#include "browsersweep/traces/safari/internal/ValueSize.h"
 
 namespace browsersweep {
 namespace {
@@ -62,7 +63,7 @@ std::optional<PropertyList> propertyListIn(const Bytes& data) {
 }
 
 ListedTab listed(const PropertyList& tab, NestingBudget& budget) {
-    ListedTab result{ownHosts(tab), {}, lastUse(tab), tab.binaryData().size()};
+    ListedTab result{ownHosts(tab), {}, lastUse(tab), roughSize(tab)};
     for (std::string& host : hostsInValue(tab, budget)) {
         if (std::find(result.hosts.begin(), result.hosts.end(), host) == result.hosts.end()) {
             result.earlier.push_back(std::move(host));
@@ -145,30 +146,35 @@ private:
 
     /** With the last of its tabs it goes itself. */
     EditedArray editedArray(const PropertyList& value, int depth) {
-        PropertyList::Array left;
+        const PropertyList::Array& values = *value.asArray();
+        std::optional<PropertyList::Array> left;  // none as long as everything stays as it is
         std::vector<bool> stay;
-        bool isChanged = false;
-        for (const PropertyList& each : *value.asArray()) {
+        for (const PropertyList& each : values) {
             auto element = edited(each, depth);
-            isChanged = isChanged || !element || !(*element == each);
+            const bool isChanged = !element || !(*element == each);
+            if (isChanged && !left) {
+                left.emplace(values.begin(),
+                             values.begin() + static_cast<std::ptrdiff_t>(stay.size()));
+            }
             stay.push_back(element.has_value());
-            if (element) {
-                left.push_back(std::move(*element));
+            if (left && element) {
+                left->push_back(std::move(*element));
             }
         }
-        if (!isChanged) {
+        if (!left) {
             return {value, std::move(stay)};
         }
-        if (left.empty()) {
+        if (left->empty()) {
             return {std::nullopt, std::move(stay)};
         }
-        return {PropertyList::array(std::move(left)), std::move(stay)};
+        return {PropertyList::array(std::move(*left)), std::move(stay)};
     }
 
     /** With the last of the tabs in it, it goes itself; the root stays. */
     std::optional<PropertyList> editedDictionary(const PropertyList& value, int depth,
                                                  bool isRoot) {
         PropertyList::Dictionary left;
+        left.reserve(value.asDictionary()->size());
         std::vector<bool> tabsThatStay;
         const std::size_t tabsBefore = tabsLeft_;
         bool isAnyGone = false;

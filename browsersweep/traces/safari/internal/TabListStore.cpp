@@ -64,7 +64,7 @@ TraceListing TabListStore::list(const KnownHosts& /*knownHosts*/) const {
             collector.add(TraceKind::openTabs, hosts, approximately(0), tab.lastUsed);
         }
     }
-    TraceListing listing{collector.traces(), {}};
+    TraceListing listing{collector.takeTraces(), {}};
     if (namesElsewhere(root)) {
         listing.notBySite.push_back(
             {TraceKind::openTabs, file_, approximately(contents->size()), std::string(elsewhere)});

@@ -119,7 +119,7 @@ TraceListing WebKitCacheStore::list(const KnownHosts& /*knownHosts*/) const {
             waste = waste + CleanableDataSize{1, body.size};
         }
     });
-    TraceListing listing{collector.traces(), {}};
+    TraceListing listing{collector.takeTraces(), {}};
     if (unread.itemCount.value > 0) {
         listing.notBySite.push_back(
             {TraceKind::cachedFiles, folder_, unread, std::string(unreadable)});
