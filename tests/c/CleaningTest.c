@@ -90,14 +90,14 @@ typedef struct {
     size_t calls;
 } within;
 
-/** Stops in the middle of the first piece that deletes and asks more than twice. */
+/** Stops in the middle of the first piece that deletes, which asks before each of many files. */
 static bool stop_within(void* context, browsersweep_category category, size_t done, size_t total) {
     within* seen = context;
     (void)category;
     seen->calls = done == seen->piece ? seen->calls + 1 : 0;
     seen->piece = done;
     const bool deletes = done >= total / 3 && done < 2 * (total / 3);
-    return !deletes || seen->calls < 2;
+    return !deletes || seen->calls < 6;
 }
 
 static void stopping_within(const browsersweep_data* data) {
