@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <string>
 #include <system_error>
@@ -145,9 +146,8 @@ TEST_F(FileManagerFolders, aFolderIsReplacedByFilesFromMemoryAllTheSame) {
 
 TEST_F(FileManagerFolders, filesFromMemoryWithoutAPlainNameAreRefusedAndNothingIsBeside) {
     for (const std::string& name : Lines{"", ".", "..", "a/b", "../file", "/file", {'a', '\0'}}) {
-        EXPECT_EQ(errorThrownBy([&] {
-                      manager->replaceFolderWithFiles(store, {{name, {}}});
-                  }),
+        const std::map<std::string, Bytes> files{{name, {}}};
+        EXPECT_EQ(errorThrownBy([&] { manager->replaceFolderWithFiles(store, files); }),
                   std::errc::invalid_argument)
             << name;
     }
