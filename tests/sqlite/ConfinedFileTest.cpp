@@ -151,6 +151,38 @@ TEST_F(ConfinedFiling, canDoWhatTheSystemsFileCan) {
     }
 }
 
+TEST_F(ConfinedFiling, isSaidToBeUnchangeableOnlyWhereNobodyChangesIt) {
+    for (const bool isSettled : {false, true}) {
+        FileBounds bounds;
+        bounds.isSettled = isSettled;
+        confined(std::move(bounds));
+        const int settled = isSettled ? SQLITE_IOCAP_IMMUTABLE : 0;
+        EXPECT_EQ(methods().xDeviceCharacteristics(raw()), answer | settled);
+        methods().xClose(raw());
+    }
+}
+
+TEST_F(ConfinedFiling, withAnIndexOfItsOwnTakesNoLockButTheOnesForReading) {
+    FileBounds bounds;
+    bounds.indexesInMemory = true;
+    confined(std::move(bounds));
+    EXPECT_EQ(methods().xLock(raw(), SQLITE_LOCK_SHARED), SQLITE_OK);
+    EXPECT_EQ(methods().xLock(raw(), SQLITE_LOCK_RESERVED), SQLITE_BUSY);
+    EXPECT_EQ(methods().xLock(raw(), SQLITE_LOCK_EXCLUSIVE), SQLITE_BUSY);
+    EXPECT_EQ(methods().xUnlock(raw(), SQLITE_LOCK_NONE), SQLITE_OK);
+    EXPECT_EQ(methods().xShmLock(raw(), 0, 1, SQLITE_SHM_LOCK | SQLITE_SHM_SHARED), SQLITE_OK);
+    methods().xShmBarrier(raw());
+    void volatile* first = nullptr;
+    void volatile* again = nullptr;
+    EXPECT_EQ(methods().xShmMap(raw(), 0, 32, 1, &first), SQLITE_OK);
+    EXPECT_EQ(methods().xShmMap(raw(), 0, 32, 1, &again), SQLITE_OK);
+    EXPECT_NE(first, nullptr);
+    EXPECT_EQ(first, again);
+    EXPECT_EQ(methods().xShmUnmap(raw(), 1), SQLITE_OK);
+    EXPECT_EQ(system_.taken(), Calls());
+    methods().xClose(raw());
+}
+
 TEST_F(ConfinedFiling, readsNoMoreOnceItIsToStop) {
     bool stops = false;
     FileBounds bounds;

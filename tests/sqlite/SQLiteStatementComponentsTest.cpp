@@ -1,4 +1,7 @@
+#include <optional>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -35,6 +38,27 @@ Components table(std::optional<std::string> pattern, std::optional<std::string> 
         columns.byDate = {*date, wholeSeconds};
     }
     return {"t", columns, std::move(clauses)};
+}
+
+TEST(SQLiteStatementComponents, aTableIsToldByThePartsThatItHasColumnsFor) {
+    struct Row {
+        std::optional<std::string> pattern;
+        std::optional<std::string> date;
+        FilterSight sight;
+    };
+    const std::vector<Row> rows = {{{}, {}, {}},
+                                   {"", {}, {}},
+                                   {"a", {}, {true, true, false}},
+                                   {{}, "", {}},
+                                   {{}, "d", {false, false, true}},
+                                   {"", "d", {false, false, true}},
+                                   {"a", "", {true, true, false}},
+                                   {"a", "d", {true, true, true}}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.pattern.value_or("none") + " " + row.date.value_or("none"));
+        EXPECT_EQ(table(row.pattern, row.date).sight(), row.sight);
+    }
+    EXPECT_EQ((Components{"t", std::nullopt, {}}.sight()), FilterSight());
 }
 
 TEST(SQLiteStatementComponents, withoutConditionsThereIsNoWhere) {

@@ -107,6 +107,13 @@ protected:
     SafariHistoryCleanableDatabase item_{file_, fileManager_};
 };
 
+TEST_F(SafariHistoryCleanableDatabaseTest, isOneTableOfVisits) {
+    const SafariHistoryCleanableDatabase history("/History.db", FileManager::defaultManager());
+    const auto parts = history.parts();
+    ASSERT_EQ(parts.size(), 1U);
+    EXPECT_EQ(parts.front().table, "history_visits");
+}
+
 TEST_F(SafariHistoryCleanableDatabaseTest, safariMustBeClosed) {
     EXPECT_TRUE(item_.requiresClosedBrowserToClean());
 }
