@@ -1,5 +1,9 @@
 #include <algorithm>
+#include <filesystem>
+#include <functional>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -7,11 +11,14 @@
 #include "browsersweep/traces/safari/internal/WebKitCacheRecord.h"
 #include "browsersweep/traces/safari/internal/WebKitCacheStore.h"
 
+#include "tests/support/ForwardingFileManager.h"
 #include "tests/support/SafariHome.h"
 #include "tests/support/SiteStores.h"
 
 namespace browsersweep {
 namespace {
+
+namespace fs = std::filesystem;
 
 using tests::allBut;
 using tests::everything;
@@ -56,6 +63,24 @@ TEST(WebKitCacheRecord, thatIsCutOffIsNone) {
     EXPECT_NE(webKitCacheRecord(whole.substr(0, needed)), std::nullopt);
     EXPECT_EQ(webKitCacheRecord(std::string(200, '\xFE')), std::nullopt);
 }
+
+/** A file manager to which a folder is closed. */
+class WithoutAccessTo : public tests::ForwardingFileManager {
+public:
+    WithoutAccessTo(fs::path closed, std::shared_ptr<const FileManager> target)
+        : ForwardingFileManager(std::move(target)), closed_(std::move(closed)) {}
+
+    std::vector<FolderEntry> entries(const fs::path& directory) const override {
+        return directory == closed_ ? std::vector<FolderEntry>()
+                                    : ForwardingFileManager::entries(directory);
+    }
+    std::unique_ptr<DirectoryEnumerator> enumerator(const fs::path& directory) const override {
+        return directory == closed_ ? nullptr : ForwardingFileManager::enumerator(directory);
+    }
+
+private:
+    fs::path closed_;
+};
 
 class WebKitCache : public testing::Test {
 protected:
@@ -163,6 +188,71 @@ TEST_F(WebKitCache, contentsThatNoRecordHasAreToldAndGoWithAnySite) {
     store->forget(only({"other.test"}));
     EXPECT_EQ(home.names(std::string(root) + "/Version 17/Blobs"),
               (Lines{bodyName('2'), bodyName('3'), bodyName('L')}));
+}
+
+TEST_F(WebKitCache, contentsStayWhereRecordsMayLieThatAreNotSeen) {
+    const std::string inVersion = std::string(root) + "/Version 17/";
+    const fs::path version = home.container() / "Caches/WebKit/NetworkCache/Version 17";
+    const fs::path records = version / "Records";
+    const fs::path elsewhere = home.folder.makeFolder("elsewhere");
+    home.write(inVersion + "Blobs/" + bodyName('L'), "of a record that is not seen");
+    const auto contents = home.names(inVersion + "Blobs");
+    struct Case {
+        fs::path place;
+        std::function<void(const fs::path&)> make;
+    };
+    const auto link = [&](const fs::path& place) { fs::create_symlink(elsewhere, place); };
+    const auto folder = [](const fs::path& place) { fs::create_directory(place); };
+    const auto file = [&](const fs::path& place) {
+        home.folder.write(place.lexically_relative(home.folder.path()), "of another layout");
+    };
+    const std::vector<Case> cases{
+        {records / "Q", link},   {records / "P/Resource/Z", link},
+        {records / "P/Z", link}, {records / "P/Resource/Z", folder},
+        {records / "P/Z", file},
+    };
+    for (const Case& each : cases) {
+        each.make(each.place);
+        EXPECT_EQ(home.store(root)->list({}).notBySite, std::vector<MixedTrace>()) << each.place;
+        home.store(root)->forget(only({"other.test"}));
+        EXPECT_EQ(home.names(inVersion + "Blobs"), contents) << each.place;
+        fs::remove(each.place);
+    }
+    for (const fs::path& closed : {records, records / "P", records / "P/Resource"}) {
+        const WebKitCacheStore store(version.parent_path(),
+                                     std::make_shared<WithoutAccessTo>(closed, home.manager));
+        EXPECT_EQ(store.list({}).notBySite, std::vector<MixedTrace>()) << closed;
+        store.forget(only({"other.test"}));
+        EXPECT_EQ(home.names(inVersion + "Blobs"), contents) << closed;
+    }
+}
+
+TEST_F(WebKitCache, contentsOfAVersionWithoutRecordsStay) {
+    home.write(std::string(root) + "/Version 99/Blobs/" + bodyName('L'), "of another layout");
+    EXPECT_EQ(home.store(root)->list({}).notBySite, std::vector<MixedTrace>());
+    home.store(root)->forget(only({"other.test"}));
+    EXPECT_EQ(home.names(std::string(root) + "/Version 99/Blobs"), Lines{bodyName('L')});
+}
+
+TEST_F(WebKitCache, aFileOfTheSystemBesideTheRecordsHidesNone) {
+    writeRecord("../.DS_Store", "how a window showed it");
+    const std::string lost = std::string(root) + "/Version 17/Blobs/" + bodyName('L');
+    home.write(lost, "of a record that is gone");
+    home.store(root)->forget(only({"other.test"}));
+    EXPECT_EQ(home.names(std::string(root) + "/Version 17/Blobs"),
+              (Lines{bodyName('2'), bodyName('3')}));
+}
+
+TEST_F(WebKitCache, aFolderAmongTheContentsCountsWithAllThatGoesWithIt) {
+    const std::string lost = std::string(root) + "/Version 17/Blobs/" + bodyName('L');
+    home.write(lost + "/one", "12345");
+    home.write(lost + "/other", "1234567");
+    const TraceListing listing = home.store(root)->list({});
+    ASSERT_EQ(listing.notBySite.size(), 1U);
+    EXPECT_EQ(listing.notBySite[0].size, (CleanableDataSize{2, 12}));
+    home.store(root)->forget(only({"other.test"}));
+    EXPECT_EQ(home.names(std::string(root) + "/Version 17/Blobs"),
+              (Lines{bodyName('2'), bodyName('3')}));
 }
 
 }  // namespace

@@ -33,13 +33,16 @@ constexpr std::string_view wasteMeaning =
 
 constexpr std::string_view blobEnding = "-blob";
 
-/** The names of the files that a going record has, and which contents those that stay have. */
-struct Sorted {
-    std::vector<std::pair<fs::path, FolderEntry>> going;
-    std::set<std::string, std::less<>> bodiesThatStay;
-};
+/** Below the folder of all records: those of a site, and of a type. */
+constexpr int recordLevels = 2;
 
 }  // namespace
+
+/** The names of the files that a going record has, and which contents those that stay have. */
+struct WebKitCacheStore::Sorted {
+    std::vector<std::pair<fs::path, FolderEntry>> going;
+    Bodies bodiesThatStay;
+};
 
 WebKitCacheStore::WebKitCacheStore(fs::path folder, std::shared_ptr<const FileManager> fileManager)
     : folder_(std::move(folder)), fileManager_(std::move(fileManager)) {}
@@ -116,7 +119,7 @@ TraceListing WebKitCacheStore::list(const KnownHosts& /*knownHosts*/) const {
         bodies.clear();
         visitEntries(version, add);
         for (const FolderEntry& body : bodiesBeyond(version, bodies)) {
-            waste = waste + CleanableDataSize{1, body.size};
+            waste = waste + sizeOfAll(*fileManager_, version / "Blobs", body);
         }
     });
     TraceListing listing{collector.takeTraces(), {}};
@@ -150,11 +153,28 @@ bool WebKitCacheStore::isGoing(const Entry& entry, EntrySelector& selector,
     return (entry.record && hosts.empty() && selection.isOnly()) ? false : selector.selects(hosts);
 }
 
+/**
+ * Whether every record was visited. Behind a link, in a folder that may not be opened, and in
+ * another layout there may be more.
+ */
+bool WebKitCacheStore::seesAll(const fs::path& folder, int levels) const {
+    if (!fileManager_->enumerator(folder)) {
+        return false;
+    }
+    const auto entries = fileManager_->entries(folder);
+    return std::all_of(entries.begin(), entries.end(), [&](const FolderEntry& entry) {
+        if (entry.kind == Kind::file) {
+            return levels == 0 || entry.name.starts_with('.');
+        }
+        return levels > 0 && entry.kind == Kind::folder && seesAll(folder / entry.name, levels - 1);
+    });
+}
+
 /** The files of contents that no record needs any more. */
 std::vector<FolderEntry> WebKitCacheStore::bodiesBeyond(const fs::path& version,
                                                         const Bodies& needed) const {
-    if (needed.contains("")) {
-        return {};  // a record that cannot be read may need any of them
+    if (needed.contains("") || !seesAll(version / "Records", recordLevels)) {
+        return {};  // a record that cannot be read or seen may need any of them
     }
     std::vector<FolderEntry> bodies = fileManager_->entries(version / "Blobs");
     std::erase_if(bodies, [&](const FolderEntry& body) { return needed.contains(body.name); });

@@ -40,11 +40,13 @@ private:
     };
     using Visit = std::function<void(const Entry&)>;
     using Bodies = std::set<std::string, std::less<>>;
+    struct Sorted;
 
     void visitVersions(const std::function<void(const std::filesystem::path&)>& visit) const;
     void visitEntries(const std::filesystem::path& version, const Visit& visit) const;
     static void noteBody(const Entry& entry, Bodies& bodies);
     void visitFolder(const std::filesystem::path& folder, const Visit& visit) const;
+    bool seesAll(const std::filesystem::path& folder, int levels) const;
     bool isNamedIn(const Entry& entry, const SiteSelection& selection) const;
     bool isGoing(const Entry& entry, EntrySelector& selector, const SiteSelection& selection) const;
     std::vector<FolderEntry> bodiesBeyond(const std::filesystem::path& version,
