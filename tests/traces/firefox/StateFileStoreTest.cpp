@@ -170,18 +170,38 @@ TEST_F(StateFileStoreTest, chosenCertificatesGoOnlyWhereSettingsAreAskedFor) {
     EXPECT_EQ(after(request, "www.a.com,AA:BB,\t1\t1\tkey\n", "ClientAuthRememberList.txt"), "");
 }
 
-/** Damaged in its last byte; with a key that names no host; cut short. */
+/** A record of so many hosts, the first of them "www.a.com". */
+std::string ofManyHosts(int count) {
+    std::string pages;
+    for (int index = 1; index < count; ++index) {
+        pages += " https://h" + std::to_string(index) + ".com/";
+    }
+    return stateSlot("https:www.a.com:443:.::.", pages, 1024);
+}
+
+TEST_F(StateFileStoreTest, aRecordOfMoreHostsThanFirefoxWritesTellsNoSite) {
+    const fs::path file = write(ofManyHosts(8), "AlternateServices.bin");
+    EXPECT_EQ(store(file)->list({}).bySite.size(), 8U);
+    EXPECT_EQ(after(only({"h7.com"}), ofManyHosts(8), "AlternateServices.bin"), "");
+    write(ofManyHosts(9), "AlternateServices.bin");
+    EXPECT_EQ(listed(file), Lines{"? networkState 1"});
+    EXPECT_EQ(store(file)->forget(only({"h7.com"})).kept.size(), 1U);
+    EXPECT_EQ(tests::readFile(file), ofManyHosts(9));
+}
+
+/** Damaged in its last byte; with a key that names no host, and no site; cut short. */
 std::vector<std::string> unreadable() {
     std::string damaged = ofA;
     damaged.back() = 'x';
-    return {damaged, stateSlot("not|a host", "v", 24), ofA.substr(0, 100)};
+    return {damaged, stateSlot("not|a host", "v", 24), stateSlot(".[]", "v", 24),
+            ofA.substr(0, 100)};
 }
 
 TEST_F(StateFileStoreTest, recordsThatTellNoSiteAreToldAndGoWithAllOrWhereTheyAreAskedFor) {
     for (const std::string& record : unreadable()) {
         const fs::path file = write(ofB + record);
         const TraceListing listing = store(file)->list({});
-        EXPECT_EQ(tests::inShort(listing), (Lines{"b.com networkState 1", "? networkState 1"}));
+        ASSERT_EQ(tests::inShort(listing), (Lines{"b.com networkState 1", "? networkState 1"}));
         EXPECT_EQ(listing.notBySite[0].size, (CleanableDataSize{1, record.size()}));
         const ForgetOutcome outcome = store(file)->forget(only({"a.com"}));
         ASSERT_EQ(outcome.kept.size(), 1U);
@@ -202,7 +222,7 @@ TEST_F(StateFileStoreTest, whatFirefoxDidNotWriteIsLeftUnreadAndGoesAsAWhole) {
         [&] { fs::create_symlink(profile.folder / "precious", file); },
         [&] {
             write(ofA);
-            fs::resize_file(file, (std::uintmax_t{16} << 20) + 1);
+            fs::resize_file(file, (std::uintmax_t{4} << 20) + 1);
         },
     };
     for (const auto& make : makers) {

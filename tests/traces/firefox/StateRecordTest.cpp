@@ -87,5 +87,22 @@ TEST(StateRecord, aLineOfAnotherFormIsDamagedAndAnEmptyOneUnused) {
     EXPECT_EQ(stateRecordsInLines(""), Records{});
 }
 
+TEST(StateRecord, emptyLinesInARowAreOneUnusedPlaceAndKeepTheirBytes) {
+    EXPECT_EQ(stateRecordsInLines("\n\n\nc.com\n\n"), (Records{{"\n\n\n", {}, {}, {}, true},
+                                                               {"c.com\n", {}, {}, {}, false},
+                                                               {"\n", {}, {}, {}, true}}));
+}
+
+TEST(StateRecord, aLineLongerThanFirefoxWritesIsDamaged) {
+    const std::string start = "www.a.com\t1\t17000\t";
+    const std::string longest = start + std::string(256 + 1024 + 32 - start.size(), 'v');
+    EXPECT_EQ(stateRecordsInLines(longest).at(0).key, "www.a.com");
+    const std::string longer = longest + "v\n";
+    EXPECT_EQ(
+        stateRecordsInLines(longer + longest + '\n'),
+        (Records{{longer, {}, {}, {}, false},
+                 {longest + '\n', "www.a.com", longest.substr(start.size()), day(17000), false}}));
+}
+
 }  // namespace
 }  // namespace browsersweep

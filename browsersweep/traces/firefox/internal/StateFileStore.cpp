@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <utility>
 
+#include "browsersweep/sites/Site.h"
 #include "browsersweep/sites/internal/EntrySelector.h"
 #include "browsersweep/sites/internal/SiteForm.h"
 #include "browsersweep/sites/internal/StoreFiles.h"
@@ -18,7 +20,10 @@ namespace fs = std::filesystem;
 using Hosts = std::vector<std::string>;
 
 // Firefox keeps 2048 records, of at most 1286 bytes each.
-constexpr std::uint64_t largestFile = std::uint64_t{16} << 20;
+constexpr std::uint64_t largestFile = std::uint64_t{4} << 20;
+
+// A server, the one in its place and the site of the page, in older versions as addresses too.
+constexpr std::size_t mostHosts = 8;
 
 std::string_view upTo(std::string_view text, char mark) noexcept {
     return text.substr(0, text.find(mark));
@@ -116,6 +121,16 @@ std::optional<Bytes> StateFileStore::readable(const FolderEntry& entry) const {
     return isOne ? std::optional(fileManager_->contents(path_)) : std::nullopt;
 }
 
+/** None where nobody knows: of names that are no site's, or more than Firefox writes. */
+Hosts StateFileStore::ownersOf(const StateRecord& record) const {
+    Hosts hosts = row_.hostsOf(record);
+    const bool isKnown = hosts.size() <= mostHosts &&
+                         std::any_of(hosts.begin(), hosts.end(), [](const std::string& host) {
+                             return Site::ofHost(host).has_value();
+                         });
+    return isKnown ? hosts : Hosts();
+}
+
 std::vector<StateRecord> StateFileStore::recordsOf(std::string_view file) const {
     return row_.valueSize == 0 ? stateRecordsInLines(file)
                                : stateRecordsInSlots(file, row_.valueSize);
@@ -130,7 +145,7 @@ TraceListing StateFileStore::list(const KnownHosts& /*knownHosts*/) const {
     TraceCollector collector;
     CleanableDataSize unknown = contents ? CleanableDataSize() : sizeOfAll(*fileManager_, path_);
     for (const StateRecord& record : recordsOf(contents ? textOf(*contents) : "")) {
-        const Hosts hosts = row_.hostsOf(record);
+        const Hosts hosts = ownersOf(record);
         const CleanableDataSize size{record.isUnused ? 0 : 1, record.bytes.size()};
         collector.add(row_.kind, hosts, size, record.lastUsed);
         if (hosts.empty() && !record.isUnused) {
@@ -168,7 +183,7 @@ ForgetOutcome StateFileStore::forget(const ForgetRequest& request) const {
     EntrySelector selector(request, true);
     std::string left;
     for (const StateRecord& record : recordsOf(textOf(*contents))) {
-        if (record.isUnused || !selector.selects(row_.hostsOf(record))) {
+        if (record.isUnused || !selector.selects(ownersOf(record))) {
             left += record.bytes;
         }
     }

@@ -53,6 +53,7 @@ public:
 
 private:
     std::optional<Bytes> readable(const FolderEntry& entry) const;
+    std::vector<std::string> ownersOf(const StateRecord& record) const;
     std::vector<StateRecord> recordsOf(std::string_view file) const;
     ForgetOutcome kept() const;
 

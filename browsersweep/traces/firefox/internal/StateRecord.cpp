@@ -10,6 +10,9 @@ constexpr std::size_t numberSize = 2;
 constexpr std::size_t headSize = 3 * numberSize;  // a sum, on how many days it was used, the last
 constexpr std::size_t keySize = 256;
 
+/** Of a key and a value of the largest size, two numbers and three tabs. */
+constexpr std::size_t longestLine = keySize + 1024 + 32;
+
 /** As so many bits hold it. */
 constexpr unsigned lastDay = 0xFFFF;
 
@@ -55,11 +58,18 @@ std::string_view takeUpTo(char mark, std::string_view& text) noexcept {
     return piece;
 }
 
+/** Where the next one begins. Empty lines in a row are one: each would take more than its byte. */
+std::size_t endOfLine(std::string_view file) noexcept {
+    const bool isEmpty = file.starts_with('\n');
+    const auto end = isEmpty ? file.find_first_not_of('\n') : file.find('\n');
+    return isEmpty || end == std::string_view::npos ? end : end + 1;
+}
+
 /** A key, on how many days it was used, the last of them, and the value, in which tabs may be. */
 StateRecord recordInLine(std::string_view line) {
-    StateRecord record{line, {}, {}, {}, line == "\n"};
+    StateRecord record{line, {}, {}, {}, line.starts_with('\n')};
     std::string_view text = line.substr(0, line.find('\n'));
-    if (std::count(text.begin(), text.end(), '\t') < 3) {
+    if (text.size() > longestLine || std::count(text.begin(), text.end(), '\t') < 3) {
         return record;
     }
     record.key = takeUpTo('\t', text);
@@ -88,8 +98,7 @@ std::vector<StateRecord> stateRecordsInSlots(std::string_view file, std::size_t 
 std::vector<StateRecord> stateRecordsInLines(std::string_view file) {
     std::vector<StateRecord> records;
     while (!file.empty()) {
-        const auto end = file.find('\n');
-        const std::string_view line = file.substr(0, end == std::string_view::npos ? end : end + 1);
+        const std::string_view line = file.substr(0, endOfLine(file));
         records.push_back(recordInLine(line));
         file.remove_prefix(line.size());
     }

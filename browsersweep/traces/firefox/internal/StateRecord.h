@@ -30,7 +30,10 @@ struct StateRecord {
  */
 std::vector<StateRecord> stateRecordsInSlots(std::string_view file, std::size_t valueSize);
 
-/** The records of a file of older versions, one in each line. Valid as above. */
+/**
+ * The records of a file of older versions, one in each line; empty lines in a row are one that is
+ * unused, and a line longer than Firefox writes is damaged. Valid as above.
+ */
 std::vector<StateRecord> stateRecordsInLines(std::string_view file);
 
 }  // namespace browsersweep
