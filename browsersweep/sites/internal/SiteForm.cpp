@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <utility>
 
 #include "browsersweep/sites/internal/ByteHosts.h"
 #include "browsersweep/sites/internal/MessageHosts.h"
@@ -121,18 +122,43 @@ Hosts inWords(std::string_view text) {
     return hosts;
 }
 
+// With the marks that an address in numbers and a partition have, in place of their escapes.
+std::string unescaped(std::string_view text) {
+    using Escape = std::pair<std::string_view, char>;
+    constexpr std::array<Escape, 6> escapes{{
+        {"%28", '('},
+        {"%29", ')'},
+        {"%2C", ','},
+        {"%3A", ':'},
+        {"%5B", '['},
+        {"%5D", ']'},
+    }};
+    std::string result;
+    while (!text.empty()) {
+        const auto* const found =
+            std::find_if(escapes.begin(), escapes.end(),
+                         [text](const Escape& each) { return text.starts_with(each.first); });
+        const bool isEscape = found != escapes.end();
+        result += isEscape ? found->second : text.front();
+        text.remove_prefix(isEscape ? found->first.size() : 1);
+    }
+    return result;
+}
+
 // "(https,example.com)" or "(https,example.com,8443)", escaped as in an address, or a host alone.
 std::string hostOfAttribute(std::string_view value) {
-    constexpr std::string_view comma = "%2C";
-    value = upTo(value, "&^");
-    if (!value.starts_with("%28")) {
-        return plainHost(upTo(value, "%:,"));
+    constexpr std::string_view firefoxsOwn = ".mozilla";  // stands for its own pages
+    const std::string plain = unescaped(upTo(value, "&^"));
+    std::string_view rest = plain;
+    if (rest.starts_with('(')) {
+        rest.remove_prefix(std::min(upTo(rest, ",").size() + 1, rest.size()));
     }
-    const auto begin = value.find(comma);
-    if (begin == std::string_view::npos) {
+    const bool isInNumbers = rest.starts_with('[');
+    if (isInNumbers && rest.find(']') == std::string_view::npos) {
         return {};
     }
-    return plainHost(upTo(value.substr(begin + comma.size()), "%"));
+    const std::string host = plainHost(isInNumbers ? withoutPort(rest) : upTo(rest, "%:,)"));
+    return host.ends_with(firefoxsOwn) ? std::string() : host;
 }
 
 // The site of the page, as a partition of today or by the setting that was there before.

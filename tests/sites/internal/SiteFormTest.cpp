@@ -70,6 +70,16 @@ TEST(SiteForm, namesTheHostsOfEachForm) {
         {Form::originAttributes, "^firstPartyDomain=%28https%2Cb.com%29", {"b.com"}},
         {Form::firefoxOrigin, "https://a.com^firstPartyDomain=b.com", {"a.com", "b.com"}},
         {Form::firefoxFolder, "https+++a.com^firstPartyDomain=b.com", {"a.com", "b.com"}},
+        {Form::originAttributes, "^firstPartyDomain=[::1]", {"::1"}},
+        {Form::originAttributes, "^firstPartyDomain=%5B%3A%3A1%5D&userContextId=1", {"::1"}},
+        {Form::originAttributes, "^partitionKey=%28http%2C%5B%3A%3A1%5D%2C8443%29", {"::1"}},
+        {Form::originAttributes, "^firstPartyDomain=[::1", {}},
+        {Form::originAttributes, "^firstPartyDomain=%5B%5D", {}},
+        {Form::originAttributes, "^firstPartyDomain=b.com::|n:y:", {"b.com"}},
+        {Form::originAttributes,
+         "^firstPartyDomain=about.ef2a7dd5-93bc-417f-a698-142c3116864f.mozilla",
+         {}},
+        {Form::originAttributes, "^firstPartyDomain=mozilla.org", {"mozilla.org"}},
         {Form::originAttributes, "", {}},
     };
     for (const auto& [form, text, hosts] : rows) {
