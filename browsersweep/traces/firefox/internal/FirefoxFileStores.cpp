@@ -44,17 +44,17 @@ constexpr std::array mixedRows{
 };
 
 // Of both versions: the newer one reads the older one's file where its own is missing.
-constexpr std::string_view damagedSecurity =
-    "damaged entries about sites that asked to be loaded by https alone, of any site: without them the first page is asked for by http";
-constexpr std::string_view damagedServices = "damaged entries about other ways to the servers of any site";
-constexpr std::string_view damagedChoices = "damaged entries about certificates that were chosen for servers of any site";
+constexpr std::string_view unreadSecurity =
+    "entries that cannot be read, about sites that asked to be loaded by https alone, of any site: without them the first page is asked for by http";
+constexpr std::string_view unreadServices = "entries that cannot be read, about other ways to the servers of any site";
+constexpr std::string_view unreadChoices = "entries that cannot be read, about certificates that were chosen for servers of any site";
 constexpr std::array stateRows{
-    StateFileRow{"SiteSecurityServiceState.bin", TraceKind::networkState, 24, hostsOfSecurityState, damagedSecurity},
-    StateFileRow{"SiteSecurityServiceState.txt", TraceKind::networkState, 0, hostsOfSecurityState, damagedSecurity},
-    StateFileRow{"AlternateServices.bin", TraceKind::networkState, 1024, hostsOfAlternateService, damagedServices},
-    StateFileRow{"AlternateServices.txt", TraceKind::networkState, 0, hostsOfAlternateService, damagedServices},
-    StateFileRow{"ClientAuthRememberList.bin", TraceKind::settings, 1024, hostsOfClientCertificate, damagedChoices},
-    StateFileRow{"ClientAuthRememberList.txt", TraceKind::settings, 0, hostsOfClientCertificate, damagedChoices},
+    StateFileRow{"SiteSecurityServiceState.bin", TraceKind::networkState, 24, hostsOfSecurityState, unreadSecurity},
+    StateFileRow{"SiteSecurityServiceState.txt", TraceKind::networkState, 0, hostsOfSecurityState, unreadSecurity},
+    StateFileRow{"AlternateServices.bin", TraceKind::networkState, 1024, hostsOfAlternateService, unreadServices},
+    StateFileRow{"AlternateServices.txt", TraceKind::networkState, 0, hostsOfAlternateService, unreadServices},
+    StateFileRow{"ClientAuthRememberList.bin", TraceKind::settings, 1024, hostsOfClientCertificate, unreadChoices},
+    StateFileRow{"ClientAuthRememberList.txt", TraceKind::settings, 0, hostsOfClientCertificate, unreadChoices},
 };
 
 struct SessionRow {

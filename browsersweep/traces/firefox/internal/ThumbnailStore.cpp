@@ -14,7 +14,7 @@ namespace browsersweep {
 namespace {
 
 constexpr std::string_view meaning =
-    "pictures of pages that are not in the history any more, named by digests of their addresses: "
+    "pictures of pages that no site in the history has, named by digests of their addresses: "
     "Firefox makes them anew";
 
 }  // namespace
