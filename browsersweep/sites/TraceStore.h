@@ -86,7 +86,7 @@ public:
     /** The kinds of traces that it may hold. */
     virtual std::set<TraceKind> kinds() const = 0;
 
-    /** Whether it is of no use without hosts that are known from other stores. */
+    /** Whether it tells less without hosts that are known from other stores. */
     virtual bool needsKnownHosts() const noexcept;
 
     /**

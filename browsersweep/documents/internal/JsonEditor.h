@@ -39,9 +39,7 @@ public:
     Value root() const noexcept { return root_; }
     /** The value's text as it stands in the document. */
     std::string_view text(Value value) const noexcept;
-    /** The string that a value is, its escapes read, U+FFFD for half a pair; empty where it is
-     * none.
-     */
+    /** The string that a value is, its escapes read, U+FFFD for half a pair; else empty. */
     std::string string(Value value) const;
     /** The members of an object, equal keys too, or the elements of an array; else none. */
     std::vector<Member> members(Value value) const;

@@ -17,6 +17,8 @@ constexpr const char* heldAddresses =
     "SELECT url FROM moz_places WHERE url IS NOT NULL AND id IN (SELECT fk FROM moz_bookmarks"
     " UNION SELECT place_id FROM moz_keywords)";
 
+constexpr const char* allAddresses = "SELECT url FROM moz_places WHERE url IS NOT NULL";
+
 // "https://example.com/page" has "https://example.com/favicon.ico".
 std::string rootIconOf(std::string_view address) {
     const auto host = address.find("://");
@@ -26,8 +28,6 @@ std::string rootIconOf(std::string_view address) {
     const auto path = std::min(address.find_first_of("/?#", host + 3), address.size());
     return std::string(address.substr(0, path)) + "/favicon.ico";
 }
-
-constexpr const char* allAddresses = "SELECT url FROM moz_places WHERE url IS NOT NULL";
 
 /** Begins anew where the database was changed meanwhile. */
 void visitRows(const std::filesystem::path& places,

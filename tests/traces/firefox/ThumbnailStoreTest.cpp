@@ -1,6 +1,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -11,6 +12,7 @@
 #include "browsersweep/traces/firefox/internal/FirefoxFileStores.h"
 
 #include "tests/support/FirefoxSchemas.h"
+#include "tests/support/ForwardingFileManager.h"
 #include "tests/support/PlantedRows.h"
 #include "tests/support/SiteStores.h"
 #include "tests/support/TemporaryFolder.h"
@@ -140,6 +142,40 @@ TEST_F(ThumbnailStoreTest, aLinkAmongThemGoesUnread) {
     store()->forget(allBut({"b.com"}));
     EXPECT_FALSE(fs::exists(fs::symlink_status(folder / "link.png")));
     EXPECT_TRUE(fs::exists(profile.folder / "precious/file"));
+}
+
+/** A file manager whose operations ask a control of the test. */
+class WithControl : public tests::ForwardingFileManager {
+public:
+    WithControl(std::shared_ptr<OperationControl> control,
+                std::shared_ptr<const FileManager> target)
+        : ForwardingFileManager(std::move(target)), control_(std::move(control)) {}
+
+    std::shared_ptr<OperationControl> control() const noexcept override { return control_; }
+
+private:
+    std::shared_ptr<OperationControl> control_;
+};
+
+TEST_F(ThumbnailStoreTest, listingAsksWhetherToGoOnForEachPictureAndKnownHost) {
+    int asked = 0;
+    const auto manager = std::make_shared<WithControl>(
+        std::make_shared<OperationControl>([&asked](const OperationProgress& /*done*/) {
+            ++asked;
+            return false;
+        }),
+        profile.manager);
+    const auto controlled = tests::storeAt(storesBeforeDatabases(profile.folders, manager), folder);
+    const auto questions = [&](const KnownHosts& hosts) {
+        asked = 0;
+        controlled->list(hosts);
+        return asked;
+    };
+    picture(pageOfA);
+    const int once = questions({});
+    EXPECT_EQ(questions({"x.com", "y.com", "z.com"}), once + 3);
+    picture(pageOfB);
+    EXPECT_EQ(questions({}), once + 1);
 }
 
 }  // namespace

@@ -40,7 +40,9 @@ ThumbnailStore::HostsByFile ThumbnailStore::hostsOf(const std::vector<FolderEntr
     if (byDigest.empty()) {
         return byDigest;
     }
+    const auto control = fileManager_->control();
     for (const std::string& host : knownHosts) {
+        continueOrThrow(control.get());
         tryAddress("https://" + host + "/");
         tryAddress("http://" + host + "/");
     }
@@ -55,9 +57,11 @@ ThumbnailStore::HostsByFile ThumbnailStore::hostsOf(const std::vector<FolderEntr
 TraceListing ThumbnailStore::list(const KnownHosts& knownHosts) const {
     const auto files = fileManager_->entries(folder_);
     const HostsByFile hosts = hostsOf(files, knownHosts);
+    const auto control = fileManager_->control();
     TraceCollector collector;
     CleanableDataSize unknown;
     for (const FolderEntry& file : files) {
+        continueOrThrow(control.get());
         const auto& owners = hosts.at(file.name);
         const CleanableDataSize size = sizeOfAll(*fileManager_, folder_, file);
         collector.add(TraceKind::predictions, owners, size, file.modified);
