@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <memory>
 #include <new>
 #include <string>
@@ -59,13 +60,25 @@ bool isWantOfRoom(const fs::filesystem_error& error) noexcept {
            dynamic_cast<const CopyError*>(&error) != nullptr;
 }
 
-/** Does something on the disk or, where there is no room on it, in memory. */
+/** Databases of sites' storage are rarely larger than a few megabytes. */
+constexpr std::uint64_t mostInMemory = std::uint64_t{256} << 20;
+
+bool fitsInMemory(const FileManager& fileManager, const fs::path& database) {
+    std::uint64_t sum = 0;
+    for (const FolderEntry& entry : fileManager.entries(database)) {
+        sum += isDatabaseFile(entry.name) ? std::min(entry.size, mostInMemory + 1) : 0;
+    }
+    return sum <= mostInMemory;
+}
+
+/** Does something on the disk or, where there is no room on it, in memory if that has. */
 template <typename OnDisk, typename InMemory>
-auto whereThereIsRoom(OnDisk onDisk, InMemory inMemory) {
+auto whereThereIsRoom(const FileManager& fileManager, const fs::path& database, OnDisk onDisk,
+                      InMemory inMemory) {
     try {
         return onDisk();
     } catch (const fs::filesystem_error& error) {
-        if (!isWantOfRoom(error)) {
+        if (!isWantOfRoom(error) || !fitsInMemory(fileManager, database)) {
             throw;
         }
     }
@@ -214,8 +227,9 @@ bool LevelDatabase::holds(const Test& test) const {
     }
     const auto control = fileManager_->control();
     return withinMemory([&] {
-        const Copy copy =
-            whereThereIsRoom([this] { return copyOnDisk(); }, [this] { return copyInMemory(); });
+        const Copy copy = whereThereIsRoom(
+            *fileManager_, folder_, [this] { return copyOnDisk(); },
+            [this] { return copyInMemory(); });
         return copy.database->findFirst([&](std::string_view key, std::string_view value) {
             continueOrThrow(control.get());
             return test(key, value);
@@ -262,7 +276,8 @@ void LevelDatabase::rewriteInMemory(const Test& stays) const {
 
 // Nothing of the first attempt is left where the second one begins: there is no room for both.
 void LevelDatabase::rewrite(const Test& stays) const {
-    whereThereIsRoom([&] { rewriteOnDisk(stays); }, [&] { rewriteInMemory(stays); });
+    whereThereIsRoom(
+        *fileManager_, folder_, [&] { rewriteOnDisk(stays); }, [&] { rewriteInMemory(stays); });
 }
 
 }  // namespace browsersweep

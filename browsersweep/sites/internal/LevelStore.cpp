@@ -1,5 +1,7 @@
 #include "browsersweep/sites/internal/LevelStore.h"
 
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 #include "browsersweep/sites/internal/EntrySelector.h"
@@ -93,6 +95,19 @@ void LevelStore::removeRecords(const LevelSchema& schema, EntrySelector& selecto
     }
     if (const auto beside = companions()) {
         beside->removeAll();
+    }
+    removeDatabase();
+}
+
+// At once, as far as the next run can see: half a database could not be read, and nothing more of
+// it be forgotten. Only where not even an empty folder has room it goes file by file.
+void LevelStore::removeDatabase() const {
+    try {
+        fileManager_->replaceFolderWithFiles(path(), {});
+    } catch (const std::filesystem::filesystem_error& error) {
+        if (error.code() != std::errc::no_space_on_device) {
+            throw;
+        }
     }
     fileManager_->removeFolder(path());
 }

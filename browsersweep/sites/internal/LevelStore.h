@@ -95,6 +95,7 @@ private:
     std::unique_ptr<LevelCompanions> companions() const;
     void removeCompanions(const LevelSchema& schema, EntrySelector& selector) const;
     void removeRecords(const LevelSchema& schema, EntrySelector& selector) const;
+    void removeDatabase() const;
 
     LevelRow row_;
     std::shared_ptr<const FileManager> fileManager_;

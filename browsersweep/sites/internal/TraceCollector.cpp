@@ -3,17 +3,17 @@
 #include <algorithm>
 #include <utility>
 
-#include "browsersweep/documents/DecodingError.h"
-
 namespace browsersweep {
 namespace {
 
+/** No page has so many others in it; each of them would be noted with all the rest. */
+constexpr std::size_t mostSharing = 256;
 constexpr std::size_t mostSharedNames = std::size_t{1} << 20;
 
-void requireFewNames(std::size_t count) {
-    if (count > mostSharedNames) {
-        throw DecodingError::dataCorrupted("too many sites share what is stored");
-    }
+CleanableDataSize approximately(CleanableDataSize size) noexcept {
+    size.itemCount.isApproximate = true;
+    size.byteCount.isApproximate = true;
+    return size;
 }
 
 }  // namespace
@@ -39,7 +39,6 @@ void TraceCollector::add(TraceKind kind, std::span<const std::string> hosts,
         if (site == nullptr) {
             continue;
         }
-        requireFewNames(sites.size() * sites.size());
         Trace& trace = traceOf(*site, kind);
         trace.hosts.insert(host);
         if (sites.insert(*site).second) {
@@ -54,13 +53,18 @@ void TraceCollector::add(TraceKind kind, std::span<const std::string> hosts,
 
 void TraceCollector::addShared(TraceKind kind, const std::set<Site>& sites,
                                const CleanableDataSize& size) {
+    sharedNames_ += std::min(sites.size() * sites.size(), mostSharedNames);
+    const bool isNoted = sites.size() <= mostSharing && sharedNames_ <= mostSharedNames;
     for (const Site& site : sites) {
+        Trace& trace = traceOf(site, kind);
+        if (!isNoted) {
+            trace.size = approximately(trace.size);
+            continue;
+        }
         auto others = sites;
         others.erase(site);
-        const auto [part, isNew] = traceOf(site, kind).shared.try_emplace(std::move(others));
-        part->second = part->second + size;
-        sharedNames_ += isNew ? part->first.size() : 0;
-        requireFewNames(sharedNames_);
+        auto& part = trace.shared[std::move(others)];
+        part = part + size;
     }
 }
 

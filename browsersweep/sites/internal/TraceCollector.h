@@ -21,9 +21,9 @@ class TraceCollector {
 public:
     /**
      * Adds what belongs to these hosts, as `hostsIn` gives them. What belongs to two sites counts
-     * for both, and is noted as shared; what belongs to none counts for nothing. Each site of some
-     * that share is noted with all others: where that adds up to more than a million names, a
-     * `DecodingError` (dataCorrupted) is thrown. No page has a thousand others in it.
+     * for both, and is noted as shared; what belongs to none counts for nothing. Where hundreds of
+     * sites share, which no page does, it is not noted with whom: their sizes are approximate then,
+     * because a sum counts it more than once.
      */
     void add(TraceKind kind, std::span<const std::string> hosts, const CleanableDataSize& size,
              std::optional<Date> lastUsed = {});

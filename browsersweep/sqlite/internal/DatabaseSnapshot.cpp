@@ -22,6 +22,7 @@ constexpr std::string_view indexSuffix = "-shm";
 constexpr std::array<std::string_view, 3> copiedSuffixes = {"", "-wal", "-journal"};
 
 using Facts = std::array<posix::FileFacts, copiedSuffixes.size()>;
+using Marks = std::array<std::uint64_t, copiedSuffixes.size()>;
 
 std::filesystem::path withSuffix(const std::filesystem::path& file, std::string_view suffix) {
     return std::filesystem::path(file) += suffix;
@@ -160,7 +161,7 @@ bool DatabaseSnapshot::readAsItLies(const Use& use) const {
     OperationControl* const control = fileManager_->control().get();
     const Facts before = factsOfAll(file_);
     const auto marks = [&] {
-        std::array<std::uint64_t, copiedSuffixes.size()> found{};
+        Marks found{};
         for (std::size_t index = 0; index < copiedSuffixes.size(); ++index) {
             if (before.at(index).exists) {
                 const auto path = withSuffix(file_, copiedSuffixes.at(index));
@@ -169,11 +170,16 @@ bool DatabaseSnapshot::readAsItLies(const Use& use) const {
         }
         return found;
     };
-    return unlessVanished([&] {
-        const auto atFirst = marks();
-        use(SQLiteConnection::readingAsItLies(file_, fileManager_->control()));
-        return factsOfAll(file_) == before && marks() == atFirst;
-    });
+    Marks atFirst{};
+    const auto take = [&] {
+        atFirst = marks();
+        return true;
+    };
+    if (!unlessVanished(take)) {
+        return false;
+    }
+    use(SQLiteConnection::readingAsItLies(file_, fileManager_->control()));
+    return unlessVanished([&] { return factsOfAll(file_) == before && marks() == atFirst; });
 }
 
 bool DatabaseSnapshot::readCopy(const Use& use, bool isLast) const {

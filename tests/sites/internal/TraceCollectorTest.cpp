@@ -1,10 +1,10 @@
 #include <cstddef>
+#include <span>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "browsersweep/documents/DecodingError.h"
 #include "browsersweep/sites/internal/TraceCollector.h"
 
 namespace browsersweep {
@@ -56,12 +56,39 @@ Hosts manyHosts(std::size_t count) {
     return hosts;
 }
 
-TEST(TraceCollector, refusesWhatTooManySitesShare) {
+/** Of each trace whether it is noted with whom it is shared, which one that is not is not exact. */
+std::vector<bool> isNoted(std::span<const Trace> traces) {
+    std::vector<bool> noted;
+    for (const Trace& trace : traces) {
+        noted.push_back(!trace.shared.empty());
+        EXPECT_EQ(trace.size.itemCount.isApproximate, trace.shared.empty());
+        EXPECT_EQ(trace.size.byteCount.isApproximate, trace.shared.empty());
+    }
+    return noted;
+}
+
+TEST(TraceCollector, doesNotNoteWithWhomHundredsOfSitesShare) {
     TraceCollector collector;
-    EXPECT_THROW(collector.add(TraceKind::settings, manyHosts(100'000), one), DecodingError);
-    collector.add(TraceKind::history, manyHosts(1000), one);
-    collector.add(TraceKind::history, manyHosts(1000), one);  // the same, which takes no more room
-    EXPECT_THROW(collector.add(TraceKind::history, manyHosts(999), one), DecodingError);
+    collector.add(TraceKind::settings, manyHosts(256), one);
+    EXPECT_EQ(isNoted(collector.takeTraces()), std::vector<bool>(256, true));
+    collector.add(TraceKind::settings, manyHosts(257), one);
+    EXPECT_EQ(isNoted(collector.takeTraces()), std::vector<bool>(257, false));
+}
+
+TEST(TraceCollector, doesNotNoteAMillionNamesOfSitesThatShare) {
+    TraceCollector collector;
+    constexpr int most = 16;  // of 256 times 256
+    for (int i = 0; i < most; ++i) {
+        collector.add(TraceKind::history, manyHosts(256), one);
+    }
+    collector.add(TraceKind::settings, manyHosts(2), one);
+    const auto traces = collector.takeTraces();
+    ASSERT_EQ(traces.size(), 258U);
+    const auto isOfSettings = [](const Trace& trace) { return trace.kind == TraceKind::settings; };
+    for (const Trace& trace : traces) {
+        EXPECT_EQ(trace.shared.empty(), isOfSettings(trace));
+        EXPECT_EQ(trace.size.itemCount.isApproximate, isOfSettings(trace));
+    }
 }
 
 TEST(TraceCollector, ignoresWhatBelongsToNoSite) {

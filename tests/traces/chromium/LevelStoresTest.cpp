@@ -1,4 +1,5 @@
 #include <array>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <set>
@@ -367,6 +368,42 @@ TEST_F(ServiceWorkers, whicheverOperationFailsTheNextRunDoesTheRest) {
         EXPECT_EQ(tests::readLevelRecords(other.data() / place).size(), 8U) << fault;
         EXPECT_EQ(other.filesWith("script of b").size(), 1U) << fault;
         if (faulty->failed().empty()) {
+            break;
+        }
+    }
+}
+
+/** Whether everything in a store was forgotten before it was stopped, which is after so many files.
+ */
+bool forgetsBefore(std::uint64_t files, const tests::ChromiumHome& home, const fs::path& place) {
+    const auto control = std::make_shared<OperationControl>(
+        [files](const OperationProgress& done) { return done.files >= files; });
+    const auto stopping = FileManager::forHome(home.folder.path(), control);
+    try {
+        tests::storeAt(levelStores(home.folders, stopping), place)->forget(everything());
+        return true;
+    } catch (const OperationCancelled&) {
+        return false;
+    }
+}
+
+TEST(LevelStore, whatIsStoppedAtAnyFileIsGoneAfterTheNextRun) {
+    for (std::uint64_t files = 1;; ++files) {
+        SCOPED_TRACE(files);
+        const tests::ChromiumHome home;
+        const fs::path place = home.data() / "File System/Origins";
+        tests::writeLevelRecords(place, {{"LAST_PATH", "0"}, {"ORIGIN:https_www.a.com_0", "000"}});
+        // A file system in memory lists the newest file first, and it goes first.
+        fs::rename(place / "CURRENT", place / "older");
+        fs::copy_file(place / "older", place / "CURRENT");
+        fs::remove(place / "older");
+        const bool isDone = forgetsBefore(files, home, place);
+        const auto store = tests::storeAt(levelStores(home.folders, home.manager), place);
+        EXPECT_NO_THROW(store->list({}));
+        EXPECT_NO_THROW(store->forget(everything()));
+        EXPECT_EQ(home.filesWith("www.a.com"), Lines());
+        if (isDone) {
+            EXPECT_GT(files, 4U);
             break;
         }
     }

@@ -55,6 +55,10 @@ public:
             counts_.push_back(0);
         }
     }
+
+    /** What cannot be read ends the counting: the second reading says why. */
+    void fail(std::string_view /*why*/) noexcept { XML_StopParser(parser_, XML_FALSE); }
+
     // The parser tells of the end of an empty element even where it was stopped at its start.
     void end() noexcept {
         if (!open_.empty()) {
@@ -273,11 +277,12 @@ void onText(void* builder, const XML_Char* text, int length) noexcept {
     static_cast<Builder*>(builder)->text({text, static_cast<std::size_t>(length)});
 }
 
-void onEntity(void* builder, const XML_Char* /*name*/, int /*isParameter*/,
+template <typename Receiver>
+void onEntity(void* receiver, const XML_Char* /*name*/, int /*isParameter*/,
               const XML_Char* /*value*/, int /*length*/, const XML_Char* /*base*/,
               const XML_Char* /*system*/, const XML_Char* /*publicIdentifier*/,
               const XML_Char* /*notation*/) noexcept {
-    static_cast<Builder*>(builder)->fail("an XML property list declares an entity");
+    static_cast<Receiver*>(receiver)->fail("an XML property list declares an entity");
 }
 
 Parser makeParser() {
@@ -328,6 +333,7 @@ std::vector<std::uint32_t> countsOf(BytesView document) {
     Counter counter(parser.get(), document.size());
     XML_SetUserData(parser.get(), &counter);
     XML_SetElementHandler(parser.get(), onStart<Counter>, onEnd<Counter>);
+    XML_SetEntityDeclHandler(parser.get(), onEntity<Counter>);
     feed(parser.get(), document);
     return counter.takeCounts();
 }
@@ -371,7 +377,7 @@ PropertyList parseXMLPropertyList(BytesView bytes) {
     XML_SetUserData(parser.get(), &builder);
     XML_SetElementHandler(parser.get(), onStart<Builder>, onEnd<Builder>);
     XML_SetCharacterDataHandler(parser.get(), onText);
-    XML_SetEntityDeclHandler(parser.get(), onEntity);
+    XML_SetEntityDeclHandler(parser.get(), onEntity<Builder>);
     const Outcome outcome = feed(parser.get(), document);
     if (!builder.error().empty()) {
         throw DecodingError::dataCorrupted(builder.error());
