@@ -7,6 +7,7 @@
 #include <string_view>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 #include <fmt/format.h>
 
@@ -40,10 +41,9 @@ std::string faultOfKind(const std::string& name) {
     if (traceKindFromRawValue(name)) {
         return {};
     }
-    std::vector<std::string_view> names;
-    for (const auto kind : allTraceKinds) {
-        names.push_back(rawValue(kind));
-    }
+    std::vector<std::string_view> names(allTraceKinds.size());
+    std::transform(allTraceKinds.begin(), allTraceKinds.end(), names.begin(),
+                   [](TraceKind kind) { return rawValue(kind); });
     return fmt::format("'{}' is no kind; {}", printable(name), suggestion(name, names));
 }
 

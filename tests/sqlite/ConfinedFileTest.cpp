@@ -178,7 +178,14 @@ TEST_F(ConfinedFiling, withAnIndexOfItsOwnTakesNoLockButTheOnesForReading) {
     EXPECT_EQ(methods().xShmMap(raw(), 0, 32, 1, &again), SQLITE_OK);
     EXPECT_NE(first, nullptr);
     EXPECT_EQ(first, again);
+    void volatile* second = nullptr;
+    EXPECT_EQ(methods().xShmMap(raw(), 1, 32, 1, &second), SQLITE_OK);
+    EXPECT_NE(second, nullptr);
+    EXPECT_NE(first, second);
+    *static_cast<volatile char*>(first) = 1;
     EXPECT_EQ(methods().xShmUnmap(raw(), 1), SQLITE_OK);
+    EXPECT_EQ(methods().xShmMap(raw(), 0, 32, 1, &again), SQLITE_OK);
+    EXPECT_EQ(*static_cast<volatile char*>(again), 0);
     EXPECT_EQ(system_.taken(), Calls());
     methods().xClose(raw());
 }

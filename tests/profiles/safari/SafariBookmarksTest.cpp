@@ -61,6 +61,23 @@ TEST(SafariBookmarks, whatLiesBelowAChildComesBeforeTheChildItself) {
     EXPECT_EQ(expected, bookmarks(root));
 }
 
+TEST(SafariBookmarks, theFieldsOfTheFileCanBeRead) {
+    const auto file = SafariBookmarks::decode(
+        folder({leaf("One", "one:"), folder({}), dictionary({{"URIDictionary", dictionary({})}})})
+            .binaryData());
+    const auto children = file.children();
+    ASSERT_TRUE(children);
+    ASSERT_EQ(children->size(), 3U);
+    EXPECT_EQ((*children)[0].urlString(), "one:");
+    EXPECT_EQ((*children)[0].uriDictionary().value().title, "One");
+    EXPECT_FALSE((*children)[0].children());
+    EXPECT_EQ((*children)[1].urlString(), std::nullopt);
+    EXPECT_FALSE((*children)[1].uriDictionary());
+    EXPECT_EQ((*children)[1].children().value().size(), 0U);
+    EXPECT_EQ((*children)[2].uriDictionary().value().title, std::nullopt);
+    EXPECT_FALSE(SafariBookmarks::decode(dictionary({}).binaryData()).children());
+}
+
 TEST(SafariBookmarks, theRootItselfIsNoBookmark) {
     EXPECT_EQ(std::vector<Bookmark>{}, bookmarks(leaf("Root", "https://root.example/")));
 }
