@@ -1,3 +1,4 @@
+#include <cstddef>
 #include <random>
 #include <string>
 #include <string_view>
@@ -40,6 +41,16 @@ TEST(IniFile, propertyBelongsToTheSectionAboveIt) {
         {"[General]\nStartWithLastProfile=1", {{"General", {{"StartWithLastProfile", "1"}}}}},
         {"[A]\na=1\nb=2\n[B]\na=3\n", {{"A", {{"a", "1"}, {"b", "2"}}}, {"B", {{"a", "3"}}}}},
     });
+}
+
+TEST(IniFile, sectionsAreNumberedByTheirNamesAndTheLastOfAName) {
+    const IniFile file("[b]\na=1\n[c]\na=2\n[a]\na=3\n[b]\na=4\n[c]\na=5\n[b]\na=6\n");
+    std::vector<std::string> found;
+    for (std::size_t number = 0; number < file.count(); ++number) {
+        const auto section = file.section(number);
+        found.push_back(std::string(section.name()) + section.find("a").value_or("none"));
+    }
+    EXPECT_EQ(found, (std::vector<std::string>{"a3", "b6", "c5"}));
 }
 
 TEST(IniFile, carriageReturnLineFeedIsANewline) {

@@ -40,7 +40,7 @@ TEST(SafariNamedProfile, isLeftOutWhereItsIdentifierCouldLeadElsewhere) {
          {"", "..", "../../Documents", "0F1E2D3C-0000-4000-8000-0123456789A/",
           "0F1E2D3C-0000-4000-8000-0123456789AB/x", "0F1E2D3C00000-4000-8000-0123456789AB"}) {
         const SafariNamedProfile profile("x", bad, home.home);
-        EXPECT_NE(profile.leftOutReason(), std::nullopt) << bad;
+        EXPECT_EQ(profile.leftOutReason(), "its identifier is not of the form of a UUID") << bad;
         EXPECT_EQ(profile.folders(), std::nullopt) << bad;
     }
 }
