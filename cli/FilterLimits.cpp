@@ -16,14 +16,14 @@
 namespace browsersweep::cli {
 namespace {
 
-/** Safari's history takes half of what others take. */
 FilteredStatement deepestStatement(const Selection& selection) {
+    constexpr auto history = CleanableDataCategory::history;
     const auto browsers = selection.selectedBrowsers();
-    const bool isSafari =
-        std::find(browsers.begin(), browsers.end(), Browser::safari) != browsers.end();
-    return isSafari && selection.includes(CleanableDataCategory::history)
-               ? FilteredStatement::ofSafariHistory
-               : FilteredStatement::ofTable;
+    const bool isDeep = std::any_of(browsers.begin(), browsers.end(), [](Browser browser) {
+        return filteredStatement(browser, history) == FilteredStatement::ofSafariHistory;
+    });
+    return isDeep && selection.includes(history) ? FilteredStatement::ofSafariHistory
+                                                 : FilteredStatement::ofTable;
 }
 
 std::string figure(std::size_t count) {

@@ -222,10 +222,7 @@ CleanableDataSize unseenOf(const std::vector<BrowserSizes>& browsers) {
             for (const ItemRow& item : part.items) {
                 const auto size = item.unseen ? item.unseen->size : std::nullopt;
                 sum = sum + size.value_or(CleanableDataSize::zero);
-                if (item.unseen && !size) {
-                    sum.itemCount.isApproximate = true;
-                    sum.byteCount.isApproximate = true;
-                }
+                sum = item.unseen && !size ? sum.approximate() : sum;
             }
         }
     }

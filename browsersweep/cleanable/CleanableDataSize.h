@@ -62,6 +62,11 @@ struct BROWSERSWEEP_EXPORT CleanableDataSize {
     /** Nothing at all, exactly. */
     static const CleanableDataSize zero;
 
+    /** The same numbers, both approximate. */
+    constexpr CleanableDataSize approximate() const noexcept {
+        return {{itemCount.value, true}, {byteCount.value, true}};
+    }
+
     /** @{ */
     /** Field by field, as measurements do it. A difference may be negative. */
     friend BROWSERSWEEP_EXPORT CleanableDataSize operator+(const CleanableDataSize& a,

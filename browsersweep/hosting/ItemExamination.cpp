@@ -235,16 +235,6 @@ std::optional<CleanableDataSize> sizeWithoutCopy(const CleanableData& item,
     return CleanableDataSize{*rows, {bytes, *rows > 0}};
 }
 
-bool saysNoRoom(const std::exception& error) noexcept {
-    if (const auto* const file = dynamic_cast<const fs::filesystem_error*>(&error)) {
-        return file->code() == std::errc::no_space_on_device;
-    }
-    const auto* const sqlite = dynamic_cast<const SQLiteError*>(&error);
-    // SQLite says the latter where there is room for a copy and none for what it puts beside it.
-    return sqlite != nullptr && (sqlite->kind() == SQLiteError::Kind::full ||
-                                 sqlite->kind() == SQLiteError::Kind::inputOutput);
-}
-
 std::int64_t allocatedBytes(const CleanableData& item, OperationControl* control) {
     std::int64_t sum = 0;
     for (const CleanableDataLocation& place : item.locations()) {

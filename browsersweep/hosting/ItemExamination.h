@@ -56,9 +56,6 @@ BROWSERSWEEP_EXPORT std::optional<CleanableDataSize> sizeWithoutCopy(const Clean
 BROWSERSWEEP_EXPORT std::optional<ItemObstacle> obstacleToOpening(
     const std::filesystem::path& path);
 
-/** Whether an error says that a disk has no room, or may say so: SQLite does not always tell. */
-BROWSERSWEEP_EXPORT bool saysNoRoom(const std::exception& error) noexcept;
-
 /**
  * The bytes that an item's files occupy on the disk, a database's log and journal among them: the
  * difference of two such numbers is what a clean freed. Files with a second name are not counted,

@@ -7,6 +7,7 @@
 
 #include "browsersweep/hosting/DatabaseState.h"
 #include "browsersweep/hosting/FailureKind.h"
+#include "browsersweep/sqlite/internal/NoRoom.h"
 
 namespace browsersweep {
 namespace {
@@ -51,12 +52,6 @@ CleanableDataSize difference(const OperationProgress& before, const OperationPro
     const auto items = after.files - before.files + after.rows - before.rows;
     return {{static_cast<std::int64_t>(items), true},
             {static_cast<std::int64_t>(after.bytes - before.bytes), true}};
-}
-
-CleanableDataSize approximate(CleanableDataSize size) noexcept {
-    size.itemCount.isApproximate = true;
-    size.byteCount.isApproximate = true;
-    return size;
 }
 
 /** Where an item lies: the first of its places that is there. */
@@ -298,7 +293,7 @@ void ItemSweep::deleteFrom(State& state, const SweepItem& item) const {
 
 /** What is gone of an item that was cleaned and not measured again: at most what was there. */
 std::optional<CleanableDataSize> ItemSweep::whatWasThere(const State& state) noexcept {
-    return state.before ? std::optional(approximate(*state.before)) : std::nullopt;
+    return state.before ? std::optional(state.before->approximate()) : std::nullopt;
 }
 
 std::optional<CleanableDataSize> ItemSweep::figureOf(const State& state) const noexcept {
@@ -335,7 +330,7 @@ ItemResult ItemSweep::resultOf(const State& state, const SweepItem& item) const 
     result.detail = std::move(judgement.detail);
     result.what = judgement.path.empty() ? placeOf(*item.data) : std::move(judgement.path);
     if (result.size && isUncertain(state, result.verdict)) {
-        result.size = approximate(*result.size);
+        result.size = result.size->approximate();
     }
     return result;
 }

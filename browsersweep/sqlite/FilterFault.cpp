@@ -74,6 +74,12 @@ bool isAnyPatternTooLong(const Connection& connection, CleanableDataFilters filt
 
 }  // namespace
 
+FilteredStatement filteredStatement(Browser browser, CleanableDataCategory category) noexcept {
+    return browser == Browser::safari && category == CleanableDataCategory::history
+               ? FilteredStatement::ofSafariHistory
+               : FilteredStatement::ofTable;
+}
+
 std::optional<FilterFault> filterFault(CleanableDataFilters filters, FilteredStatement statement) {
     if (filters.empty()) {
         return std::nullopt;

@@ -3,6 +3,8 @@
 #include <optional>
 
 #include "browsersweep/Export.h"
+#include "browsersweep/base/Browser.h"
+#include "browsersweep/cleanable/CleanableDataCategory.h"
 #include "browsersweep/cleanable/CleanableDataFilter.h"
 
 namespace browsersweep {
@@ -18,6 +20,10 @@ enum class FilteredStatement {
     ofTable,          ///< on a table of a `CleanableSQLiteDatabase`
     ofSafariHistory,  ///< of `SafariHistoryCleanableDatabase`, which nest deeper and take half
 };
+
+/** What filters become a part of where this data of a browser is measured and cleaned. */
+BROWSERSWEEP_EXPORT FilteredStatement filteredStatement(Browser browser,
+                                                        CleanableDataCategory category) noexcept;
 
 /**
  * What is wrong with a list of filters; absent where databases take them. Filters become one

@@ -61,12 +61,6 @@ bool qualifies(const SQLiteConnection& connection) {
     return connection.hasTable(items) && connection.hasTable(visits);
 }
 
-CleanableDataSize markedApproximate(CleanableDataSize size) noexcept {
-    size.itemCount.isApproximate = true;
-    size.byteCount.isApproximate = true;
-    return size;
-}
-
 }  // namespace
 
 SafariHistoryCleanableDatabase::SafariHistoryCleanableDatabase(
@@ -101,7 +95,7 @@ CleanableDataSize SafariHistoryCleanableDatabase::size(CleanableDataFilters filt
     }
     const CleanableDataSize size =
         visitCount ? databaseSize(*visitCount, file_, *fileManager_) : CleanableDataSize::zero;
-    return isOneState ? size : markedApproximate(size);
+    return isOneState ? size : size.approximate();
 }
 
 std::optional<std::int32_t> SafariHistoryCleanableDatabase::countIn(

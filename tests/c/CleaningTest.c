@@ -141,11 +141,7 @@ int main(int count, char** arguments) {
     if (count != 2) {
         return 2;
     }
-    browsersweep_browser chrome = 0;
-    browsersweep_browser_from_raw_value("googleChrome", &chrome);
-    browsersweep_home* home = browsersweep_home_at(arguments[1], NULL);
-    browsersweep_data* data = browsersweep_data_of_browser(home, chrome, NULL);
-    browsersweep_home_free(home);
+    browsersweep_data* data = data_of_chrome(arguments[1]);
     rule("data lives without its home", data != NULL);
     rule("the data has cookies", (browsersweep_data_categories(data) & cookies) != 0);
     rule("cookies need a closed browser", browsersweep_data_requires_closed_browser(data, cookies));

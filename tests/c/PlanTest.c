@@ -139,11 +139,7 @@ int main(int count, char** arguments) {
     if (count != 2) {
         return 2;
     }
-    browsersweep_browser chrome = 0;
-    browsersweep_browser_from_raw_value("googleChrome", &chrome);
-    browsersweep_home* home = browsersweep_home_at(arguments[1], NULL);
-    browsersweep_data* data = browsersweep_data_of_browser(home, chrome, NULL);
-    browsersweep_home_free(home);
+    browsersweep_data* data = data_of_chrome(arguments[1]);
     files(data);
     tables(data);
     stopping(data);

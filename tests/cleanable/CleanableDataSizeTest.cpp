@@ -84,5 +84,11 @@ TEST(CleanableDataSizeDeathTest, overflowEndsTheProcess) {
     EXPECT_DEATH(Measurement(smallestCount) - Measurement(1), "a difference of sizes does not fit");
 }
 
+TEST(CleanableDataSize, isApproximateWithTheSameNumbers) {
+    constexpr CleanableDataSize exact{3, 40};
+    EXPECT_EQ(exact.approximate(), (CleanableDataSize{{3, true}, {40, true}}));
+    EXPECT_EQ(exact.approximate().approximate(), exact.approximate());
+}
+
 }  // namespace
 }  // namespace browsersweep

@@ -124,5 +124,14 @@ TEST_F(FilterFaultTest, aPatternLongerThanAnyComparisonIsTooLong) {
     EXPECT_THROW(item.size(tooLong), SQLiteError);
 }
 
+TEST(FilteredStatementTest, isOfSafariForItsHistoryAlone) {
+    using Category = CleanableDataCategory;
+    EXPECT_EQ(filteredStatement(Browser::safari, Category::history),
+              FilteredStatement::ofSafariHistory);
+    EXPECT_EQ(filteredStatement(Browser::safari, Category::httpCookies),
+              FilteredStatement::ofTable);
+    EXPECT_EQ(filteredStatement(Browser::firefox, Category::history), FilteredStatement::ofTable);
+}
+
 }  // namespace
 }  // namespace browsersweep

@@ -6,7 +6,6 @@
 
 #include "browsersweep/hosting/FilterDivision.h"
 #include "browsersweep/sqlite/FilterFault.h"
-#include "browsersweep/sqlite/SafariHistoryCleanableDatabase.h"
 
 namespace browsersweep::c {
 namespace {
@@ -22,11 +21,13 @@ std::vector<SweepItem> chosenItems(const browsersweep_data& data,
     return items;
 }
 
+/** Those of Safari's history nest deeper than any other. */
 FilteredStatement deepestStatement(const std::vector<SweepItem>& items) {
-    const bool isSafari = std::any_of(items.begin(), items.end(), [](const SweepItem& item) {
-        return dynamic_cast<const SafariHistoryCleanableDatabase*>(item.data.get()) != nullptr;
+    const bool isDeep = std::any_of(items.begin(), items.end(), [](const SweepItem& item) {
+        return filteredStatement(item.profile->sourceBrowser(), item.category) ==
+               FilteredStatement::ofSafariHistory;
     });
-    return isSafari ? FilteredStatement::ofSafariHistory : FilteredStatement::ofTable;
+    return isDeep ? FilteredStatement::ofSafariHistory : FilteredStatement::ofTable;
 }
 
 }  // namespace

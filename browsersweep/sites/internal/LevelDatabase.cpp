@@ -1,7 +1,6 @@
 #include "browsersweep/sites/internal/LevelDatabase.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdint>
 #include <memory>
 #include <new>
@@ -19,6 +18,7 @@
 
 #include "browsersweep/documents/DecodingError.h"
 #include "browsersweep/platform/internal/TemporaryFolder.h"
+#include "browsersweep/platform/internal/WantOfRoom.h"
 #include "browsersweep/sites/internal/MemoryEnvironment.h"
 #include "browsersweep/sites/internal/QuietEnvironment.h"
 
@@ -53,11 +53,8 @@ public:
                            std::make_error_code(std::errc::io_error)) {}
 };
 
-bool isWantOfRoom(const fs::filesystem_error& error) noexcept {
-    const std::error_code code = error.code();
-    const bool isOverQuota = code.value() == EDQUOT && code.category() == std::system_category();
-    return code == std::errc::no_space_on_device || isOverQuota ||
-           dynamic_cast<const CopyError*>(&error) != nullptr;
+bool mayBeWantOfRoom(const fs::filesystem_error& error) noexcept {
+    return isWantOfRoom(error.code()) || dynamic_cast<const CopyError*>(&error) != nullptr;
 }
 
 /** Databases of sites' storage are rarely larger than a few megabytes. */
@@ -78,7 +75,7 @@ auto whereThereIsRoom(const FileManager& fileManager, const fs::path& database, 
     try {
         return onDisk();
     } catch (const fs::filesystem_error& error) {
-        if (!isWantOfRoom(error) || !fitsInMemory(fileManager, database)) {
+        if (!mayBeWantOfRoom(error) || !fitsInMemory(fileManager, database)) {
             throw;
         }
     }
@@ -138,19 +135,15 @@ public:
         }
     }
 
-    /** Up to the first record that the visit returns true for. Whether there is one. */
-    bool findFirst(const LevelDatabase::Test& test) const {
+    void read(const LevelDatabase::Visit& visit) const {
         leveldb::ReadOptions options;
         options.verify_checksums = true;
         options.fill_cache = false;
         const std::unique_ptr<leveldb::Iterator> record(opened_->NewIterator(options));
         for (record->SeekToFirst(); record->Valid(); record->Next()) {
-            if (test(viewOf(record->key()), viewOf(record->value()))) {
-                return true;
-            }
+            visit(viewOf(record->key()), viewOf(record->value()));
         }
         require(record->status(), database_);
-        return false;
     }
 
     void put(std::string_view key, std::string_view value) {
@@ -221,30 +214,23 @@ LevelDatabase::Copy LevelDatabase::copyInMemory() const {
     return copy;
 }
 
-bool LevelDatabase::holds(const Test& test) const {
+void LevelDatabase::read(const Visit& visit) const {
     if (!exists()) {
-        return false;
+        return;
     }
     const auto control = fileManager_->control();
-    return withinMemory([&] {
+    withinMemory([&] {
         const Copy copy = whereThereIsRoom(
             *fileManager_, folder_, [this] { return copyOnDisk(); },
             [this] { return copyInMemory(); });
-        return copy.database->findFirst([&](std::string_view key, std::string_view value) {
+        copy.database->read([&](std::string_view key, std::string_view value) {
             continueOrThrow(control.get());
-            return test(key, value);
+            visit(key, value);
         });
     });
 }
 
-void LevelDatabase::read(const Visit& visit) const {
-    holds([&visit](std::string_view key, std::string_view value) {
-        visit(key, value);
-        return false;
-    });
-}
-
-void LevelDatabase::fill(OpenDatabase& made, const Test& stays) const {
+void LevelDatabase::fill(OpenDatabase& made, const Stays& stays) const {
     read([&](std::string_view key, std::string_view value) {
         if (stays(key, value)) {
             made.put(key, value);
@@ -253,31 +239,44 @@ void LevelDatabase::fill(OpenDatabase& made, const Test& stays) const {
     made.write();
 }
 
-void LevelDatabase::rewriteOnDisk(const Test& stays) const {
+bool LevelDatabase::rewriteOnDisk(const Stays& stays, const IsNeeded& isNeeded) const {
     const TemporaryFolder made(fileManager_);
     withinMemory([&] {
         OpenDatabase database(*leveldb::Env::Default(), made.path(), true, folder_);
         fill(database, stays);
     });
+    if (!isNeeded()) {
+        return false;
+    }
     fileManager_->removeFile(made.path() / lockName);
     fileManager_->replaceFolder(folder_, made.path());
+    return true;
 }
 
-void LevelDatabase::rewriteInMemory(const Test& stays) const {
-    withinMemory([&] {
+bool LevelDatabase::rewriteInMemory(const Stays& stays, const IsNeeded& isNeeded) const {
+    return withinMemory([&] {
         MemoryEnvironment made;
         {
             OpenDatabase database(made, MemoryEnvironment::folder, true, folder_);
             fill(database, stays);
         }
+        if (!isNeeded()) {
+            return false;
+        }
         fileManager_->replaceFolderWithFiles(folder_, made.takeFiles());
+        return true;
     });
 }
 
 // Nothing of the first attempt is left where the second one begins: there is no room for both.
-void LevelDatabase::rewrite(const Test& stays) const {
-    whereThereIsRoom(
-        *fileManager_, folder_, [&] { rewriteOnDisk(stays); }, [&] { rewriteInMemory(stays); });
+bool LevelDatabase::rewrite(const Stays& stays, const IsNeeded& isNeeded) const {
+    return whereThereIsRoom(
+        *fileManager_, folder_, [&] { return rewriteOnDisk(stays, isNeeded); },
+        [&] { return rewriteInMemory(stays, isNeeded); });
+}
+
+void LevelDatabase::rewrite(const Stays& stays) const {
+    rewrite(stays, [] { return true; });
 }
 
 }  // namespace browsersweep

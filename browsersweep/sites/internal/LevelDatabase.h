@@ -19,8 +19,10 @@ class LevelDatabase {
 public:
     /** Is told of each live record, in the order of keys. */
     using Visit = std::function<void(std::string_view key, std::string_view value)>;
-    /** Tells something of a live record. */
-    using Test = std::function<bool(std::string_view key, std::string_view value)>;
+    /** Whether a live record stays. */
+    using Stays = std::function<bool(std::string_view key, std::string_view value)>;
+    /** Whether what stays is needed, asked once every record was asked about. */
+    using IsNeeded = std::function<bool()>;
 
     LevelDatabase(std::filesystem::path folder, std::shared_ptr<const FileManager> fileManager);
 
@@ -37,16 +39,16 @@ public:
      */
     void read(const Visit& visit) const;
 
-    /** Whether there is a live record of which the test is true. Throws as reading does. */
-    bool holds(const Test& test) const;
-
     /**
      * Puts a new database with the records that stay in the place of this one, all or nothing, as
      * `FileManager::replaceFolder` does; the log files, which name folders, are not made anew. Room
      * is needed beside the database, for what stays. May ask about a record more than once. Throws
      * as reading does.
      */
-    void rewrite(const Test& stays) const;
+    void rewrite(const Stays& stays) const;
+
+    /** The same, but that nothing is changed where what stays is not needed. Whether it was. */
+    bool rewrite(const Stays& stays, const IsNeeded& isNeeded) const;
 
 private:
     class OpenDatabase;
@@ -54,9 +56,9 @@ private:
 
     Copy copyOnDisk() const;
     Copy copyInMemory() const;
-    void fill(OpenDatabase& made, const Test& stays) const;
-    void rewriteOnDisk(const Test& stays) const;
-    void rewriteInMemory(const Test& stays) const;
+    void fill(OpenDatabase& made, const Stays& stays) const;
+    bool rewriteOnDisk(const Stays& stays, const IsNeeded& isNeeded) const;
+    bool rewriteInMemory(const Stays& stays, const IsNeeded& isNeeded) const;
 
     std::filesystem::path folder_;
     std::shared_ptr<const FileManager> fileManager_;

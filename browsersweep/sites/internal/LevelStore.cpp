@@ -1,9 +1,9 @@
 #include "browsersweep/sites/internal/LevelStore.h"
 
 #include <filesystem>
-#include <system_error>
 #include <utility>
 
+#include "browsersweep/platform/internal/WantOfRoom.h"
 #include "browsersweep/sites/internal/EntrySelector.h"
 #include "browsersweep/sites/internal/StoreFiles.h"
 #include "browsersweep/sites/internal/TraceCollector.h"
@@ -83,14 +83,14 @@ void LevelStore::removeCompanions(const LevelSchema& schema, EntrySelector& sele
 }
 
 void LevelStore::removeRecords(const LevelSchema& schema, EntrySelector& selector) const {
+    bool isAnyNeeded = false;
     const auto stays = [&](std::string_view key, std::string_view value) {
-        return !isGoing(schema.recordOf(key, value), selector);
+        const LevelRecord record = schema.recordOf(key, value);
+        const bool itStays = !isGoing(record, selector);
+        isAnyNeeded = isAnyNeeded || (itStays && record.need != Need::others);
+        return itStays;
     };
-    const auto isNeeded = [&](std::string_view key, std::string_view value) {
-        return stays(key, value) && schema.recordOf(key, value).need != Need::others;
-    };
-    if (database_.holds(isNeeded)) {
-        database_.rewrite(stays);
+    if (database_.rewrite(stays, [&isAnyNeeded] { return isAnyNeeded; })) {
         return;
     }
     if (const auto beside = companions()) {
@@ -105,7 +105,7 @@ void LevelStore::removeDatabase() const {
     try {
         fileManager_->replaceFolderWithFiles(path(), {});
     } catch (const std::filesystem::filesystem_error& error) {
-        if (error.code() != std::errc::no_space_on_device) {
+        if (!isWantOfRoom(error.code())) {
             throw;
         }
     }

@@ -10,12 +10,6 @@ namespace {
 constexpr std::size_t mostSharing = 256;
 constexpr std::size_t mostSharedNames = std::size_t{1} << 20;
 
-CleanableDataSize approximately(CleanableDataSize size) noexcept {
-    size.itemCount.isApproximate = true;
-    size.byteCount.isApproximate = true;
-    return size;
-}
-
 }  // namespace
 
 // Asked once for each row: many rows name few hosts, and the public suffix list is not small.
@@ -58,7 +52,7 @@ void TraceCollector::addShared(TraceKind kind, const std::set<Site>& sites,
     for (const Site& site : sites) {
         Trace& trace = traceOf(site, kind);
         if (!isNoted) {
-            trace.size = approximately(trace.size);
+            trace.size = trace.size.approximate();
             continue;
         }
         auto others = sites;

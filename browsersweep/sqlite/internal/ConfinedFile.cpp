@@ -47,57 +47,13 @@ int readUnlessStopped(sqlite3_file* file, void* into, int count, sqlite3_int64 o
                : passOn<&sqlite3_io_methods::xRead>(file, into, count, offset);
 }
 
-int lockUnlessUnlocked(sqlite3_file* file, int level) {
-    // Nobody is kept out, and the end of the connection takes nothing over from the log.
-    const bool isShared = level <= SQLITE_LOCK_SHARED;
-    if (ConfinedFile::of(file).indexesInMemory()) {
-        return isShared ? SQLITE_OK : SQLITE_BUSY;
-    }
-    return passOn<&sqlite3_io_methods::xLock>(file, level);
-}
-
-int unlockWhatIsLocked(sqlite3_file* file, int level) {
-    return ConfinedFile::of(file).indexesInMemory()
-               ? SQLITE_OK
-               : passOn<&sqlite3_io_methods::xUnlock>(file, level);
-}
-
-int mapOwnIndex(ConfinedFile& file, int region, int size, void volatile** memory) {
-    try {
-        *memory =
-            file.indexRegion(static_cast<std::size_t>(region), static_cast<std::size_t>(size));
-        return SQLITE_OK;
-    } catch (const std::exception&) {
-        return SQLITE_IOERR_NOMEM;
-    }
-}
-
-int lockIndex(sqlite3_file* file, int offset, int count, int flags) {
-    return ConfinedFile::of(file).indexesInMemory()
-               ? SQLITE_OK
-               : passOn<&sqlite3_io_methods::xShmLock>(file, offset, count, flags);
-}
-
-void orderIndex(sqlite3_file* file) {
-    if (!ConfinedFile::of(file).indexesInMemory()) {
-        passOn<&sqlite3_io_methods::xShmBarrier>(file);
-    }
-}
-
 int mapIndex(sqlite3_file* file, int region, int size, int extends, void volatile** memory) {
-    if (ConfinedFile::of(file).indexesInMemory()) {
-        return mapOwnIndex(ConfinedFile::of(file), region, size, memory);
-    }
     return ConfinedFile::of(file).mayOpenIndex()
                ? passOn<&sqlite3_io_methods::xShmMap>(file, region, size, extends, memory)
                : SQLITE_CANTOPEN;
 }
 
 int unmapIndex(sqlite3_file* file, int deletes) {
-    if (ConfinedFile::of(file).indexesInMemory()) {
-        ConfinedFile::of(file).dropIndex();
-        return SQLITE_OK;
-    }
     const int may = ConfinedFile::of(file).onlyReads() ? 0 : deletes;
     return passOn<&sqlite3_io_methods::xShmUnmap>(file, may);
 }
@@ -121,15 +77,15 @@ constexpr sqlite3_io_methods confinedMethods(int version) {
     methods.xTruncate = passOnUnlessReading<&M::xTruncate, sqlite3_int64>;
     methods.xSync = passOnUnlessReading<&M::xSync, int>;
     methods.xFileSize = passOn<&M::xFileSize, sqlite3_int64*>;
-    methods.xLock = lockUnlessUnlocked;
-    methods.xUnlock = unlockWhatIsLocked;
+    methods.xLock = passOn<&M::xLock, int>;
+    methods.xUnlock = passOn<&M::xUnlock, int>;
     methods.xCheckReservedLock = passOn<&M::xCheckReservedLock, int*>;
     methods.xFileControl = passOn<&M::xFileControl, int, void*>;
     methods.xSectorSize = passOn<&M::xSectorSize>;
     methods.xDeviceCharacteristics = characteristics;
     methods.xShmMap = mapIndex;
-    methods.xShmLock = lockIndex;
-    methods.xShmBarrier = orderIndex;
+    methods.xShmLock = passOn<&M::xShmLock, int, int, int>;
+    methods.xShmBarrier = passOn<&M::xShmBarrier>;
     methods.xShmUnmap = unmapIndex;
     methods.xFetch = passOn<&M::xFetch, sqlite3_int64, int, void**>;
     methods.xUnfetch = passOn<&M::xUnfetch, sqlite3_int64, void*>;
@@ -138,6 +94,41 @@ constexpr sqlite3_io_methods confinedMethods(int version) {
 
 // SQLite looks at the version for what a file can do: as much as the system's own.
 constexpr std::array methodsByVersion{confinedMethods(1), confinedMethods(2), confinedMethods(3)};
+
+// Nobody is kept out, and the end of the connection takes nothing over from the log.
+int lockForReading(sqlite3_file* /*file*/, int level) {
+    return level <= SQLITE_LOCK_SHARED ? SQLITE_OK : SQLITE_BUSY;
+}
+
+int mapOwnIndex(sqlite3_file* file, int region, int size, int /*extends*/, void volatile** memory) {
+    try {
+        *memory = ConfinedFile::of(file).indexRegion(static_cast<std::size_t>(region),
+                                                     static_cast<std::size_t>(size));
+        return SQLITE_OK;
+    } catch (const std::exception&) {
+        return SQLITE_IOERR_NOMEM;
+    }
+}
+
+int dropOwnIndex(sqlite3_file* file, int /*deletes*/) {
+    ConfinedFile::of(file).dropIndex();
+    return SQLITE_OK;
+}
+
+/** Of a file that nobody changes, whose log's index is the connection's own. */
+constexpr sqlite3_io_methods withOwnIndex(sqlite3_io_methods methods) {
+    methods.xLock = lockForReading;
+    methods.xUnlock = [](sqlite3_file*, int) { return SQLITE_OK; };
+    methods.xShmMap = mapOwnIndex;
+    methods.xShmLock = [](sqlite3_file*, int, int, int) { return SQLITE_OK; };
+    methods.xShmBarrier = [](sqlite3_file*) {};
+    methods.xShmUnmap = dropOwnIndex;
+    return methods;
+}
+
+constexpr std::array withOwnIndexByVersion{withOwnIndex(methodsByVersion[0]),
+                                           withOwnIndex(methodsByVersion[1]),
+                                           withOwnIndex(methodsByVersion[2])};
 
 int readMemory(sqlite3_file* file, void* into, int count, sqlite3_int64 offset) {
     const std::span target(static_cast<std::byte*>(into), static_cast<std::size_t>(count));
@@ -224,7 +215,8 @@ int ConfinedFile::open(sqlite3_vfs& vfs, const char* name, int flags, int* flags
 void ConfinedFile::confine(FileBounds bounds) {
     bounds_ = std::make_unique<FileBounds>(std::move(bounds));
     const auto version = static_cast<std::size_t>(std::clamp(system()->pMethods->iVersion, 1, 3));
-    methods_ = &methodsByVersion.at(version - 1);
+    const auto& tables = bounds_->indexesInMemory ? withOwnIndexByVersion : methodsByVersion;
+    methods_ = &tables.at(version - 1);
 }
 
 void ConfinedFile::keepInMemory() {

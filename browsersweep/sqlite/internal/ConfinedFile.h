@@ -62,7 +62,6 @@ public:
     /** Whether the log's index may be opened: a regular file with one name, or none yet. */
     bool mayOpenIndex() const noexcept;
 
-    bool indexesInMemory() const noexcept { return bounds_->indexesInMemory; }
     /** A piece of the log's index in memory: made, empty, where there is none. */
     void* indexRegion(std::size_t number, std::size_t size);
     void dropIndex() noexcept { index_.clear(); }

@@ -4,11 +4,13 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
 #include "browsersweep/platform/internal/posix/FileFacts.h"
+#include "browsersweep/sqlite/internal/NoRoom.h"
 #include "browsersweep/sqlite/internal/TemporaryDatabaseCopy.h"
 
 namespace browsersweep {
@@ -143,14 +145,8 @@ bool DatabaseSnapshot::readCopyIfThereIsRoom(const Use& use, bool isLast) const 
     const bool isReadable = !has("-journal") && !has(indexSuffix);
     try {
         return readCopy(use, isLast);
-    } catch (const std::filesystem::filesystem_error& error) {
-        if (error.code() != std::errc::no_space_on_device || !isReadable) {
-            throw;
-        }
-    } catch (const SQLiteError& error) {
-        const bool isOfRoom = error.kind() == SQLiteError::Kind::full ||
-                              error.kind() == SQLiteError::Kind::inputOutput;
-        if (!isOfRoom || !isReadable) {
+    } catch (const std::exception& error) {
+        if (!isReadable || !saysNoRoom(error)) {
             throw;
         }
     }
