@@ -169,6 +169,45 @@ TEST_F(CleanableDataListTest, theLocationsAreThoseOfAllItemsInTheirOrder) {
     EXPECT_EQ(map.locations(), (Locations{{kind, "b"}, {kind, "a"}, {kind, "c"}}));
 }
 
+/** Has one part, a table of its name, or says nothing of its parts. */
+class DividedItem : public RecordingItem {
+public:
+    DividedItem(const std::string& name, bool says, const Record& record)
+        : RecordingItem(name, {}, record), name_(name), says_(says) {}
+
+    std::vector<CleanableDataPart> parts() const override {
+        return says_ ? std::vector{CleanableDataPart{name_, {}, nullptr}}
+                     : std::vector<CleanableDataPart>();
+    }
+
+private:
+    std::string name_;
+    bool says_;
+};
+
+Lines tablesOf(const std::vector<CleanableDataPart>& parts) {
+    Lines tables;
+    for (const auto& part : parts) {
+        tables.push_back(part.table);
+    }
+    return tables;
+}
+
+TEST_F(CleanableDataListTest, thePartsAreThoseOfAllListsOrNoneWhereOneItemDoesNotSay) {
+    const auto item = [this](const char* name, bool says) {
+        return std::make_shared<DividedItem>(name, says, record);
+    };
+    constexpr auto cache = CleanableDataCategory::cache;
+    constexpr auto history = CleanableDataCategory::history;
+    const CleanableDataList both({item("b", true), item("a", true)});
+    EXPECT_EQ(tablesOf(CleanableDataMap({{cache, both}, {history, both}}).parts()),
+              (Lines{"b", "a", "b", "a"}));
+    EXPECT_EQ(tablesOf(CleanableDataMap({{cache, {}}, {history, both}}).parts()),
+              (Lines{"b", "a"}));
+    const CleanableDataList silent({item("c", false)});
+    EXPECT_EQ(tablesOf(CleanableDataMap({{cache, both}, {history, silent}}).parts()), Lines());
+}
+
 TEST_F(CleanableDataListTest, aLocationIsAFileWithoutPendingChangesUnlessItSaysSo) {
     EXPECT_EQ(CleanableDataLocation{},
               (CleanableDataLocation{CleanableDataLocation::Kind::file, "", false}));

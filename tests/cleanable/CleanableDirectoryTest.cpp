@@ -331,6 +331,15 @@ TEST_F(CleanableDirectoryTest, filesAreThoseThatAreSizedWithTheirPaths) {
     EXPECT_EQ(directory().files(std::vector{excluding("b")}), std::vector{all.front()});
 }
 
+TEST_F(CleanableDirectoryTest, filesAreCountedAsTheyAreFound) {
+    const auto control = std::make_shared<OperationControl>();
+    const CleanableDirectory item(folder / "cache", true, {},
+                                  FileManager::forHome(folder.path(), control));
+    EXPECT_EQ(item.files({}).size(), 2U);
+    EXPECT_EQ(control->progress(), (OperationProgress{2, 30, 0}));
+    EXPECT_EQ(SelectedFile(), (SelectedFile{fs::path(), 0}));
+}
+
 TEST_F(CleanableDirectoryTest, itsOnePartTakesNoFileWhoseDateIsNotKnown) {
     const CleanableDirectory item = dated({{"a.txt", 5}});
     const std::vector filters{dates(inside, 0, 10)};

@@ -40,6 +40,7 @@ TEST(FilterSight, isTakenTogetherAndApart) {
     const FilterSight texts{true, true, false};
     const FilterSight dates{false, false, true};
     EXPECT_EQ(texts.with(dates), FilterSight({true, true, true}));
+    EXPECT_EQ(dates.with(texts), FilterSight({true, true, true}));
     EXPECT_EQ(FilterSight({true, false, true}).without(texts), dates);
     EXPECT_TRUE(dates.any());
     EXPECT_FALSE(texts.without(texts).any());

@@ -248,6 +248,8 @@ TEST_F(ConfinedFilings, stopTheReadingOfEveryFileButAJournal) {
         return code;
     };
     EXPECT_EQ(readOf(beside("").c_str(), SQLITE_OPEN_MAIN_DB), SQLITE_INTERRUPT);
+    EXPECT_EQ(readOf(beside("").c_str(), SQLITE_OPEN_MAIN_DB | SQLITE_OPEN_READONLY),
+              SQLITE_INTERRUPT);
     EXPECT_EQ(readOf(beside("-wal").c_str(), SQLITE_OPEN_WAL), SQLITE_INTERRUPT);
     EXPECT_EQ(readOf(nullptr, SQLITE_OPEN_TEMP_DB), SQLITE_INTERRUPT);
     EXPECT_EQ(readOf(beside("-journal").c_str(), SQLITE_OPEN_MAIN_JOURNAL), answer);
@@ -285,6 +287,17 @@ TEST_F(ConfinedFilings, putTemporaryDatabasesAloneInTheFolderThatIsGiven) {
     EXPECT_EQ(asked.open(nullptr, SQLITE_OPEN_TEMP_JOURNAL | SQLITE_OPEN_READONLY), SQLITE_OK);
     EXPECT_EQ(asked.close(), SQLITE_OK);
     EXPECT_EQ(system_.taken(), Calls());
+}
+
+TEST_F(ConfinedFilings, lockATemporaryDatabaseAsTheSystemDoesAndSayNoMoreOfIt) {
+    WayToFiles asked(file_, DatabaseAccess::readWrite, nullptr, home_ / "folder");
+    EXPECT_EQ(asked.open(nullptr, SQLITE_OPEN_TEMP_DB), SQLITE_OK);
+    system_.taken();
+    EXPECT_EQ(asked.file()->pMethods->xLock(asked.file(), SQLITE_LOCK_EXCLUSIVE), answer);
+    EXPECT_EQ(asked.file()->pMethods->xDeviceCharacteristics(asked.file()), answer);
+    EXPECT_EQ(system_.taken(),
+              (Calls{call("xLock", SQLITE_LOCK_EXCLUSIVE), "xDeviceCharacteristics"}));
+    asked.close();
 }
 
 TEST_F(ConfinedFilings, deleteCompanionsAlone) {

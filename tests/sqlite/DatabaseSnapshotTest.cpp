@@ -1,3 +1,4 @@
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -234,6 +235,76 @@ TEST_F(DatabaseSnapshotsWithoutRoom, areNotReadAsTheyLieWhereAJournalWaits) {
     EXPECT_THROW(SafariHistoryCleanableDatabase(file_, full).size(), fs::filesystem_error);
 }
 
+TEST_F(DatabaseSnapshotsWithoutRoom, areNotReadAsTheyLieWhereABrowserKeepsThemToItself) {
+    make("WAL");
+    const ChildProcess browser([&](const ChildProcess::Ready& ready) {
+        const Database held(file_);
+        held.execute(
+            "PRAGMA locking_mode = EXCLUSIVE; BEGIN;"
+            "INSERT INTO history_visits (history_item) VALUES (1)");
+        ready();
+    });
+    home_.write("data/History.db-shm", "index");
+    const auto full = std::make_shared<FullFileManager>(manager_);
+    EXPECT_THROW(SafariHistoryCleanableDatabase(file_, full).size(), fs::filesystem_error);
+}
+
+/** May not make a copy, though there may be room for it. */
+class RefusedFileManager : public tests::ForwardingFileManager {
+public:
+    using ForwardingFileManager::ForwardingFileManager;
+
+    void copy(const fs::path& /*from*/, const fs::path& to) const override {
+        throw fs::filesystem_error("no", to, std::make_error_code(std::errc::permission_denied));
+    }
+};
+
+TEST_F(DatabaseSnapshots, areNotReadAsTheyLieWhereACopyFailsForAnotherReason) {
+    make("WAL");
+    const auto refused = std::make_shared<RefusedFileManager>(manager_);
+    EXPECT_THROW(SafariHistoryCleanableDatabase(file_, refused).size(), fs::filesystem_error);
+}
+
+TEST_F(DatabaseSnapshotsWithoutRoom, areReadAgainWhereTheLogIsGoneBeforeItIsLookedAt) {
+    make("WAL");
+    home_.write("data/History.db-wal", "log");
+    const auto control = std::make_shared<OperationControl>([&](const OperationProgress&) {
+        fs::remove(beside("-wal"));
+        return false;
+    });
+    const auto full =
+        std::make_shared<FullFileManager>(FileManager::forHome(home_.path(), control));
+    std::vector<std::int32_t> seen;
+    EXPECT_TRUE(DatabaseSnapshot(file_, full).read([&](const SQLiteConnection& connection) {
+        seen.push_back(
+            connection.evaluate("SELECT COUNT(*) FROM history_visits", CountEvaluator{}));
+    }));
+    EXPECT_EQ(seen, std::vector<std::int32_t>{visitCount});
+}
+
+TEST_F(DatabaseSnapshotsWithoutRoom, areNoneOnceTheOperationIsToStop) {
+    make("WAL");
+    const auto stopped =
+        std::make_shared<OperationControl>([](const OperationProgress&) { return true; });
+    const auto full =
+        std::make_shared<FullFileManager>(FileManager::forHome(home_.path(), stopped));
+    int count = 0;
+    EXPECT_THROW(DatabaseSnapshot(file_, full).read([&](const SQLiteConnection&) { ++count; }),
+                 OperationCancelled);
+    EXPECT_EQ(count, 0);
+}
+
+TEST_F(DatabaseSnapshotsWithoutRoom, areNotBelievedWhereTheFilesTimesChangeMeanwhile) {
+    make("WAL");
+    const auto full = std::make_shared<FullFileManager>(manager_);
+    int count = 0;
+    EXPECT_FALSE(DatabaseSnapshot(file_, full).read([&](const SQLiteConnection&) {
+        ++count;
+        fs::last_write_time(file_, fs::file_time_type() + std::chrono::seconds(count));
+    }));
+    EXPECT_EQ(count, 5);
+}
+
 TEST_F(DatabaseSnapshots, asTheyLieAreNoneWhereTheyChangeMeanwhile) {
     make("WAL");
     const auto full = std::make_shared<FullFileManager>(manager_);
@@ -298,6 +369,21 @@ private:
     std::shared_ptr<std::vector<std::string>> copies_ =
         std::make_shared<std::vector<std::string>>();
 };
+
+TEST_F(DatabaseSnapshots, areNoneWhereTheOperationIsToStopOnceTheyAreCopied) {
+    make("WAL");
+    bool isCopied = false;
+    const auto control =
+        std::make_shared<OperationControl>([&](const OperationProgress&) { return isCopied; });
+    const auto changing = std::make_shared<ChangingFileManager>(
+        FileManager::forHome(home_.path(), control),
+        [&](const fs::path& /*from*/, const fs::path& /*to*/) { isCopied = true; });
+    int count = 0;
+    EXPECT_THROW(DatabaseSnapshot(file_, changing).read([&](const SQLiteConnection&) { ++count; }),
+                 OperationCancelled);
+    EXPECT_EQ(count, 0);
+    EXPECT_EQ(changing->copies().size(), 1U);
+}
 
 TEST_F(DatabaseSnapshots, areTriedAgainWhereACompanionAppearsMeanwhile) {
     make("WAL");

@@ -213,6 +213,12 @@ TEST_F(SQLiteControl, endsAnEndlessStatement) {
                  OperationCancelled);
 }
 
+TEST_F(SQLiteControl, endsAStatementOverADatabaseThatIsReadAsItLies) {
+    const auto connection = SQLiteConnection::readingAsItLies(file_, stoppingAfter(1));
+    EXPECT_THROW(connection.evaluate("SELECT COUNT(*) FROM history_visits", CountEvaluator{}),
+                 OperationCancelled);
+}
+
 TEST_F(SQLiteControl, endsTheCountingOfATreeThatNeverEnds) {
     makeBomb();
     EXPECT_THROW(table(stoppingAfter(3000)).size(), OperationCancelled);
