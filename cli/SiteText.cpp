@@ -12,6 +12,7 @@
 #include <fmt/ranges.h>
 
 #include "cli/Figures.h"
+#include "cli/HeadedTable.h"
 #include "cli/ProfileLabels.h"
 #include "cli/Remark.h"
 #include "cli/Table.h"
@@ -62,72 +63,54 @@ std::string sitesTable(const SiteListReport& report, const Appearance& appearanc
     return table.text(appearance);
 }
 
+Table::Column kindColumn(std::string_view header) {
+    return {std::string(header), Alignment::left, leastName};
+}
+
+Table::Cell countCell(std::size_t count, Style style = Style::plain) {
+    return {countText({static_cast<std::int64_t>(count)}), style};
+}
+
+HeadedTable::Row tableRow(const std::string& site, const SiteOwner& owner, std::string_view kind,
+                          const CleanableDataSize& size) {
+    return {site,
+            displayName(owner),
+            {std::string(kind), countText(size.itemCount), bytesText(size.byteCount)}};
+}
+
 std::string mixedTable(const SiteListReport& report, const Appearance& appearance) {
-    Table table({{"Of no single site", Alignment::left, leastSite},
-                 {"Where", Alignment::left, leastName, 2},
-                 {"Items", Alignment::right, 0, 1},
-                 {"Size", Alignment::right}});
+    HeadedTable table({kindColumn("Of no single site"),
+                       {"Items", Alignment::right, 0, 1},
+                       {"Size", Alignment::right}},
+                      1);
     for (const auto& row : report.notBySite) {
-        table.addRow({std::string(row.kind.display), displayName(row.owner),
-                      countText(row.size.itemCount), bytesText(row.size.byteCount)});
+        table.addRow(tableRow("", row.owner, row.kind.display, row.size));
     }
     return table.text(appearance);
 }
 
-std::string_view figureHeader(const ForgetReport& report) noexcept {
-    return report.isPlan ? "To be removed" : "Removed";
+Table::Column figureColumn(const ForgetReport& report) {
+    return {report.isPlan ? "To be removed" : "Removed", Alignment::right};
 }
 
-/** A terminal that is narrow has no room to repeat the name of the only site. */
-bool tellsSites(const ForgetReport& report, const Appearance& appearance) noexcept {
-    constexpr std::size_t wideEnough = 60;
-    const bool isNarrow = appearance.columns > 0 && appearance.columns < wideEnough;
-    return !isNarrow || report.forgotten.size() > 1 || !report.notBySite.empty();
-}
-
-std::vector<Table::Column> detailColumns(const ForgetReport& report, bool areSitesTold) {
-    std::vector<Table::Column> columns{{"Kind", Alignment::left, leastName},
-                                       {"Where", Alignment::left, leastName, 1},
-                                       {"Items", Alignment::right, 0, 2},
-                                       {std::string(figureHeader(report)), Alignment::right}};
-    if (areSitesTold) {
-        columns.insert(columns.begin(), {"Site", Alignment::left, leastSite});
-    }
-    return columns;
-}
-
-std::vector<Table::Cell> totalOf(const ForgetReport& report, bool areSitesTold) {
-    std::vector<Table::Cell> cells{{"Total", Style::strong}, ""};
-    cells.resize(cells.size() + (areSitesTold ? 1 : 0), "");
-    cells.emplace_back(countText(report.total.itemCount), Style::strong);
-    cells.emplace_back(bytesText(report.total.byteCount), Style::strong);
-    return cells;
+std::vector<Table::Cell> figuresOf(const CleanableDataSize& total) {
+    return {{countText(total.itemCount), Style::strong},
+            {bytesText(total.byteCount), Style::strong}};
 }
 
 /** A row for each site, kind and profile. */
 std::string detailTable(const ForgetReport& report, const Appearance& appearance) {
-    const bool areSitesTold = tellsSites(report, appearance);
-    Table table(detailColumns(report, areSitesTold));
-    const auto add = [&table, areSitesTold](const std::string& site, const auto& row) {
-        std::vector<Table::Cell> cells;
-        if (areSitesTold) {
-            cells.emplace_back(site);
-        }
-        cells.emplace_back(std::string(row.kind.display));
-        cells.emplace_back(displayName(row.owner));
-        cells.emplace_back(countText(row.size.itemCount));
-        cells.emplace_back(bytesText(row.size.byteCount));
-        table.addRow(std::move(cells));
-    };
+    HeadedTable table({kindColumn("Kind"), {"Items", Alignment::right, 0, 1}, figureColumn(report)},
+                      1);
     for (const auto& site : report.forgotten) {
         for (const auto& row : site.traces) {
-            add(site.site, row);
+            table.addRow(tableRow(site.site, row.owner, row.kind.display, row.size));
         }
     }
     for (const auto& row : report.notBySite) {
-        add(std::string(anySite), row);
+        table.addRow(tableRow(std::string(anySite), row.owner, row.kind.display, row.size));
     }
-    table.addRow(totalOf(report, areSitesTold));
+    table.addTotal(figuresOf(report.total));
     return table.text(appearance);
 }
 
@@ -139,8 +122,8 @@ struct KindSum {
     CleanableDataSize size;
 };
 
-/** A row for each kind and profile, where there are too many sites to name. */
-std::string summaryTable(const ForgetReport& report, const Appearance& appearance) {
+/** The sums by profile and kind. */
+auto sumsOf(const ForgetReport& report) {
     using Key = std::tuple<Browser, std::optional<std::string>, std::optional<std::string>,
                            std::string_view>;
     std::map<Key, KindSum> sums;
@@ -161,21 +144,24 @@ std::string summaryTable(const ForgetReport& report, const Appearance& appearanc
         auto& sum = sumOf(row.owner, row.kind);
         sum.size = sum.size + row.size;
     }
-    Table table({{"Where", Alignment::left, leastName, 1},
-                 {"Kind", Alignment::left, leastName},
-                 {"Sites", Alignment::right},
-                 {"Items", Alignment::right, 0, 2},
-                 {std::string(figureHeader(report)), Alignment::right}});
-    for (const auto& [key, sum] : sums) {
-        table.addRow({displayName(sum.owner), std::string(sum.kind),
-                      countText({static_cast<std::int64_t>(sum.sites)}),
-                      countText(sum.size.itemCount), bytesText(sum.size.byteCount)});
+    return sums;
+}
+
+/** A row for each kind and profile, where there are too many sites to name. */
+std::string summaryTable(const ForgetReport& report, const Appearance& appearance) {
+    HeadedTable table({kindColumn("Kind"),
+                       {"Sites", Alignment::right},
+                       {"Items", Alignment::right, 0, 1},
+                       figureColumn(report)},
+                      0);
+    for (const auto& [key, sum] : sumsOf(report)) {
+        auto row = tableRow("", sum.owner, sum.kind, sum.size);
+        row.cells.insert(row.cells.begin() + 1, countCell(sum.sites));
+        table.addRow(std::move(row));
     }
-    table.addRow({{"Total", Style::strong},
-                  "",
-                  {countText({static_cast<std::int64_t>(report.forgotten.size())}), Style::strong},
-                  {countText(report.total.itemCount), Style::strong},
-                  {bytesText(report.total.byteCount), Style::strong}});
+    auto total = figuresOf(report.total);
+    total.insert(total.begin(), countCell(report.forgotten.size(), Style::strong));
+    table.addTotal(std::move(total));
     return table.text(appearance);
 }
 
@@ -191,16 +177,26 @@ std::string goneText(const ForgetReport& report, const Appearance& appearance) {
 constexpr std::size_t indentOfWhy = 4;
 constexpr std::size_t indentOfPlace = 8;
 
-/** Where something is, on one line: a path that is too long for a terminal is cut at its front. */
+/**
+ * Where something is: a path that is too long for a terminal is cut at its front. It has a line of
+ * its own where too little of it would be left.
+ */
 std::string placeLine(std::string_view start, const SiteOwner& owner, const std::string& what,
                       const Appearance& appearance) {
     constexpr std::size_t leastPath = 16;
     const auto columns = appearance.columns;
     const auto whose = fmt::format("{}{}: ", start, printable(displayName(owner)));
     const auto path = printable(what);
+    if (columns == 0) {
+        return whose + path + "\n";
+    }
     const auto room = columns - std::min(columns, displayWidth(whose));
-    return room < leastPath ? wrapped(whose + path, columns, indentOfPlace)
-                            : whose + shortenedInFront(path, room, appearance.drawing) + "\n";
+    if (room >= std::min(leastPath, displayWidth(path))) {
+        return whose + shortenedInFront(path, room, appearance.drawing) + "\n";
+    }
+    return wrapped(whose, columns, indentOfPlace) + std::string(indentOfPlace, ' ') +
+           shortenedInFront(path, columns - std::min(columns, indentOfPlace), appearance.drawing) +
+           "\n";
 }
 
 /** What stays, each reason once with all the places that it stays in. */
@@ -238,8 +234,8 @@ std::string remainsText(const ForgetReport& report, const Appearance& appearance
     }
     return text.empty() ? ""
                         : wrapped(
-                              "The disk had no room to write these files anew, so remains of "
-                              "what went may be left in them:",
+                              "The disk had no room to rewrite these files, so they may still "
+                              "hold remains of what was removed:",
                               appearance.columns) +
                               text;
 }

@@ -7,6 +7,7 @@
 
 #include "cli/Figures.h"
 #include "cli/Text.h"
+#include "cli/Wrapping.h"
 
 namespace browsersweep::cli {
 namespace {
@@ -179,16 +180,44 @@ void Table::addRow(std::vector<Cell> cells, Bar bar) {
     rows_.push_back({std::move(cells), bar});
 }
 
-std::string Table::text(const Appearance& appearance) const {
+void Table::addHeading(std::string text) {
+    rows_.push_back({{std::move(text)}, {}, true});
+}
+
+bool Table::fits(const Appearance& appearance) const {
+    if (appearance.columns == 0) {
+        return true;
+    }
+    std::vector<Place> places;
+    for (const auto width : widthsOf(printableRows(appearance))) {
+        places.push_back({places.size(), width});
+    }
+    return widthOf(places) <= appearance.columns;
+}
+
+std::vector<Cells> Table::printableRows(const Appearance& appearance) const {
     std::vector<Cells> rows;
     rows.reserve(rows_.size());
-    std::vector<std::size_t> widths(columns_.size(), 0);
     for (const auto& row : rows_) {
         rows.push_back(printableCells(row.cells, appearance));
-        for (std::size_t i = 0; i < row.cells.size(); ++i) {
-            widths[i] = std::max(widths[i], displayWidth(rows.back()[i].text));
+    }
+    return rows;
+}
+
+/** How wide the widest cell of each column is; headings have no part in that. */
+std::vector<std::size_t> Table::widthsOf(const std::vector<Cells>& rows) const {
+    std::vector<std::size_t> widths(columns_.size(), 0);
+    for (std::size_t row = 0; row < rows.size(); ++row) {
+        for (std::size_t i = 0; i < rows[row].size() && !rows_[row].isHeading; ++i) {
+            widths[i] = std::max(widths[i], displayWidth(rows[row][i].text));
         }
     }
+    return widths;
+}
+
+std::string Table::text(const Appearance& appearance) const {
+    const auto rows = printableRows(appearance);
+    auto widths = widthsOf(rows);
     if (appearance.columns == 0) {
         std::transform(widths.begin(), widths.end(), widths.begin(),
                        [](std::size_t width) { return std::min(width, widestColumn); });
@@ -199,6 +228,10 @@ std::string Table::text(const Appearance& appearance) const {
     const auto barWidth = barWidthBeside(places, appearance.columns);
     std::string text;
     for (std::size_t i = 0; i < rows.size(); ++i) {
+        if (rows_[i].isHeading) {
+            text += wrapped(rows[i].front().text, appearance.columns, gap);
+            continue;
+        }
         const auto& [value, largest] = rows_[i].bar;
         const auto chart = barWidth == 0 ? "" : bar(value, largest, barWidth, appearance.drawing);
         text += line(columns_, places, rows[i], chart, appearance);

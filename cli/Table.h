@@ -56,14 +56,24 @@ public:
     /** The same with a bar after them. */
     void addRow(std::vector<Cell> cells, Bar bar);
 
+    /** Adds a line of its own that belongs to no column; it is broken where it is too long. */
+    void addHeading(std::string text);
+
+    /** Whether no column has to be narrowed or left out for the terminal. */
+    bool fits(const Appearance& appearance) const;
+
     /** The lines of the table, header first, without spaces at their ends. Cells are printable. */
     std::string text(const Appearance& appearance) const;
 
 private:
     struct Row {
-        std::vector<Cell> cells;
+        std::vector<Cell> cells;  ///< one alone in a heading
         Bar bar;
+        bool isHeading = false;
     };
+
+    std::vector<std::size_t> widthsOf(const std::vector<std::vector<Cell>>& rows) const;
+    std::vector<std::vector<Cell>> printableRows(const Appearance& appearance) const;
 
     std::vector<Column> columns_;
     std::vector<Row> rows_;

@@ -72,7 +72,7 @@ TEST(SiteText, tellsWhatWouldGoAndWhatStays) {
               "--mixed takes them.\n");
 }
 
-TEST(SiteText, aNarrowTerminalTellsWhoseTheTracesOfTheOnlySiteAre) {
+TEST(SiteText, aNarrowTerminalTellsWhoseTracesTheyAre) {
     ForgetReport report;
     report.isPlan = true;
     report.forgotten = {site("a.com", 2)};
@@ -81,11 +81,37 @@ TEST(SiteText, aNarrowTerminalTellsWhoseTheTracesOfTheOnlySiteAre) {
     Appearance appearance;
     appearance.columns = 40;
     EXPECT_EQ(peopleText(report, appearance),
-              "Kind     Where      Items  To be removed\n"
-              "History  Chromiu..      2         2.0 KB\n"
-              "Total                   2         2.0 KB\n");
+              "Kind       Items  To be removed\n"
+              "a.com\n"
+              "Chromium, Work\n"
+              "  History      2         2.0 KB\n"
+              "Total          2         2.0 KB\n");
     report.forgotten.push_back(site("b.com", 1));
-    EXPECT_EQ(peopleText(report, appearance).substr(0, 5), "Site ");
+    report.notBySite = {{chromium(), tabs, "Sessions", {1, 5}, "tabs", 0}};
+    EXPECT_EQ(peopleText(report, appearance),
+              "Kind         Items  To be removed\n"
+              "a.com: Chromium, Work\n"
+              "  History        2         2.0 KB\n"
+              "b.com: Chromium, Work\n"
+              "  History        1         1.0 KB\n"
+              "b.com: Firefox, x.default\n"
+              "  History        0            0 B\n"
+              "(any site): Chromium, Work\n"
+              "  Open tabs      1            5 B\n"
+              "Total            2         2.0 KB\n");
+}
+
+TEST(SiteText, aNarrowTerminalTellsWhereDataOfNoSingleSiteIs) {
+    SiteListReport report;
+    report.notBySite = {{chromium(), tabs, "Sessions", {1, 5}, "tabs", 0}};
+    Appearance appearance;
+    appearance.columns = 40;
+    EXPECT_EQ(peopleText(report, appearance),
+              "No traces of sites were found.\n"
+              "\n"
+              "Of no single site  Items  Size\n"
+              "Chromium, Work\n"
+              "  Open tabs            1   5 B\n");
 }
 
 TEST(SiteText, onATerminalReasonsAreBrokenAndPathsCutAtTheirFront) {
@@ -104,6 +130,10 @@ TEST(SiteText, onATerminalReasonsAreBrokenAndPathsCutAtTheirFront) {
     appearance.columns = 36;
     EXPECT_NE(peopleText(report, appearance)
                   .find("      Chromium, Work:\n        /Users/u/Library/Sessions\n"),
+              std::string::npos);
+    appearance.columns = 32;
+    EXPECT_NE(peopleText(report, appearance)
+                  .find("      Chromium, Work:\n        ..ers/u/Library/Sessions\n"),
               std::string::npos);
 }
 
@@ -128,16 +158,26 @@ TEST(SiteText, countsManySitesInPlaceOfNamingThem) {
               "Chromium, Work  Open tabs      0      1      5 B\n"
               "Total                         21     22  21.0 KB\n"
               "The disk gained 4.1 KB.\n");
+    Appearance appearance;
+    appearance.columns = 40;
+    EXPECT_EQ(peopleText(report, appearance),
+              "Kind         Sites  Items  Removed\n"
+              "Chromium, Work\n"
+              "  History       21     21  21.0 KB\n"
+              "  Open tabs      0      1      5 B\n"
+              "Total           21     22  21.0 KB\n"
+              "The disk gained 4.1 KB.\n");
 }
 
 TEST(SiteText, saysWhereRemainsMayBeLeft) {
     ForgetReport report;
     report.stores = {{chromium(), "/p/History", ItemVerdict::emptied, {}, {}, 0, false}};
-    EXPECT_EQ(peopleText(report, {}),
-              "Nothing was removed.\n"
-              "The disk had no room to write these files anew, so remains of what went may be left "
-              "in them:\n"
-              "  Chromium, Work: /p/History\n");
+    EXPECT_EQ(
+        peopleText(report, {}),
+        "Nothing was removed.\n"
+        "The disk had no room to rewrite these files, so they may still hold remains of what was "
+        "removed:\n"
+        "  Chromium, Work: /p/History\n");
 }
 
 }  // namespace

@@ -17,6 +17,7 @@ NARROWEST = 40
 # What colours a text, and what wipes the line of progress.
 ESCAPES = re.compile(r"\x1b\[[0-9;]*[mK]")
 
+BROWSER_NAMES = {"chromium": "Chromium", "firefox": "Firefox"}
 LONG_NAME = "A profile whose name is much longer than anybody would call one"
 
 
@@ -100,15 +101,38 @@ class Widths(TerminalTest):
                         self.assertTrue(any(line.endswith("  Has no") for line in rows), text)
                         self.assertTrue(any(line.endswith(f"  {lacks}") for line in rows), text)
 
-    def test_a_plan_of_one_site_says_whose_its_traces_are(self):
+    def test_a_plan_says_of_each_trace_whose_it_is(self):
+        for arguments in (["one.example"], ["--all"]):
+            plan = self.document("forget", *arguments, "-n")
+            for columns in (NARROWEST, *WIDTHS):
+                with self.subTest(arguments=arguments, columns=columns):
+                    status, text = self.run_at(columns, "forget", *arguments, "-n")
+                    self.assertEqual(status, 0, text)
+                    self.assert_fits(text, columns)
+                    self.assert_tells_traces(text, plan)
+
+    def test_a_table_of_what_is_of_no_single_site_says_where_it_is(self):
+        write(self.second / "Sessions" / "Tabs_1", b"t" * 500)
         for columns in (NARROWEST, *WIDTHS):
             with self.subTest(columns=columns):
-                status, text = self.run_at(columns, "forget", "one.example", "-n", "-b", "chromium")
+                status, text = self.run_at(columns, "sites", "-b", "chromium")
                 self.assertEqual(status, 0, text)
                 self.assert_fits(text, columns)
-                lines = "\n".join(self.lines(text))
-                self.assertRegex(lines, r"\n(Site +)?Kind +Where +Items +To be removed\n")
-                self.assertRegex(lines, r"\nTotal +2 +~51 B\n")
+                table = text[text.index("Of no single site"):]
+                self.assertIn(f"Chromium, {LONG_NAME}", self.words(table))
+
+    def words(self, text):
+        """What the screen says, with one sign for letters that the terminal cannot show."""
+        return re.sub(r"[?]+", "?", " ".join(" ".join(self.lines(text)).split()))
+
+    def assert_tells_traces(self, text, plan):
+        """The place of each trace is read whole, in a column or in a heading that may be broken."""
+        words = self.words(text[:text.index("Total")])
+        for site in plan["forgotten"]:
+            self.assertIn(site["site"], words)
+            for trace in site["traces"]:
+                place = f"{BROWSER_NAMES[trace['browser']]}, {trace['profile']}"
+                self.assertIn(re.sub(r"[^ -~]+", "?", place), words)
 
     def test_bars_grow_with_the_terminal(self):
         longest = [max(line.count("#") for line in self.lines(self.run_at(columns, "size")[1])
