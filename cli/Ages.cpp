@@ -44,7 +44,7 @@ std::string faultOfAge(const std::string& age) {
     return secondsOfAge(age)
                ? ""
                : fmt::format(
-                     "'{}' is no age; write a number and h, d, w or y, such as 30d for "
+                     "'{}' is not an age; write a number and h, d, w or y, such as 30d for "
                      "thirty days",
                      printable(age));
 }

@@ -8,20 +8,21 @@ namespace browsersweep::cli {
 namespace {
 
 constexpr std::string_view filterNotes =
-    R"(A filter keeps only what it can see. Data without a date goes whole under
+    R"(A filter protects only what it can see. Data without a date goes whole under
 --inside and --outside, data without a text to compare goes whole under
 --include and --exclude: form data and the list of downloads under any filter,
 cookies of the Chromium family and of Firefox under dates. Every plan says how
 much that is, and --strict leaves it out.
 
-DAYS are whole days of the time zone here, the last one included. A date is
+DAYS are whole days in local time, the last one included. A date is
 YYYY-MM-DD (midnight UTC), YYYY-MM-DDTHH:MM:SS[.fff]Z, a number of up to nine
 digits, which are seconds since 2001-01-01 00:00:00 UTC, or @ and a number of
 seconds since 1970.
 
-On the history of Chrome and all its family a bound acts later by as much as
-local time was ahead of UTC in 1601, or earlier by as much as it was behind:
-there --last 1h takes 6 minutes in Berlin, and nearly 6 hours in New York.
+In the history of Chrome and all its family a bound takes effect later by as
+much as local time was ahead of UTC in 1601, or earlier by as much as it was
+behind: there --last 1h takes 6 minutes in Berlin, and nearly 6 hours in New
+York.
 
 A filter in JSON, of which every part may be left out:
   {"patterns":{"rule":"include","patterns":["a","b"]},
@@ -47,7 +48,7 @@ std::vector<CommandRow> ownCommands() {
          {{"browsersweep size", "what every browser keeps"},
           {"browsersweep size -b chrome", "what one browser keeps, category by category"},
           {"browsersweep size --by profile --sort name",
-           "what each profile keeps, in the order of the alphabet"},
+           "what each profile keeps, in alphabetical order"},
           {"browsersweep size --html sizes.html",
            "the same, and a page with charts, for a web browser"},
           {"browsersweep size -b chrome -c history", "the history of one browser"}},
@@ -56,11 +57,11 @@ std::vector<CommandRow> ownCommands() {
          Command::clean,
          "delete the selected data and report what was removed",
          {{"browsersweep clean --dry-run -b firefox --outside 2024-01-01..",
-           "what a clean of all before 2024, and of all without a date, would remove"},
+           "what cleaning everything before 2024, or without a date, would remove"},
           {"browsersweep clean -b firefox -c cookies --exclude example.com",
-           "delete Firefox's cookies but those of example.com, after a question"},
+           "delete Firefox's cookies except those of example.com, after asking"},
           {"browsersweep clean --list -b chrome -c history --last 7d --strict",
-           "every file and table of a week's history that would go, and nothing else"}},
+           "every file and table of the last week's history that would go"}},
          filterNotes},
         {"bookmarks",
          Command::bookmarks,
@@ -71,12 +72,12 @@ std::vector<CommandRow> ownCommands() {
         {"notifications",
          Command::notifications,
          "list the sites that may send push notifications",
-         {{"browsersweep notifications -b edge", "the sites that one browser lets do so"}},
+         {{"browsersweep notifications -b edge", "the sites that may do so in one browser"}},
          {}},
         {"doctor",
          Command::doctor,
          "say which data can be reached, and what to do if not",
-         {{"browsersweep doctor", "what is kept from the program, browser by browser"}},
+         {{"browsersweep doctor", "what the program cannot reach, browser by browser"}},
          {}},
     };
 }

@@ -236,7 +236,7 @@ Date parseDate(std::string_view text) {
         return dateFrom1970Seconds(*calendar);
     }
     throw UsageError(
-        fmt::format("'{}' is no date; write YYYY-MM-DD, YYYY-MM-DDTHH:MM:SS[.fff]Z, a number of "
+        fmt::format("'{}' is not a date; write YYYY-MM-DD, YYYY-MM-DDTHH:MM:SS[.fff]Z, a number of "
                     "seconds since 2001-01-01, or @ and a number of seconds since 1970-01-01",
                     printable(text)));
 }
@@ -253,7 +253,7 @@ CleanableDataFilter::Dates parseDateRange(CleanableDataFilter::Dates::Rule rule,
     const auto dots = text.find("..");
     if (dots == std::string_view::npos) {
         throw UsageError(
-            fmt::format("'{}' is no range of dates; write START..END, where either end may be "
+            fmt::format("'{}' is not a range of dates; write START..END, where either end may be "
                         "left empty",
                         printable(text)));
     }

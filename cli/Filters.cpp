@@ -95,7 +95,7 @@ JSON parseJSON(std::string_view text) {
 void requireObject(const JSON& value, std::string_view name,
                    std::initializer_list<std::string_view> keys) {
     if (!value.is_object()) {
-        refuse(fmt::format("{} is no object", name));
+        refuse(fmt::format("{} is not an object", name));
     }
     for (const auto& [key, ignored] : value.items()) {
         if (std::find(keys.begin(), keys.end(), key) == keys.end()) {

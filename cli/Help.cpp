@@ -114,7 +114,7 @@ std::string HelpFormatter::make_help(const CLI::App* app, std::string /*name*/,
 std::string HelpFormatter::summary(const CLI::App& app) {
     return fmt::format(
         "{}\n\nusage: browsersweep COMMAND [SELECTION] [FILTERS] [OPTIONS]\n{}\nto begin with\n{}\n"
-        "'browsersweep help' shows more, 'browsersweep help COMMAND' all of a command.{}",
+        "'browsersweep help' shows more, 'browsersweep help COMMAND' all about a command.{}",
         app.get_description(), listOfCommands(app), beginning(), manual);
 }
 

@@ -41,19 +41,19 @@ std::string faultOfRule(std::string_view keyword, const std::string& value, Keep
     if (keyword == "site") {
         const auto name = nameOfSite(value);
         rules.sites.push_back(name.value_or(""));
-        return name ? "" : fmt::format("'{}' is no site", printable(value));
+        return name ? "" : fmt::format("'{}' is not a site", printable(value));
     }
     if (keyword == "browser") {
         const auto browser = browserNamed(value);
         rules.browsers.push_back(browser.value_or(allBrowsers.front()));
-        return browser ? "" : fmt::format("'{}' is no browser", printable(value));
+        return browser ? "" : fmt::format("'{}' is not a browser", printable(value));
     }
     if (keyword == "category") {
         const auto category = categoryNamed(value);
         rules.categories.push_back(category.value_or(CleanableDataCategory::cache));
-        return category ? "" : fmt::format("'{}' is no category", printable(value));
+        return category ? "" : fmt::format("'{}' is not a category", printable(value));
     }
-    return fmt::format("'{}' is no rule; {}", printable(keyword),
+    return fmt::format("'{}' is not a rule; {}", printable(keyword),
                        suggestion(keyword, {"site", "browser", "category"}));
 }
 
@@ -130,7 +130,7 @@ std::optional<KeepRules> readKeepFile(const std::filesystem::path& home) {
         refuse(file, "cannot be read: " + std::generic_category().message(found.error));
     }
     if (!found.isRegularFile) {
-        refuse(file, "is no regular file");
+        refuse(file, "is not a regular file");
     }
     if (found.isTooLarge) {
         refuse(file, "is larger than 64 KiB");
@@ -142,7 +142,7 @@ KeepRules parseKeepRules(std::string_view text, std::filesystem::path file) {
     KeepRules rules;
     rules.file = std::move(file);
     if (!isWellFormed(text) || text.find('\0') != std::string_view::npos) {
-        refuse(rules.file, "is no text in UTF-8");
+        refuse(rules.file, "is not UTF-8 text");
     }
     for (const ListLine& line : listLines(text)) {
         if (const auto fault = addLine(line.text, rules); !fault.empty()) {
@@ -164,10 +164,10 @@ void keep(const KeepRules& rules, Options& options) {
 
 std::string keepText(const KeepRules& rules) {
     std::vector<std::string> parts;
-    addNames("of the sites", rules.sites, parts);
-    addNames("of", displayNames(rules.browsers), parts);
-    addNames("of all", displayNames(rules.categories), parts);
-    return fmt::format("kept as {} says, data {} (--no-config ignores it)", rules.file.string(),
+    addNames("sites", rules.sites, parts);
+    addNames("browsers", displayNames(rules.browsers), parts);
+    addNames("categories", displayNames(rules.categories), parts);
+    return fmt::format("left alone because of {}: {} (--no-config ignores it)", rules.file.string(),
                        fmt::join(parts, "; "));
 }
 

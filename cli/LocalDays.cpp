@@ -108,7 +108,7 @@ Days daysOf(std::string_view text, Date now) {
         return *month;
     }
     throw UsageError(fmt::format(
-        "'{}' is no day; write YYYY-MM-DD, YYYY-MM for a whole month, today or yesterday",
+        "'{}' is not a day; write YYYY-MM-DD, YYYY-MM for a whole month, today or yesterday",
         printable(text)));
 }
 

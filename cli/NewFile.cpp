@@ -47,7 +47,7 @@ NewFile::NewFile(const std::filesystem::path& place) : place_(realPlace(place)) 
     }
     if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
         throw std::runtime_error(
-            fmt::format("cannot write the page {}: it is no regular file", place_.string()));
+            fmt::format("cannot write the page {}: it is not a regular file", place_.string()));
     }
     descriptor_ = createBeside(place_, draft_);
     if (descriptor_ < 0) {

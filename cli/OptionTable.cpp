@@ -35,19 +35,19 @@ std::vector<std::string_view> rawValues(const Cases& cases) {
 
 std::string faultOfBrowser(const std::string& name) {
     return browserNamed(name) ? ""
-                              : fmt::format("'{}' is no browser; {}", printable(name),
+                              : fmt::format("'{}' is not a browser; {}", printable(name),
                                             suggestion(name, rawValues(allBrowsers)));
 }
 
 std::string faultOfCategory(const std::string& name) {
     return categoryNamed(name)
                ? ""
-               : fmt::format("'{}' is no category; {}", printable(name),
+               : fmt::format("'{}' is not a category; {}", printable(name),
                              suggestion(name, rawValues(allCleanableDataCategories)));
 }
 
 std::string faultOfFolder(const std::string& path) {
-    return path.empty() ? "the value is empty; give the folder that holds Library" : "";
+    return path.empty() ? "the value is empty; give the folder that contains Library" : "";
 }
 
 std::string faultOfFile(const std::string& path) {
@@ -91,15 +91,15 @@ std::string faultOf(const std::string& name, std::string_view what, const Table&
     }
     return valueNamed(name, table)
                ? ""
-               : fmt::format("'{}' is no {}; {}", printable(name), what, suggestion(name, names));
+               : fmt::format("'{}' is not {}; {}", printable(name), what, suggestion(name, names));
 }
 
 std::string faultOfOrder(const std::string& name) {
-    return faultOf(name, "order", orders);
+    return faultOf(name, "an order", orders);
 }
 
 std::string faultOfGrouping(const std::string& name) {
-    return faultOf(name, "part of a report", groupings);
+    return faultOf(name, "a part of a report", groupings);
 }
 
 // clang-format off
@@ -110,7 +110,7 @@ constexpr std::array ownOptions{
                   options.selection.browsers.push_back(browserNamed(value).value());
               }, faultOfBrowser},
     OptionRow{"--profile", "--profile", "PROFILE", "selection", Scope::everyCommand,
-              "the profiles of exactly this name, or else the one in this folder",
+              "the profiles with exactly this name, or else the one in this folder",
               [](const std::string& value, Options& options) {
                   options.selection.profileNames.push_back(value);
               }, nullptr},
@@ -126,12 +126,12 @@ constexpr std::array ownOptions{
                   options.selection.categories.push_back(categoryNamed(value).value());
               }, faultOfCategory},
     OptionRow{"--include", "--include", "PATTERN", "filters", Scope::sizeAndClean,
-              "only what holds this text, such as a part of a host name",
+              "only what contains this text, such as part of a host name",
               [](const std::string& value, Options& options) {
                   options.filters.push_back(patternFilter(Rule::include, value));
               }, nullptr},
     OptionRow{"--exclude", "--exclude", "PATTERN", "filters", Scope::sizeAndClean,
-              "only what does not hold it",
+              "only what does not contain it",
               [](const std::string& value, Options& options) {
                   options.filters.push_back(patternFilter(Rule::exclude, value));
               }, nullptr},
@@ -146,19 +146,19 @@ constexpr std::array ownOptions{
                   options.filters.push_back(datesFilter(DatesRule::outsideRange, value));
               }, nullptr},
     OptionRow{"--days", "--days", "DAYS", "filters", Scope::sizeAndClean,
-              "only what is dated on these days, here and whole: 2024-02-29, 2024-02, today, "
-              "yesterday, or two of them with .. between; of Chrome's history see below",
+              "only what is dated on these days, in local time: 2024-02-29, 2024-02, today, "
+              "yesterday, or two of them with .. between; for Chrome's history see below",
               [](const std::string& value, Options& options) {
                   options.filters.push_back(daysFilter(value));
               }, nullptr},
     OptionRow{"--last", "--last", "AGE", "filters", Scope::sizeAndClean,
-              "only what is dated in the last hours, days, weeks or years, such as 1h or 7d; of "
+              "only what is dated in the last hours, days, weeks or years, such as 1h or 7d; for "
               "Chrome's history see below",
               [](const std::string& value, Options& options) {
                   options.filters.push_back(lastFilter(value));
               }, nullptr},
     OptionRow{"--filter", "--filter", "JSON", "filters", Scope::sizeAndClean,
-              "any filter; filters apply in the order given",
+              "any filter, in JSON; filters apply in the order given",
               [](const std::string& value, Options& options) {
                   options.filters.push_back(filterFromJSON(value));
               }, nullptr},
@@ -168,7 +168,7 @@ constexpr std::array ownOptions{
                   options.strict = true;
               }, nullptr},
     OptionRow{"--ignore-errors", "--ignore-errors", "", "options", Scope::sizeAndClean,
-              "carry on over errors; the figures become approximate",
+              "go on after errors; the figures become approximate",
               [](const std::string& /*value*/, Options& options) {
                   options.ignoreErrors = true;
               }, nullptr},
@@ -178,28 +178,27 @@ constexpr std::array ownOptions{
                   options.keepGoing = true;
               }, nullptr},
     OptionRow{"--html", "--html", "FILE", "options", Scope::sizeAndSites,
-              "write a page for a web browser to FILE as well; - is standard output, in place of "
-              "the report",
+              "also write a page for a web browser to FILE; - is standard output, in place of the "
+              "report",
               [](const std::string& value, Options& options) {
                   options.html = value == Options::standardOutput
                                      ? std::filesystem::path(value)
                                      : std::filesystem::absolute(value);
               }, faultOfFile},
     OptionRow{"--by", "--by", "WHAT", "options", Scope::sizeAndClean,
-              "a row for each browser, category or profile; without it browsers, or the categories "
-              "of the one that is selected",
+              "one row for each browser, category or profile; by default for each browser, or for "
+              "each category if one browser is selected",
               [](const std::string& value, Options& options) {
                   options.view.grouping = groupingNamed(value);
               }, faultOfGrouping},
     OptionRow{"--sort", "--sort", "ORDER", "options", Scope::sizeCleanAndSites,
-              "size, the largest first, as without it; name; items, the most first; or, of sites, "
-              "last, the latest used first",
+              "size (the default, the largest first), name, items (the most first) or, for sites, "
+              "last (the latest used first)",
               [](const std::string& value, Options& options) {
                   options.view.order = orderNamed(value).value();
               }, faultOfOrder},
     OptionRow{"--all", "--all", "", "options", Scope::sizeAndForget,
-              "size: a row for what keeps nothing, too; forget: every site, but those that are "
-              "kept",
+              "size: show empty rows, too; forget: every site except those that are kept",
               [](const std::string& /*value*/, Options& options) {
                   options.view.showsZeros = true;
                   options.sites.all = true;
@@ -211,7 +210,7 @@ constexpr std::array ownOptions{
                   options.dryRun = true;
               }, nullptr},
     OptionRow{"--no-config", "--no-config", "", "options", Scope::cleanAndForget,
-              "ignore the keep list of the home",
+              "ignore the keep list in the home folder",
               [](const std::string& /*value*/, Options& options) {
                   options.ignoresConfig = true;
               }, nullptr},
@@ -221,13 +220,12 @@ constexpr std::array ownOptions{
                   options.dryRun = true;
               }, nullptr},
     OptionRow{"--yes", "-y,--yes", "", "options", Scope::cleanAndForget,
-              "do not ask (needed when standard input is no terminal)",
+              "do not ask (needed when standard input is not a terminal)",
               [](const std::string& /*value*/, Options& options) {
                   options.yes = true;
               }, nullptr},
     OptionRow{"--force", "--force", "", "options", Scope::cleanAndForget,
-              "go on although a selected browser seems to be running, or the home is another "
-              "user's",
+              "go on even if a selected browser seems to be running or the home is another user's",
               [](const std::string& /*value*/, Options& options) {
                   options.force = true;
               }, nullptr},
@@ -237,7 +235,7 @@ constexpr std::array ownOptions{
                   options.home = std::filesystem::absolute(value);
               }, faultOfFolder},
     OptionRow{"--json", "--json", "", "options", Scope::program,
-              "machine output on standard output",
+              "machine-readable output on standard output",
               [](const std::string& /*value*/, Options& options) {
                   options.json = true;
               }, nullptr},

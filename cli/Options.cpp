@@ -90,7 +90,7 @@ public:
         for (const auto& row : optionTable()) {
             rows_.emplace(add(row), &row);
         }
-        app_.set_help_flag("-h,--help", "this help; after a command, that of the command");
+        app_.set_help_flag("-h,--help", "this help; after a command, the help for that command");
         app_.get_help_ptr()->group("options");
         app_.set_version_flag("--version", std::string("browsersweep " BROWSERSWEEP_VERSION "\n"),
                               "the version")
@@ -105,7 +105,7 @@ public:
             app_.add_subcommand(std::string(row.name), std::string(row.description));
         }
         help_ = app_.add_subcommand(std::string(helpCommand),
-                                    "show the help, or that of the command named");
+                                    "show this help, or the help for a command");
         help_->add_option("COMMAND", topic_);
     }
 
@@ -169,7 +169,7 @@ private:
         if (!unknownOptions_.empty()) {
             const auto& first = unknownOptions_.front();
             const auto name = first.substr(0, first.find('='));
-            throw UsageError(fmt::format("'{}' is no option; {}", printable(name),
+            throw UsageError(fmt::format("'{}' is not an option; {}", printable(name),
                                          suggestion(name, optionNames())));
         }
     }
@@ -197,7 +197,7 @@ private:
     }
 
     [[noreturn]] static void throwUnknownCommand(std::string_view name) {
-        throw UsageError(fmt::format("'{}' is no command; {}", printable(name),
+        throw UsageError(fmt::format("'{}' is not a command; {}", printable(name),
                                      suggestion(name, commandNames())));
     }
 

@@ -331,7 +331,7 @@ void requireSomebodyToAsk(const Options& options, const Console& console) {
     if (isDeleting(options.command) && !options.yes && !options.dryRun &&
         !console.inputIsTerminal()) {
         throw UsageError(fmt::format(
-            "{} cannot ask because standard input is no terminal; add --yes to delete without a "
+            "{} cannot ask because standard input is not a terminal; add --yes to delete without a "
             "question, or --dry-run to delete nothing",
             options.command == Command::clean ? "clean" : "forget"));
     }

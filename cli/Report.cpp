@@ -46,6 +46,17 @@ bool saysKind(std::string_view text) noexcept {
                        [text](FailureKind kind) { return text.starts_with(displayName(kind)); });
 }
 
+/** The text with a path behind it, unless it names that already. */
+std::string withPlace(std::string text, const std::string& what) {
+    if (what.empty() || text.find(what) != std::string::npos) {
+        return text;
+    }
+    if (text.ends_with('.')) {
+        text.pop_back();
+    }
+    return text + ": " + what;
+}
+
 /** What became of an item or a store, with its file, each thing said once. */
 std::string verdictText(ItemVerdict verdict, const std::optional<std::string>& detail,
                         const std::string& what) {
@@ -54,7 +65,7 @@ std::string verdictText(ItemVerdict verdict, const std::optional<std::string>& d
         const std::string name(displayName(verdict));
         text = text.empty() ? name : name + ": " + text;
     }
-    return text.find(what) == std::string::npos ? text + ": " + what : text;
+    return withPlace(std::move(text), what);
 }
 
 /** Adds the items that something is wrong with; those that were never begun have no line. */
@@ -112,10 +123,8 @@ std::string nameOfOwner(const SiteOwner& owner) {
 
 void addErrors(const std::vector<SiteErrorRow>& errors, Failures& found) {
     for (const auto& row : errors) {
-        const std::string what = row.what.value_or("");
-        const bool isNamed = what.empty() || row.error.find(what) != std::string::npos;
-        add(row.owner.browser, nameOfOwner(row.owner),
-            isNamed ? row.error : row.error + ": " + what, found);
+        add(row.owner.browser, nameOfOwner(row.owner), withPlace(row.error, row.what.value_or("")),
+            found);
     }
 }
 

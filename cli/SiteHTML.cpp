@@ -99,7 +99,7 @@ std::string mixedTable(const SiteListReport& report) {
     return fmt::format(
         "<h2 id=\"mixed\">Of no single site</h2>\n"
         "<div class=\"scroll\" role=\"region\" aria-labelledby=\"mixed\" tabindex=\"0\">\n"
-        "<table>\n<caption>What tells no site apart</caption>\n<thead>\n<tr>"
+        "<table>\n<caption>What is not stored by site</caption>\n<thead>\n<tr>"
         "<th scope=\"col\">Kind</th><th scope=\"col\">Where</th><th scope=\"col\">What it is</th>"
         "<th scope=\"col\" class=\"figure\">Items</th><th scope=\"col\" class=\"figure\">Size</th>"
         "</tr>\n</thead>\n<tbody>\n{}</tbody>\n</table>\n</div>\n",

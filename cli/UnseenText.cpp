@@ -119,8 +119,9 @@ std::string shiftText(const SizesReport& report, std::size_t columns) {
         return "";
     }
     return wrapped(
-        fmt::format("On the history of Chrome and its family the dates act about {:g} hour{} {}.",
-                    hours, hours == 1 ? "" : "s", ahead > 0 ? "later" : "earlier"),
+        fmt::format(
+            "In the history of Chrome and its family, dates take effect about {:g} hour{} {}.",
+            hours, hours == 1 ? "" : "s", ahead > 0 ? "later" : "earlier"),
         columns);
 }
 

@@ -93,7 +93,7 @@ ItemExamination ofDatabase(const DatabaseInspection& found, const fs::path& file
         return examination;
     }
     if (!found.isRegularFile) {
-        examination.toSeeing = {ItemVerdict::couldNotLook, file, "it is no regular file"};
+        examination.toSeeing = {ItemVerdict::couldNotLook, file, "it is not a regular file"};
         return examination;
     }
     examination.toSeeing = obstacleToReading(found, file);

@@ -253,10 +253,10 @@ std::vector<std::string> hintsFor(const SiteOptions& options, const std::vector<
     std::vector<std::string> hints;
     if (!options.all && !options.takesMixed && !std::all_of(kept.begin(), kept.end(), isSetting)) {
         hints.emplace_back(
-            "--mixed removes what tells no site apart as well; every other site loses it too.");
+            "--mixed also removes what is not stored by site; all other sites lose it too.");
     }
     if (std::any_of(kept.begin(), kept.end(), isSetting)) {
-        hints.emplace_back("--settings removes what you decided for the sites as well.");
+        hints.emplace_back("--settings also removes what you decided about the sites.");
     }
     return hints;
 }

@@ -24,17 +24,17 @@ namespace browsersweep::cli {
 namespace {
 
 constexpr std::string_view sitesNotes =
-    R"(It is not known of every site when it was last used; --older-than leaves such
-sites out. What tells no site apart has a table of its own.
+    R"(When a site was last used is not always known; --older-than leaves such sites
+out. What is not stored by site has a table of its own.
 )";
 
 constexpr std::string_view forgetNotes =
-    R"(A site is a registrable domain with all its hosts: www.example.com names
-example.com. What tells no site apart (open tabs, words typed into forms) stays
+    R"(A site is a registrable domain with all its hosts: www.example.com means all of
+example.com. What is not stored by site (open tabs, text typed into forms) stays
 when single sites are forgotten, and the plan names it; --mixed takes it too.
-What you decided for sites (permissions, zoom) stays without --settings.
+What you decided about sites (permissions, zoom) stays without --settings.
 Bookmarks, passwords and extensions are never touched. The file of --keep-list
-has one site in a line; # begins a comment.
+has one site per line; # begins a comment.
 )";
 
 std::string faultOfKind(const std::string& name) {
@@ -44,11 +44,11 @@ std::string faultOfKind(const std::string& name) {
     std::vector<std::string_view> names(allTraceKinds.size());
     std::transform(allTraceKinds.begin(), allTraceKinds.end(), names.begin(),
                    [](TraceKind kind) { return rawValue(kind); });
-    return fmt::format("'{}' is no kind; {}", printable(name), suggestion(name, names));
+    return fmt::format("'{}' is not a kind; {}", printable(name), suggestion(name, names));
 }
 
 std::string faultOfList(const std::string& path) {
-    return path.empty() ? "the value is empty; give a file with one site in a line" : "";
+    return path.empty() ? "the value is empty; give a file with one site per line" : "";
 }
 
 // clang-format off
@@ -61,7 +61,7 @@ constexpr std::array optionRows{
                   options.sites.kinds.push_back(value);
               }, faultOfKind},
     OptionRow{"--older-than", "--older-than", "AGE", "options", Scope::sites,
-              "only sites that were not used for so long, such as 12h, 30d, 8w or 1y",
+              "only sites that have not been used for this long, such as 12h, 30d, 8w or 1y",
               [](const std::string& value, Options& options) {
                   options.sites.olderThan = secondsOfAge(value);
               }, faultOfAge},
@@ -76,12 +76,12 @@ constexpr std::array optionRows{
                   options.sites.keepList = std::filesystem::absolute(value);
               }, faultOfList},
     OptionRow{"--mixed", "--mixed", "", "options", Scope::forget,
-              "also what tells no site apart, such as open tabs, which other sites lose too",
+              "also what is not stored by site, such as open tabs; other sites lose it too",
               [](const std::string& /*value*/, Options& options) {
                   options.sites.takesMixed = true;
               }, nullptr},
     OptionRow{"--settings", "--settings", "", "options", Scope::forget,
-              "also what you decided for the sites: permissions, zoom",
+              "also what you decided about the sites: permissions, zoom",
               [](const std::string& /*value*/, Options& options) {
                   options.sites.takesSettings = true;
               }, nullptr},
@@ -114,14 +114,14 @@ const std::vector<CommandRow>& siteCommands() {
         {"sites",
          Command::sites,
          "list what each site left in the browsers",
-         {{"browsersweep sites", "every site, the one that takes the most room first"},
+         {{"browsersweep sites", "every site, those that take the most room first"},
           {"browsersweep sites --kind cookies --older-than 30d --sort last",
-           "the sites with cookies that were not used for thirty days"}},
+           "the sites with cookies that have not been used for thirty days"}},
          sitesNotes},
         {"forget",
          Command::forget,
-         "remove all that sites left, and report what stays",
-         {{"browsersweep forget example.com", "one site, after a question"},
+         "remove everything that sites left, and report what stays",
+         {{"browsersweep forget example.com", "one site, after asking"},
           {"browsersweep forget --all --keep example.com --dry-run",
            "what forgetting every site but one would remove"}},
          forgetNotes,
@@ -154,8 +154,8 @@ void readKeepList(SiteOptions& options) {
     std::error_code error;
     if (!file.is_open() || std::filesystem::is_directory(*options.keepList, error)) {
         throw UsageError(
-            fmt::format("{} cannot be read; give --keep-list a file with one site in "
-                        "a line",
+            fmt::format("{} cannot be read; give --keep-list a file with one site per "
+                        "line",
                         printable(options.keepList->string())));
     }
     const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};

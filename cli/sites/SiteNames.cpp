@@ -14,7 +14,7 @@ std::string faultOfSite(const std::string& text) {
     if (isWellFormed(text) && Site::ofText(text)) {
         return {};
     }
-    return fmt::format("'{}' is no site; write a name such as example.com", printable(text));
+    return fmt::format("'{}' is not a site; write a name such as example.com", printable(text));
 }
 
 std::set<Site> sitesNamed(const std::vector<std::string>& texts) {
@@ -31,7 +31,8 @@ std::string remarkOn(const std::string& text) {
     std::transform(small.begin(), small.end(), small.begin(), [](char letter) {
         return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
     });
-    return small == site.name() ? "" : fmt::format("{}: all of {}", printable(text), site.name());
+    return small == site.name() ? ""
+                                : fmt::format("{} means all of {}", printable(text), site.name());
 }
 
 std::string remarkOnMissing(const Site& site, const std::set<Site>& found, bool isAllSeen) {
@@ -42,7 +43,7 @@ std::string remarkOnMissing(const Site& site, const std::set<Site>& found, bool 
     }
     const auto meant = names.empty() ? std::nullopt : closest(site.name(), names);
     return fmt::format("nothing of {} was found{}{}", site.name(),
-                       isAllSeen ? "" : " where it could be looked",
+                       isAllSeen ? "" : " where the program could look",
                        meant ? fmt::format("; did you mean {}?", *meant) : "");
 }
 

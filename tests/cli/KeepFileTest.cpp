@@ -36,14 +36,14 @@ TEST(KeepFile, hasARuleInEachLine) {
 
 TEST(KeepFile, namesTheLineThatIsWrong) {
     EXPECT_EQ(faultOf("# a\nsites example.com\n"),
-              "the keep list /k is wrong in line 2: 'sites' is no rule; did you mean site? "
+              "the keep list /k is wrong in line 2: 'sites' is not a rule; did you mean site? "
               "(nothing was deleted; --no-config ignores it)");
     for (const std::string line :
          {"site", "site a b", "site %", "browser lynx", "category everything", "example.com"}) {
         EXPECT_NE(faultOf("\n" + line).find("wrong in line 2"), std::string::npos) << line;
     }
-    EXPECT_NE(faultOf("site \xFF").find("no text in UTF-8"), std::string::npos);
-    EXPECT_NE(faultOf(std::string("site a.com\0", 11)).find("no text in UTF-8"), std::string::npos);
+    EXPECT_NE(faultOf("site \xFF").find("not UTF-8 text"), std::string::npos);
+    EXPECT_NE(faultOf(std::string("site a.com\0", 11)).find("not UTF-8 text"), std::string::npos);
 }
 
 TEST(KeepFile, takesBrowsersAndCategoriesOutOfTheSelection) {
@@ -81,7 +81,7 @@ TEST(KeepFile, keepsSitesAndCategoriesFromBeingForgotten) {
 TEST(KeepFile, saysInOneLineWhatIsKept) {
     EXPECT_EQ(keepText(parseKeepRules("site a.com\nsite b.com\nbrowser firefox\ncategory cookies\n",
                                       "/k")),
-              "kept as /k says, data of the sites a.com, b.com; of Firefox; of all Cookies "
+              "left alone because of /k: sites a.com, b.com; browsers Firefox; categories Cookies "
               "(--no-config ignores it)");
 }
 

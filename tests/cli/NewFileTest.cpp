@@ -78,8 +78,8 @@ TEST_F(NewFileTest, wrongPlacesAreRefusedBeforeAnythingIsDone) {
     const auto below = folder_ / "missing" / "a.html";
     EXPECT_EQ(problemAt(below), cannotWrite(below, "No such file or directory"));
     EXPECT_EQ(problemAt(sub), cannotWrite(sub, "Is a directory"));
-    EXPECT_EQ(problemAt(pipe), cannotWrite(pipe, "it is no regular file"));
-    EXPECT_EQ(problemAt("/dev/null"), cannotWrite("/dev/null", "it is no regular file"));
+    EXPECT_EQ(problemAt(pipe), cannotWrite(pipe, "it is not a regular file"));
+    EXPECT_EQ(problemAt("/dev/null"), cannotWrite("/dev/null", "it is not a regular file"));
     EXPECT_TRUE(std::filesystem::is_fifo(pipe));
 }
 

@@ -82,16 +82,17 @@ TEST(Options, wrongCommandLinesSayWhatIsWrongAndWhatIsRight) {
         std::string message;
     };
     const std::vector<Row> rows = {
-        {{"sizes"}, "'sizes' is no command; did you mean size?"},
+        {{"sizes"}, "'sizes' is not a command; did you mean size?"},
         {{"size", "x"},
          "'x' is one word too many after the command size; give browsers with --browser and "
          "patterns with --include or --exclude"},
-        {{"size", "--browser", "Opera"}, "--browser: 'Opera' is no browser; did you mean opera?"},
-        {{"size", "-c", "form"}, "--category: 'form' is no category; did you mean formData?"},
-        {{"size", "--browsers", "x"}, "'--browsers' is no option; did you mean --browser?"},
+        {{"size", "--browser", "Opera"},
+         "--browser: 'Opera' is not a browser; did you mean opera?"},
+        {{"size", "-c", "form"}, "--category: 'form' is not a category; did you mean formData?"},
+        {{"size", "--browsers", "x"}, "'--browsers' is not an option; did you mean --browser?"},
         {{"size", "--profile"}, "--profile needs a value; write --profile=VALUE"},
         {{"clean", "-b", "--yes"}, "--browser needs a value; write --browser=VALUE"},
-        {{"help", "sizes"}, "'sizes' is no command; did you mean size?"},
+        {{"help", "sizes"}, "'sizes' is not a command; did you mean size?"},
         {{"help", "-b", "opera"},
          "--browser belongs to the commands that look at data; leave it out"},
         {{"clean", "--profile", "--yes"}, "--profile needs a value; write --profile=VALUE"},
@@ -103,9 +104,9 @@ TEST(Options, wrongCommandLinesSayWhatIsWrongAndWhatIsRight) {
         {{"size", "--html", "a", "--html=b"}, "--html is given twice; give one file"},
         {{"--home", "a", "--home", "b", "size"}, "--home is given twice; give one folder"},
         {{"size", "--by", "site"},
-         "--by: 'site' is no part of a report; it must be one of browser, category, profile"},
+         "--by: 'site' is not a part of a report; it must be one of browser, category, profile"},
         {{"size", "--sort", "date"},
-         "--sort: 'date' is no order; it must be one of size, name, items, last"},
+         "--sort: 'date' is not an order; it must be one of size, name, items, last"},
         {{"size", "--by", "browser", "--by=profile"}, "--by is given twice; give one of them"},
     };
     for (const auto& row : rows) {

@@ -66,7 +66,7 @@ class Catalogue(HostProgramTest):
 
     def test_the_readme_names_the_family_of_chromium(self):
         text = " ".join((ROOT / "README.md").read_text().split())
-        family = re.search(r"The Chromium family are (.*?)\. ", text)[1]
+        family = re.search(r"The Chromium family consists of (.*?)\. ", text)[1]
         named = re.split(r", | and ", family)
         others = {"firefox", "safari"}
         shown = [row["displayName"] for row in self.rows() if row["browser"] not in others]

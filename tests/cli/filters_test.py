@@ -207,7 +207,7 @@ class Days(FiltersTest):
                 self.assertEqual(self.count("--last=1h"), found)
 
     def test_every_plan_says_how_they_are_shifted(self):
-        line = "On the history of Chrome and its family the dates act about 5 hours earlier.\n"
+        line = "In the history of Chrome and its family, dates take effect about 5 hours earlier.\n"
         self.environment["TZ"] = "EST5"
         for arguments in (["size", *HISTORY], ["clean", "-n", CHROMIUM], ["clean", "--yes", *HISTORY]):
             with self.subTest(arguments=arguments):
@@ -239,5 +239,5 @@ class Days(FiltersTest):
         for value in ("", "2024", "tomorrow", "2024-02-30", "2024-02..2024-01"):
             self.assert_usage_error("size", f"--days={value}")
         for value in ("", "7", "soon", "-1d"):
-            self.assert_usage_error("size", f"--last={value}", says=["no age"])
+            self.assert_usage_error("size", f"--last={value}", says=["not an age"])
         self.assert_usage_error("sites", "--last=1h", says=["size and clean"])

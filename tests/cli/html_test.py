@@ -178,7 +178,7 @@ class Writing(PageTest):
     def test_a_wrong_place_is_said_in_a_sentence_before_anything_is_measured(self):
         self.refused(self.root / "missing" / "page.html", "No such file or directory")
         self.refused(self.root, "Is a directory")
-        self.refused("/dev/null", "it is no regular file")
+        self.refused("/dev/null", "it is not a regular file")
         self.refused(self.history / "page.html", "Not a directory")
         self.assertTrue(stat.S_ISCHR(os.stat("/dev/null").st_mode))
 

@@ -38,8 +38,8 @@ class Cleaning(KeepTest):
 
     def test_it_is_told_in_every_plan_and_beside_every_result(self):
         self.keep("site one.example", "category cookies")
-        line = (f"browsersweep: kept as {self.list} says, data of the sites one.example; "
-                "of all Cookies (--no-config ignores it)\n")
+        line = (f"browsersweep: left alone because of {self.list}: sites one.example; "
+                "categories Cookies (--no-config ignores it)\n")
         self.assertEqual(self.run_program("clean", "-n", CHROMIUM).error, line)
         _, _, screen = self.run_on_terminal("clean", CHROMIUM, answer=b"n\n")
         self.assertIn(line, screen.replace("\r", ""))
@@ -96,7 +96,7 @@ class Wrong(KeepTest):
     def test_a_name_with_a_blank_that_is_not_seen(self):
         for mark in ("\u00a0", "\u200b", "\u3002"):
             self.keep(f"site one{mark}.example")
-            self.check("is no site")
+            self.check("is not a site")
 
     def check(self, says):
         for command in (["clean", "--yes"], ["clean", "-n"]):
@@ -113,7 +113,7 @@ class Wrong(KeepTest):
         for contents in (b"site \xff.com\n", b"site a.com\0\n", b"\xff\xfes\0i\0"):
             with self.subTest(contents=contents):
                 write(self.list, contents)
-                self.check("no text in UTF-8")
+                self.check("not UTF-8 text")
 
     def test_a_file_that_is_too_large(self):
         write(self.list, b"# " + b"x" * 65536)
@@ -128,13 +128,13 @@ class Wrong(KeepTest):
 
     def test_what_is_no_file(self):
         self.list.mkdir(parents=True)
-        self.check("no regular file")
+        self.check("not a regular file")
         self.list.rmdir()
         os.mkfifo(self.list)
         before = self.cache / "Cache" / "data_0"
         result = self.run_program("clean", "--yes", CHROMIUM)
         self.assertEqual(result.status, 2)
-        self.assertIn("no regular file", result.error)
+        self.assertIn("not a regular file", result.error)
         self.assertTrue(before.exists())
 
     def test_a_link_that_leads_nowhere_keeps_nothing_and_one_in_a_circle_is_refused(self):

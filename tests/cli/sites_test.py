@@ -114,7 +114,7 @@ class Safari(SitesTest):
             self.assertEqual(result.status, 1, result.error)
             # Each store in it meets it, and it is said once of each profile.
             self.assertEqual(result.error.count("no permission: Its permissions forbid it to this user; its "
-                                                f"owner can change them.: {containers}\n"), 2)
+                                                f"owner can change them: {containers}\n"), 2)
             self.assertLess(len(result.error.splitlines()), 6)
             self.assertIn("own.example", result.text)
 
@@ -158,16 +158,16 @@ class Forget(SitesTest):
             self.assertEqual(result.status, 1)
             total = json.loads(result.output)["total"]
             self.assertEqual(total, size(approximate(0), approximate(0)))
-            self.assertIn("nothing of example.com was found where it could be looked", result.error)
+            self.assertIn("nothing of example.com was found where the program could look", result.error)
 
     def test_a_host_names_its_site(self):
         result = self.run_program("forget", "--dry-run", "www.Example.co.uk")
-        self.assertIn("browsersweep: www.Example.co.uk: all of example.co.uk\n", result.error)
+        self.assertIn("browsersweep: www.Example.co.uk means all of example.co.uk\n", result.error)
 
     def test_letters_beyond_ascii_are_written_as_browsers_do(self):
         result = self.run_program("forget", "--dry-run", "münchen.de")
-        self.assertIn("münchen.de: all of xn--mnchen-3ya.de\n", result.error)
-        self.assert_usage_error("forget", "--dry-run", "mu\u0308nchen.de", says=("is no site",))
+        self.assertIn("münchen.de means all of xn--mnchen-3ya.de\n", result.error)
+        self.assert_usage_error("forget", "--dry-run", "mu\u0308nchen.de", says=("is not a site",))
 
     def test_all_is_asked_about_and_a_no_ends_it(self):
         status, output, screen = self.run_on_terminal("forget", "--all", answer=b"n\n")
@@ -195,10 +195,10 @@ class Forget(SitesTest):
         file.write_text("# mine\nexample.com\n\nwww.other.org # shop\n")
         result = self.run_program("forget", "--all", "--dry-run", "--keep-list", file)
         self.assertEqual(result.status, 0, result.error)
-        self.assertIn("www.other.org: all of other.org", result.error)
+        self.assertIn("www.other.org means all of other.org", result.error)
         file.write_text("example.com\n\nno site\n")
         self.assert_usage_error("forget", "--all", "--dry-run", "--keep-list", file,
-                                says=(f"{file}, line 3: 'no site' is no site",))
+                                says=(f"{file}, line 3: 'no site' is not a site",))
         for path in (self.root / "missing", self.root):
             self.assert_usage_error("forget", "--all", "--yes", "--keep-list", path,
                                     says=("cannot be read", "--keep-list"))
@@ -207,4 +207,4 @@ class Forget(SitesTest):
         self.assert_usage_error("forget", "--yes", says=("--all",))
         self.assert_usage_error("forget", "--yes", "--all", "a.com", says=("leave out",))
         self.assert_usage_error("forget", "--yes", "a.com", "--keep", "b.com", says=("--all",))
-        self.assert_usage_error("forget", "--yes", "a/b", says=("'a/b' is no site",))
+        self.assert_usage_error("forget", "--yes", "a/b", says=("'a/b' is not a site",))

@@ -10,7 +10,7 @@ class Usage(HostProgramTest):
         self.assert_usage_error(says=("no command", "browsers, profiles, size, clean"))
         self.assert_usage_error("siez", says=("'siez'", "did you mean size?"))
         self.assert_usage_error("SIZE", says=("did you mean size?",))
-        self.assert_usage_error("", says=("no command",))
+        self.assert_usage_error("", says=("not a command",))
         self.assert_usage_error("size", "clean", says=("'clean'",))
         self.assert_usage_error("size", "line\nbreak")
 
@@ -18,7 +18,7 @@ class Usage(HostProgramTest):
         self.assert_usage_error("size", "--browser", "Chrome", says=("mean googleChrome?",))
         self.assert_usage_error("size", "--browser", "Chromium", says=("mean chromium?",))
         self.assert_usage_error("size", "--browser", "nothing like it", says=("yandexBrowser",))
-        self.assert_usage_error("size", "--browser=", says=("'' is no browser",))
+        self.assert_usage_error("size", "--browser=", says=("'' is not a browser",))
         self.assert_usage_error("size", "--category", "Cookies", says=("mean httpCookies?",))
         self.assert_usage_error("size", "--browser=safari", "--browser=x", says=("'x'",))
 

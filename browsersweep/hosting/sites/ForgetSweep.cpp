@@ -59,8 +59,8 @@ void addSettings(const TraceListing& listing, const ForgetRequest& request,
         });
     if (count > 0) {
         kept.push_back({TraceKind::settings, what,
-                        "what was decided about " + counted(count, "site") +
-                            ", such as permissions: settings go only when they are asked for"});
+                        "what you decided about " + counted(count, "site") +
+                            ", such as permissions; it goes only on request"});
     }
 }
 
@@ -265,7 +265,7 @@ void ForgetSweep::forgetOne(const TraceStore& store, const StoreListing& before,
     }
     // To list a large store now would keep the user waiting.
     result.verdict = ItemVerdict::cancelled;
-    result.detail = "it was stopped: a part of what was meant may be gone";
+    result.detail = "it was interrupted; part of what was to go may be gone";
     result.gone.reset();
 }
 

@@ -16,12 +16,12 @@ namespace browsersweep {
 namespace {
 
 constexpr std::string_view inBlocks =
-    "a cache in a format whose files hold parts of many entries: pages that any site loaded; "
-    "without it pages load more slowly once";
+    "a cache whose files hold parts of many entries, loaded by any site; without it pages load "
+    "more slowly at first";
 
 constexpr std::string_view withoutKey =
-    "damaged entries of a cache, which do not say what they were loaded from: any site may stand "
-    "there";
+    "damaged cache entries that do not say where they were loaded from; they may belong to any "
+    "site";
 
 /** Compiled scripts lie under a digest of their own, and what was loaded refers to that. */
 constexpr std::size_t digestLength = 64;

@@ -127,7 +127,7 @@ RowKeys keysOf(sqlite3* database, const std::string& sql, OperationControl* cont
 }
 
 std::string meaningOf(const TraceTable& table) {
-    return table.meaning.empty() ? "entries that do not tell their site"
+    return table.meaning.empty() ? "entries that do not say which site they belong to"
                                  : std::string(table.meaning);
 }
 
@@ -235,8 +235,7 @@ std::vector<KeptTrace> DatabaseTraceStore::keptIn(sqlite3* database,
         if (mayStay && numberOf(database, rule.sql.question(request.sites), control) != 0) {
             kept.push_back({rule.table.kind, database_.file,
                             meaningOf(rule.table) +
-                                ", of any site: what is there goes only as a whole, for every "
-                                "site"});
+                                "; not stored by site, so it goes for all sites or for none"});
         }
     }
     return kept;

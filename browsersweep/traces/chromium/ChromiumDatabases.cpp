@@ -41,7 +41,7 @@ constexpr std::array historyTables{
     TraceTable{.name = "cluster_visit_duplicates", .rule = Rule::orphans, .relation = {"duplicate_visit_id", "visits", "id", {}}},
     TraceTable{.name = "clusters", .rule = Rule::orphans, .relation = {"cluster_id", "clusters_and_visits", "cluster_id", {}}},
     TraceTable{.name = "cluster_keywords", .rule = Rule::orphans, .relation = {"cluster_id", "clusters", "cluster_id", {}}},
-    TraceTable{.name = "journeys", .rule = Rule::mixed, .meaning = "summaries of what was browsed"},
+    TraceTable{.name = "journeys", .rule = Rule::mixed, .meaning = "summaries of browsing"},
     TraceTable{.name = "journey_history_entries", .rule = Rule::orphans, .relation = {"journey_id", "journeys", "journey_id", {}}},
     TraceTable{.name = "journey_continuation_queries", .rule = Rule::orphans, .relation = {"journey_id", "journeys", "journey_id", {}}},
     TraceTable{.name = "downloads", .kind = Kind::downloads, .columns = {{{"tab_url"}, {"site_url"}, {"referrer"}, {"tab_referrer_url"}}},
@@ -98,8 +98,8 @@ constexpr std::array cookieTables{
 };
 
 constexpr std::array formTables{
-    TraceTable{.name = "autofill", .kind = Kind::formData, .rule = Rule::mixed, .meaning = "words that were typed into forms"},
-    TraceTable{.name = "autocomplete", .kind = Kind::formData, .rule = Rule::mixed, .meaning = "words that were typed into forms"},
+    TraceTable{.name = "autofill", .kind = Kind::formData, .rule = Rule::mixed, .meaning = "text typed into forms"},
+    TraceTable{.name = "autocomplete", .kind = Kind::formData, .rule = Rule::mixed, .meaning = "text typed into forms"},
 };
 
 constexpr std::array bounceTables{

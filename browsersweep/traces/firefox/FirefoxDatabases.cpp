@@ -65,9 +65,9 @@ constexpr std::array placeTables{
     TraceTable{.name = "moz_newtab_shortcuts_interaction", .rule = Rule::orphans, .relation = ofPlace("place_id")},
     TraceTable{.name = "moz_origins", .columns = {{{"host", Form::host}}},
                .condition = "id NOT IN (SELECT origin_id FROM moz_places WHERE origin_id IS NOT NULL)"},
-    TraceTable{.name = "moz_previews_tombstones", .rule = Rule::mixed, .meaning = "digests of pages whose pictures were deleted"},
-    TraceTable{.name = "moz_newtab_story_click", .rule = Rule::mixed, .meaning = "articles of the new tab page that were opened"},
-    TraceTable{.name = "moz_newtab_story_impression", .rule = Rule::mixed, .meaning = "articles of the new tab page that were shown"},
+    TraceTable{.name = "moz_previews_tombstones", .rule = Rule::mixed, .meaning = "hashes of pages whose pictures were deleted"},
+    TraceTable{.name = "moz_newtab_story_click", .rule = Rule::mixed, .meaning = "articles opened from the new tab page"},
+    TraceTable{.name = "moz_newtab_story_impression", .rule = Rule::mixed, .meaning = "articles shown on the new tab page"},
 };
 
 // The icon of a page may lie on another site: it goes with either, but a page that is kept keeps
@@ -91,8 +91,8 @@ constexpr std::array cookieTables{
 };
 
 constexpr std::array formTables{
-    TraceTable{.name = "moz_formhistory", .kind = Kind::formData, .rule = Rule::mixed, .meaning = "words that were typed into forms and searched for"},
-    TraceTable{.name = "moz_deleted_formhistory", .kind = Kind::formData, .rule = Rule::mixed, .meaning = "when words were deleted"},
+    TraceTable{.name = "moz_formhistory", .kind = Kind::formData, .rule = Rule::mixed, .meaning = "text typed into forms and search fields"},
+    TraceTable{.name = "moz_deleted_formhistory", .kind = Kind::formData, .rule = Rule::mixed, .meaning = "when typed text was deleted"},
     TraceTable{.name = "moz_history_to_sources", .kind = Kind::formData, .rule = Rule::orphans, .relation = {"history_id", "moz_formhistory", "id", {}}},
     TraceTable{.name = "moz_sources", .kind = Kind::formData, .rule = Rule::orphans, .relation = {"id", "moz_history_to_sources", "source_id", {}}},
 };

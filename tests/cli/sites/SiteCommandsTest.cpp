@@ -90,8 +90,8 @@ TEST(SiteCommands, wrongCommandLinesSayWhatIsRight) {
          "--sort belongs to the commands size, clean and sites; leave it out"},
         {{"clean", "--sort", "last"},
          "--sort last belongs to the command sites; sort by size, name or items"},
-        {{"sites", "--kind=Cookies"}, "--kind: 'Cookies' is no kind; did you mean cookies?"},
-        {{"forget", "a b"}, "'a b' is no site; write a name such as example.com"},
+        {{"sites", "--kind=Cookies"}, "--kind: 'Cookies' is not a kind; did you mean cookies?"},
+        {{"forget", "a b"}, "'a b' is not a site; write a name such as example.com"},
         {{"forget"}, "forget needs a site, or --all for every site"},
     };
     for (const auto& row : rows) {

@@ -25,8 +25,8 @@ TEST(SiteNames, areHostsAndAddresses) {
 TEST(SiteNames, saysWhatATextStandsFor) {
     EXPECT_EQ(remarkOn("example.com"), "");
     EXPECT_EQ(remarkOn("Example.COM"), "");
-    EXPECT_EQ(remarkOn("www.example.com"), "www.example.com: all of example.com");
-    EXPECT_EQ(remarkOn("münchen.de"), "münchen.de: all of xn--mnchen-3ya.de");
+    EXPECT_EQ(remarkOn("www.example.com"), "www.example.com means all of example.com");
+    EXPECT_EQ(remarkOn("münchen.de"), "münchen.de means all of xn--mnchen-3ya.de");
 }
 
 TEST(SiteNames, suggestsASiteThatWasFoundForOneThatWasNot) {
@@ -51,7 +51,7 @@ TEST(SiteNames, aBadLineIsRefusedWithItsNumber) {
         FAIL();
     } catch (const UsageError& error) {
         EXPECT_STREQ(error.what(),
-                     "list, line 3: 'a b' is no site; write a name such as example.com");
+                     "list, line 3: 'a b' is not a site; write a name such as example.com");
     }
 }
 

@@ -271,10 +271,10 @@ TEST_F(DatabaseTraceStoreTest, whatWasDeletedEarlierIsOverwrittenWithEverything)
 TEST_F(DatabaseTraceStoreTest, mixedTablesStayWhereOnlySomeSitesAreMeant) {
     make();
     Database(file_).execute("INSERT INTO words VALUES ('typed')");
-    const ForgetOutcome kept{{{TraceKind::formData, file_,
-                               "typed words, of any site: what is there goes only as a whole, for "
-                               "every site"}},
-                             true};
+    const ForgetOutcome kept{
+        {{TraceKind::formData, file_,
+          "typed words; not stored by site, so it goes for all sites or for none"}},
+        true};
     EXPECT_EQ(forget(onlyGone()), kept);
     EXPECT_EQ(forget(SiteSelection::only({site("other.test")})), kept);
     EXPECT_EQ(Database(file_).text("SELECT word FROM words"), "typed");
@@ -311,7 +311,7 @@ TEST_F(DatabaseTraceStoreTest, aTableWithoutTheColumnsThatTellSitesIsMixed) {
     EXPECT_EQ(Database(file_).number("SELECT COUNT(*) FROM permissions"), 1);
     EXPECT_EQ(store().list({}).notBySite,
               (std::vector<MixedTrace>{{TraceKind::settings, file_, approximately(1, 9),
-                                        "entries that do not tell their site"}}));
+                                        "entries that do not say which site they belong to"}}));
     store().forget({SiteSelection::everything(), {}, false, true, {}});
     EXPECT_EQ(Database(file_).number("SELECT COUNT(*) FROM permissions"), 0);
 }

@@ -265,7 +265,7 @@ TEST_F(SessionStoreTest, anAddressOfAnotherSiteThatNamesTheSiteIsTold) {
     const fs::path file = write(json);
     const auto kept = store(file)->forget(only({"a.com"})).kept;
     ASSERT_EQ(kept.size(), 1U);
-    EXPECT_EQ(kept[0].why, "pages of other sites that name it in open and closed tabs");
+    EXPECT_EQ(kept[0].why, "pages of other sites, in open and closed tabs, that mention this site");
     EXPECT_EQ(left(file), json);
 }
 

@@ -163,8 +163,9 @@ DocumentForm transportSecurity() {
             {{"sts", networkState, promiseIn}},
             true,
             sha256OfHost,
-            "sites that asked to be loaded by https alone, under digests of their hosts: these are "
-            "of hosts that no other store names; without them the first page is asked for by http"};
+            "sites that must be loaded over HTTPS, as hashes of hosts that no other store names; "
+            "without "
+            "them the first request goes over HTTP"};
 }
 
 }  // namespace

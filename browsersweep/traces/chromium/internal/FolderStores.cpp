@@ -53,28 +53,28 @@ std::optional<FolderOwner> ownerInIndex(const FileManager& fileManager, const fs
 // clang-format off
 constexpr std::array folderRows{
     FolderRow{"IndexedDB", TraceKind::siteStorage, ownerInName,
-              "databases of scripts whose origin is no site's"},
+              "databases whose origin is not that of a site"},
     FolderRow{"Service Worker/CacheStorage", TraceKind::serviceWorkers, ownerInIndex,
-              "caches of scripts whose index cannot be read: any site may have filled them"},
+              "caches whose index cannot be read; any site may have filled them"},
 };
 
 constexpr std::array mixedRows{
     MixedRow{"Sessions", TraceKind::openTabs,
-             "open and closed tabs and windows with their pages, of all sites: without it the browser opens none of them again"},
+             "open and recently closed tabs and windows of all sites; without this folder the browser cannot reopen any of them"},
     MixedRow{"Sessions_Encrypted", TraceKind::openTabs,
-             "open and closed tabs and windows with their pages, of all sites: without it the browser opens none of them again"},
+             "open and recently closed tabs and windows of all sites; without this folder the browser cannot reopen any of them"},
     MixedRow{"Visited Links", TraceKind::history,
-             "a table of digests of visited addresses, by which links change their color: the browser makes it anew from the history"},
+             "hashes of visited addresses, by which visited links change color; the browser rebuilds the file from the history"},
     MixedRow{"SCT Auditing Pending Reports", TraceKind::networkState,
-             "reports on certificates that wait to be sent: of any site"},
+             "reports on certificates of any site, waiting to be sent"},
     MixedRow{"BudgetDatabase", TraceKind::predictions,
              "how often sites may send messages in the background", true},
     MixedRow{"blob_storage", TraceKind::siteStorage,
-             "data of scripts of any site that was kept while the browser ran"},
+             "data that pages of any site held while the browser was running"},
     MixedRow{"Download Service", TraceKind::downloads,
-             "downloads in the background that are under way, of any site"},
+             "background downloads of any site that are in progress"},
     MixedRow{"shared_proto_db", TraceKind::predictions,
-             "notes of many parts of the browser; among them addresses and files of downloads that were under way", true},
+             "records of many parts of the browser, including addresses and files of downloads in progress", true},
 };
 
 /** Below the profile's folder for caches. */
@@ -84,8 +84,8 @@ constexpr std::array<std::string_view, 4> caches{
 
 constexpr std::array mixedCaches{
     MixedRow{"Cache/No_Vary_Search", TraceKind::cachedFiles,
-             "which addresses may share a cached file: of any site"},
-    MixedRow{"Media Cache", TraceKind::cachedFiles, "films and sounds that any site played"},
+             "which addresses of any site may share a cached file"},
+    MixedRow{"Media Cache", TraceKind::cachedFiles, "video and audio that any site played"},
 };
 // clang-format on
 

@@ -16,7 +16,7 @@ constexpr std::array levelRows{
     LevelRow{"Service Worker/Database", TraceKind::serviceWorkers, serviceWorkerSchema, serviceWorkerScripts, {}},
     LevelRow{"Platform Notifications", TraceKind::siteStorage, notificationSchema, nullptr, {}},
     LevelRow{"Site Characteristics Database", TraceKind::predictions, siteCharacteristicsSchema, nullptr,
-             "what the browser learnt of sites, under digests of their hosts: these are of hosts that no other store names"},
+             "what the browser has learned about sites, as hashes of hosts that no other store names"},
 };
 // clang-format on
 

@@ -17,8 +17,8 @@ constexpr std::size_t numberSize = 4;
 
 /** Any site may stand there, and Firefox makes them anew each time it ends. */
 constexpr std::string_view pagesOfFirefox =
-    "pages of Firefox itself, such as a new tab with the sites that were visited most: they go "
-    "with any site, and Firefox makes them anew";
+    "Firefox's own pages, such as a new tab with the most visited sites; they go along with any "
+    "site, and Firefox makes new ones";
 
 /** Numbers begin with their highest byte; none stands beyond the end. */
 std::uint64_t numberAt(BytesView file, std::uint64_t place) noexcept {

@@ -39,15 +39,15 @@ constexpr std::array folderRows{
 
 constexpr std::array mixedRows{
     MixedRow{"storage/to-be-removed", TraceKind::siteStorage,
-             "data of scripts that Firefox has begun to delete", false, true},
-    MixedRow{"notificationstore.json", TraceKind::siteStorage, "notifications of any site"},
+             "site data that Firefox has begun to delete", false, true},
+    MixedRow{"notificationstore.json", TraceKind::siteStorage, "notifications from any site"},
 };
 
 // Of both versions: the newer one reads the older one's file where its own is missing.
 constexpr std::string_view unreadSecurity =
-    "entries that cannot be read, about sites that asked to be loaded by https alone, of any site: without them the first page is asked for by http";
-constexpr std::string_view unreadServices = "entries that cannot be read, about other ways to the servers of any site";
-constexpr std::string_view unreadChoices = "entries that cannot be read, about certificates that were chosen for servers of any site";
+    "entries that cannot be read, about sites that must be loaded over HTTPS; without them the first request goes over HTTP";
+constexpr std::string_view unreadServices = "entries that cannot be read, about alternative servers of any site";
+constexpr std::string_view unreadChoices = "entries that cannot be read, about certificates chosen for servers of any site";
 constexpr std::array stateRows{
     StateFileRow{"SiteSecurityServiceState.bin", TraceKind::networkState, 24, hostsOfSecurityState, unreadSecurity},
     StateFileRow{"SiteSecurityServiceState.txt", TraceKind::networkState, 0, hostsOfSecurityState, unreadSecurity},
@@ -62,14 +62,14 @@ struct SessionRow {
     std::string_view meaning;  ///< of a file that cannot be read
 };
 constexpr std::array sessionRows{
-    SessionRow{"sessionstore.jsonlz4", "open and closed tabs of all sites: without it Firefox opens none of them again"},
-    SessionRow{"sessionstore-backups", "earlier states of the open tabs and windows, of all sites"},
+    SessionRow{"sessionstore.jsonlz4", "open and recently closed tabs of all sites; without this file Firefox cannot reopen any of them"},
+    SessionRow{"sessionstore-backups", "earlier states of the open tabs and windows of all sites"},
 };
 
 /** Below the profile's folder for caches. */
 constexpr std::array mixedCaches{
     MixedRow{"activity-stream.shortcut_cache.json", TraceKind::predictions,
-             "the sites that a new tab shows: Firefox finds them anew"},
+             "the sites shown on a new tab; Firefox finds them again"},
 };
 // clang-format on
 

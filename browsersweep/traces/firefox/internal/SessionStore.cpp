@@ -17,7 +17,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view named = "pages of other sites that name it in open and closed tabs";
+constexpr std::string_view named =
+    "pages of other sites, in open and closed tabs, that mention this site";
 
 /** The state that a file holds; absent where it is none, or none that can be read. */
 std::optional<SessionDocument> documentIn(const FileManager& fileManager, const fs::path& file,

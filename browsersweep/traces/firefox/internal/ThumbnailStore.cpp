@@ -14,8 +14,8 @@ namespace browsersweep {
 namespace {
 
 constexpr std::string_view meaning =
-    "pictures of pages that no site in the history has, named by digests of their addresses: "
-    "Firefox makes them anew";
+    "pictures of pages that are not in the history, named by hashes of their addresses; Firefox "
+    "makes new ones";
 
 }  // namespace
 

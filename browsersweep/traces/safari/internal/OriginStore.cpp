@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 using Kind = FolderEntry::Kind;
 
 constexpr std::string_view unknown =
-    "data of scripts that does not tell its site: any site may have left it";
+    "data that does not say which site it belongs to; any site may have left it";
 
 /** Of these a folder may hold some when nothing else is left in it. */
 bool isMarker(const FolderEntry& entry) {

@@ -68,7 +68,7 @@ constexpr std::array folderRows{
     Placed<FolderRow>{Place::websiteData,  {"LocalStorage", Kind::siteStorage, ownerInName, {}}},
     Placed<FolderRow>{Place::websiteData,  {"WebSQL", Kind::siteStorage, ownerInName, {}}},
     Placed<FolderRow>{Place::webKitCaches, {"CacheStorage", Kind::serviceWorkers, ownerInFile,
-                                            "caches of scripts that do not tell their site: any site may have filled them"}},
+                                            "caches that do not say which site they belong to; any site may have filled them"}},
 };
 
 /** A folder of folders of sites. */
@@ -127,18 +127,18 @@ constexpr std::array propertyListRows{
 
 constexpr std::array mixedRows{
     Placed<MixedRow>{Place::safari, {"HistoryIndex.sk", Kind::history,
-                     "words of visited pages of any site, for the search in the history: Safari makes it anew"}},
-    Placed<MixedRow>{Place::safari, {"Form Values", Kind::formData, "words that were typed into forms, encrypted"}},
-    Placed<MixedRow>{Place::safari, {"SearchDescriptions.plist", Kind::predictions, "search fields of any site that was visited"}},
+                     "words from visited pages of any site, for searching the history; Safari rebuilds the index"}},
+    Placed<MixedRow>{Place::safari, {"Form Values", Kind::formData, "text typed into forms, encrypted"}},
+    Placed<MixedRow>{Place::safari, {"SearchDescriptions.plist", Kind::predictions, "search fields of any site visited"}},
     Placed<MixedRow>{Place::safari, {"ContentBlockerStatistics.db", Kind::networkState, "which trackers were blocked on which site"}},
     Placed<MixedRow>{Place::safari, {"ContentBlockerStatistics.db-wal", Kind::networkState, "which trackers were blocked on which site"}},
     Placed<MixedRow>{Place::safari, {"ContentBlockerStatistics.db-shm", Kind::networkState, "which trackers were blocked on which site"}},
-    Placed<MixedRow>{Place::websiteData, {"DeviceIdHashSalts", Kind::siteStorage, "by what number a site knows a camera or microphone: of any site"}},
+    Placed<MixedRow>{Place::websiteData, {"DeviceIdHashSalts", Kind::siteStorage, "the numbers by which any site recognizes a camera or microphone"}},
     Placed<MixedRow>{Place::webKitCaches, {"HSTS", Kind::networkState,
-                     "sites that asked to be loaded by https alone: without it the first page is asked for by http"}},
-    Placed<MixedRow>{Place::webKitCaches, {"AlternativeServices", Kind::networkState, "other ways to the servers of any site"}},
-    Placed<MixedRow>{Place::webKitCaches, {"OfflineWebApplicationCache", Kind::cachedFiles, "pages of any site that work without a network"}},
-    Placed<MixedRow>{Place::urlCaches, {"Webpage Previews", Kind::history, "pictures of visited pages of any site, named by digests of their addresses"}},
+                     "sites that must be loaded over HTTPS; without this file the first request goes over HTTP"}},
+    Placed<MixedRow>{Place::webKitCaches, {"AlternativeServices", Kind::networkState, "alternative servers of any site"}},
+    Placed<MixedRow>{Place::webKitCaches, {"OfflineWebApplicationCache", Kind::cachedFiles, "pages of any site that work offline"}},
+    Placed<MixedRow>{Place::urlCaches, {"Webpage Previews", Kind::history, "pictures of visited pages of any site, named by hashes of their addresses"}},
 };
 
 constexpr std::array downloadRows{

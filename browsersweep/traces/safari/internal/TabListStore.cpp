@@ -17,8 +17,8 @@ namespace browsersweep {
 namespace {
 
 constexpr std::string_view elsewhere =
-    "notes beside the open and closed tabs, of any site: without the file Safari opens none of "
-    "them again";
+    "notes beside the open and closed tabs of any site; without this file Safari cannot reopen any "
+    "of them";
 
 CleanableDataSize approximately(std::size_t bytes) {
     return {1, {bytes, true}};

@@ -24,12 +24,12 @@ constexpr std::size_t largestKey = std::size_t{64} << 10;
 constexpr std::size_t largestList = std::size_t{16} << 20;
 
 constexpr std::string_view unreadable =
-    "cached files in a format that cannot be read: any site may have loaded them; without them "
-    "pages load more slowly once";
+    "cached files in a format that cannot be read, loaded by any site; without them pages load "
+    "more slowly at first";
 
 constexpr std::string_view wasteMeaning =
-    "contents of cached files whose records are gone: they go with any site, and nothing needs "
-    "them";
+    "contents of cached files whose records are gone; they go along with any site, as nothing "
+    "needs them";
 
 constexpr std::string_view blobEnding = "-blob";
 
