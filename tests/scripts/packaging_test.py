@@ -140,6 +140,21 @@ class HomebrewFormula(ScriptTest):
         asked = set(re.findall(r'depends_on "([^"]+)"', text))
         self.assertEqual(asked, set(wanted.split()) - {"ccache"})
 
+    def test_it_has_the_form_that_homebrew_asks_for(self):
+        """As far as that can be said without Homebrew."""
+        text = FORMULA.read_text("utf-8")
+        stanzas = re.findall(r"^  (desc|homepage|url|sha256|license|depends_on|uses_from_macos|def install"
+                             r"|test do)\b", text, re.M)
+        order = ["desc", "homepage", "url", "sha256", "license", "depends_on", "uses_from_macos",
+                 "def install", "test do"]
+        self.assertEqual(stanzas, sorted(stanzas, key=order.index))
+        needs = re.findall(r'^  depends_on "?([\w-]+)"?(?:: :\w+)?( => :build)?$', text, re.M)
+        self.assertEqual(len(needs), stanzas.count("depends_on"))
+        self.assertEqual(needs, sorted(needs, key=lambda need: (not need[1], need[0])))
+        described = re.search(r'^  desc "(.*)"$', text, re.M)[1]
+        self.assertRegex(described, r"^(?!An? |The |Browsersweep)[A-Z].{0,78}[^.]$")
+        self.assertEqual([line for line in text.splitlines() if len(line) > 118 or line != line.rstrip()], [])
+
     def test_its_options_are_the_projects(self):
         options = (ROOT / "CMakeLists.txt").read_text("utf-8")
         for name in re.findall(r'"-D(BROWSERSWEEP_\w+)=', FORMULA.read_text("utf-8")):
