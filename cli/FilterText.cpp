@@ -19,7 +19,7 @@ std::string textOf(const Patterns& patterns) {
     for (const auto& pattern : patterns.patterns) {
         quoted.push_back(fmt::format("\"{}\"", printable(pattern)));
     }
-    return fmt::format("{} holds {}",
+    return fmt::format("{} contains {}",
                        patterns.rule == Patterns::Rule::include ? "only what" : "nothing that",
                        fmt::join(quoted, " or "));
 }

@@ -64,7 +64,7 @@ std::string pageStart(std::string_view title, const std::vector<PageScript>& scr
 
 std::string limitsParagraph(const std::vector<std::string>& limits) {
     return limits.empty() ? ""
-                          : fmt::format("<p class=\"quiet\">Only this was asked for: {}.</p>\n",
+                          : fmt::format("<p class=\"quiet\">Limited to: {}.</p>\n",
                                         isolated(fmt::format("{}", fmt::join(limits, "; "))));
 }
 

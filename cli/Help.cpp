@@ -61,13 +61,26 @@ std::string labelOf(const CLI::Option& option) {
     return fmt::format("{}{}{}", fmt::join(names, ", "), value.empty() ? "" : " ", value);
 }
 
+/** Of "size: rows; forget: sites" what is about the command; a text that is about none as it is. */
+std::string_view partAbout(std::string_view command, std::string_view text) {
+    const auto label = fmt::format("{}: ", command);
+    const auto start = text.starts_with(label) ? 0 : text.find("; " + label);
+    if (start == std::string_view::npos) {
+        return text;
+    }
+    text.remove_prefix(start + label.size() + (start == 0 ? 0 : 2));
+    return text.substr(0, text.find("; "));
+}
+
 template <typename IsShown>
-std::string groupText(const CLI::App& app, std::string_view group, const IsShown& isShown) {
+std::string groupText(const CLI::App& app, std::string_view group, std::string_view command,
+                      const IsShown& isShown) {
     constexpr std::size_t indent = 27;
     std::string rows;
     for (const auto* const option : app.get_options({})) {
         if (option->get_group() == group && isShown(*option)) {
-            rows += row(labelOf(*option), indent, option->get_description());
+            const auto text = option->get_description();
+            rows += row(labelOf(*option), indent, partAbout(command, text));
         }
     }
     return rows.empty() ? rows : fmt::format("\n{}\n{}", group, rows);
@@ -124,7 +137,7 @@ std::string HelpFormatter::overview(const CLI::App& app) const {
         "[OPTIONS]\n{}",
         app.get_description(), listOfCommands(app));
     text += "\n'browsersweep help COMMAND' shows what a command takes.\n";
-    text += groupText(app, "options",
+    text += groupText(app, "options", helpCommand,
                       [this](const CLI::Option& option) { return belongs_(option, "help"); });
     text += "\nexamples\n";
     for (const auto& each : commandTable()) {
@@ -142,9 +155,9 @@ std::string HelpFormatter::helpOf(const CLI::App& command) const {
     }
     std::string options;
     for (const auto& [group, placeholder] : groups) {
-        const auto rows = groupText(*command.get_parent(), group, [&](const CLI::Option& option) {
-            return belongs_(option, name);
-        });
+        const auto rows =
+            groupText(*command.get_parent(), group, name,
+                      [&](const CLI::Option& option) { return belongs_(option, name); });
         usage += rows.empty() ? std::string_view() : placeholder;
         options += rows;
     }

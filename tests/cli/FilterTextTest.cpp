@@ -22,7 +22,7 @@ Texts textsOf(Dates::Rule rule, const std::string& range) {
 
 TEST(FilterText, saysWhatPatternsTake) {
     EXPECT_EQ(filterTexts(Filters{{Rule::include, {"a", "b"}}, {Rule::exclude, {"c\x1b"}}}),
-              (Texts{"only what holds \"a\" or \"b\"", "nothing that holds \"c\uFFFD\""}));
+              (Texts{"only what contains \"a\" or \"b\"", "nothing that contains \"c\uFFFD\""}));
 }
 
 TEST(FilterText, saysWhichSideOfWhichDates) {
@@ -45,7 +45,7 @@ TEST(FilterText, ofBothPartsSaysBothAndOfNoneEverything) {
                                       std::vector<std::string>{"a"}),
         parseDateRange(Dates::Rule::insideRange, "2024-01-01..")};
     EXPECT_EQ(filterTexts(Filters{both, {}}),
-              (Texts{"only what holds \"a\", dated from " + localText(parseDate("2024-01-01")),
+              (Texts{"only what contains \"a\", dated from " + localText(parseDate("2024-01-01")),
                      "everything"}));
 }
 

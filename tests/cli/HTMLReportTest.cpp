@@ -80,7 +80,7 @@ TEST(HTMLReport, namesAndErrorsAreEscaped) {
     EXPECT_THAT(html, HasSubstr("failed: &lt;script&gt;"));
     EXPECT_THAT(html, Not(HasSubstr("failed: <script>")));
     EXPECT_THAT(htmlText(report, {facts.date, {"what holds <b>"}}),
-                HasSubstr("Only this was asked for: <bdi>what holds &lt;b&gt;</bdi>."));
+                HasSubstr("Limited to: <bdi>what holds &lt;b&gt;</bdi>."));
 }
 
 TEST(HTMLReport, browsersCategoriesAndProfilesAreShownTheLargestFirst) {
@@ -140,7 +140,7 @@ TEST(HTMLReport, thePageSaysWhenItWasMadeAndWhatItsFiguresMean) {
                 HasSubstr(R"(<time datetime="2024-02-29 12:30Z">2024-02-29 12:30 UTC</time>)"));
     EXPECT_THAT(htmlText(report, facts), Not(HasSubstr("asked for")));
     EXPECT_THAT(htmlText(report, {facts.date, {"History", "what holds \u201Ca\u201D"}}),
-                HasSubstr("<p class=\"quiet\">Only this was asked for: <bdi>History; what holds "
+                HasSubstr("<p class=\"quiet\">Limited to: <bdi>History; what holds "
                           "\u201Ca\u201D</bdi>.</p>"));
     EXPECT_THAT(htmlText(report, facts), Not(HasSubstr("~ means about")));
     report.total.byteCount.isApproximate = true;

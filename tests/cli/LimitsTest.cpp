@@ -28,7 +28,7 @@ TEST(Limits, nameTheSelection) {
 
 TEST(Limits, sayFiltersInWordsInTheirOrder) {
     EXPECT_EQ(limitsOf({"size", "--exclude", "a.com", "-b", "safari", "--include", "b"}),
-              (Texts{"Safari", "nothing that holds \"a.com\"", "only what holds \"b\""}));
+              (Texts{"Safari", "nothing that contains \"a.com\"", "only what contains \"b\""}));
 }
 
 }  // namespace

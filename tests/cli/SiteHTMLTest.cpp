@@ -58,7 +58,7 @@ TEST(SiteHTML, tellsWhatBelongsToNoSiteAndWhatCouldNotBeLookedAtEscaped) {
 TEST(SiteHTML, saysWhereOnlyAPartWasAskedFor) {
     EXPECT_THAT(sitesPage(report(), facts), Not(HasSubstr("was asked for")));
     EXPECT_THAT(sitesPage(report(), {facts.date, {"cookies"}}),
-                HasSubstr("Only this was asked for: <bdi>cookies</bdi>."));
+                HasSubstr("Limited to: <bdi>cookies</bdi>."));
 }
 
 }  // namespace

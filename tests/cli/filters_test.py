@@ -60,7 +60,7 @@ class Unseen(FiltersTest):
 
     def test_people_read_it_below_the_figures(self):
         text = self.run_program("size", *CACHE, "--include=no-such-site").text
-        self.assertIn('Filter: only what holds "no-such-site"\n', text)
+        self.assertIn('Filter: only what contains "no-such-site"\n', text)
         self.assertIn("cannot see this, which counts whole", text)
         self.assertRegex(text, r"Chromium +Cache +2 +2\.0 KB +text\n")
         self.assertIn("That is 2 of 2 items, and 2.0 KB of 2.0 KB.\n", text)

@@ -133,9 +133,9 @@ class Contents(PageTest):
                          "--include=example")
         self.assertEqual([row[:4] for row in page.rows()[1:]], [
             ["Chromium", "Zoë 日本", "History", "2"], ["Total", "2", page.rows()[-1][2]]])
-        self.assertIn("Only this was asked for: Chromium; profiles called \"Zoë 日本\"; History; "
-                      "only what holds \"example\".", page.texts("p"))
-        self.assertNotIn("Only this was asked for", self.page_text())
+        self.assertIn("Limited to: Chromium; profiles called \"Zoë 日本\"; History; "
+                      "only what contains \"example\".", page.texts("p"))
+        self.assertNotIn("Limited to", self.page_text())
 
     def test_names_cannot_break_out_of_the_page(self):
         name = "</td><script>alert(1)</script>\"'&<img src=x>"

@@ -176,6 +176,11 @@ class Information(HostProgramTest):
                        "--dry-run", "--yes", "--force", "--help", "--version"):
             self.assertIn(f" {option}", text)
 
+    def test_the_help_of_a_command_says_what_an_option_means_there(self):
+        self.assertIn("\n  --all                    show empty rows, too\n", self.information("help", "size"))
+        self.assertIn("\n  --all                    every site except those that are kept\n",
+                      self.information("help", "forget"))
+
     def test_the_lines_of_the_help_fit_a_terminal(self):
         for text in self.helps():
             for line in text.splitlines():

@@ -64,7 +64,7 @@ constexpr std::array mixedRows{
     MixedRow{"Sessions_Encrypted", TraceKind::openTabs,
              "open and recently closed tabs and windows of all sites; without this folder the browser cannot reopen any of them"},
     MixedRow{"Visited Links", TraceKind::history,
-             "hashes of visited addresses, by which visited links change color; the browser rebuilds the file from the history"},
+             "hashes of visited addresses, by which visited links change colour; the browser rebuilds the file from the history"},
     MixedRow{"SCT Auditing Pending Reports", TraceKind::networkState,
              "reports on certificates of any site, waiting to be sent"},
     MixedRow{"BudgetDatabase", TraceKind::predictions,
