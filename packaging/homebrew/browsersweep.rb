@@ -14,8 +14,8 @@ class Browsersweep < Formula
   depends_on "leveldb"
   depends_on "libpsl"
   depends_on "lz4"
-  depends_on "utf8proc"
   depends_on macos: :monterey
+  depends_on "utf8proc"
 
   uses_from_macos "expat"
   uses_from_macos "sqlite"
