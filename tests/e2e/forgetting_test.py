@@ -26,8 +26,10 @@ for module in ("cryptography", "lz4.block", "plyvel", "snappy"):
 
 # pylint: disable=wrong-import-position
 import carriers  # noqa: E402
+import firefoxstates  # noqa: E402
 import forgetting  # noqa: E402
 from markers import markers_in  # noqa: E402
+from planted import GONE, KEPT  # noqa: E402
 from plantedchromium import make_chromium  # noqa: E402
 from plantedfirefox import make_firefox  # noqa: E402
 from plantedweb import PlantedWeb  # noqa: E402
@@ -84,12 +86,38 @@ class Browser:
         case(bench)
 
 
+def hosts_of_network_state(bench, layout, site):
+    return {host for listed in bench.told(layout, "sites")["sites"] if listed["site"] == site.registrable
+            for trace in listed["traces"] if trace["kind"] == "networkState" for host in trace["hosts"]}
+
+
 class TestForgettingInChromium(Browser):
     family = "chromium"
 
 
 class TestForgettingInFirefox(Browser):
     family = "firefox"
+
+    def test_other_ways_to_servers_go_record_by_record(self, bench):
+        with bench.copy() as layout:
+            folders = bench.profiles_of(layout)
+            old = [firefoxstates.ways(folder) for folder in folders]
+            for site in (GONE, KEPT):
+                alternative = f"alt.{site.registrable}"
+                for each in old:
+                    said = firefoxstates.pairs_of(each)[firefoxstates.way_by_firefox(site)]
+                    assert said.startswith(f"https:{site.host}:443:{alternative}:443:")
+                assert alternative in hosts_of_network_state(bench, layout, site)
+            bench.forget(layout, GONE.registrable, "--mixed")
+            kept = [[each for each in records if GONE.registrable.encode() not in each] for records in old]
+            assert [firefoxstates.ways(folder) for folder in folders] == kept
+            assert hosts_of_network_state(bench, layout, GONE) == set()
+            forgetting.run_once_more(bench, layout)
+            for folder, records in zip(folders, kept):
+                after = firefoxstates.pairs_of(firefoxstates.ways(folder))
+                # To take pictures of pages Firefox visits those of the site that is kept.
+                assert firefoxstates.pairs_of(records).items() <= after.items()
+                assert not [pair for pair in after.items() if GONE.registrable in str(pair)]
 
 
 DELETE_A_ROW = """import sqlite3, sys

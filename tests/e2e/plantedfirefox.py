@@ -3,12 +3,12 @@
 from __future__ import annotations
 
 import json
-import struct
 import time
 from pathlib import Path
 
 from browser import BrowserError, Layout
 from firefox import Firefox, Marionette, create_firefox_profile
+from firefoxstates import add_records
 from planted import FRAME, GONE, KEPT, MARKED, Site
 from plantedchromium import script
 from plantedweb import PlantedWeb
@@ -22,6 +22,8 @@ PREFERENCES = {
     "browser.pagethumbnails.capturing_disabled": False,
     "browser.sessionstore.interval": 1000,
     "privacy.bounceTrackingProtection.mode": 1,
+    # The server is a proxy, and Firefox does not believe one that there are other ways to a site.
+    "network.http.altsvc.proxy_checks": False,
 }
 
 
@@ -224,37 +226,6 @@ def second_run(browser: Firefox) -> None:
         open_tabs(remote, site)
 
 
-# --- What is written after long use alone -------------------------------------------------------
-
-# The files have the same keys and values in both versions; the older one's stay beside the newer one's.
-KEY_SIZE, LAST_DAY = 256, 20_000
-OWN, WITHIN_KEPT = "", f"^partitionKey=%28https%2C{KEPT.registrable}%29"
-STATES = (
-    ("SiteSecurityServiceState", 24, "{host}{attributes}", "4102444800000,1,1"),
-    ("AlternateServices", 1024, "https:{host}:443:.:{attributes}:3",
-     "https:{host}:443:alt.{domain}:443::n:4102444800:h3:y:1:n:{attributes}::|n:y:"),
-)
-
-
-def slot(key: str, value: str, value_size: int) -> bytes:
-    """A sum over all its numbers, how often it was used, the day of its last use, a key and a value."""
-    body = struct.pack(">HH", 1, LAST_DAY) + key.encode().ljust(KEY_SIZE, b"\0") \
-        + value.encode().ljust(value_size, b"\0")
-    total = 0
-    for (number,) in struct.iter_unpack(">H", body):
-        total ^= number
-    return struct.pack(">H", total) + body
-
-
-def add_files(folder: Path) -> None:
-    for name, size, *forms in STATES:
-        pairs = [[form.format(host=site.host, domain=site.registrable, attributes=attributes)
-                  for form in forms] for site, attributes in ((GONE, OWN), (KEPT, OWN), (FRAME, WITHIN_KEPT))]
-        (folder / f"{name}.bin").write_bytes(b"".join(slot(key, value, size) for key, value in pairs))
-        (folder / f"{name}.txt").write_text("".join(
-            f"{key}\t1\t{LAST_DAY}\t{value}\n" for key, value in pairs), "utf-8")
-
-
 def make_firefox(layout: Layout, binary: str, web: PlantedWeb, log: Path) -> None:
     for profile in PROFILES:
         create_firefox_profile(binary, layout, *profile)
@@ -263,4 +234,4 @@ def make_firefox(layout: Layout, binary: str, web: PlantedWeb, log: Path) -> Non
                 run(browser)
             if browser.exit_status:
                 raise BrowserError(f"Firefox ended with status {browser.exit_status}")
-        add_files(layout.firefox / "Profiles" / profile[1])
+        add_records(layout.firefox / "Profiles" / profile[1])
