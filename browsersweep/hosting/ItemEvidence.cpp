@@ -83,7 +83,7 @@ ItemJudgement judgeLeftovers(const ItemEvidence& evidence) {
     if (evidence.isHeld) {
         return {ItemVerdict::held, {}, "rows are left; the browser seems to hold the database"};
     }
-    const std::int64_t before = evidence.lookBefore.rows.value_or(evidence.before->itemCount.value);
+    const std::int64_t before = evidence.selected();
     const std::int64_t left = evidence.left();
     if (!evidence.leftOut.empty() && left >= before) {
         return unlessIncomplete(ItemVerdict::couldNotDelete, evidence);  // it was not entered
@@ -104,6 +104,13 @@ ItemJudgement judgeLeftovers(const ItemEvidence& evidence) {
 
 std::int64_t ItemEvidence::left() const noexcept {
     return lookAfter.rows.value_or(after ? after->itemCount.value : 0);
+}
+
+std::int64_t ItemEvidence::selected() const noexcept {
+    if (before) {
+        return lookBefore.rows.value_or(before->itemCount.value);
+    }
+    return (deleted ? deleted->itemCount.value : 0) + left();
 }
 
 ItemJudgement judgeMeasured(const ItemEvidence& evidence) {
@@ -136,7 +143,7 @@ ItemJudgement judgeCleaned(const ItemEvidence& evidence) {
         return judgement;
     }
     const bool wasEmpty =
-        evidence.before->itemCount.value == 0 && evidence.lookBefore.rows.value_or(0) == 0;
+        evidence.selected() == 0 && (!evidence.before || evidence.before->itemCount.value == 0);
     return unlessIncomplete(wasEmpty ? ItemVerdict::nothingThere : ItemVerdict::emptied, evidence);
 }
 

@@ -1,12 +1,14 @@
 #include "browsersweep/hosting/ItemSweep.h"
 
 #include <algorithm>
+#include <exception>
 #include <map>
 #include <system_error>
 #include <utility>
 
 #include "browsersweep/hosting/DatabaseState.h"
 #include "browsersweep/hosting/FailureKind.h"
+#include "browsersweep/platform/internal/posix/FileFacts.h"
 #include "browsersweep/sqlite/internal/NoRoom.h"
 
 namespace browsersweep {
@@ -66,6 +68,24 @@ std::filesystem::path placeOf(const CleanableData& item) {
     }
     const auto& path = found != places.end() ? found->path : places.front().path;
     return path.has_filename() ? path : path.parent_path();  // without a "/" at its end
+}
+
+/** Whether a transaction of one of its databases may wait to be finished or taken back. */
+bool hasJournal(const CleanableData& item) {
+    const auto databases = databasesOf(item);
+    return std::any_of(databases.begin(), databases.end(), [](std::filesystem::path database) {
+        std::error_code error;
+        return hasPendingChanges(database) ||
+               std::filesystem::exists(
+                   std::filesystem::symlink_status(database += "-journal", error));
+    });
+}
+
+/** What a clean deleted of an item's databases, as its control counted it. */
+CleanableDataSize rowsBetween(const OperationProgress& before, const OperationProgress& after,
+                              std::int64_t fileSize) {
+    const auto rows = static_cast<std::int64_t>(after.rows - before.rows);
+    return {{rows, true}, {rows > 0 ? fileSize : 0, true}};
 }
 
 bool differs(const std::optional<CleanableDataSize>& size,
@@ -237,7 +257,17 @@ CleanableDataSize ItemSweep::sizeOf(State& state, const SweepItem& item) const {
 }
 
 void ItemSweep::measureBefore(State& state, const SweepItem& item) {
-    state.before = sizeOf(state, item);
+    try {
+        state.before = sizeOf(state, item);
+    } catch (const std::exception& error) {
+        const bool isToBeCleaned = all_ != items_.size();
+        if (!isToBeCleaned || !options_.examines || !saysNoRoom(error) || !hasJournal(*item.data)) {
+            throw;
+        }
+        // A clean needs no copy: SQLite finishes or takes back in place what waits.
+        state.isUncounted = true;
+        return;
+    }
     if (options_.examines) {
         state.lookBefore = examine(*item.data, options_.filters);
     }
@@ -274,11 +304,12 @@ void ItemSweep::cleanOne(State& state, const SweepItem& item) {
 
 void ItemSweep::deleteFrom(State& state, const SweepItem& item) const {
     const auto counted = options_.control ? options_.control->progress() : OperationProgress{};
+    const std::int64_t fileSize = state.isUncounted ? posix::factsOf(placeOf(*item.data)).size : 0;
     try {
         item.data->clean(options_.filters);
     } catch (const OperationCancelled&) {
         if (options_.control) {
-            state.stoppedAfter = difference(counted, options_.control->progress());
+            state.deleted = difference(counted, options_.control->progress());
         }
         throw;
     } catch (...) {
@@ -289,6 +320,9 @@ void ItemSweep::deleteFrom(State& state, const SweepItem& item) const {
         item.data->cleanIgnoringErrors(options_.filters);
     }
     state.isCleaned = true;
+    if (state.isUncounted && options_.control) {
+        state.deleted = rowsBetween(counted, options_.control->progress(), fileSize);
+    }
 }
 
 /** What is gone of an item that was cleaned and not measured again: at most what was there. */
@@ -300,8 +334,8 @@ std::optional<CleanableDataSize> ItemSweep::figureOf(const State& state) const n
     if (state.after && state.before) {
         return *state.before - *state.after;
     }
-    if (state.stoppedAfter || state.isCleaned) {
-        return state.stoppedAfter ? state.stoppedAfter : whatWasThere(state);
+    if (state.deleted || state.isCleaned) {
+        return state.deleted ? state.deleted : whatWasThere(state);
     }
     const bool isMeasured = all_ == items_.size();
     return isMeasured && !state.error ? state.before : std::nullopt;
@@ -316,8 +350,9 @@ ItemResult ItemSweep::resultOf(const State& state, const SweepItem& item) const 
     const bool isMeasured = state.before && all_ == items_.size();
     ItemJudgement judgement;
     if (state.error || state.after) {
-        judgement = state.before && (state.after || state.isDeletion) ? judgeCleaned(state)
-                                                                      : judgeMeasured(state);
+        judgement = (state.before || state.isUncounted) && (state.after || state.isDeletion)
+                        ? judgeCleaned(state)
+                        : judgeMeasured(state);
     } else if (state.isCleaned) {
         judgement.verdict = ItemVerdict::emptied;
     } else if (isMeasured) {

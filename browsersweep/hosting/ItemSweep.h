@@ -75,8 +75,9 @@ struct SweepOptions {
     /**
      * Each item is examined too, before and after (`examine`), and the verdicts say so where a size
      * takes what cannot be seen for nothing; such sizes are marked approximate. A database that
-     * cannot be copied for want of room is counted without a copy. Takes the control's folders that
-     * were left out.
+     * cannot be copied for want of room is counted without a copy; where that cannot be done before
+     * a clean, because a transaction waits beside it, the clean itself counts. Takes the control's
+     * folders that were left out.
      */
     bool examines = false;
     /** The control of the items' home, whose counts tell what a stopped item had deleted. */

@@ -8,6 +8,7 @@ import struct
 import subprocess
 import sys
 import unittest
+from contextlib import closing
 
 from fixture import HANGS, PROGRAM, HostProgramTest, database, rows, write
 
@@ -28,6 +29,16 @@ def cookie_file(domain=b"one.example"):
     page = b"\0\0\1\0" + struct.pack("<III", 1, 16, 0) + record
     return (b"cook" + struct.pack(">II", 1, len(page)) + page + struct.pack(">I", 0)
             + struct.pack(">Q", 0x071720050000004B) + plistlib.dumps({}, fmt=plistlib.FMT_BINARY))
+
+
+INTERRUPTED = """import os, signal, sqlite3, sys
+connection = sqlite3.connect(sys.argv[1], isolation_level=None)
+connection.execute("PRAGMA cache_size = 1")
+connection.execute("BEGIN IMMEDIATE")
+connection.execute("DELETE FROM filling")
+connection.execute(f"DELETE FROM {sys.argv[2]}")
+connection.execute("INSERT INTO filling VALUES (hex(zeroblob(100000)))")
+os.kill(os.getpid(), signal.SIGKILL)"""
 
 
 class ItemsTest(HostProgramTest):
@@ -339,6 +350,73 @@ class FullTemporaryFolder(ItemsTest):
         item = self.items(self.checked_document(completed.stdout, "clean"), "Default/History")[0]
         self.assertEqual((item["verdict"], rows(self.history, "SELECT count(*) FROM urls")),
                          ("emptied", [(0,)]), completed.stderr)
+
+    def run_without_room(self, *arguments):
+        return subprocess.run(
+            ["unshare", "--mount", "sh", "-c",
+             'mount -t tmpfs -o size=8k none "$1" && shift && exec "$@"', "sh", self.temporary,
+             *self.command("--json", *arguments)],
+            env=self.environment, capture_output=True, check=False, timeout=HANGS)
+
+    def interrupt(self, file, table):
+        """Kills a writer in the middle of deleting all rows; how many there were."""
+        with closing(sqlite3.connect(file, isolation_level=None)) as connection:
+            connection.execute("PRAGMA journal_mode = DELETE")
+            connection.execute("CREATE TABLE filling (text)")
+            connection.execute("INSERT INTO filling VALUES (hex(zeroblob(100000)))")
+            count = connection.execute(f"SELECT count(*) FROM {table}").fetchone()[0]
+        subprocess.run([sys.executable, "-c", INTERRUPTED, file, table], check=False, timeout=HANGS)
+        self.assertGreater(os.path.getsize(f"{file}-journal"), 512)
+        self.assertGreater(count, 0)
+        return count
+
+    def of_interrupted(self):
+        """Options and file of a database of each browser, with its rows."""
+        firefox, safari = self.support / "Firefox", self.home / "Library/Safari/History.db"
+        write(firefox / "profiles.ini", b"[Profile0]\nName=work\nIsRelative=1\nPath=Profiles/work\n")
+        (firefox / "Profiles/work").mkdir(parents=True)
+        places = firefox / "Profiles/work/places.sqlite"
+        database(places, "CREATE TABLE moz_places (id INTEGER PRIMARY KEY, url TEXT,"
+                 " last_visit_date INTEGER, foreign_count INTEGER)",
+                 "CREATE TABLE moz_historyvisits (place_id INTEGER, visit_date INTEGER)",
+                 "INSERT INTO moz_historyvisits VALUES (1, 1), (1, 2)")
+        database(safari, "CREATE TABLE history_items (id INTEGER PRIMARY KEY, url TEXT)",
+                 "CREATE TABLE history_visits (id INTEGER, history_item INTEGER, visit_time REAL)",
+                 "INSERT INTO history_items VALUES (1, 'https://one.example/')",
+                 "INSERT INTO history_visits VALUES (1, 1, 1), (2, 1, 2)")
+        for options, file, table in (
+                (HISTORY, self.history, "urls"),
+                (("--browser=firefox", "--category=history"), places, "moz_historyvisits"),
+                ((SAFARI, "--category=history"), safari, "history_visits")):
+            with self.subTest(file=file):
+                yield options, file, table, self.interrupt(file, table)
+
+    def test_what_was_not_finished_is_not_counted_where_it_lies(self):
+        for options, file, _, _ in self.of_interrupted():
+            completed = self.run_without_room("size", *options)
+            item = self.items(self.checked_document(completed.stdout, "size"), f"/{file.name}")[0]
+            self.assertEqual((completed.returncode, item["verdict"], item["size"]),
+                             (1, "couldNotLook", None), completed.stderr)
+            self.assertTrue(os.path.getsize(f"{file}-journal"))
+
+    def test_a_database_with_an_unfinished_journal_is_cleaned_all_the_same(self):
+        for options, file, table, count in self.of_interrupted():
+            completed = self.run_without_room("clean", "--yes", *options)
+            item = self.items(self.checked_document(completed.stdout, "clean"), f"/{file.name}")[0]
+            self.assertEqual((completed.returncode, item["verdict"]), (0, "emptied"),
+                             completed.stderr)
+            removed = item["removed"]["itemCount"]
+            self.assertTrue(removed["isApproximate"])
+            self.assertGreaterEqual(removed["value"], count)
+            self.assertEqual(rows(file, f"SELECT count(*) FROM {table}"), [(0,)])
+            self.assertFalse(os.path.exists(f"{file}-journal"))
+
+    def test_what_was_not_finished_is_not_forgotten_and_that_is_told(self):
+        count = self.interrupt(self.history, "urls")
+        completed = self.run_without_room("forget", "--all", "--yes", CHROMIUM)
+        self.assertEqual((completed.returncode, rows(self.history, "SELECT count(*) FROM urls")),
+                         (1, [(count,)]), completed.stderr)
+        self.assertIn(str(self.history), completed.stderr.decode())
 
     def test_on_a_full_disk_what_stays_is_told(self):
         """The home itself lies on a disk without room: a journal cannot be made there."""

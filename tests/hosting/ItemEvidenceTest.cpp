@@ -37,6 +37,21 @@ TEST_F(ItemEvidenceTest, rowsThatWereSeenCountMoreThanASizeOfTheMainFile) {
     EXPECT_EQ(judgeCleaned(evidence).verdict, ItemVerdict::couldNotDelete);
 }
 
+TEST_F(ItemEvidenceTest, whatWasNotCountedBeforeIsWhatWentAndWhatIsLeft) {
+    ItemEvidence evidence;
+    evidence.isUncounted = true;
+    evidence.deleted = CleanableDataSize{{3, true}, {30, true}};
+    evidence.after = CleanableDataSize::zero;
+    EXPECT_EQ(judgeCleaned(evidence).verdict, ItemVerdict::emptied);
+    evidence.after = CleanableDataSize{{2}, {20}};
+    EXPECT_EQ(judgeCleaned(evidence).verdict, ItemVerdict::partlyEmptied);
+    EXPECT_EQ(judgeCleaned(evidence).detail, "2 of 5 are still there");
+    evidence.deleted.reset();
+    EXPECT_EQ(judgeCleaned(evidence).verdict, ItemVerdict::couldNotDelete);
+    evidence.after = CleanableDataSize::zero;
+    EXPECT_EQ(judgeCleaned(evidence).verdict, ItemVerdict::nothingThere);
+}
+
 TEST_F(ItemEvidenceTest, onlyALockSaysThatAnItemIsHeld) {
     auto evidence = cleaned(3, 3);
     evidence.isHeld = true;
