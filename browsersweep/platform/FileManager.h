@@ -48,6 +48,9 @@ struct FolderEntry {
     Kind kind = Kind::other;       ///< what it is
     std::uint64_t size = 0;        ///< in bytes; 0 for what is no file
     std::optional<Date> modified;  ///< when it was last written, to the second
+    std::uint64_t number = 0;      ///< the file system's own for it; 0 where it is not told
+    /** When it, or what the system records of it, was last changed, to the second. */
+    std::optional<Date> changed{};
 
     /** Whether all fields are equal. */
     friend bool operator==(const FolderEntry&, const FolderEntry&) = default;

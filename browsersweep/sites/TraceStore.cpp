@@ -26,4 +26,8 @@ bool TraceStore::needsKnownHosts() const noexcept {
     return false;
 }
 
+std::shared_ptr<const TraceStore> TraceStore::remembering() const {
+    return nullptr;
+}
+
 }  // namespace browsersweep

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <set>
 #include <string>
 #include <vector>
@@ -61,8 +62,9 @@ struct ForgetOutcome {
 
 /**
  * One place where a browser's profile keeps traces of sites: a database, a folder, a document with
- * all that belongs to it. Knows no state: each call looks at the files afresh, through the file
- * manager that it was made with, whose control is asked between steps.
+ * all that belongs to it. Knows no state, but where `remembering` gives one that does: each call
+ * looks at the files afresh, through the file manager that it was made with, whose control is asked
+ * between steps.
  *
  * Listing changes nothing below the home and leaves nothing in the temporary folder. Forgetting
  * leaves each file old or new, whenever it is interrupted, and the next call does the rest.
@@ -100,6 +102,13 @@ public:
      * was removed by then stays removed.
      */
     virtual ForgetOutcome forget(const ForgetRequest& request) const = 0;
+
+    /**
+     * The same place for one operation that lists it, forgets and lists it again: what was read of
+     * a file is not read again for as long as the system says that the file is unchanged. Null
+     * where there would be no difference. Not for several threads at once.
+     */
+    virtual std::shared_ptr<const TraceStore> remembering() const;
 };
 
 }  // namespace browsersweep

@@ -62,7 +62,15 @@ TEST_F(FileManagerFolders, entriesAreTheDirectOnesAndTellWhatTheyAre) {
     ASSERT_EQ(entries.size(), 3U);
     EXPECT_EQ(entries[0].kind, Kind::other);
     EXPECT_EQ(entries[0].size, 0U);
-    EXPECT_EQ(entries[1], (FolderEntry{"old", Kind::file, 3, dateFrom1970Seconds(7)}));
+    struct stat status = {};
+    ASSERT_EQ(::lstat((store / "old").c_str(), &status), 0);
+    const FolderEntry expected{"old",
+                               Kind::file,
+                               3,
+                               dateFrom1970Seconds(7),
+                               status.st_ino,
+                               dateFrom1970Seconds(static_cast<double>(status.st_ctime))};
+    EXPECT_EQ(entries[1], expected);
     EXPECT_EQ(entries[2].kind, Kind::folder);
     EXPECT_EQ(entries[2].size, 0U);
 }

@@ -49,9 +49,12 @@ public:
         return outcome;
     }
 
+    std::shared_ptr<const TraceStore> remembering() const override { return forOneOperation; }
+
     mutable TraceListing listing;
     mutable KnownHosts given;  ///< with the last call
     std::set<TraceKind> ofKinds{TraceKind::history};
+    std::shared_ptr<const TraceStore> forOneOperation;  ///< what remembers in its place
     bool isOfHashes = false;
     bool doesForget = true;
     ForgetOutcome outcome;

@@ -133,7 +133,16 @@ void stop(StoreForgetting& result) {
 
 ForgetSweep::ForgetSweep(std::vector<SweepStore> stores, ForgetOptions options,
                          StoreProgress progress)
-    : stores_(std::move(stores)), options_(std::move(options)), progress_(std::move(progress)) {}
+    : stores_(std::move(stores)), options_(std::move(options)), progress_(std::move(progress)) {
+    if (options_.request.sites.isEverything()) {
+        return;  // where everything goes nothing is read twice
+    }
+    for (SweepStore& each : stores_) {
+        if (auto remembering = each.store->remembering()) {
+            each.store = std::move(remembering);
+        }
+    }
+}
 
 SiteInventory ForgetSweep::inventoryOf(StoreProgress progress) const {
     auto kinds = options_.request.kinds;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 #include <optional>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -46,6 +47,10 @@ std::optional<std::string> digestIn(std::string_view text) {
     return std::nullopt;
 }
 
+std::string_view keyOrNothing(const SimpleCacheFile& file) noexcept {
+    return file.key ? std::string_view(*file.key) : std::string_view();
+}
+
 /** A cache's entries: whose they are, those under a digest by who refers to them. */
 class Entries {
 public:
@@ -56,10 +61,11 @@ public:
     };
 
     Entries(const SimpleCache& cache, const FileManager& fileManager) {
-        isInBlocks_ = !cache.visit([&](const SimpleCacheFile& file) {
-            const std::string key = file.key.value_or("");
-            entries_.push_back({file, hostsIn(SiteForm::networkKey, key), {}});
+        isInBlocks_ = !cache.visit([&](SimpleCacheFile&& file) {
+            const std::string_view key = keyOrNothing(file);
             hasDigests_ = hasDigests_ || isDigest(key);
+            auto hosts = hostsIn(SiteForm::networkKey, key);
+            entries_.push_back({std::move(file), std::move(hosts), {}});
         });
         if (hasDigests_) {
             findUsers(cache, fileManager);
@@ -75,8 +81,7 @@ private:
     void findUsers(const SimpleCache& cache, const FileManager& fileManager) {
         std::map<std::string, std::vector<std::vector<std::string>>, std::less<>> users;
         for (const Entry& entry : entries_) {
-            const std::string key = entry.file.key.value_or("");
-            if (isDigest(key) || entry.file.size > longestReference) {
+            if (isDigest(keyOrNothing(entry.file)) || entry.file.size > longestReference) {
                 continue;
             }
             const Bytes bytes =
@@ -86,7 +91,7 @@ private:
             }
         }
         for (Entry& entry : entries_) {
-            const auto found = users.find(entry.file.key.value_or(""));
+            const auto found = users.find(keyOrNothing(entry.file));
             if (found != users.end()) {
                 entry.users = found->second;
             }
@@ -99,13 +104,13 @@ private:
 };
 
 /** An address of one site may hold another one's name, as what was typed into a search does. */
-bool isNamedIn(const std::string& key, const SiteSelection& selection) {
+bool isNamedIn(std::string_view key, const SiteSelection& selection) {
     return selection.isOnly() && namesAny(key, selection.sites());
 }
 
 /** What somebody who stays refers to, stays; what nobody refers to is of no use to anybody. */
 bool isGoing(const Entries::Entry& entry, SiteMatcher& matcher) {
-    const std::string key = entry.file.key.value_or("");
+    const std::string_view key = keyOrNothing(entry.file);
     if (!isDigest(key)) {
         return matcher.selectsHosts(entry.hosts) || isNamedIn(key, matcher.selection());
     }
@@ -128,8 +133,14 @@ std::set<std::string, std::less<>> namesOfGoing(const Entries& entries,
 
 }  // namespace
 
-CacheStore::CacheStore(std::filesystem::path folder, std::shared_ptr<const FileManager> fileManager)
-    : fileManager_(std::move(fileManager)), cache_(std::move(folder), fileManager_) {}
+CacheStore::CacheStore(std::filesystem::path folder, std::shared_ptr<const FileManager> fileManager,
+                       std::shared_ptr<KeyMemory> memory)
+    : fileManager_(std::move(fileManager)),
+      cache_(std::move(folder), fileManager_, std::move(memory)) {}
+
+std::shared_ptr<const TraceStore> CacheStore::remembering() const {
+    return std::make_shared<CacheStore>(path(), fileManager_, std::make_shared<KeyMemory>());
+}
 
 TraceListing CacheStore::list(const KnownHosts& /*knownHosts*/) const {
     const Entries entries(cache_, *fileManager_);

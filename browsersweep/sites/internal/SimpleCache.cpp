@@ -39,7 +39,7 @@ std::size_t lengthOfKey(std::string_view header) noexcept {
 }
 
 /** What is damaged, or gone by now, has no key. */
-std::optional<std::string> keyOf(const FileManager& fileManager, const fs::path& file) {
+std::optional<std::string> keyIn(const FileManager& fileManager, const fs::path& file) {
     Bytes bytes = firstBytesIfThere(fileManager, file, usualSize);
     if (bytes.size() < headerSize || !textOf(bytes).starts_with(magic)) {
         return std::nullopt;
@@ -59,11 +59,23 @@ std::optional<std::string> keyOf(const FileManager& fileManager, const fs::path&
 
 }  // namespace
 
-SimpleCache::SimpleCache(fs::path folder, std::shared_ptr<const FileManager> fileManager)
-    : folder_(std::move(folder)), fileManager_(std::move(fileManager)) {}
+SimpleCache::SimpleCache(fs::path folder, std::shared_ptr<const FileManager> fileManager,
+                         std::shared_ptr<KeyMemory> memory)
+    : folder_(std::move(folder)),
+      fileManager_(std::move(fileManager)),
+      memory_(std::move(memory)) {}
 
-bool SimpleCache::visit(const std::function<void(const SimpleCacheFile&)>& visit) const {
+std::optional<std::string> SimpleCache::keyOf(const FolderEntry& entry, Date beforeListing) const {
+    if (entry.kind != FolderEntry::Kind::file) {
+        return std::nullopt;
+    }
+    const auto read = [&] { return keyIn(*fileManager_, folder_ / entry.name); };
+    return memory_ ? memory_->keyOf(entry, beforeListing, read) : read();
+}
+
+bool SimpleCache::visit(const std::function<void(SimpleCacheFile&&)>& visit) const {
     const auto control = fileManager_->control();
+    const Date beforeListing = ReferenceClock::now();
     auto entries = fileManager_->entries(folder_);
     if (std::any_of(entries.begin(), entries.end(), isPartOfBlocks)) {
         return false;
@@ -71,9 +83,7 @@ bool SimpleCache::visit(const std::function<void(const SimpleCacheFile&)>& visit
     for (FolderEntry& entry : entries) {
         continueOrThrow(control.get());
         if (entry.kind != FolderEntry::Kind::folder && isEntryName(entry.name)) {
-            auto key = entry.kind == FolderEntry::Kind::file
-                           ? keyOf(*fileManager_, folder_ / entry.name)
-                           : std::nullopt;
+            auto key = keyOf(entry, beforeListing);
             visit({std::move(entry.name), std::move(key), entry.size, entry.modified});
         }
     }

@@ -10,6 +10,7 @@
 
 #include "browsersweep/base/Date.h"
 #include "browsersweep/platform/FileManager.h"
+#include "browsersweep/sites/internal/KeyMemory.h"
 
 namespace browsersweep {
 
@@ -28,7 +29,9 @@ struct SimpleCacheFile {
  */
 class SimpleCache {
 public:
-    SimpleCache(std::filesystem::path folder, std::shared_ptr<const FileManager> fileManager);
+    /** With a memory, which may be null, a key that was read is not read again. */
+    SimpleCache(std::filesystem::path folder, std::shared_ptr<const FileManager> fileManager,
+                std::shared_ptr<KeyMemory> memory = nullptr);
 
     /** Where it lies. */
     const std::filesystem::path& folder() const noexcept { return folder_; }
@@ -38,14 +41,17 @@ public:
 
     /** Visits the files of all entries, in no certain order. False, and no visit, where files of
      * the older format are there. Throws `filesystem_error` and what the control throws. */
-    bool visit(const std::function<void(const SimpleCacheFile&)>& visit) const;
+    bool visit(const std::function<void(SimpleCacheFile&&)>& visit) const;
 
     /** Deletes files by their names and, if there are any, the index. Throws as above. */
     void remove(const std::set<std::string, std::less<>>& names) const;
 
 private:
+    std::optional<std::string> keyOf(const FolderEntry& entry, Date beforeListing) const;
+
     std::filesystem::path folder_;
     std::shared_ptr<const FileManager> fileManager_;
+    std::shared_ptr<KeyMemory> memory_;
 };
 
 }  // namespace browsersweep

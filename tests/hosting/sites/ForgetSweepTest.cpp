@@ -73,6 +73,17 @@ TEST_F(ForgetSweepTest, forgetsStoreByStoreAndListsEachAgain) {
     EXPECT_EQ(first_->listing, (TraceListing{{traceOf("a.com")}, {}}));
 }
 
+TEST_F(ForgetSweepTest, aStoreThatCanRememberDoesSoForOneSweepUnlessAllGoes) {
+    const auto remembering = store("remembering", {{traceOf("a.com")}, {}});
+    first_->forOneOperation = remembering;
+    sweep(SiteSelection::only({a})).forget();
+    EXPECT_EQ(*record_, (Steps{"list remembering", "list second", "forget remembering",
+                               "list remembering", "forget second", "list second"}));
+    record_->clear();
+    sweep(SiteSelection::everything()).plan();
+    EXPECT_EQ(*record_, (Steps{"list first", "list second"}));
+}
+
 TEST_F(ForgetSweepTest, aStoreWithoutWhatWasListedIsAskedForItsRemains) {
     const auto result = sweep(SiteSelection::only({a})).forget();
     EXPECT_EQ(record_->at(4), "forget second");

@@ -13,6 +13,7 @@
 
 #include "tests/support/CacheEntry.h"
 #include "tests/support/FaultyFileManager.h"
+#include "tests/support/ForwardingFileManager.h"
 #include "tests/support/LevelRecords.h"
 #include "tests/support/SiteStores.h"
 
@@ -266,6 +267,69 @@ TEST_P(Caches, whereNothingGoesTheIndexStays) {
     const auto before = home.folder.snapshot();
     inCache(GetParam())->forget(only({"other.com"}));
     EXPECT_EQ(home.folder.snapshot(), before);
+}
+
+/** Tells of all files that they were changed long ago, and counts what is read of them. */
+class OldFiles : public tests::ForwardingFileManager {
+public:
+    using ForwardingFileManager::ForwardingFileManager;
+
+    std::vector<FolderEntry> entries(const fs::path& directory) const override {
+        auto found = ForwardingFileManager::entries(directory);
+        for (FolderEntry& entry : found) {
+            entry.changed = dateFrom1970Seconds(5);
+        }
+        return found;
+    }
+    Bytes firstBytes(const fs::path& path, std::size_t count) const override {
+        read.push_back(path.filename().string());
+        return ForwardingFileManager::firstBytes(path, count);
+    }
+
+    mutable Lines read;
+};
+
+TEST_P(Caches, anOperationReadsTheKeyOfAnUnchangedEntryOnce) {
+    const auto files = std::make_shared<OldFiles>(home.manager);
+    const auto remembering =
+        tests::storeAt(folderStores(home.folders, files), folder())->remembering();
+    remembering->list({});
+    EXPECT_EQ(std::set(files->read.begin(), files->read.end()).size(), 5U);
+    files->read.clear();
+    EXPECT_EQ(remembering->forget(only({"c.com"})), ForgetOutcome());
+    EXPECT_EQ(tests::inShort(remembering->list({})),
+              (Lines{"a.com cachedFiles 2", "b.com cachedFiles 1", "? cachedFiles 1"}));
+    EXPECT_EQ(files->read, Lines());
+}
+
+TEST_P(Caches, anOperationReadsAnEntryAgainThatAnotherOneTookThePlaceOf) {
+    const auto files = std::make_shared<OldFiles>(home.manager);
+    const auto remembering =
+        tests::storeAt(folderStores(home.folders, files), folder())->remembering();
+    remembering->list({});
+    const auto keyOf = [](const std::string& host) {
+        return cacheEntry("1/0/_dk_https://" + host + " https://" + host + " https://" + host, "x");
+    };
+    const std::string ofA = "00000000000000aa_0";
+    const std::string ofB = "00000000000000bb_s";
+    fs::rename(home.write(at("new"), keyOf("d.com")), folder() / ofA);
+    fs::rename(home.write(at("new"), keyOf("a.com")), folder() / ofB);
+    files->read.clear();
+    EXPECT_EQ(remembering->forget(only({"a.com"})), ForgetOutcome());
+    EXPECT_EQ(std::set(files->read.begin(), files->read.end()), (std::set{ofA, ofB}));
+    EXPECT_EQ(namesIn(folder()), (Lines{ofA, "00000000000000dd_0", "index", "index-dir"}));
+    EXPECT_EQ(tests::inShort(remembering->list({})),
+              (Lines{"d.com cachedFiles 1", "? cachedFiles 1"}));
+}
+
+TEST_P(Caches, aStoreThatWasNotAskedToRememberReadsAllAfresh) {
+    const auto files = std::make_shared<OldFiles>(home.manager);
+    const auto plain = tests::storeAt(folderStores(home.folders, files), folder());
+    plain->list({});
+    const auto before = std::exchange(files->read, {});
+    plain->list({});
+    EXPECT_EQ(std::multiset(files->read.begin(), files->read.end()),
+              std::multiset(before.begin(), before.end()));
 }
 
 TEST_P(Caches, everythingIsTheFolderItself) {

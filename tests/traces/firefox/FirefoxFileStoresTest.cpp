@@ -13,6 +13,7 @@
 #include "browsersweep/traces/firefox/internal/FirefoxFileStores.h"
 
 #include "tests/support/Bytes.h"
+#include "tests/support/ForwardingFileManager.h"
 #include "tests/support/SiteStores.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -199,6 +200,43 @@ TEST_F(FirefoxCache, entriesThatNameASiteGoAndWithThemTheIndexAndWhatIsOnItsWayO
     EXPECT_EQ(namesIn(folder / "entries"), Lines{"BB"});
     store(folder)->forget(everything());
     EXPECT_FALSE(fs::exists(folder));
+}
+
+/** Tells of all files that they were changed long ago, and counts what is read of them. */
+class OldFiles : public tests::ForwardingFileManager {
+public:
+    using ForwardingFileManager::ForwardingFileManager;
+
+    std::vector<FolderEntry> entries(const fs::path& directory) const override {
+        auto found = ForwardingFileManager::entries(directory);
+        for (FolderEntry& entry : found) {
+            entry.changed = dateFrom1970Seconds(5);
+        }
+        return found;
+    }
+    Bytes lastBytes(const fs::path& path, std::size_t count) const override {
+        read.push_back(path.filename().string());
+        return ForwardingFileManager::lastBytes(path, count);
+    }
+
+    mutable Lines read;
+};
+
+TEST_F(FirefoxCache, anOperationReadsTheKeyOfAnEntryOnceUnlessAnotherOneTakesItsPlace) {
+    const auto files = std::make_shared<OldFiles>(home.manager);
+    const FirefoxCacheStore plain(folder, files);
+    const auto remembering = plain.remembering();
+    remembering->list({});
+    EXPECT_EQ(files->read.size(), 6U);
+    const auto file = home.write("cache:cache2/new", cacheFile("a,:https://c.com/", "of c"));
+    fs::rename(file, folder / "entries/AB");
+    files->read.clear();
+    EXPECT_EQ(remembering->forget(only({"a.com"})), ForgetOutcome());
+    EXPECT_EQ(files->read, Lines{"AB"});
+    EXPECT_EQ(namesIn(folder / "entries"), (Lines{"AB", "BB"}));
+    EXPECT_EQ(tests::inShort(remembering->list({})),
+              (Lines{"b.com cachedFiles 1", "c.com cachedFiles 1"}));
+    EXPECT_EQ(files->read, Lines{"AB"});
 }
 
 TEST_F(FirefoxCache, aLinkAmongTheEntriesIsCountedAndGoesUnread) {

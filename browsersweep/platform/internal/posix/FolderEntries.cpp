@@ -31,8 +31,12 @@ std::optional<FolderEntry> examined(const FileDescriptor& folder, const char* na
     }
     const auto kind = kindOf(status);
     const bool isFile = kind == FolderEntry::Kind::file;
-    return FolderEntry{name, kind, isFile ? static_cast<std::uint64_t>(status.st_size) : 0,
-                       dateFrom1970Seconds(static_cast<double>(status.st_mtime))};
+    return FolderEntry{name,
+                       kind,
+                       isFile ? static_cast<std::uint64_t>(status.st_size) : 0,
+                       dateFrom1970Seconds(static_cast<double>(status.st_mtime)),
+                       static_cast<std::uint64_t>(status.st_ino),
+                       dateFrom1970Seconds(static_cast<double>(status.st_ctime))};
 }
 
 }  // namespace

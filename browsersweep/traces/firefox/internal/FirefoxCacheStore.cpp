@@ -89,11 +89,19 @@ std::vector<std::string> hostsInFirefoxCacheKey(const std::string& key) {
 }
 
 FirefoxCacheStore::FirefoxCacheStore(std::filesystem::path folder,
-                                     std::shared_ptr<const FileManager> fileManager)
-    : folder_(std::move(folder)), fileManager_(std::move(fileManager)) {}
+                                     std::shared_ptr<const FileManager> fileManager,
+                                     std::shared_ptr<KeyMemory> memory)
+    : folder_(std::move(folder)),
+      fileManager_(std::move(fileManager)),
+      memory_(std::move(memory)) {}
+
+std::shared_ptr<const TraceStore> FirefoxCacheStore::remembering() const {
+    return std::make_shared<FirefoxCacheStore>(folder_, fileManager_,
+                                               std::make_shared<KeyMemory>());
+}
 
 // The contents, which may be long, are not read, and most files are opened once.
-std::string FirefoxCacheStore::keyOf(const std::filesystem::path& file, std::uint64_t size) const {
+std::string FirefoxCacheStore::keyIn(const std::filesystem::path& file, std::uint64_t size) const {
     constexpr std::size_t usual = 16384;
     const Bytes end = lastBytesIfThere(*fileManager_, file, usual);
     const std::size_t length = lengthOfFirefoxCacheMetadata(end, size);
@@ -103,14 +111,22 @@ std::string FirefoxCacheStore::keyOf(const std::filesystem::path& file, std::uin
     return keyInFirefoxCacheMetadata(BytesView(end).last(length));
 }
 
+std::string FirefoxCacheStore::keyOf(const FolderEntry& entry, Date beforeListing) const {
+    if (entry.kind != FolderEntry::Kind::file) {
+        return {};
+    }
+    const auto read = [&] { return keyIn(folder_ / "entries" / entry.name, entry.size); };
+    return memory_ ? memory_->keyOf(entry, beforeListing, read).value_or("") : read();
+}
+
 void FirefoxCacheStore::visitEntries(const Visit& visit) const {
     const auto control = fileManager_->control();
     const auto entries = folder_ / "entries";
+    const Date beforeListing = ReferenceClock::now();
     for (const FolderEntry& entry : fileManager_->entries(entries)) {
         continueOrThrow(control.get());
         if (entry.kind != FolderEntry::Kind::folder) {
-            const bool isFile = entry.kind == FolderEntry::Kind::file;
-            visit(entry, isFile ? keyOf(entries / entry.name, entry.size) : std::string());
+            visit(entry, keyOf(entry, beforeListing));
         }
     }
 }

@@ -11,6 +11,7 @@
 
 #include "browsersweep/platform/FileManager.h"
 #include "browsersweep/sites/TraceStore.h"
+#include "browsersweep/sites/internal/KeyMemory.h"
 
 namespace browsersweep {
 
@@ -20,22 +21,27 @@ namespace browsersweep {
  */
 class FirefoxCacheStore : public TraceStore {
 public:
-    FirefoxCacheStore(std::filesystem::path folder, std::shared_ptr<const FileManager> fileManager);
+    /** With a memory, which may be null, a key that was read is not read again. */
+    FirefoxCacheStore(std::filesystem::path folder, std::shared_ptr<const FileManager> fileManager,
+                      std::shared_ptr<KeyMemory> memory = nullptr);
 
     std::filesystem::path path() const override { return folder_; }
     std::set<TraceKind> kinds() const override { return {TraceKind::cachedFiles}; }
     TraceListing list(const KnownHosts& knownHosts) const override;
     ForgetOutcome forget(const ForgetRequest& request) const override;
+    std::shared_ptr<const TraceStore> remembering() const override;
 
 private:
     using Visit = std::function<void(const FolderEntry&, const std::string& key)>;
 
-    std::string keyOf(const std::filesystem::path& file, std::uint64_t size) const;
+    std::string keyIn(const std::filesystem::path& file, std::uint64_t size) const;
+    std::string keyOf(const FolderEntry& entry, Date beforeListing) const;
     void visitEntries(const Visit& visit) const;
     void removeWhatNobodyNeeds() const;
 
     std::filesystem::path folder_;
     std::shared_ptr<const FileManager> fileManager_;
+    std::shared_ptr<KeyMemory> memory_;
 };
 
 /**
