@@ -14,7 +14,6 @@
 #include "browsersweep/hosting/FailureKind.h"
 #include "browsersweep/platform/Accessibility.h"
 #include "browsersweep/platform/internal/posix/FileFacts.h"
-#include "browsersweep/platform/internal/posix/WithoutDownloads.h"
 #include "browsersweep/sqlite/DatabaseInspection.h"
 #include "browsersweep/sqlite/SQLiteError.h"
 
@@ -152,34 +151,6 @@ fs::path fileOf(const CleanableData& item) {
     return places.empty() ? fs::path() : places.front().path;
 }
 
-/** Not by one deep walk: it ends at the first folder that it may not list. */
-std::int64_t allocatedBytesBelow(const fs::path& root, OperationControl* control) {
-    const posix::WithoutDownloads whileListing;
-    std::error_code error;
-    std::vector<fs::path> folders;
-    // A link in the folder's place is not entered by a clean either.
-    if (!fs::is_symlink(root.has_filename() ? root : root.parent_path(), error)) {
-        folders.push_back(root);
-    }
-    std::int64_t sum = 0;
-    while (!folders.empty()) {
-        fs::directory_iterator entry(folders.back(), error);
-        folders.pop_back();
-        for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-            if (control != nullptr && control->shouldStop()) {
-                return sum;
-            }
-            sum += posix::allocatedBytes(entry->path());
-            // What the listing told of its kind: nothing is asked for a second time.
-            std::error_code unknown;
-            if (!entry->is_symlink(unknown) && entry->is_directory(unknown)) {
-                folders.push_back(entry->path());
-            }
-        }
-    }
-    return sum;
-}
-
 std::int64_t allocatedBytesOfDatabase(const fs::path& file) {
     constexpr std::array<std::string_view, 4> parts{"", "-wal", "-shm", "-journal"};
     std::int64_t sum = 0;
@@ -239,7 +210,7 @@ std::int64_t allocatedBytes(const CleanableData& item, OperationControl* control
     std::int64_t sum = 0;
     for (const CleanableDataLocation& place : item.locations()) {
         if (place.kind == Kind::folder) {
-            sum += allocatedBytesBelow(place.path, control);
+            sum += posix::allocatedBytesBelow(place.path, control);
         } else if (place.kind == Kind::file) {
             sum += posix::allocatedBytes(place.path);
         } else {
@@ -250,7 +221,8 @@ std::int64_t allocatedBytes(const CleanableData& item, OperationControl* control
 }
 
 std::int64_t allocatedBytes(const fs::path& place, OperationControl* control) {
-    return isFolder(place) ? allocatedBytesBelow(place, control) : allocatedBytesOfDatabase(place);
+    return isFolder(place) ? posix::allocatedBytesBelow(place, control)
+                           : allocatedBytesOfDatabase(place);
 }
 
 }  // namespace browsersweep

@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstddef>
+#include <optional>
 #include <span>
+#include <utility>
+#include <vector>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -11,8 +14,10 @@
 #include <unistd.h>
 
 #include "browsersweep/base/Bytes.h"
+#include "browsersweep/platform/internal/posix/DirectoryListing.h"
 #include "browsersweep/platform/internal/posix/FileDescriptor.h"
 #include "browsersweep/platform/internal/posix/SystemCalls.h"
+#include "browsersweep/platform/internal/posix/WithoutDownloads.h"
 
 namespace browsersweep::posix {
 namespace {
@@ -31,6 +36,38 @@ std::size_t fill(const FileDescriptor& file, Bytes& bytes, const std::filesystem
         used += more;
     }
     return used;
+}
+
+std::int64_t allocatedBytes(const struct stat& status) noexcept {
+    constexpr std::int64_t blockSize = 512;  // st_blocks counts in these, whatever the disk uses
+    const bool isCounted = !S_ISDIR(status.st_mode) && status.st_nlink == 1;
+    return isCounted ? static_cast<std::int64_t>(status.st_blocks) * blockSize : 0;
+}
+
+using Paths = std::vector<std::filesystem::path>;
+
+/** Of one folder's files; its folders are added to those that are still to be looked through. */
+std::int64_t allocatedBytesIn(const std::filesystem::path& path, DirectoryListing& listing,
+                              Paths& folders, OperationControl* control) {
+    const FileDescriptor folder(restarting(
+        [&] { return ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC); }));
+    std::int64_t sum = 0;
+    if (!folder) {
+        return sum;
+    }
+    listing.start(folder.number());
+    std::optional<ListedEntry> entry;
+    while (!listing.next(entry) && entry && (control == nullptr || !control->shouldStop())) {
+        struct stat status = {};
+        if (::fstatat(folder.number(), entry->name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
+            continue;
+        }
+        sum += allocatedBytes(status);
+        if (S_ISDIR(status.st_mode)) {
+            folders.push_back(path / entry->name);
+        }
+    }
+    return sum;
 }
 
 }  // namespace
@@ -53,11 +90,22 @@ FileFacts factsOf(const char* path) noexcept {
 }
 
 std::int64_t allocatedBytes(const std::filesystem::path& file) noexcept {
-    constexpr std::int64_t blockSize = 512;  // st_blocks counts in these, whatever the disk uses
     struct stat status = {};
-    const bool isCounted =
-        ::lstat(file.c_str(), &status) == 0 && !S_ISDIR(status.st_mode) && status.st_nlink == 1;
-    return isCounted ? static_cast<std::int64_t>(status.st_blocks) * blockSize : 0;
+    return ::lstat(file.c_str(), &status) == 0 ? allocatedBytes(status) : 0;
+}
+
+// Not by the walk of the file manager: that ends at the first folder that it may not list.
+std::int64_t allocatedBytesBelow(const std::filesystem::path& folder, OperationControl* control) {
+    const WithoutDownloads whileListing;
+    std::int64_t sum = 0;
+    DirectoryListing listing;
+    Paths folders{folder.has_filename() ? folder : folder.parent_path()};
+    while (!folders.empty() && (control == nullptr || !control->shouldStop())) {
+        const std::filesystem::path next = std::move(folders.back());
+        folders.pop_back();
+        sum += allocatedBytesIn(next, listing, folders, control);
+    }
+    return sum;
 }
 
 std::uint64_t markOfContents(const std::filesystem::path& path, OperationControl* control) {

@@ -38,6 +38,13 @@ inline FileFacts factsOf(const std::filesystem::path& path) noexcept {
 std::int64_t allocatedBytes(const std::filesystem::path& file) noexcept;
 
 /**
+ * The same of all that a folder and its folders hold. Links are not followed, the folder's own
+ * neither; what cannot be listed counts as nothing. The control, which may be null, is asked
+ * between files: where it stops, the sum is that of what was seen.
+ */
+std::int64_t allocatedBytesBelow(const std::filesystem::path& folder, OperationControl* control);
+
+/**
  * A number that another content of a regular file would hardly have; not where somebody looks for
  * one. The control, which may be null, is asked between pieces. Throws `filesystem_error` and
  * `OperationCancelled`.

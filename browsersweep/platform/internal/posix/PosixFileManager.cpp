@@ -35,7 +35,11 @@ FileDescriptor openRegularFile(const std::filesystem::path& path, struct stat& s
 Bytes readUpTo(std::size_t count, const FileDescriptor& file, const std::filesystem::path& path) {
     Bytes bytes(count);
     std::size_t used = 0;
-    while (const std::size_t more = readSome(file, std::span(bytes).subspan(used), path)) {
+    while (used < count) {
+        const std::size_t more = readSome(file, std::span(bytes).subspan(used), path);
+        if (more == 0) {
+            break;
+        }
         used += more;
     }
     bytes.resize(used);
