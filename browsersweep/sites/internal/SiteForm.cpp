@@ -18,14 +18,28 @@ char inSmall(char letter) noexcept {
 }
 
 // What cannot stand in a host's name: it is ASCII here, or UTF-8 as it is. "%" would be a zone.
+constexpr std::array<bool, 256> forbiddenBytes() {
+    std::array<bool, 256> forbidden{};
+    for (std::size_t value = 0; value < 0x20; ++value) {
+        forbidden[value] = true;
+    }
+    forbidden[0x7F] = true;
+    for (const char letter : std::string_view("/\\?#@<>^|%*,;\"'`{}()&=+$! ")) {
+        forbidden[static_cast<unsigned char>(letter)] = true;
+    }
+    return forbidden;
+}
+
+// Asked of each letter of each row's host: a table, not a search.
 bool isForbidden(char letter) noexcept {
-    constexpr std::string_view forbidden = "/\\?#@<>^|%*,;\"'`{}()&=+$! ";
-    const auto value = static_cast<unsigned char>(letter);
-    return value < 0x20 || value == 0x7F || forbidden.find(letter) != std::string_view::npos;
+    static constexpr auto forbidden = forbiddenBytes();
+    return forbidden[static_cast<unsigned char>(letter)];
 }
 
 std::string_view upTo(std::string_view text, std::string_view anyOf) noexcept {
-    return text.substr(0, std::min(text.find_first_of(anyOf), text.size()));
+    const auto* const end =
+        std::find_first_of(text.begin(), text.end(), anyOf.begin(), anyOf.end());
+    return text.substr(0, static_cast<std::size_t>(end - text.begin()));
 }
 
 // Without a port: what follows the last colon, unless that stands within brackets.
@@ -39,10 +53,11 @@ std::string_view withoutPort(std::string_view host) noexcept {
 
 constexpr std::array<std::string_view, 5> webSchemes{"http", "https", "ws", "wss", "ftp"};
 
-bool isWebScheme(std::string_view scheme) {
-    std::string small(scheme);
-    std::transform(small.begin(), small.end(), small.begin(), inSmall);
-    return std::find(webSchemes.begin(), webSchemes.end(), small) != webSchemes.end();
+bool isWebScheme(std::string_view scheme) noexcept {
+    return std::any_of(webSchemes.begin(), webSchemes.end(), [scheme](std::string_view known) {
+        return std::equal(scheme.begin(), scheme.end(), known.begin(), known.end(),
+                          [](char one, char other) { return inSmall(one) == other; });
+    });
 }
 
 void addHost(Hosts& hosts, std::string host) {

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <exception>
 #include <new>
 #include <span>
@@ -75,16 +76,63 @@ void md5OfText(sqlite3_context* context, int count, sqlite3_value** values) {
     });
 }
 
+// As SQLite counts: letters up to the first NUL; what cannot begin a letter counts as one.
+std::int64_t lettersIn(const unsigned char* text) noexcept {
+    std::int64_t count = 0;
+    while (*text != 0) {
+        const bool mayHaveMore = *text++ >= 0xC0;
+        while (mayHaveMore && (*text & 0xC0U) == 0x80) {
+            ++text;
+        }
+        ++count;
+    }
+    return count;
+}
+
+std::int64_t digitsOf(std::int64_t number) noexcept {
+    std::int64_t count = number < 0 ? 2 : 1;
+    for (number /= 10; number != 0; number /= 10) {
+        ++count;
+    }
+    return count;
+}
+
+/** 0 of NULL, and of what memory does not suffice for. */
+std::int64_t lengthOf(sqlite3_value* value) noexcept {
+    switch (sqlite3_value_type(value)) {
+        case SQLITE_NULL:
+            return 0;
+        case SQLITE_INTEGER:
+            return digitsOf(sqlite3_value_int64(value));
+        case SQLITE_TEXT: {
+            const unsigned char* const text = sqlite3_value_text(value);
+            return text == nullptr ? 0 : lettersIn(text);
+        }
+        default:
+            return sqlite3_value_bytes(value);
+    }
+}
+
+// One call for a row rather than two for each value; a number is not written down to be measured.
+void lengths(sqlite3_context* context, int count, sqlite3_value** values) {
+    std::int64_t sum = 0;
+    for (sqlite3_value* const value : Values(values, static_cast<std::size_t>(count))) {
+        sum += lengthOf(value);
+    }
+    sqlite3_result_int64(context, sum);
+}
+
 struct KnownFunction {
     const char* name;
     int argumentCount;  // negative: any
     void (*call)(sqlite3_context*, int, sqlite3_value**);
 };
 
-constexpr std::array<KnownFunction, 3> knownFunctions{{
+constexpr std::array<KnownFunction, 4> knownFunctions{{
     {"namesSite", -1, namesSite},
     {"isProtected", 1, isProtectedAddress},
     {"md5Of", 1, md5OfText},
+    {"lengths", -1, lengths},
 }};
 
 }  // namespace

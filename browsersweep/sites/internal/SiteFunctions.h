@@ -17,8 +17,9 @@ using ProtectedAddresses = std::set<std::string, std::less<>>;
 
 /**
  * The questions that statements ask about a selection: `namesSite(form, text, ...)` and
- * `isProtected(address)`; and `md5Of(text)`, in small hexadecimal digits, by which browsers name
- * files. No view, trigger or index of a schema can ask them. Must outlive the statements.
+ * `isProtected(address)`; `md5Of(text)`, in small hexadecimal digits, by which browsers name files;
+ * and `lengths(value, ...)`, the sum of what SQLite's own `length` gives for each. No view, trigger
+ * or index of a schema can ask them. Must outlive the statements.
  */
 class SiteFunctions {
 public:

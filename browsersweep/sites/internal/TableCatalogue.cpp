@@ -14,6 +14,7 @@ struct Column {
     std::string name;
     bool isRequired = false;
     bool isRowNumber = false;
+    bool isLarge = false;
 };
 
 using Columns = std::vector<Column>;
@@ -30,10 +31,20 @@ bool isTable(sqlite3* database, std::string_view name, OperationControl* control
                     control) != 0;
 }
 
+bool isSameLetter(char one, char other) noexcept {
+    return (one | 0x20) == other;
+}
+
 bool isInteger(std::string_view type) {
     constexpr std::string_view integer = "integer";
-    return std::equal(type.begin(), type.end(), integer.begin(), integer.end(),
-                      [](char one, char other) { return (one | 0x20) == other; });
+    return std::equal(type.begin(), type.end(), integer.begin(), integer.end(), isSameLetter);
+}
+
+// As SQLite tells what is kept as it is.
+bool isOfBytes(std::string_view type) {
+    constexpr std::string_view blob = "blob";
+    return type.empty() || std::search(type.begin(), type.end(), blob.begin(), blob.end(),
+                                       isSameLetter) != type.end();
 }
 
 Columns columnsOf(sqlite3* database, std::string_view table, OperationControl* control) {
@@ -47,7 +58,8 @@ Columns columnsOf(sqlite3* database, std::string_view table, OperationControl* c
         const bool isKey = query.number(5) != 0;
         keys += isKey ? 1 : 0;
         const bool isRowNumber = isKey && isInteger(query.text(2));
-        columns.push_back({std::string(query.text(1)), query.number(3) != 0, isRowNumber});
+        columns.push_back({std::string(query.text(1)), query.number(3) != 0, isRowNumber,
+                           isOfBytes(query.text(2))});
     }
     for (Column& column : columns) {
         column.isRowNumber = column.isRowNumber && keys == 1;
@@ -69,6 +81,9 @@ TableColumns columnsIn(sqlite3* database, const TraceTable& table, OperationCont
     TableColumns result;
     for (const Column& column : own) {
         result.own.insert(column.name);
+        if (column.isLarge) {
+            result.large.insert(column.name);
+        }
     }
     for (const Column& column : other) {
         result.other.insert(column.name);

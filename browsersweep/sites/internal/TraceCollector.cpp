@@ -13,29 +13,49 @@ constexpr std::size_t mostSharedNames = std::size_t{1} << 20;
 }  // namespace
 
 // Asked once for each row: many rows name few hosts, and the public suffix list is not small.
-const Site* TraceCollector::siteOf(const std::string& host) {
-    auto found = sites_.find(host);
-    if (found == sites_.end()) {
-        found = sites_.emplace(host, Site::ofHost(host)).first;
+TraceCollector::KnownHost& TraceCollector::known(const std::string& host) {
+    auto found = hosts_.find(host);
+    if (found == hosts_.end()) {
+        found = hosts_.emplace(host, KnownHost{Site::ofHost(host)}).first;
     }
-    return found->second ? &*found->second : nullptr;
+    return found->second;
 }
 
 Trace& TraceCollector::traceOf(const Site& site, TraceKind kind) {
     return traces_.try_emplace({site, kind}, Trace{site, kind, {}, {}, {}}).first->second;
 }
 
+// Most hosts have traces of one kind in a store. A trace stays where it is until all are taken.
+Trace& TraceCollector::traceOf(const std::string& host, KnownHost& known, TraceKind kind) {
+    if (known.trace == nullptr || known.trace->kind != kind) {
+        known.trace = &traceOf(*known.site, kind);
+        known.trace->hosts.insert(host);
+    }
+    return *known.trace;
+}
+
 void TraceCollector::add(TraceKind kind, std::span<const std::string> hosts,
                          const CleanableDataSize& size, std::optional<Date> lastUsed) {
-    std::set<Site> sites;  // two hosts may be of one site
+    const Site* first = nullptr;
+    std::set<Site> sites;  // two hosts may be of one site, and mostly are
+    const auto isNew = [&](const Site& site) {
+        if (first == nullptr) {
+            first = &site;
+            return true;
+        }
+        if (sites.empty() && site == *first) {
+            return false;
+        }
+        sites.insert(*first);
+        return sites.insert(site).second;
+    };
     for (const std::string& host : hosts) {
-        const Site* const site = siteOf(host);
-        if (site == nullptr) {
+        KnownHost& found = known(host);
+        if (!found.site) {
             continue;
         }
-        Trace& trace = traceOf(*site, kind);
-        trace.hosts.insert(host);
-        if (sites.insert(*site).second) {
+        Trace& trace = traceOf(host, found, kind);
+        if (isNew(*found.site)) {
             trace.size = trace.size + size;
             trace.lastUsed = std::max(trace.lastUsed, lastUsed);
         }
@@ -64,7 +84,7 @@ void TraceCollector::addShared(TraceKind kind, const std::set<Site>& sites,
 
 // One by one: there may be a million, which need not be there twice.
 std::vector<Trace> TraceCollector::takeTraces() {
-    sites_.clear();
+    hosts_.clear();
     std::vector<Trace> result;
     result.reserve(traces_.size());
     while (!traces_.empty()) {

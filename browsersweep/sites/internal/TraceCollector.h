@@ -32,12 +32,19 @@ public:
     std::vector<Trace> takeTraces();
 
 private:
-    const Site* siteOf(const std::string& host);
+    /** What is known of a host: its site, and the trace that it was noted in last. */
+    struct KnownHost {
+        std::optional<Site> site;
+        Trace* trace = nullptr;
+    };
+
+    KnownHost& known(const std::string& host);
     Trace& traceOf(const Site& site, TraceKind kind);
+    Trace& traceOf(const std::string& host, KnownHost& known, TraceKind kind);
     void addShared(TraceKind kind, const std::set<Site>& sites, const CleanableDataSize& size);
 
     std::map<std::pair<Site, TraceKind>, Trace> traces_;
-    std::unordered_map<std::string, std::optional<Site>> sites_;
+    std::unordered_map<std::string, KnownHost> hosts_;
     std::size_t sharedNames_ = 0;
 };
 

@@ -182,11 +182,23 @@ std::string TraceTableSQL::question(const SiteSelection& selection) const {
            withWhere(condition(selection)) + ")";
 }
 
+// SQLite knows the length of a large value without reading it; the rest is asked for at once.
 std::string TraceTableSQL::bytes() const {
+    constexpr std::size_t mostArguments = 64;
     std::string sum;
+    std::string arguments;
+    std::size_t count = 0;
     for (const std::string& column : columns_.own) {
-        append(sum, " + ", "coalesce(length(" + identifier(column) + "), 0)");
+        if (columns_.large.contains(column)) {
+            append(sum, " + ", "coalesce(length(" + identifier(column) + "), 0)");
+            continue;
+        }
+        append(arguments, ", ", identifier(column));
+        if (++count % mostArguments == 0) {
+            append(sum, " + ", "lengths(" + std::exchange(arguments, {}) + ")");
+        }
     }
+    append(sum, " + ", arguments.empty() ? arguments : "lengths(" + arguments + ")");
     return sum;
 }
 

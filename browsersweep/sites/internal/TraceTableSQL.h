@@ -13,7 +13,9 @@ namespace browsersweep {
 
 /** What a database really has of a table and of the one that it is related to. */
 struct TableColumns {
-    std::set<std::string, std::less<>> own;    ///< the names; none: there is no such table
+    std::set<std::string, std::less<>> own;  ///< the names; none: there is no such table
+    /** Those of the own columns that may hold large values: their bytes are not to be read. */
+    std::set<std::string, std::less<>> large;
     std::set<std::string, std::less<>> other;  ///< of the related table
     /** The column that is referred to is the row's own number: never NULL, and found at once. */
     bool otherIsRowNumber = false;
@@ -23,9 +25,8 @@ struct TableColumns {
 /**
  * The statements of one rule of one table, as far as the database has what it names: a table that
  * is missing has none, and a column that is missing counts for nothing. A table that has none of
- * the columns by which it names sites is like a mixed one. The statements ask two functions:
- * `namesSite(form, text, ...)`, whether a site of the selection is named, and
- * `isProtected(address)`.
+ * the columns by which it names sites is like a mixed one. The statements ask the functions of
+ * `SiteFunctions`.
  */
 class TraceTableSQL {
 public:

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -105,6 +106,45 @@ protected:
     fs::path file_ = home_.makeFolder("data") / "traces.db";
     std::shared_ptr<const FileManager> manager_ = tests::GuardedFileManager::forFixture(home_);
 };
+
+/** Values whose lengths are told apart: numbers, letters, bytes, and what a column's type is. */
+const std::string valuesOfAllKinds =
+    "CREATE TABLE permissions (host TEXT, value INTEGER, fraction REAL, name VARCHAR, bytes BLOB,"
+    " any);"
+    "INSERT INTO permissions VALUES"
+    " ('a.test', 0, 0.5, NULL, NULL, NULL), ('a.test', -120, -2.0, '\u00e4\u20acx', x'0001', 7),"
+    " ('a.test', 9223372036854775807, 1e300, cast(x'61006263' AS TEXT), zeroblob(5000), 'text'),"
+    " ('a.test', -9223372036854775808, 10, cast(x'80c3' AS TEXT), 'as text', 1.25),"
+    " ('a.test', x'616263', 'words', 99, 12, x'');";
+
+TEST_F(DatabaseTraceStoreTest, aRowCountsWithTheLengthsThatSQLiteGivesItsValues) {
+    for (const char* encoding : {"UTF-8", "UTF-16le"}) {
+        const fs::path file = home_ / (std::string("data/") + encoding);
+        const Database database(file);
+        database.execute("PRAGMA encoding = '" + std::string(encoding) + "';" + valuesOfAllKinds);
+        const auto expected = database.number(
+            "SELECT sum(length(host) + coalesce(length(value), 0) + coalesce(length(fraction), 0) +"
+            " coalesce(length(name), 0) + coalesce(length(bytes), 0) + coalesce(length(any), 0))"
+            " FROM permissions");
+        const auto listing = DatabaseTraceStore({file, tables}, manager_).list({});
+        ASSERT_EQ(listing.bySite.size(), 1U);
+        EXPECT_EQ(listing.bySite[0].size, approximately(5, expected));
+    }
+}
+
+TEST_F(DatabaseTraceStoreTest, aTableOfManyColumnsIsListedWhole) {
+    std::string columns;
+    std::string values;
+    for (int number = 0; number < 200; ++number) {
+        columns += ", c" + std::to_string(number) + " INTEGER";
+        values += ", 12";
+    }
+    make("CREATE TABLE permissions (host TEXT" + columns +
+         "); INSERT INTO permissions VALUES ('a.test'" + values + ")");
+    const auto listing = store().list({});
+    ASSERT_EQ(listing.bySite.size(), 1U);
+    EXPECT_EQ(listing.bySite[0].size, approximately(1, 6 + 200 * 2));
+}
 
 TEST_F(DatabaseTraceStoreTest, aFileThatIsMissingHoldsNothingAndIsNotMade) {
     const auto before = home_.snapshot();
