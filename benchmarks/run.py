@@ -29,6 +29,8 @@ import data
 HERE = Path(__file__).resolve().parent
 TWENTY_PATTERNS = ",".join(f"host{number * 37}." for number in range(20))
 DATES = "250000:750000"
+# What was changed within the last seconds is read again each time; a browser's files lie there longer.
+SECONDS_UNTIL_SETTLED = 4
 
 
 def likes(patterns: str, column: str = "url") -> str:
@@ -217,6 +219,7 @@ class Workloads:
         """The host program on a fresh copy. Forced: a browser may be running on this machine."""
         def command() -> list:
             copy = data.fresh_copy(self.paths["used-home"], self.scratch / "used-home")
+            time.sleep(SECONDS_UNTIL_SETTLED)
             return [self.peak, self.host, "--home", copy, *arguments, "--yes", "--force",
                     "--browser", "chromium"]
         return command

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -31,12 +33,19 @@ public:
     Key keyOf(const FolderEntry& file, Date beforeListing, const std::function<Key()>& read);
 
 private:
+    /** A file, and where its key stands among all. There may be a million: no name is kept. */
     struct Known {
-        FolderEntry file;
-        Key key;
+        std::uint64_t size = 0;
+        std::optional<Date> modified;
+        Date changed;
+        std::size_t place = 0;
+        std::optional<std::size_t> length;
     };
 
-    std::unordered_map<std::string, Known> known_;
+    static bool isUnchanged(const Known& known, const FolderEntry& file) noexcept;
+
+    std::unordered_map<std::uint64_t, Known> known_;  // by the number of the file
+    std::string keys_;
 };
 
 }  // namespace browsersweep

@@ -1,3 +1,4 @@
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <stdexcept>
@@ -39,11 +40,23 @@ protected:
 
 TEST_F(KeyMemoryTest, anUnchangedFileIsReadOnceAlsoOneWithoutAKey) {
     FolderEntry damaged = file;
-    damaged.name = "damaged";
+    damaged.number = 8;
     EXPECT_EQ(ask(file, "key"), (Answer{"key", true}));
     EXPECT_EQ(ask(damaged, std::nullopt), (Answer{std::nullopt, true}));
     EXPECT_EQ(ask(file, "other"), (Answer{"key", false}));
     EXPECT_EQ(ask(damaged, "other"), (Answer{std::nullopt, false}));
+}
+
+TEST_F(KeyMemoryTest, keysOfManyFilesAreToldApart) {
+    const std::vector<Key> keys{"first", "", std::nullopt, "fourth\0th"};
+    std::vector<FolderEntry> files(keys.size(), file);
+    for (std::size_t index = 0; index < keys.size(); ++index) {
+        files[index].number += index;
+        ask(files[index], keys[index]);
+    }
+    for (std::size_t index = 0; index < keys.size(); ++index) {
+        EXPECT_EQ(ask(files[index], "other"), (Answer{keys[index], false}));
+    }
 }
 
 TEST_F(KeyMemoryTest, aFileThatDiffersInAnythingThatIsListedIsReadAgain) {
