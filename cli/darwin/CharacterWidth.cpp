@@ -1,5 +1,6 @@
 #include "cli/CharacterWidth.h"
 
+#include <cwchar>  // first: <xlocale.h> declares what belongs to the headers that it comes after
 #include <memory>
 #include <type_traits>
 
