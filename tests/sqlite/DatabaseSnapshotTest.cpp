@@ -385,6 +385,29 @@ TEST_F(DatabaseSnapshots, areNoneWhereTheOperationIsToStopOnceTheyAreCopied) {
     EXPECT_EQ(changing->copies().size(), 1U);
 }
 
+TEST_F(DatabaseSnapshots, askTheControlWhileTheyAreComparedAndSeeWhatChangesThen) {
+    make("WAL");
+    bool isCopied = false;
+    const auto control = std::make_shared<OperationControl>([&](const OperationProgress&) {
+        if (std::exchange(isCopied, false)) {
+            Database(file_).execute("INSERT INTO history_visits (history_item) VALUES (1)");
+        }
+        return false;
+    });
+    const auto changing = std::make_shared<ChangingFileManager>(
+        FileManager::forHome(home_.path(), control),
+        [&, isFirst = true](const fs::path& /*from*/, const fs::path& /*to*/) mutable {
+            isCopied = std::exchange(isFirst, false);
+        });
+    std::vector<std::int32_t> seen;
+    EXPECT_TRUE(DatabaseSnapshot(file_, changing).read([&](const SQLiteConnection& connection) {
+        seen.push_back(
+            connection.evaluate("SELECT COUNT(*) FROM history_visits", CountEvaluator{}));
+    }));
+    EXPECT_EQ(seen, std::vector<std::int32_t>{visitCount + 1});
+    EXPECT_EQ(changing->copies().size(), 2U);
+}
+
 TEST_F(DatabaseSnapshots, areTriedAgainWhereACompanionAppearsMeanwhile) {
     make("WAL");
     const auto changing = std::make_shared<ChangingFileManager>(
