@@ -13,8 +13,8 @@
 
 #include "tests/support/CacheEntry.h"
 #include "tests/support/FaultyFileManager.h"
-#include "tests/support/ForwardingFileManager.h"
 #include "tests/support/LevelRecords.h"
+#include "tests/support/OldFiles.h"
 #include "tests/support/SiteStores.h"
 
 namespace browsersweep {
@@ -269,28 +269,8 @@ TEST_P(Caches, whereNothingGoesTheIndexStays) {
     EXPECT_EQ(home.folder.snapshot(), before);
 }
 
-/** Tells of all files that they were changed long ago, and counts what is read of them. */
-class OldFiles : public tests::ForwardingFileManager {
-public:
-    using ForwardingFileManager::ForwardingFileManager;
-
-    std::vector<FolderEntry> entries(const fs::path& directory) const override {
-        auto found = ForwardingFileManager::entries(directory);
-        for (FolderEntry& entry : found) {
-            entry.changed = dateFrom1970Seconds(5);
-        }
-        return found;
-    }
-    Bytes firstBytes(const fs::path& path, std::size_t count) const override {
-        read.push_back(path.filename().string());
-        return ForwardingFileManager::firstBytes(path, count);
-    }
-
-    mutable Lines read;
-};
-
 TEST_P(Caches, anOperationReadsTheKeyOfAnUnchangedEntryOnce) {
-    const auto files = std::make_shared<OldFiles>(home.manager);
+    const auto files = std::make_shared<tests::OldFiles>(home.manager);
     const auto remembering =
         tests::storeAt(folderStores(home.folders, files), folder())->remembering();
     remembering->list({});
@@ -303,7 +283,7 @@ TEST_P(Caches, anOperationReadsTheKeyOfAnUnchangedEntryOnce) {
 }
 
 TEST_P(Caches, anOperationReadsAnEntryAgainThatWasReplacedOrRewritten) {
-    const auto files = std::make_shared<OldFiles>(home.manager);
+    const auto files = std::make_shared<tests::OldFiles>(home.manager);
     const auto remembering =
         tests::storeAt(folderStores(home.folders, files), folder())->remembering();
     remembering->list({});
@@ -323,7 +303,7 @@ TEST_P(Caches, anOperationReadsAnEntryAgainThatWasReplacedOrRewritten) {
 }
 
 TEST_P(Caches, aStoreThatWasNotAskedToRememberReadsAllAfresh) {
-    const auto files = std::make_shared<OldFiles>(home.manager);
+    const auto files = std::make_shared<tests::OldFiles>(home.manager);
     const auto plain = tests::storeAt(folderStores(home.folders, files), folder());
     plain->list({});
     const auto before = std::exchange(files->read, {});

@@ -13,7 +13,7 @@
 #include "browsersweep/traces/firefox/internal/FirefoxFileStores.h"
 
 #include "tests/support/Bytes.h"
-#include "tests/support/ForwardingFileManager.h"
+#include "tests/support/OldFiles.h"
 #include "tests/support/SiteStores.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -202,28 +202,8 @@ TEST_F(FirefoxCache, entriesThatNameASiteGoAndWithThemTheIndexAndWhatIsOnItsWayO
     EXPECT_FALSE(fs::exists(folder));
 }
 
-/** Tells of all files that they were changed long ago, and counts what is read of them. */
-class OldFiles : public tests::ForwardingFileManager {
-public:
-    using ForwardingFileManager::ForwardingFileManager;
-
-    std::vector<FolderEntry> entries(const fs::path& directory) const override {
-        auto found = ForwardingFileManager::entries(directory);
-        for (FolderEntry& entry : found) {
-            entry.changed = dateFrom1970Seconds(5);
-        }
-        return found;
-    }
-    Bytes lastBytes(const fs::path& path, std::size_t count) const override {
-        read.push_back(path.filename().string());
-        return ForwardingFileManager::lastBytes(path, count);
-    }
-
-    mutable Lines read;
-};
-
 TEST_F(FirefoxCache, anOperationReadsTheKeyOfAnEntryOnceUnlessAnotherOneTakesItsPlace) {
-    const auto files = std::make_shared<OldFiles>(home.manager);
+    const auto files = std::make_shared<tests::OldFiles>(home.manager);
     const FirefoxCacheStore plain(folder, files);
     const auto remembering = plain.remembering();
     remembering->list({});

@@ -164,8 +164,7 @@ DocumentForm transportSecurity() {
             true,
             sha256OfHost,
             "sites that must be loaded over HTTPS, as hashes of hosts that no other store names; "
-            "without "
-            "them the first request goes over HTTP"};
+            "without them the first request goes over HTTP"};
 }
 
 }  // namespace
