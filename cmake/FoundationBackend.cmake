@@ -13,7 +13,13 @@ find_program(BROWSERSWEEP_OBJCXX NAMES clang++ REQUIRED)
 if(NOT CMAKE_OBJCXX_COMPILER)
   set(CMAKE_OBJCXX_COMPILER ${BROWSERSWEEP_OBJCXX})
 endif()
+# CMake names and begins the precompiled headers of all languages as the compiler of the last one does. What
+# is C++ is compiled as in every other build: what is found in the compiler's cache is not compiled again.
+set(browsersweep_pch_extension ${CMAKE_PCH_EXTENSION})
+set(browsersweep_pch_prologue ${CMAKE_PCH_PROLOGUE})
 enable_language(OBJCXX)
+set(CMAKE_PCH_EXTENSION ${browsersweep_pch_extension})
+set(CMAKE_PCH_PROLOGUE ${browsersweep_pch_prologue})
 
 # The runtime's headers lie in gcc's own include folder, which clang must not search: a link shows
 # it the one folder that it needs.
