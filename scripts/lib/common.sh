@@ -83,12 +83,10 @@ use_build_tools() {
     export CMAKE_BUILD_PARALLEL_LEVEL="${CMAKE_BUILD_PARALLEL_LEVEL:-$(cpu_count)}"
 }
 
-# build PRESET [OPTION...]: configures, with these options of CMake, and builds.
+# build PRESET [OPTION...]: configures and builds, with these options of the building.
 build() {
-    local preset=$1
-    shift
     use_build_tools
-    (cd "$root" && cmake --preset "$preset" "$@" && cmake --build --preset "$preset")
+    (cd "$root" && cmake --preset "$1" && cmake --build --preset "$@")
 }
 
 # new_folder NAME: makes a new private folder and prints its path.

@@ -138,8 +138,8 @@ class CommonFunctions(ScriptTest):
         self.stand_in("cmake", 'echo "$CCACHE_DIR $CMAKE_CXX_COMPILER_LAUNCHER '
                                '$CMAKE_BUILD_PARALLEL_LEVEL"')
         line = f"{ROOT}/build/ccache ccache 8\n"
-        self.assertEqual(self.common("build debug -DA=B").stdout, line + line)
-        self.assertEqual(self.recorded("cmake"), ["--preset debug -DA=B", "--build --preset debug"])
+        self.assertEqual(self.common("build debug --target x").stdout, line + line)
+        self.assertEqual(self.recorded("cmake"), ["--preset debug", "--build --preset debug --target x"])
 
 
 class DemonstrationOnMacOS(ScriptTest):

@@ -63,11 +63,11 @@ class Runner(ScriptTest):
 
     def test_what_failed_stands_once_more_at_the_end(self):
         self.reports(FAILS, status=8)
-        self.stand_in("cmake", 'case "$*" in *clang*) echo no such file; exit 1 ;; esac')
-        finished = self.assert_ends_with("1 passed, 2 failed, 0 skipped", 1, "asan", "clang")
+        self.stand_in("cmake", 'case "$*" in *libcxx*) echo no such file; exit 1 ;; esac')
+        finished = self.assert_ends_with("1 passed, 2 failed, 0 skipped", 1, "asan", "libcxx")
         end = finished.stdout[finished.stdout.index("== what failed"):]
         self.assertEqual(end, "== what failed\nasan: failed: fails wrong\n      Actual: 2\n"
-                              "      no such file\nclang: FAILED: it ended with status 1\n\n"
+                              "      no such file\nlibcxx: FAILED: it ended with status 1\n\n"
                               "1 passed, 2 failed, 0 skipped\n")
         self.reports(PASSES)
         self.assertNotIn("what failed", self.run_parts("asan").stdout)
@@ -92,6 +92,17 @@ class Runner(ScriptTest):
         self.run_parts("asan")
         self.stand_in("ctest", "kill -9 $$")
         self.assert_ends_with("0 passed, 1 failed, 0 skipped", 1, "asan")
+
+    def test_the_sanitizers_and_the_fuzz_targets_of_clang_share_a_build(self):
+        self.stand_in("ctest", 'case "$*" in "--preset fuzz "*) ;; *) exit 8 ;; esac\n'
+                               'case "$*" in *"--label-exclude fuzz"*) name=unit ;;\n'
+                               '*"--label-regex fuzz"*) name=fuzz ;; esac\n'
+                               'while [ "$1" != --output-junit ]; do shift; done\n'
+                               'echo "<testsuite><testcase name=\'$name\'/></testsuite>" >"$2"')
+        self.assert_ends_with("2 passed, 0 failed, 0 skipped", 0, "clang", "fuzz")
+        built = [words for words in self.recorded("cmake") if words.startswith("--build")]
+        self.assertEqual(built, ["--build --preset fuzz",
+                                 "--build --preset fuzz --target browsersweep_fuzzers"])
 
     def test_a_part_without_its_tool_is_skipped(self):
         (self.commands / "clang++").unlink()
