@@ -142,6 +142,15 @@ def frozen(process: subprocess.Popen) -> Iterator[None]:
         os.killpg(process.pid, signal.SIGCONT)
 
 
+def kill(process: subprocess.Popen) -> None:
+    """Kill a child process that leads a process group, and those it started: a file may be locked for as
+    long as one of them has not ended."""
+    os.killpg(process.pid, signal.SIGKILL)
+    process.wait()
+    while runs_on(process.pid):
+        time.sleep(0.01)
+
+
 def runs_on(group: int) -> bool:
     """Whether a thread of the process group still works: one that is told to stop does so when its
     system call ends, such as the writing of a file."""

@@ -23,7 +23,7 @@ from pathlib import Path
 import carriers
 import remembered
 from bench import Bench, check, differences, fingerprints, same
-from browser import Layout
+from browser import Layout, kill
 from keeping import BELONGINGS, DECISIONS, EMBEDDED, OF_BROWSERS, WASTE, mixed
 from markers import markers_in
 from planted import FRAME, GONE, KEPT, MARKED, SITES, kind_of, word_of
@@ -178,8 +178,7 @@ def kill_while_visiting(bench: PlantedBench, layout: Layout) -> None:
     browser = remembered.OPEN[bench.family](bench.binary, layout, profile, bench.web, bench.log)
     with contextlib.suppress(Exception), browser:
         visit_all(bench, browser)
-        os.killpg(browser.process.pid, signal.SIGKILL)
-        browser.process.wait()
+        kill(browser.process)
         raise InterruptedError  # it is not asked to end
 
 
