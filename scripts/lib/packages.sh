@@ -2,10 +2,10 @@
 # shellcheck shell=bash
 # shellcheck disable=SC2034  # the lists are read by the script that sources this file
 
-# To build and run the library and the host program.
+# To build and run the library and the host program. Debian 13's LevelDB is linked with Snappy by name.
 debian_build="g++ cmake ninja-build ccache git python3 sqlite3 tzdata
     libsqlite3-dev nlohmann-json3-dev libexpat1-dev libicu-dev libcli11-dev libfmt-dev
-    libpsl-dev liblz4-dev libleveldb-dev libutf8proc-dev"
+    libpsl-dev liblz4-dev libleveldb-dev libsnappy-dev libutf8proc-dev"
 
 # To run every test besides. What pkg-config tells of a static SQLite asks for zlib, and CPack for file.
 debian_test="clang clang-format clang-tidy lld libclang-rt-14-dev libc++-dev libc++abi-dev

@@ -102,6 +102,31 @@ def test_the_module_map_makes_a_module(prefixes, tmp_path):
 
 
 @pytest.mark.parametrize("kind", KINDS)
+def test_a_program_in_swift_finds_the_module(kind, prefixes, tmp_path):
+    """The static library asks for what it needs from the system, as the guide says."""
+    needs("swiftc")
+    needs("pkg-config")
+    headers, libraries = prefixes[kind] / "include", prefixes[kind] / "lib"
+    mode = ["--static"] if kind == "static" else []
+    linked = run("pkg-config", *mode, "--libs", "browsersweep",
+                 env={**os.environ, "PKG_CONFIG_PATH": str(libraries / "pkgconfig")}).split()
+    paths = [word for flag in linked if flag.startswith("-Wl,-rpath,")
+             for word in ("-Xlinker", "-rpath", "-Xlinker", flag.removeprefix("-Wl,-rpath,"))]
+    run("swiftc", "-warnings-as-errors", "-I", headers / "browsersweep" / "c", CONSUMERS / "main.swift",
+        "-o", tmp_path / "program", *(flag for flag in linked if not flag.startswith("-Wl,")), *paths)
+    try_program(tmp_path / "program", tmp_path, libraries)
+
+
+def test_an_application_in_swift_takes_the_package(tmp_path):
+    """Swift's package manager compiles the library from its sources."""
+    needs("swift")
+    needs("pkg-config")
+    made = BUILDS / "swift"
+    run("swift", "build", "--package-path", CONSUMERS / "swift", "--scratch-path", made)
+    try_program(made / "debug" / "consumer", tmp_path)
+
+
+@pytest.mark.parametrize("kind", KINDS)
 def test_a_project_finds_the_package(kind, prefixes, tmp_path):
     find_package(kind, prefixes[kind], tmp_path)
 
