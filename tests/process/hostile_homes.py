@@ -91,7 +91,8 @@ class HostileHome:
 
         self.mounts = sorted(filter(is_possible, self.mounts), key=lambda mount: -len(mount[2].parts))
         # A sound database in the place of a file can be looked into, whatever was done to that file before.
-        self.unseen -= {str(place) for _, what, place in self.mounts if what == self.precious / "History"}
+        sound = self.precious / "History"
+        self.unseen -= {str(place) for *_, place in self.mounts if self.seen(place) == sound}
 
     def prefix(self, user):
         """What is put before a command so that it finds the mounts, and is run by that user."""

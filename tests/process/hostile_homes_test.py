@@ -158,13 +158,15 @@ class HostileHomes(unittest.TestCase):
             self.assertEqual(store["removed"]["itemCount"]["value"], 0)
         is_kept = any(what == str(path) or what.startswith(f"{path}/") for what in kept)
         if store["verdict"] in ("measured", "nothingThere") and not is_kept:
-            self.check_zero(home, path, store["verdict"], store["removed"]["itemCount"])
+            # The index of Firefox's cache, beside the entries, is none of them.
+            index = {str(path / "index")} if path.name == "cache2" else set()
+            self.check_zero(home, path, store["verdict"], store["removed"]["itemCount"], index)
 
-    def check_zero(self, home, path, verdict, figure):
+    def check_zero(self, home, path, verdict, figure, uncounted=frozenset()):
         if str(path) in home.without_tables:
             return
         is_zero = figure["value"] == 0 and not figure["isApproximate"]
-        hidden, seen = hidden_at(home, path), home.seen(path)
+        hidden, seen = set(hidden_at(home, path)) - uncounted, home.seen(path)
         if hidden and (is_zero or verdict == "nothingThere") and seen and os.path.lexists(seen):
             self.assertFalse(holds_something(seen), hidden)
 

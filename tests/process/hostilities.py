@@ -134,7 +134,9 @@ def journal_that_names_a_file(home):
     header += (512).to_bytes(4, "big") + (4096).to_bytes(4, "big")
     pages = (0x40000000 // 4096 + 1).to_bytes(4, "big")
     tail = pages + name + len(name).to_bytes(4, "big") + (sum(name) & 0xFFFFFFFF).to_bytes(4, "big") + magic
-    path.with_name(path.name + "-journal").write_bytes(header.ljust(512, b"\0") + tail)
+    journal = path.with_name(path.name + "-journal")
+    journal.unlink(missing_ok=True)  # it may have become a pipe, which would wait for a reader
+    journal.write_bytes(header.ljust(512, b"\0") + tail)
     home.hide(path)
     return home.shown(path)
 
