@@ -54,7 +54,7 @@ function(browsersweep_precompile target)
 endfunction()
 
 # browsersweep_show_to_fuzzer(target): with BROWSERSWEEP_BUILD_FUZZERS, lets libFuzzer see which ways are
-# taken through the target, which is optimised so that it takes more of them.
+# taken through the target, which is optimized so that it takes more of them.
 function(browsersweep_show_to_fuzzer target)
   if(BROWSERSWEEP_BUILD_FUZZERS)
     target_compile_options(${target} PRIVATE -O1 -fsanitize=fuzzer-no-link)

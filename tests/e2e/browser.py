@@ -132,11 +132,7 @@ def frozen(process: subprocess.Popen) -> Iterator[None]:
     """
     os.killpg(process.pid, signal.SIGSTOP)
     try:
-        deadline = time.monotonic() + STOP_TIMEOUT
-        while runs_on(process.pid):
-            if time.monotonic() > deadline:
-                raise BrowserError(f"process group {process.pid} does not stop")
-            time.sleep(0.01)
+        wait_until_still(process.pid)
         yield
     finally:
         os.killpg(process.pid, signal.SIGCONT)
@@ -147,7 +143,15 @@ def kill(process: subprocess.Popen) -> None:
     long as one of them has not ended."""
     os.killpg(process.pid, signal.SIGKILL)
     process.wait()
-    while runs_on(process.pid):
+    wait_until_still(process.pid)
+
+
+def wait_until_still(group: int) -> None:
+    """Wait until a process group that was stopped or killed has come to that."""
+    deadline = time.monotonic() + STOP_TIMEOUT
+    while runs_on(group):
+        if time.monotonic() > deadline:
+            raise BrowserError(f"process group {group} does not stop")
         time.sleep(0.01)
 
 

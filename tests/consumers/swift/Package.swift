@@ -12,6 +12,5 @@ let package = Package(
             name: "consumer",
             dependencies: [.product(name: "BrowsersweepKit", package: "browsersweep")]
         )
-    ],
-    cxxLanguageStandard: .cxx20
+    ]
 )
